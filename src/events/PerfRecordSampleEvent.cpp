@@ -1,0 +1,132 @@
+#include "events/PerfRecordSampleEvent.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+
+#include "records/PerfReader.h"
+#include "run/Settings.h"
+
+std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction = nullptr;
+std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction64 = nullptr;
+std::vector<PerfRecordFunction>* PerfRecordSampleEvent::_functions = nullptr;
+
+namespace {
+
+constexpr unsigned int kUsualTableSize = 4000;
+/// 1 GiB of the target's 4-byte pointers.
+constexpr unsigned int kLargestTableSize = 1U << 28;
+
+/// An entry of the event table; the byte behind the name ends a name that has no NUL of its own.
+struct EventTableEntry {
+  static constexpr int kSize = 72;
+  char bytes[kSize + 1] = {};
+
+  unsigned long long eventId() const {
+    unsigned long long id = 0;
+    std::memcpy(&id, bytes, sizeof id);
+    return id;
+  }
+  const char* name() const { return bytes + 8; }
+};
+
+/// A function's address as "%x" of the target prints it.
+unsigned int shownAddress(PerfRecordFunction function) {
+  return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(function));
+}
+
+PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const char* tableName, const char* name) {
+  for (const PerfNameToFunctionS& entry : table) {
+    if (gVerbosity > 0) std::printf("%s cmp %s:%s\n", tableName, name, entry.name);
+    if (std::strcmp(name, entry.name) == 0) return entry.function;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+PerfRecordSampleEvent::PerfRecordSampleEvent(const PerfRecordSampleEventS& record)
+    : PerfRecordSample(record.ip(), record.time(), 0, record.pid(), record.tid(), 0, 0, record.sample()) {
+  initVectors();
+}
+
+void PerfRecordSampleEvent::initVectors() {
+  if (_functions != nullptr) return;
+  _nameAndFunction = new std::vector<PerfNameToFunctionS>;
+  _nameAndFunction64 = new std::vector<PerfNameToFunctionS>;
+  _functions = new std::vector<PerfRecordFunction>;
+}
+
+void PerfRecordSampleEvent::registerEvent(const char* name, PerfRecordFunction function) {
+  if (gVerbosity > 0) std::printf("registerEvent %s:%x\n", name, shownAddress(function));
+  _nameAndFunction->push_back({name, function});
+}
+
+void PerfRecordSampleEvent::registerEvent64(const char* name, PerfRecordFunction function) {
+  if (gVerbosity > 0) std::printf("registerEvent64 %s:%x\n", name, shownAddress(function));
+  _nameAndFunction64->push_back({name, function});
+}
+
+PerfRecordFunction PerfRecordSampleEvent::findFunction(const char* name) {
+  if (is64)
+    if (const PerfRecordFunction found = findIn(*_nameAndFunction64, "findFunction64", name); found != nullptr)
+      return found;
+  return findIn(*_nameAndFunction, "findFunction", name);
+}
+
+void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeaderS& header) {
+  initVectors();
+  const auto start = static_cast<std::uint32_t>(header.attrsOffset + header.attrsSize);
+  const std::uint32_t count = (static_cast<std::uint32_t>(header.dataOffset) - start) / EventTableEntry::kSize;
+  reader.seek(static_cast<int>(start));
+  if (gVerbosity > 0)
+    std::printf("Seek to %x (%llx+%llx) c:%d\n", start, static_cast<unsigned long long>(header.attrsSize),
+                static_cast<unsigned long long>(header.attrsOffset), static_cast<int>(count));
+  EventTableEntry entry;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    // At the end of the file the entry would only be taken again, and a count from a damaged header is huge.
+    if (reader.read(entry.bytes, EventTableEntry::kSize) <= 0) return;
+    if (gVerbosity > 0)
+      std::printf("readEvent: i:%04lld n:%s\n", static_cast<long long>(entry.eventId()), entry.name());
+    storeFunction(entry.eventId(), findFunction(entry.name()));
+  }
+}
+
+void PerfRecordSampleEvent::storeFunction(unsigned long long eventId, PerfRecordFunction function) {
+  const auto place = static_cast<std::uint32_t>(eventId);
+  // Against the capacity and not the size: a number between the two, and exactly 4000, ends the run below.
+  if (eventId >= _functions->capacity()) {
+    const std::uint32_t size = eventId <= kUsualTableSize ? kUsualTableSize : place + 1;
+    if (size > kLargestTableSize) throw std::out_of_range("vector::_M_range_check");
+    _functions->resize(size, nullptr);
+  }
+  _functions->at(place) = function;
+}
+
+PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
+  const PerfRecordSampleEventS sample(record);
+  if (sample.time() < gFirstTimestampToProcess || sample.time() > gLastTimestampToProcess) return nullptr;
+  const unsigned int type = sample.commonType();
+  if (_functions == nullptr || type >= _functions->size()) return nullptr;
+  const PerfRecordFunction function = (*_functions)[type];
+  if (gVerbosity > 0) std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
+  if (function == nullptr) return nullptr;
+  auto* event = static_cast<PerfRecordSampleEvent*>(function(record));
+  event->process(sample);
+  return event;
+}
+
+void PerfRecordSampleEvent::showBanner(const char* banner) {
+  if (gVerbosity > 0) std::puts(banner);
+}
+
+PerfRecordSampleFactoryRegister::PerfRecordSampleFactoryRegister(const char* name, PerfRecordFunction function) {
+  PerfRecordSampleEvent::initVectors();
+  PerfRecordSampleEvent::registerEvent(name, function);
+}
+
+PerfRecordSampleFactoryRegister64::PerfRecordSampleFactoryRegister64(const char* name, PerfRecordFunction function) {
+  PerfRecordSampleEvent::initVectors();
+  PerfRecordSampleEvent::registerEvent64(name, function);
+}

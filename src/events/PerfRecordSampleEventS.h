@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "records/PerfRecordSampleS.h"
+#include "records/RecordView.h"
+
+/// The fields of a trace-point behind its common header. Offsets count from the start of the payload.
+class EventPayload {
+ public:
+  EventPayload(const RecordView& view, std::size_t start) : _view(view), _start(start) {}
+
+  unsigned int u32(std::size_t offset) const { return _view.u32(_start + offset); }
+  int i32(std::size_t offset) const { return _view.i32(_start + offset); }
+
+  /// A text array. It runs on behind its field if the kernel's NUL is missing.
+  std::string_view text(std::size_t offset) const { return _view.text(_start + offset); }
+
+  /// The text that the location word at the offset points at, or what of it lies `skip` characters on. The word's low
+  /// half counts from the start of the raw data; the length in its high half is not looked at.
+  /// A place outside the record buffer gives a text without data.
+  std::string_view locatedText(std::size_t offset, std::size_t skip = 0) const;
+
+ private:
+  RecordView _view;
+  std::size_t _start;
+};
+
+/// A PERF_RECORD_SAMPLE of a trace-point as it lies in the record buffer. Its fields follow from what was recorded (IP,
+/// TID, TIME, ID, CPU, RAW; see linux/perf_event.h).
+class PerfRecordSampleEventS {
+ public:
+  explicit PerfRecordSampleEventS(const char* record) : _view(record), _sample(record) {}
+
+  unsigned long long ip() const { return _sample.ip(); }
+  unsigned int pid() const { return _sample.pid(); }
+  unsigned int tid() const { return _sample.tid(); }
+  unsigned long long time() const { return _sample.time(); }
+  int cpu() const { return _view.i32(40); }
+  /// The kernel's number of the event.
+  unsigned int commonType() const { return _view.u16(kRaw); }
+  int commonPid() const { return _view.i32(kRaw + 4); }
+
+  /// The payload. Kernels before 3.10 have a word more in the common header.
+  EventPayload payload() const;
+  /// The payload in the layouts of 64-bit kernels, which never have that word.
+  EventPayload payload64() const { return {_view, kRaw + 8}; }
+
+  /// The same record as a plain sample would read it.
+  const PerfRecordSampleS& sample() const { return _sample; }
+
+  static constexpr std::size_t kRaw = 52;
+
+ private:
+  RecordView _view;
+  PerfRecordSampleS _sample;
+};

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <string>
+
+namespace loomstat {
+
+/// Turns a sequence of calls into JSON text appended to a string that belongs to the caller. It decides where commas,
+/// spaces and line breaks go. A call out of order, such as a value without a label in an object, prints one
+/// line on standard error, writes nothing and leaves the writer as it was.
+class JsomStringWriter {
+ public:
+  explicit JsomStringWriter(std::string& out) : _out(out) {}
+  virtual ~JsomStringWriter() = default;
+  JsomStringWriter(const JsomStringWriter&) = delete;
+  JsomStringWriter& operator=(const JsomStringWriter&) = delete;
+
+  void startArray();
+  void endArray();
+  void startObject();
+  void endObject();
+
+  /// A raw text goes between the quotes as it stands, with no escaping.
+  void appendLabel(const char* text, int length, bool raw);
+  void appendLabel(const char* text, bool raw);
+
+  void appendInt(int value);
+  void appendUnsignedInt(unsigned int value);
+  void appendLong(long long value);
+  void appendUnsignedLong(unsigned long long value);
+  /// Up to `precision` decimals, less trailing zeros; an exponent beyond 1e16 in magnitude. A precision of 0 gives six
+  /// decimals, untrimmed. Infinity and not-a-number become the C library's words for them.
+  void appendDouble(double value, int precision);
+  void appendString(const std::string& text, bool raw);
+  /// A null text becomes the bare word null.
+  void appendString(const char* text, int length, bool raw);
+  void appendBoolean(bool value);
+  void appendNull();
+  /// Finished JSON. Even an empty text counts as a value, comma included.
+  void appendJsonValue(const char* text, int length);
+
+  /// Closes everything that is open; a label without a value gets null.
+  void end();
+
+  /// These two look at no state.
+  void write(const char* text, int length);
+  void writeChar(char byte);
+  void flush() {}
+
+  /// Whether to indent and break lines; takes effect on the next token.
+  bool _whiteSpace = false;
+
+ private:
+  bool beginValue(const char* operation);
+  template <typename Number>
+  void appendNumber(const char* operation, Number value);
+  void startContainer(const char* operation, char bracket);
+  void closeContainer(char bracket);
+  bool inObject() const { return _state == '{' || _state == '}'; }
+  bool inArray() const { return _state == '[' || _state == ']'; }
+  void pushState(char state);
+  void popState();
+  void indent();
+  void quote(const char* text, int length, bool raw);
+  void complain(const char* operation, const char* problem) const;
+
+  std::string& _out;
+  /// 0: no container is open. '{' and '[': in a container without members. '}' and ']': in one that has some.
+  /// ':': a label is written and its value is due.
+  int _state = 0;
+  std::string _stack;
+};
+
+}  // namespace loomstat

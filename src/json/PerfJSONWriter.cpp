@@ -1,0 +1,128 @@
+#include "json/PerfJSONWriter.h"
+
+#include <cstring>
+
+#include "run/Settings.h"
+
+namespace {
+
+constexpr int kDecimals = 9;
+
+}  // namespace
+
+PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace)
+    : _includeLabels(includeLabels), _whiteSpace(whiteSpace) {}
+
+PerfJSONWriter::~PerfJSONWriter() { PerfJSONWriter::close(); }
+
+void PerfJSONWriter::setWhiteSpace(bool whiteSpace) {
+  _whiteSpace = whiteSpace;
+  if (_writer) _writer->_whiteSpace = whiteSpace;
+}
+
+void PerfJSONWriter::setIncludeLabels(bool includeLabels) { _includeLabels = includeLabels; }
+
+int PerfJSONWriter::open(const char* name) {
+  if (name == nullptr) return -1;
+  _file = std::fopen(name, "w");
+  _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
+  _writer->_whiteSpace = _whiteSpace;
+  return 0;
+}
+
+void PerfJSONWriter::close() {
+  if (!_writer) return;
+  _writer->end();
+  _writer->flush();
+  if (_file == nullptr) return;
+  std::fwrite(_document.data(), 1, _document.size(), _file);
+  std::fputc('\n', _file);
+  std::fclose(_file);
+  _file = nullptr;
+}
+
+void PerfJSONWriter::write(unsigned long long value) { _writer->appendUnsignedLong(value); }
+
+void PerfJSONWriter::write(unsigned int value) { _writer->appendUnsignedInt(value); }
+
+void PerfJSONWriter::write(double value) { _writer->appendDouble(value, kDecimals); }
+
+void PerfJSONWriter::write(const std::string& value) { _writer->appendString(value, false); }
+
+void PerfJSONWriter::writeJson(const char* text) { _bufferJsonValue(text, std::strlen(text)); }
+
+void PerfJSONWriter::writeNamed(const char* label, unsigned long long value) {
+  _doLabel(label);
+  _writer->appendUnsignedLong(value);
+}
+
+void PerfJSONWriter::writeNamed(const char* label, unsigned int value) {
+  _doLabel(label);
+  _writer->appendUnsignedInt(value);
+}
+
+void PerfJSONWriter::writeNamed(const char* label, unsigned short value) {
+  _doLabel(label);
+  _writer->appendInt(value);
+}
+
+void PerfJSONWriter::writeNamed(const char* label, double value) {
+  _doLabel(label);
+  _writer->appendDouble(value, kDecimals);
+}
+
+void PerfJSONWriter::writeNamed(const char* label, const char* value) {
+  _doLabel(label);
+  _writer->appendString(value, static_cast<int>(std::strlen(value)), false);
+}
+
+void PerfJSONWriter::writeArrayStart(const char* label) {
+  if (label != nullptr) _doLabel(label);
+  _writer->startArray();
+}
+
+void PerfJSONWriter::writeArrayEnd() {
+  _flushBuffer();
+  _writer->endArray();
+}
+
+void PerfJSONWriter::writeStructStart() {
+  _terminateLine();
+  if (_includeLabels) _writer->startObject();
+}
+
+void PerfJSONWriter::writeStructEnd() {
+  if (_includeLabels) _writer->endObject();
+}
+
+void PerfJSONWriter::newElementStart(const char* label) {
+  if (label != nullptr) _doLabel(label);
+  _writer->startObject();
+}
+
+void PerfJSONWriter::newElementEnd() { _writer->endObject(); }
+
+void PerfJSONWriter::writeNamed(const char* label, const unsigned long long* /*values*/, unsigned int count) {
+  _doLabel(label);
+  _writer->startArray();
+  for (unsigned int i = 0; i < count; ++i) _writer->appendUnsignedInt(count);
+  _writer->endArray();
+}
+
+void PerfJSONWriter::_doLabel(const char* label) {
+  if (_includeLabels) _writer->appendLabel(label, true);
+}
+
+void PerfJSONWriter::_terminateLine() {
+  if (gReadable) _writer->writeChar('\n');
+}
+
+void PerfJSONWriter::_bufferJsonValue(const char* text, std::size_t length) {
+  if (!_buffer.empty()) _buffer += ',';
+  _buffer.append(text, length);
+}
+
+void PerfJSONWriter::_flushBuffer() {
+  _writer->appendJsonValue(_buffer.data(), static_cast<int>(_buffer.size()));
+  _buffer.clear();
+}

@@ -1,0 +1,103 @@
+#include "records/PerfFactory.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "records/PerfReader.h"
+#include "records/PerfRecord.h"
+#include "run/Settings.h"
+
+std::array<PerfFactory::RecordFunction, 16> PerfFactory::perfRecordFunctions;
+int PerfFactory::_lostBytes = 0;
+char* PerfFactory::_tmp = nullptr;
+int PerfFactory::_tmpLen = 0;
+
+namespace {
+
+constexpr int kHeaderSize = 8;
+constexpr int kSmallestBuffer = 1024;
+
+/// Type and size of a record, while they may still prove wrong.
+struct RecordHeader {
+  std::uint32_t type = 0;
+  std::uint16_t size = 0;
+
+  bool plausible() const { return size <= 256 && type - 1 <= 15 && size >= 12; }
+};
+
+/// False at the end of the file.
+bool readHeader(PerfReader& reader, RecordHeader& header) {
+  char bytes[kHeaderSize] = {};
+  if (reader.read(bytes, sizeof bytes) <= 0) return false;
+  std::memcpy(&header.type, bytes, sizeof header.type);
+  std::memcpy(&header.size, bytes + 6, sizeof header.size);
+  return true;
+}
+
+/// Goes forward to the next plausible header and counts the bytes passed over. False at the end of the file.
+bool scan(PerfReader& reader, RecordHeader& header, int& lostBytes) {
+  std::uint32_t scanWord = 0;
+  do {
+    header.type = scanWord;
+    if (reader.read(reinterpret_cast<char*>(&scanWord), sizeof scanWord) <= 0) return false;
+    header.size = static_cast<std::uint16_t>(scanWord >> 16);
+    lostBytes += 4;
+  } while (!header.plausible());
+  if (gVerbosity > 0) std::puts("FIXED");
+  return true;
+}
+
+void showUnused(const char* kind, const RecordHeader& header) {
+  if (gVerbosity > 0) std::printf("%s Type:%x len:%d(%x)\n", kind, header.type, header.size, header.size);
+}
+
+}  // namespace
+
+int PerfFactory::addFunction(int type, const char* name, PerfRecordFunction function) {
+  if (type < 0 || type > 15) return -1;
+  RecordFunction& place = perfRecordFunctions[static_cast<std::size_t>(type)];
+  if (place.function != nullptr) return -1;
+  place = {type, function, strdup(name != nullptr ? name : "notgiven")};
+  return 0;
+}
+
+void PerfFactory::allocTmpBuffer(int size) {
+  if (size <= _tmpLen && _tmp != nullptr) return;
+  delete[] _tmp;
+  _tmpLen = std::max(size, kSmallestBuffer);
+  _tmp = new char[static_cast<std::size_t>(_tmpLen)]();
+}
+
+PerfRecord* PerfFactory::readNext(PerfReader& reader) {
+  RecordHeader header;
+  if (!readHeader(reader, header)) return nullptr;
+  // Ahead of any test: a damaged size may grow the buffer, to 65543 bytes at most.
+  allocTmpBuffer(header.size + kHeaderSize);
+  if (!header.plausible() && !scan(reader, header, _lostBytes)) return nullptr;
+
+  // A body cut short by the end of the file is still taken, over what the buffer held before.
+  reader.read(_tmp + kHeaderSize, header.size - kHeaderSize);
+  if (header.type >= perfRecordFunctions.size()) {
+    showUnused("Overflow", header);
+    return nullptr;
+  }
+  const PerfRecordFunction create = perfRecordFunctions[header.type].function;
+  if (create == nullptr) {
+    showUnused("Unknown", header);
+    return nullptr;
+  }
+  PerfRecord* record = create(_tmp);
+  if (record != nullptr) record->setFraming(header.type, header.size);
+  return record;
+}
+
+void PerfFactory::showStats() { std::printf("Lost Bytes: %d\n", _lostBytes); }
+
+void dump(const char* buffer, int size) {
+  for (int i = 0; i < size; ++i) {
+    std::printf("%02x ", static_cast<unsigned char>(buffer[i]));
+    if (i % 16 == 15) std::printf("\n");
+  }
+}

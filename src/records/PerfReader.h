@@ -1,0 +1,29 @@
+#pragma once
+
+/// The one gateway to the recording: a thin layer without a buffer over the file descriptor.
+class PerfReader {
+ public:
+  PerfReader() = default;
+  virtual ~PerfReader();
+  PerfReader(const PerfReader&) = delete;
+  PerfReader& operator=(const PerfReader&) = delete;
+
+  /// Answers 0, or -1 for a null name or a file that cannot be opened.
+  virtual int open(const char* name);
+
+  /// One read of the operating system: the number of bytes, 0 at the end of the file, or -1. Nothing is retried.
+  virtual int read(char* buffer, int size);
+
+  virtual void close();
+
+  /// True while the latest read has given something; false before the first.
+  virtual bool status() const;
+
+  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading goes on from
+  /// where it stands.
+  virtual void seek(int offset);
+
+ protected:
+  int _fd = 0;        ///< 0 before open, and taken as "not open"
+  int _lastRead = 0;  ///< result of the latest read that reached the operating system
+};

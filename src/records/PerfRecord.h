@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "records/PerfFoundation.h"
+
+class PerfJSONWriter;
+
+/// Base of every record that is kept. Records live until the process ends.
+class PerfRecord : public PerfFoundation {
+ public:
+  PerfRecord() : PerfRecord(0, 0) {}
+  PerfRecord(unsigned int pid_, unsigned int tid_) : pid(pid_), tid(tid_) {}
+  virtual ~PerfRecord() = default;
+  PerfRecord(const PerfRecord&) = delete;
+  PerfRecord& operator=(const PerfRecord&) = delete;
+
+  virtual const char* perfRecordType() const { return "BASE"; }
+  /// The number by which other rows of the document refer to this record.
+  virtual unsigned int getKey() const { return key; }
+  virtual unsigned int getLen() const { return 0; }
+  virtual unsigned long long getAddress() const { return 0; }
+  virtual const char* getName() const { return "noname"; }
+  virtual int _process() { return 0; }
+  /// Writes this record's row, if it has one. Answers 0.
+  virtual int _out(PerfJSONWriter& /*writer*/) { return 0; }
+
+  int out(PerfJSONWriter& writer) { return _out(writer); }
+
+  /// Type and size as they stood in the recording.
+  void setFraming(unsigned int type, unsigned short size) {
+    _type = type;
+    _size = size;
+  }
+
+  unsigned int pid;
+  unsigned int tid;
+  unsigned int key = 0;
+
+ protected:
+  unsigned int _type = 0;
+  unsigned short _size = 0;
+};
+
+/// A process or file name without what follows the kernel's mark for one that is gone, " (deleted)".
+std::string withoutDeletedMark(std::string_view name);

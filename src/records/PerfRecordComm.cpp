@@ -1,0 +1,103 @@
+#include "records/PerfRecordComm.h"
+
+#include <cstdio>
+
+#include "json/DocumentSection.h"
+#include "records/PerfFactory.h"
+#include "records/RecordView.h"
+#include "run/Settings.h"
+
+std::vector<PerfRecordComm*> PerfRecordComm::_elements;
+unsigned int PerfRecordComm::_runningPidKey = 0;
+std::map<unsigned long long, PerfRecordComm*> PerfRecordComm::_mapOfPidTids;
+std::map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfPid;
+std::map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfTid;
+
+// In this order, behind the tables that they enter: the kernel has key 1, the lost-and-found process key 2.
+PerfRecordComm PerfRecordComm::_kernelArea(0, 0, "kernel");
+PerfRecordComm PerfRecordComm::_lostAndFound(0xFFFFFFFF, 0xFFFFFFFF, "lostAndFound");
+
+namespace {
+
+const PerfAddFactory commFactory(3, "comm", PerfRecordComm::createInstance);
+
+constexpr SectionColumn kColumns[] = {
+    {"key", "db key for this process element used in other structs as a reference"},
+    {"pid", "The process id associated with this name"},
+    {"tid", "The thread id"},
+    {"name", "Name of the process with the pid and tid"},
+};
+
+unsigned long long bothIds(unsigned int pid, unsigned int tid) {
+  return static_cast<unsigned long long>(pid) << 32 | tid;
+}
+
+template <typename Key>
+PerfRecordComm* find(const std::map<Key, PerfRecordComm*>& table, Key key) {
+  const auto found = table.find(key);
+  return found != table.end() ? found->second : nullptr;
+}
+
+}  // namespace
+
+PerfRecordComm::PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string_view name)
+    : PerfRecord(pid_, tid_), _name(withoutDeletedMark(name)) {
+  key = ++_runningPidKey;
+  _elements.push_back(this);
+  _mapOfPid.emplace(pid, this);
+  _mapOfTid.emplace(tid, this);
+  _mapOfPidTids.emplace(bothIds(pid, tid), this);
+  if (gVerbosity > 0) PerfRecordComm::show();
+}
+
+PerfRecordComm::PerfRecordComm() : _name("unknown") {
+  key = ++_runningPidKey;
+  _elements.push_back(this);
+  if (gVerbosity > 0) PerfRecordComm::show();
+}
+
+PerfRecord* PerfRecordComm::createInstance(char* record) {
+  static bool initDone = false;
+  if (!initDone) {
+    initDone = true;
+    new PerfRecordComm(1, 1, "*init*");
+  }
+  const RecordView view(record);
+  const unsigned int pid = view.u32(8);
+  const unsigned int tid = view.u32(12);
+  const std::string_view name = view.text(16);
+  PerfRecordComm* process = findProcessRecord(pid, tid);
+  if (process == nullptr) return new PerfRecordComm(pid, tid, name);
+  process->setName(name);
+  return process;
+}
+
+PerfRecordComm* PerfRecordComm::findProcessRecord(unsigned int pid, unsigned int tid) {
+  if (pid == 0 && tid == 0) return &_kernelArea;
+  if (PerfRecordComm* exact = find(_mapOfPidTids, bothIds(pid, tid)); exact != nullptr) return exact;
+  if (pid != 0 && tid != 0) return nullptr;
+  return pid != 0 ? find(_mapOfPid, pid) : find(_mapOfTid, tid);
+}
+
+void PerfRecordComm::setName(std::string_view name) { _name = withoutDeletedMark(name); }
+
+void PerfRecordComm::show() const {
+  std::printf("PROC k:%d p:%d t:%d %s\n", static_cast<int>(key), static_cast<int>(pid), static_cast<int>(tid),
+              _name.c_str());
+}
+
+int PerfRecordComm::_out(PerfJSONWriter& writer) {
+  writer.writeArrayStart(nullptr);
+  writer.writeNamed("key", key);
+  writer.writeNamed("pid", pid);
+  writer.writeNamed("tid", tid);
+  writer.writeNamed("name", _name.c_str());
+  writer.writeArrayEnd();
+  return 0;
+}
+
+void PerfRecordComm::outAll(PerfJSONWriter& writer) {
+  writeSection(writer, "processes", kColumns, [&] {
+    for (PerfRecordComm* process : _elements) process->out(writer);
+  });
+}

@@ -1,0 +1,151 @@
+#include "records/PerfRecordSample.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "events/PerfRecordSampleEvent.h"
+#include "json/DocumentSection.h"
+#include "records/PerfFactory.h"
+#include "records/PerfRecordComm.h"
+#include "records/PerfRecordMMap.h"
+#include "run/Settings.h"
+#include "run/TimeBase.h"
+
+double PerfRecordSample::_firstSampleTime = 0.0;
+unsigned long long PerfRecordSample::_lastSampleTime = 0;
+unsigned long long PerfRecordSample::_runningIndex = 0;
+std::vector<PerfRecordSample*> PerfRecordSample::_allSamples;
+
+namespace {
+
+const PerfAddFactory sampleFactory(9, "sample", PerfRecordSample::createInstance);
+
+constexpr unsigned int kHighestCore = 16;
+constexpr unsigned int kDeepestTrace = 15;
+constexpr unsigned long long kLastInterruptAddress = 0xFEFFFFFF;
+constexpr unsigned long long kLastStrayMarker = 0x100;
+
+constexpr SectionColumn kColumns[] = {
+    {"key", "key or reference for this sample"},
+    {"ip", "Location of sample, program counter"},
+    {"mapkey", "reference to map entry"},
+    {"time", "time stamp of the sample"},
+    {"cpu", "which core the sample was taken on"},
+    {"pidkey", "reference to the process element"},
+    {"tid", "tid for this sample"},
+    {"bt.ip", "backtrace program counter"},
+    {"bt.mapkey", "backtrace map key"},
+};
+
+unsigned int keptDepth(unsigned int nr) { return nr == 1 ? 0 : std::min(nr, kDeepestTrace); }
+
+}  // namespace
+
+PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid_,
+                                   unsigned int tid_, unsigned long long /*period*/, unsigned int nr,
+                                   const PerfRecordSampleS& record)
+    : PerfRecord(pid_, tid_), _ip(ip), _time(time), _cpu(cpu), _depth(keptDepth(nr)) {
+  if (_firstSampleTime == 0.0) _firstSampleTime = time64ToDouble(time);
+  _lastSampleTime = time;
+  key = static_cast<unsigned int>(++_runningIndex);
+  processSample(record);
+  _allSamples.push_back(this);
+  if (gVerbosity > 0) PerfRecordSample::show();
+}
+
+PerfRecordSample::PerfRecordSample() { key = static_cast<unsigned int>(++_runningIndex); }
+
+PerfRecord* PerfRecordSample::createInstance(char* record) {
+  const PerfRecordSampleS sample(record);
+  if (sample.cpu() > kHighestCore) return PerfRecordSampleEvent::factoryCreate(record);
+  return new PerfRecordSample(sample.ip(), sample.time(), sample.cpu(), sample.pid(), sample.tid(), sample.period(),
+                              sample.nr(), sample);
+}
+
+void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
+  _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
+  if (_processRecord == nullptr && gVerbosity > 0)
+    std::printf("Missing process p:%d t:%d\n", static_cast<int>(pid), static_cast<int>(tid));
+  processTrace(record);
+}
+
+void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
+  unsigned int skip = 0;
+  if (gRmFirstInterrupt) {
+    if (record.ips(0) <= kLastInterruptAddress && gVerbosity > 0) std::puts("Not an interrupt");
+    skip = 1;
+  }
+  if (skip >= _depth) return;
+  // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that the depth
+  // covers. Viewers have always been given it.
+  for (unsigned int i = 0; i < _depth; ++i) {
+    const unsigned long long address = record.ips(skip + i);
+    TraceEntry& entry = _trace[i];
+    entry.address = address;
+    PerfRecordMMap* map = PerfRecordMMap::findMap(address, pid, tid);
+    if (map == nullptr) map = PerfRecordMMap::createSyntheticMap(this, pid, tid, address);
+    if (map == nullptr) continue;
+    entry.key = map->getKey(address);
+    map->countUse();
+  }
+  if (_trace[_depth - 1].address <= kLastStrayMarker) --_depth;
+}
+
+void PerfRecordSample::verifyKey() {
+  // A process may be named after its samples.
+  if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
+  if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, 0);
+  if (_processRecord == nullptr) _processRecord = &PerfRecordComm::_lostAndFound;
+  _pidKey = _processRecord->getKey();
+
+  PerfRecordMMap* map = PerfRecordMMap::findMap(this);
+  if (map != nullptr) {
+    _mapKey = map->getKey(_ip);
+    map->countUse();
+    if (_mapKey != 0) return;
+  }
+  if (gVerbosity > 0) std::puts("SAMP: no map key");
+  if (map == nullptr) map = PerfRecordMMap::findMap(_ip, pid, 0);
+  if (map == nullptr) map = PerfRecordMMap::createSyntheticMap(this, pid, tid, _ip);
+  if (map == nullptr) map = PerfRecordMMap::_lostAndFound;
+  if (map == nullptr) return;
+  _mapKey = map->getKey(_ip);
+  map->countUse();
+}
+
+void PerfRecordSample::verifyKeys() {
+  for (PerfRecordSample* sample : _allSamples) sample->verifyKey();
+}
+
+void PerfRecordSample::show() {
+  const char* kind = PerfRecordMMap::findMap(this) != nullptr ? "SAMP" : "sxxx";
+  std::printf("%s k:%d p:%d t:%d a:%llx\n", kind, static_cast<int>(key), static_cast<int>(pid),
+              static_cast<int>(tid), _ip);
+}
+
+int PerfRecordSample::_out(PerfJSONWriter& writer) {
+  writer.writeArrayStart(nullptr);
+  writer.writeNamed("key", getKey());
+  writer.writeNamed("ip", _ip);
+  writer.writeNamed("mapkey", _mapKey);
+  writer.writeNamed("time", relativeToStart(doTimeConversion(_time)));
+  writer.writeNamed("cpu", _cpu);
+  writer.writeNamed("pidkey", _pidKey);
+  writer.writeNamed("tid", tid);
+  writer.writeArrayStart("bt");
+  for (unsigned int i = 0; i < _depth; ++i) {
+    writer.writeArrayStart(nullptr);
+    writer.writeNamed("ip", _trace[i].address);
+    writer.writeNamed("mapkey", _trace[i].key);
+    writer.writeArrayEnd();
+  }
+  writer.writeArrayEnd();
+  writer.writeArrayEnd();
+  return 0;
+}
+
+void PerfRecordSample::outAll(PerfJSONWriter& writer) {
+  writeSection(writer, "samples", kColumns, [&] {
+    for (PerfRecordSample* sample : _allSamples) sample->out(writer);
+  });
+}

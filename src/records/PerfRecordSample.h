@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "records/PerfRecord.h"
+#include "records/PerfRecordSampleS.h"
+
+class PerfRecordComm;
+class PerfRecordMMap;
+
+/// One sample: where the program counter stood, when, on which core, in which process, and how it got there.
+/// Trace-point samples derive from it and have no back-trace.
+class PerfRecordSample : public PerfRecord {
+ public:
+  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and 15 are kept at most.
+  /// Resolves the back-trace with the maps and processes known by now, and joins the list of all samples.
+  PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid, unsigned int tid,
+                   unsigned long long period, unsigned int nr, const PerfRecordSampleS& record);
+  /// All 0; takes a number and joins no list.
+  PerfRecordSample();
+
+  /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells the latter.
+  static PerfRecord* createInstance(char* record);
+
+  void processSample(const PerfRecordSampleS& record);
+  void processTrace(const PerfRecordSampleS& record);
+
+  /// Final keys for the process and the sample's own address, once the whole recording is known.
+  void verifyKey();
+  static void verifyKeys();
+
+  virtual void show();
+  const char* perfRecordType() const override { return "sample"; }
+  unsigned long long getAddress() const override { return _ip; }
+  const char* getName() const override { return "sample"; }
+  int _out(PerfJSONWriter& writer) override;
+
+  /// The section "samples", in the order of the recording.
+  static void outAll(PerfJSONWriter& writer);
+
+  static double _firstSampleTime;             ///< seconds of the recording's clock; 0.0 until a sample sets it
+  static unsigned long long _lastSampleTime;  ///< of the latest sample in the recording, in nanoseconds
+
+ private:
+  struct TraceEntry {
+    unsigned long long address = 0;
+    unsigned int key = 0;  ///< of the symbol or map at the address
+  };
+
+  static unsigned long long _runningIndex;  ///< the last sample number given
+  static std::vector<PerfRecordSample*> _allSamples;
+
+  unsigned long long _ip = 0;
+  unsigned long long _time = 0;
+  unsigned int _cpu = 0;
+  unsigned int _depth = 0;   ///< how many entries of _trace are written
+  unsigned int _mapKey = 0;  ///< of the symbol or map at _ip; 0 until verifyKey
+  unsigned int _pidKey = 0;  ///< 0 until verifyKey
+  PerfRecordComm* _processRecord = nullptr;
+  std::array<TraceEntry, 16> _trace;
+};

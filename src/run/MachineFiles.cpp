@@ -1,0 +1,3 @@
+#include "run/MachineFiles.h"
+
+MachineFiles gMachineFiles;

@@ -1,0 +1,18 @@
+#pragma once
+
+/// Numbers as the 32-bit target converts them, whatever machine this build runs on.
+
+/// strtol in base 10 with a 32-bit long: leading white space and a sign are taken, and what lies outside the
+/// range becomes the nearest bound. *end, if asked for, is the first character not taken.
+int targetStrtol(const char* text, const char** end = nullptr);
+
+/// Truncates towards zero. What a 64-bit unsigned integer cannot hold becomes the nearest bound, and a
+/// not-a-number becomes 0, as the target's conversion has it.
+unsigned long long truncateToUnsigned64(double value);
+
+/// The same for a signed integer.
+long long truncateToSigned64(double value);
+
+/// A value that an invalid operation such as infinity minus infinity made from two operands that are numbers:
+/// the target's not-a-number is positive there, a workstation's is negative, and both are printed with their sign.
+double asOnTarget(double result, double left, double right);

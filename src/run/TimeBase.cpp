@@ -1,0 +1,89 @@
+#include "run/TimeBase.h"
+
+#include <sys/time.h>
+
+#include <cstdio>
+
+#include "records/PerfRecordSample.h"
+#include "run/MachineFiles.h"
+#include "run/Settings.h"
+#include "run/TargetNumbers.h"
+
+namespace {
+
+constexpr unsigned long long kNanosecondsPerSecond = 1000000000;
+
+std::FILE* gMarkerFile = nullptr;
+
+double onLoomstatScale(double seconds) {
+  const double scaled = asOnTarget(seconds * timestampScaler, seconds, timestampScaler);
+  return asOnTarget(scaled + timestampOffset, scaled, timestampOffset);
+}
+
+}  // namespace
+
+void calcTimeConversion() {
+  std::FILE* file = std::fopen(gMachineFiles.uptime.c_str(), "r");
+  if (file == nullptr) return;
+  double uptime = 0.0;
+  if (std::fscanf(file, "%lf", &uptime) != 1) uptime = 0.0;
+  std::fclose(file);
+
+  timeval clock{};
+  gettimeofday(&clock, nullptr);
+  const double now = static_cast<double>(clock.tv_sec) + static_cast<double>(clock.tv_usec) / 1000000.0;
+  systemStartTime = now - uptime;
+  if (gtodAtStart == 0.0) gtodAtStart = now;
+}
+
+double time64ToDouble(unsigned long long nanoseconds) {
+  return static_cast<double>(nanoseconds / kNanosecondsPerSecond) +
+         static_cast<double>(nanoseconds % kNanosecondsPerSecond) / 1000000000.0;
+}
+
+double timeToEpochBase(unsigned long long nanoseconds) {
+  return time64ToDouble(nanoseconds) + systemStartTime;
+}
+
+double doTimeConversion(unsigned long long nanoseconds) {
+  const double seconds = time64ToDouble(nanoseconds);
+  switch (timeConversionType) {
+    case 0:
+      return seconds;
+    case 1:
+      return seconds + systemStartTime;
+    case 2:
+      return seconds + baseTime;
+    case 3:
+      return seconds - PerfRecordSample::_firstSampleTime;
+    case 4:
+      return onLoomstatScale(seconds);
+    default:
+      return 0.0;
+  }
+}
+
+double doTimeConversion(double seconds) {
+  return timeConversionType == 4 ? onLoomstatScale(seconds) : 0.0;
+}
+
+double relativeToStart(double converted) {
+  return asOnTarget(converted - gtodAtStart, converted, gtodAtStart);
+}
+
+std::optional<double> selectedTime(double converted) {
+  if (gSelectiveProcessing && (converted < gtodAtStart || converted > gtodAtStop)) return std::nullopt;
+  return relativeToStart(converted);
+}
+
+void writeMarker(const char* text) {
+  if (!gShowMarkers) return;
+  if (gMarkerFile == nullptr) gMarkerFile = std::fopen(gMachineFiles.kernelLog.c_str(), "w");
+  if (gMarkerFile == nullptr) return;
+  std::fprintf(gMarkerFile, "zcv-%s\n", text);
+  std::fflush(gMarkerFile);
+}
+
+void closeMarkerFile() {
+  if (gMarkerFile != nullptr) std::fclose(gMarkerFile);
+}

@@ -1,0 +1,3 @@
+#include "run/profile.h"
+
+int main(int argc, char** argv) { return profile(argc, argv); }

@@ -1,0 +1,127 @@
+#include "run/profile.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "events/PerfRecordSampleEvent.h"
+#include "json/PerfJSONWriter.h"
+#include "records/PerfFactory.h"
+#include "records/PerfReader.h"
+#include "records/PerfRecordComm.h"
+#include "records/PerfRecordHeader.h"
+#include "records/PerfRecordMMap.h"
+#include "records/PerfRecordSample.h"
+#include "run/ErrorExit.h"
+#include "run/MachineFiles.h"
+#include "run/Options.h"
+#include "run/Settings.h"
+#include "run/TargetNumbers.h"
+#include "run/TimeBase.h"
+#include "symbols/FileNames.h"
+#include "symbols/SymbolTable.h"
+#include "timechart/TimechartManager.h"
+
+namespace {
+
+/// Takes "major.minor" as 100 * major + minor; any other text leaves the version as it is.
+void parseKernelVersion(const char* text) {
+  const char* point = nullptr;
+  const int major = targetStrtol(text, &point);
+  if (point == text || *point != '.') return;
+  const char* end = nullptr;
+  const int minor = targetStrtol(point + 1, &end);
+  if (end == point + 1) return;
+  kern_ver = static_cast<int>(static_cast<unsigned int>(major) * 100 + static_cast<unsigned int>(minor));
+}
+
+void readEnvironment() {
+  if (const char* version = std::getenv("kern_ver"); version != nullptr) parseKernelVersion(version);
+  const char* wordWidth = std::getenv("ARM64");
+  is64 = wordWidth != nullptr && std::strcmp(wordWidth, "y") == 0;
+}
+
+void loadKernelSymbols() {
+  SymbolTable::setPath(symPath);
+  auto* kernel = new SymbolTable;
+  kernel->readFromFile(gMachineFiles.kernelSymbols.c_str());
+  gKernelStart = kernel->lowAddress();
+  gKernelEnd = kernel->highAddress();
+  // Behind the bounds, which the vector page must not widen.
+  kernel->addElement(0xFFFF0000, 0xFFFF, "*interrupt-FFFF0000*", nullptr, 0);
+  SymbolTable::_kernelSymTable = kernel;
+}
+
+PerfRecordHeaderS readHeader(PerfReader& reader) {
+  PerfRecordHeaderS header{};
+  if (reader.read(reinterpret_cast<char*>(&header), sizeof header) <= 0) errorExit("Invalid In File", -1);
+  return header;
+}
+
+void walkRecords(PerfReader& reader, const PerfRecordHeaderS& header) {
+  reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
+  // The size of the data section plays no part: the walk goes on to the end of the file.
+  while (reader.status() && !gDoneProcessing) PerfFactory::readNext(reader);
+}
+
+void writeDescription(PerfJSONWriter& writer, const char* chip) {
+  writer.newElementStart("Description");
+  writer.writeNamed("Version", "1.0");
+  writer.writeNamed("Target Chip", chip != nullptr ? chip : "unknown");
+  writer.writeNamed("Start Time", gtodAtStart);
+  writer.writeNamed("First Sample Time", PerfRecordSample::_firstSampleTime);
+  writer.writeNamed("duration",
+                    time64ToDouble(PerfRecordSample::_lastSampleTime) - PerfRecordSample::_firstSampleTime);
+  writer.newElementEnd();
+}
+
+void writeProfileDocument(PerfJSONWriter& writer) {
+  writer.newElementStart(nullptr);
+  writeDescription(writer, std::getenv("CHIP"));
+  // Ahead of all sections: it may still make maps and symbols.
+  PerfRecordSample::verifyKeys();
+  PerfRecordComm::outAll(writer);
+  PerfRecordMMap::outAll(writer);
+  FileNames::outAll(writer);
+  SymbolTable::outAll(writer);
+  PerfRecordSample::outAll(writer);
+  writer.newElementEnd();
+}
+
+void writeTimechartDocument(PerfJSONWriter& writer) {
+  TimechartManager* manager = TimechartManager::Instance();
+  manager->writeData(writer);
+}
+
+}  // namespace
+
+int profile(int argc, char** argv) {
+  PerfReader reader;
+  const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start behind it
+  const SymbolTable defaultTable;
+  FileNames::createEmptyRef();
+
+  parseOptions(argc, argv);
+  // Crossed on purpose: the option for white space steers the labels and the one for labels the white space.
+  auto* writer = new PerfJSONWriter(addJSONWhiteSpace, addJSONLabels);
+  calcTimeConversion();
+  readEnvironment();
+  if (!gTimechartMode) loadKernelSymbols();
+  SymbolTable::createSyntheticTable();
+
+  if (reader.open(inFileName.c_str()) == -1) errorExit("Bad In File Name", -1);
+  if (writer->open(outFileName.c_str()) == -1) errorExit("Bad Out File Name", -1);
+  const PerfRecordHeaderS header = readHeader(reader);
+  PerfRecordSampleEvent::readEvents(reader, header);
+  walkRecords(reader, header);
+  if (gTimechartMode) {
+    writeTimechartDocument(*writer);
+  } else {
+    writeProfileDocument(*writer);
+  }
+  writer->close();
+  reader.close();
+  closeMarkerFile();
+  if (gVerbosity > 0) PerfFactory::showStats();
+  return 0;
+}

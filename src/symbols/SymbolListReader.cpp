@@ -1,0 +1,125 @@
+#include "symbols/SymbolListReader.h"
+
+#include <cstring>
+#include <iterator>
+#include <map>
+
+#include "run/Settings.h"
+#include "run/TargetNumbers.h"
+#include "symbols/FileNames.h"
+#include "symbols/SymbolTable.h"
+
+namespace {
+
+constexpr const char* VALID_SECTIONS = "TtWw";
+
+constexpr unsigned long long kWideKernelBits = 0xFFFF000000000000;
+constexpr unsigned long long kLastUserAddress = 0x2FFFFFFF;
+
+// Above these the order is not looked at: the kernel's table falls back from its own symbols to its modules'.
+constexpr unsigned long long kLastOrderedAddress = 0xBFFFFFFF;
+constexpr unsigned long long kLastOrderedWideAddress = 0xFFFFFFBFFFFFFFFF;
+
+bool isMappingSymbol(const char* line) {
+  for (const char* mark = std::strchr(line, '$'); mark != nullptr; mark = std::strchr(mark + 1, '$'))
+    if (mark[1] == 'a' || mark[1] == 'd' || mark[1] == 't') return true;
+  return false;
+}
+
+/// Ends the text at the mark and answers what follows it, or null if there is no mark.
+char* cutAt(char* text, char mark) {
+  char* place = std::strchr(text, mark);
+  if (place == nullptr) return nullptr;
+  *place = '\0';
+  return place + 1;
+}
+
+}  // namespace
+
+/// Gets the next line into _line, up to its size. False at the end, which shows only after a read has failed: that
+/// failed read leaves the last line in place, to be taken again.
+bool SymbolListReader::nextLine() {
+  if (std::feof(_file) != 0 || std::ferror(_file) != 0) return false;
+  [[maybe_unused]] const char* line = std::fgets(_line, kLineSize, _file);
+  return true;
+}
+
+/// Whether the line names a symbol at all; if so, _address and _type are its.
+bool SymbolListReader::parseLine() {
+  return !isMappingSymbol(_line) && std::sscanf(_line, "%llx %c ", &_address, &_type) == 2;
+}
+
+/// The name in the line, or null. A type letter within the name is searched for like one ahead of it, so a name that
+/// holds " T " is cut there.
+char* SymbolListReader::nameInLine() {
+  for (const char* pattern : {" T ", " t ", " W ", " w "})
+    if (char* found = std::strstr(_line, pattern); found != nullptr) return found + 3;
+  return nullptr;
+}
+
+bool SymbolListReader::goesBackward() const {
+  const unsigned long long lastOrdered = _wide ? kLastOrderedWideAddress : kLastOrderedAddress;
+  return _pending.address <= lastOrdered && _address < _pending.address;
+}
+
+/// Cuts the line end of the line just read: the last character of what now stands where the previous name stood.
+void SymbolListReader::cutLineEnd() {
+  const std::size_t length = std::strlen(_pendingName);
+  if (length > 0) _pendingName[length - 1] = '\0';
+}
+
+void SymbolListReader::takePending(char* name) {
+  _pending.address = _address;
+  _pending.file = FileNames::emptyRef();
+  _pending.line = 0;
+  if (char* fileName = cutAt(name, '\t'); fileName != nullptr) {
+    const char* number = cutAt(fileName, ':');
+    const int line = number != nullptr ? targetStrtol(number) : 0;
+    if (line != 0) {
+      _pending.line = static_cast<unsigned int>(line);
+      _pending.file = FileNames::findOrCreate(fileName);
+    }
+  }
+  _pending.name = name;
+  _pendingName = name;
+  _hasPending = true;
+}
+
+void SymbolListReader::read() {
+  while (nextLine()) {
+    if (!parseLine()) continue;
+    if (!_hasPending && (_address & kWideKernelBits) == kWideKernelBits) _wide = true;
+    if (_kernel && !_wide && _address <= kLastUserAddress) continue;
+    if (std::strchr(VALID_SECTIONS, _type) == nullptr) continue;
+    char* name = nameInLine();
+    if (name == nullptr) continue;
+    if (_hasPending) {
+      if (goesBackward()) return readUnsorted();
+      cutLineEnd();
+      _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file, _pending.line);
+    }
+    takePending(name);
+  }
+}
+
+void SymbolListReader::readUnsorted() {
+  if (gVerbosity > 0) std::puts("Unsorted entries in SymbolTable");
+  std::map<unsigned long long, std::string> names;
+  names[_pending.address] = _pending.name;
+  while (nextLine()) {
+    if (!parseLine() || std::strchr(VALID_SECTIONS, _type) == nullptr) continue;
+    char* name = nameInLine();
+    if (name == nullptr) continue;
+    cutAt(name, '\t');
+    names[_address] = name;
+  }
+  for (auto entry = names.begin(); entry != names.end(); ++entry) {
+    if (gVerbosity > 0) std::printf("%llx => %s\n", entry->first, entry->second.c_str());
+    const auto next = std::next(entry);
+    if (next != names.end()) {
+      _table.addElement(entry->first, next->first - entry->first, entry->second, FileNames::_emptyRef, 0);
+    } else if (entry->first != 0) {
+      _table.addElement(entry->first, 1, entry->second, FileNames::_emptyRef, 0);
+    }
+  }
+}

@@ -1,0 +1,146 @@
+#include "symbols/SymbolTable.h"
+
+#include <cstdio>
+
+#include "json/DocumentSection.h"
+#include "json/PerfJSONWriter.h"
+#include "run/Settings.h"
+#include "symbols/FileNames.h"
+
+std::vector<std::string> SymbolTable::_paths;
+std::vector<SymbolTable*> SymbolTable::_allSymbolTables;
+SymbolTable* SymbolTable::_kernelSymTable = nullptr;
+SymbolTable* SymbolTable::_syntheticSymTable = nullptr;
+
+namespace {
+
+std::map<std::string, SymbolTable*> _symbolTables;
+std::map<unsigned long long, SymbolTableElement*> _synthetics;
+
+constexpr unsigned long long kSyntheticUnit = 0xFFFF;
+
+constexpr SectionColumn kColumns[] = {
+    {"key", "key for this symbol"},
+    {"name", "name of this symbol"},
+    {"startAddress", "Base address of this function or symbol"},
+    {"sectionSize", "Size of this function or symbol"},
+    {"maps", "array of maps for this sample"},
+};
+
+}  // namespace
+
+SymbolTable::SymbolTable() : _tableElement("default", 0, 0, nullptr, 0), _fileName("default") {
+  _allSymbolTables.push_back(this);
+  enter(_fileName);
+}
+
+SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned long long size)
+    : _tableElement(name, address, size, nullptr, 0), _fileName(name) {
+  _allSymbolTables.push_back(this);
+  enter(_fileName);
+  if (gVerbosity > 0) std::printf("Symtab adding %s\n", name);
+  std::string baseName;
+  if (stripPath(_fileName, baseName) == 0) return;
+  enter(baseName);
+  if (gVerbosity > 0) std::printf("Symtab adding %s\n", baseName.c_str());
+}
+
+SymbolTable::~SymbolTable() {
+  if (_bypassDestructor) return;
+  for (const SymbolTableElement* element : _elements) delete element;
+}
+
+void SymbolTable::enter(const std::string& name) { _symbolTables.emplace(name, this); }
+
+SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned long long size, std::string_view name,
+                                            FileNames* file, unsigned int line) {
+  if (start > _highAddress) _highAddress = start;
+  if (start < _lowAddress) _lowAddress = start;
+  _elements.push_back(new SymbolTableElement(name, start, size, file, line));
+  return _elements.back();
+}
+
+SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
+  const int count = static_cast<int>(_elements.size());
+  int low = 0;
+  int high = count;
+  int middle = count / 2;
+  // A table of one element never matches: the first probe is at n / 2 == 0, which means "not found". Recordings in
+  // the field were resolved this way, so the document must not change.
+  if (middle == 0) return nullptr;
+  while (low <= middle && middle <= high && middle < count) {
+    SymbolTableElement* element = _elements[static_cast<std::size_t>(middle)];
+    if (address < element->address()) {
+      high = middle - 1;
+    } else {
+      low = middle + 1;
+      if (element->reaches(address)) return element;
+    }
+    middle = low + ((high - low) >> 1);
+  }
+  return nullptr;
+}
+
+SymbolTableElement* SymbolTable::findElementLinear(unsigned long long address) const {
+  for (SymbolTableElement* element : _elements)
+    if (element->address() <= address && element->reaches(address)) return element;
+  return nullptr;
+}
+
+void SymbolTable::createSyntheticTable() { _syntheticSymTable = new SymbolTable; }
+
+SymbolTableElement* SymbolTable::addSyntheticEntry(unsigned long long address, unsigned long long size,
+                                                   const char* name) {
+  const auto found = _synthetics.find(address & ~kSyntheticUnit);
+  if (found != _synthetics.end()) return found->second;
+  SymbolTableElement* element = _syntheticSymTable->addElement(address, size, name, nullptr, 0);
+  _synthetics.emplace(address, element);
+  return element;
+}
+
+SymbolTable* SymbolTable::findExistingSymbolTable(const std::string& name) {
+  const auto found = _symbolTables.find(name);
+  return found != _symbolTables.end() ? found->second : nullptr;
+}
+
+void SymbolTable::out(PerfJSONWriter& writer, unsigned int) const {
+  for (const SymbolTableElement* element : _elements)
+    if (element->used()) element->out(writer, 0);
+}
+
+void SymbolTable::outAll(PerfJSONWriter& writer) {
+  writeSection(writer, "functions", kColumns, [&] {
+    for (const SymbolTable* table : _allSymbolTables) table->out(writer, 0);
+  });
+}
+
+void SymbolTable::outKeys(PerfJSONWriter& writer) const {
+  writer.writeArrayStart("smapkeys");
+  writer.writeNamed("smapkeys2", 777U);
+  for (const SymbolTableElement* element : _elements)
+    if (element->used()) writer.writeNamed("smk", element->key());
+  writer.writeArrayEnd();
+}
+
+void SymbolTable::show() const {
+  for (const SymbolTableElement* element : _elements) element->show();
+}
+
+void SymbolTable::showAllUsed() const {
+  if (_tableElement.used()) _tableElement.show();
+  bool headShown = false;
+  for (const SymbolTableElement* element : _elements) {
+    if (!element->used()) continue;
+    if (!headShown) std::printf("----------\n%s\n----------\n", _fileName.c_str());
+    headShown = true;
+    element->show();
+  }
+}
+
+void SymbolTable::showAllTablesUsed() {
+  for (const SymbolTable* table : _allSymbolTables) table->showAllUsed();
+  if (_kernelSymTable == nullptr) return;
+  _kernelSymTable->showAllUsed();
+  // The kernel's table once more, where one would look for the synthetic one: readers of this output count on it.
+  if (_syntheticSymTable != nullptr) _kernelSymTable->showAllUsed();
+}

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records/PerfFoundation.h"
+#include "symbols/SymbolTableElement.h"
+
+class FileNames;
+class PerfJSONWriter;
+
+/// The symbols of one program, library or kernel, in the order in which they were added, which for a sorted list is
+/// ascending by address. Tables live until the process ends and are shared by all maps of the same file.
+class SymbolTable : public PerfFoundation {
+ public:
+  SymbolTable();
+  /// Registers the table under the name, and under its base name too unless another table has that already.
+  /// Address and size are those of the table's own element.
+  SymbolTable(const char* name, unsigned long long address, unsigned long long size);
+  virtual ~SymbolTable();
+  SymbolTable(const SymbolTable&) = delete;
+  SymbolTable& operator=(const SymbolTable&) = delete;
+
+  /// Appends a symbol; nothing is sorted and duplicates stay.
+  SymbolTableElement* addElement(unsigned long long start, unsigned long long size, std::string_view name,
+                                 FileNames* file, unsigned int line);
+
+  /// The symbol that covers the address, or null, by binary search. An address on the boundary of two symbols goes to
+  /// the one probed first. Symbols out of order, such as those of kernel modules, are found by chance only.
+  SymbolTableElement* findElement(unsigned long long address) const;
+
+  /// The first symbol that covers the address, or null, by a scan from the front.
+  SymbolTableElement* findElementLinear(unsigned long long address) const;
+
+  static void createSyntheticTable();
+
+  /// The symbol made up for the 64 KiB unit at the address, made on first mention; later sizes and names are dropped.
+  static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size, const char* name);
+
+  static SymbolTable* findExistingSymbolTable(const std::string& name);
+
+  /// Rows of the used symbols. The number is not read.
+  void out(PerfJSONWriter& writer, unsigned int) const;
+  /// The section "functions": all tables in order of creation.
+  static void outAll(PerfJSONWriter& writer);
+  /// An array "smapkeys" of the keys of the used symbols.
+  void outKeys(PerfJSONWriter& writer) const;
+
+  void show() const;
+  void showAllUsed() const;
+  static void showAllTablesUsed();
+
+  // Loading, see SymbolLoader.cpp.
+
+  /// Replaces the search path by the ":"-separated directories. A name as it stands is always tried first; pieces of
+  /// one character are dropped.
+  static void setPath(const std::string& path);
+
+  /// The table of a mapped file: from the cache, or by running nm over the file at each place where the search path
+  /// has it, until a place gives at least two symbols. A file that is nowhere gives an empty table; null means that the
+  /// file was found and no symbols were. Failed tries stay in the cache, so nothing is searched twice.
+  static SymbolTable* findAndRead(const char* name);
+
+  /// Runs nm over an existing file. Null if that gives fewer than two symbols.
+  static SymbolTable* generateAndRead(const char* path);
+
+  /// Adds the symbols of a list as nm prints it, or of the kernel's table. Answers 0, or -1 if it cannot be opened.
+  int readFromFile(const char* path);
+
+  /// The first file of that name, whole or without its directory, at or behind place `index` of the search path, and
+  /// empty if there is none. `index` becomes the place.
+  static std::string findPathForFile(const std::string& name, int& index);
+
+  /// Joins the two and answers 1 if the result can be opened, else 0.
+  static int checkFile(const std::string& directory, const std::string& file, std::string& result);
+
+  /// Sets baseName to what follows the last "/" and answers 1; without a "/" answers 0 and leaves it alone.
+  static int stripPath(const std::string& path, std::string& baseName);
+
+  unsigned long long lowAddress() const { return _lowAddress; }
+  unsigned long long highAddress() const { return _highAddress; }
+  const std::vector<SymbolTableElement*>& elements() const { return _elements; }
+
+  static std::vector<std::string> _paths;
+  static std::vector<SymbolTable*> _allSymbolTables;
+  static SymbolTable* _kernelSymTable;
+  static SymbolTable* _syntheticSymTable;
+
+ private:
+  void enter(const std::string& name);
+
+  unsigned long long _lowAddress = ~0ULL;  ///< lowest start so far
+  unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end
+  SymbolTableElement _tableElement;        ///< stands for the table itself
+  std::vector<SymbolTableElement*> _elements;
+  std::string _fileName;
+};
+
+/// Sets baseName to what follows the last "/" of path, or to the whole of it.
+void fileNameNoPath(const std::string& path, std::string& baseName);

@@ -1,0 +1,57 @@
+#include "symbols/SymbolTableElement.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "json/PerfJSONWriter.h"
+#include "run/Settings.h"
+#include "symbols/FileNames.h"
+
+namespace {
+
+constexpr unsigned long long kLargestFunction = 0x100000;
+constexpr std::size_t kShortestShownName = 4;
+
+}  // namespace
+
+SymbolTableElement::SymbolTableElement() : _file(FileNames::emptyRef()) {}
+
+SymbolTableElement::SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
+                                       FileNames* file, unsigned int line)
+    : _name(name),
+      _address(address),
+      _size(size > kLargestFunction ? 0 : size),
+      _file(file != nullptr ? file : FileNames::emptyRef()),
+      _lineNumber(line) {
+  if (gVerbosity > 0) show();
+}
+
+unsigned int SymbolTableElement::markUsed(unsigned long long /*address*/) {
+  if (!_used) {
+    _file->markUsed(this);
+    _used = true;
+  }
+  ++_useCount;
+  return _key;
+}
+
+void SymbolTableElement::setMapKey(unsigned int key) {
+  if (std::find(_mapKeys.begin(), _mapKeys.end(), key) == _mapKeys.end()) _mapKeys.push_back(key);
+}
+
+void SymbolTableElement::show() const {
+  std::printf("SYMB k:%05d a:%08llx l:%05llx u%05d n:%s\n", static_cast<int>(_key), _address, _size,
+              static_cast<int>(_useCount), _name.c_str());
+}
+
+void SymbolTableElement::out(PerfJSONWriter& writer, unsigned int) const {
+  writer.writeArrayStart(nullptr);
+  writer.writeNamed("key", _key);
+  writer.writeNamed("name", _name.size() < kShortestShownName ? "*BlankName*" : _name.c_str());
+  writer.writeNamed("startAddress", _address);
+  writer.writeNamed("sectionSize", _size);
+  writer.writeArrayStart("mapkeys");
+  for (const unsigned int key : _mapKeys) writer.writeNamed("mk", key);
+  writer.writeArrayEnd();
+  writer.writeArrayEnd();
+}
