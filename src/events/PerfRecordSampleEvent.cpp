@@ -36,7 +36,8 @@ unsigned int shownAddress(PerfRecordFunction function) {
   return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(function));
 }
 
-PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const char* tableName, const char* name) {
+PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const char* tableName,
+                          const char* name) {
   for (const PerfNameToFunctionS& entry : table) {
     if (gVerbosity > 0) std::printf("%s cmp %s:%s\n", tableName, name, entry.name);
     if (std::strcmp(name, entry.name) == 0) return entry.function;
@@ -70,7 +71,8 @@ void PerfRecordSampleEvent::registerEvent64(const char* name, PerfRecordFunction
 
 PerfRecordFunction PerfRecordSampleEvent::findFunction(const char* name) {
   if (is64)
-    if (const PerfRecordFunction found = findIn(*_nameAndFunction64, "findFunction64", name); found != nullptr)
+    if (const PerfRecordFunction found = findIn(*_nameAndFunction64, "findFunction64", name);
+        found != nullptr)
       return found;
   return findIn(*_nameAndFunction, "findFunction", name);
 }
@@ -78,7 +80,8 @@ PerfRecordFunction PerfRecordSampleEvent::findFunction(const char* name) {
 void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeaderS& header) {
   initVectors();
   const auto start = static_cast<std::uint32_t>(header.attrsOffset + header.attrsSize);
-  const std::uint32_t count = (static_cast<std::uint32_t>(header.dataOffset) - start) / EventTableEntry::kSize;
+  const std::uint32_t count =
+      (static_cast<std::uint32_t>(header.dataOffset) - start) / EventTableEntry::kSize;
   reader.seek(static_cast<int>(start));
   if (gVerbosity > 0)
     std::printf("Seek to %x (%llx+%llx) c:%d\n", start, static_cast<unsigned long long>(header.attrsSize),
@@ -110,7 +113,8 @@ PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
   const unsigned int type = sample.commonType();
   if (_functions == nullptr || type >= _functions->size()) return nullptr;
   const PerfRecordFunction function = (*_functions)[type];
-  if (gVerbosity > 0) std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
+  if (gVerbosity > 0)
+    std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
   if (function == nullptr) return nullptr;
   auto* event = static_cast<PerfRecordSampleEvent*>(function(record));
   event->process(sample);
@@ -121,12 +125,14 @@ void PerfRecordSampleEvent::showBanner(const char* banner) {
   if (gVerbosity > 0) std::puts(banner);
 }
 
-PerfRecordSampleFactoryRegister::PerfRecordSampleFactoryRegister(const char* name, PerfRecordFunction function) {
+PerfRecordSampleFactoryRegister::PerfRecordSampleFactoryRegister(const char* name,
+                                                                 PerfRecordFunction function) {
   PerfRecordSampleEvent::initVectors();
   PerfRecordSampleEvent::registerEvent(name, function);
 }
 
-PerfRecordSampleFactoryRegister64::PerfRecordSampleFactoryRegister64(const char* name, PerfRecordFunction function) {
+PerfRecordSampleFactoryRegister64::PerfRecordSampleFactoryRegister64(const char* name,
+                                                                     PerfRecordFunction function) {
   PerfRecordSampleEvent::initVectors();
   PerfRecordSampleEvent::registerEvent64(name, function);
 }

@@ -5,8 +5,8 @@
 
 #include "events/PerfRecordSampleEventS.h"
 #include "records/PerfFactory.h"
-#include "records/PerfRecordSample.h"
 #include "records/PerfRecordHeader.h"
+#include "records/PerfRecordSample.h"
 
 class PerfReader;
 
@@ -16,10 +16,11 @@ struct PerfNameToFunctionS {
   PerfRecordFunction function;
 };
 
-/// Base of all trace-point decoders, PRSE_<event>, and the registry that ties the kernel's event numbers to them.
+/// Base of all trace-point decoders, PRSE_<event>, and the registry that ties the kernel's event numbers to
+/// them.
 ///
-/// Decoders register by name during static initialisation; the event table of the recording then says which number
-/// each name has there. Decoders hand what they learn to the TimechartManager, in both modes.
+/// Decoders register by name during static initialisation; the event table of the recording then says which
+/// number each name has there. Decoders hand what they learn to the TimechartManager, in both modes.
 class PerfRecordSampleEvent : public PerfRecordSample {
  public:
   explicit PerfRecordSampleEvent(const PerfRecordSampleEventS& record);
@@ -38,16 +39,18 @@ class PerfRecordSampleEvent : public PerfRecordSample {
   /// The decoder's factory, or null.
   static PerfRecordFunction findFunction(const char* name);
 
-  /// Reads the event table between the attributes and the data section: entries of 72 bytes, the event's number (8)
-  /// and its name (64, NUL-terminated). A number that the table of factories cannot take ends the run with an
-  /// uncaught std::out_of_range; so does one whose table would not fit a 32-bit target.
+  /// Reads the event table between the attributes and the data section: entries of 72 bytes, the event's
+  /// number (8) and its name (64, NUL-terminated). A number that the table of factories cannot take ends the
+  /// run with an uncaught std::out_of_range; so does one whose table would not fit a 32-bit target.
   static void readEvents(PerfReader& reader, const PerfRecordHeaderS& header);
 
-  /// The decoder of a trace-point sample, or null for a sample outside the selected range or an event without one.
+  /// The decoder of a trace-point sample, or null for a sample outside the selected range or an event without
+  /// one.
   static PerfRecord* factoryCreate(char* record);
 
  protected:
-  /// What every decoder's factory does: null for a null record, the banner as a line at verbosity above 0, a decoder.
+  /// What every decoder's factory does: null for a null record, the banner as a line at verbosity above 0, a
+  /// decoder.
   template <typename Decoder>
   static PerfRecord* create(char* record, const char* banner = nullptr) {
     if (record == nullptr) return nullptr;

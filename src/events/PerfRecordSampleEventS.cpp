@@ -6,4 +6,6 @@ std::string_view EventPayload::locatedText(std::size_t offset, std::size_t skip)
   return _view.text(PerfRecordSampleEventS::kRaw + (u32(offset) & 0xFFFF) + skip);
 }
 
-EventPayload PerfRecordSampleEventS::payload() const { return {_view, kRaw + (kern_ver < 310 ? 12 : 8)}; }
+EventPayload PerfRecordSampleEventS::payload() const {
+  return {_view, kRaw + (kern_ver < 310 ? 12 : 8)};
+}

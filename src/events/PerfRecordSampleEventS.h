@@ -17,9 +17,9 @@ class EventPayload {
   /// A text array. It runs on behind its field if the kernel's NUL is missing.
   std::string_view text(std::size_t offset) const { return _view.text(_start + offset); }
 
-  /// The text that the location word at the offset points at, or what of it lies `skip` characters on. The word's low
-  /// half counts from the start of the raw data; the length in its high half is not looked at.
-  /// A place outside the record buffer gives a text without data.
+  /// The text that the location word at the offset points at, or what of it lies `skip` characters on. The
+  /// word's low half counts from the start of the raw data; the length in its high half is not looked at. A
+  /// place outside the record buffer gives a text without data.
   std::string_view locatedText(std::size_t offset, std::size_t skip = 0) const;
 
  private:
@@ -27,8 +27,8 @@ class EventPayload {
   std::size_t _start;
 };
 
-/// A PERF_RECORD_SAMPLE of a trace-point as it lies in the record buffer. Its fields follow from what was recorded (IP,
-/// TID, TIME, ID, CPU, RAW; see linux/perf_event.h).
+/// A PERF_RECORD_SAMPLE of a trace-point as it lies in the record buffer. Its fields follow from what was
+/// recorded (IP, TID, TIME, ID, CPU, RAW; see linux/perf_event.h).
 class PerfRecordSampleEventS {
  public:
   explicit PerfRecordSampleEventS(const char* record) : _view(record), _sample(record) {}

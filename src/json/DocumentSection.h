@@ -10,11 +10,12 @@ struct SectionColumn {
   const char* description;
 };
 
-/// Writes one section of the profile document: an object of "descriptions", always labelled and indented, and "data",
-/// always without labels and white space, whatever the options say. The viewer reads a row's values by position,
-/// in the order of the descriptions.
+/// Writes one section of the profile document: an object of "descriptions", always labelled and indented, and
+/// "data", always without labels and white space, whatever the options say. The viewer reads a row's values
+/// by position, in the order of the descriptions.
 template <typename Rows>
-void writeSection(PerfJSONWriter& writer, const char* name, std::span<const SectionColumn> columns, Rows writeRows) {
+void writeSection(PerfJSONWriter& writer, const char* name, std::span<const SectionColumn> columns,
+                  Rows writeRows) {
   writer.setWhiteSpace(true);
   writer.setIncludeLabels(true);
   writer.newElementStart(name);

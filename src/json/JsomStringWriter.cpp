@@ -54,9 +54,13 @@ void JsomStringWriter::closeContainer(char bracket) {
   _out += bracket;
 }
 
-void JsomStringWriter::startArray() { startContainer("startArray", '['); }
+void JsomStringWriter::startArray() {
+  startContainer("startArray", '[');
+}
 
-void JsomStringWriter::startObject() { startContainer("startObject", '{'); }
+void JsomStringWriter::startObject() {
+  startContainer("startObject", '{');
+}
 
 void JsomStringWriter::endArray() {
   if (!inArray()) return complain("endArray", "No current array on stack.");
@@ -93,13 +97,21 @@ void JsomStringWriter::appendNumber(const char* operation, Number value) {
   _out.append(buffer, result.ptr);
 }
 
-void JsomStringWriter::appendInt(int value) { appendNumber("appendInt", value); }
+void JsomStringWriter::appendInt(int value) {
+  appendNumber("appendInt", value);
+}
 
-void JsomStringWriter::appendUnsignedInt(unsigned int value) { appendNumber("appendUnsignedInt", value); }
+void JsomStringWriter::appendUnsignedInt(unsigned int value) {
+  appendNumber("appendUnsignedInt", value);
+}
 
-void JsomStringWriter::appendLong(long long value) { appendNumber("appendLong", value); }
+void JsomStringWriter::appendLong(long long value) {
+  appendNumber("appendLong", value);
+}
 
-void JsomStringWriter::appendUnsignedLong(unsigned long long value) { appendNumber("appendUnsignedLong", value); }
+void JsomStringWriter::appendUnsignedLong(unsigned long long value) {
+  appendNumber("appendUnsignedLong", value);
+}
 
 void JsomStringWriter::appendDouble(double value, int precision) {
   if (!beginValue("appendDouble")) return;
@@ -136,9 +148,13 @@ void JsomStringWriter::end() {
   _stack.clear();
 }
 
-void JsomStringWriter::write(const char* text, int length) { _out.append(text, static_cast<std::size_t>(length)); }
+void JsomStringWriter::write(const char* text, int length) {
+  _out.append(text, static_cast<std::size_t>(length));
+}
 
-void JsomStringWriter::writeChar(char byte) { _out += byte; }
+void JsomStringWriter::writeChar(char byte) {
+  _out += byte;
+}
 
 void JsomStringWriter::pushState(char state) {
   if (_state != 0) _stack += static_cast<char>(_state);

@@ -4,9 +4,9 @@
 
 namespace loomstat {
 
-/// Turns a sequence of calls into JSON text appended to a string that belongs to the caller. It decides where commas,
-/// spaces and line breaks go. A call out of order, such as a value without a label in an object, prints one
-/// line on standard error, writes nothing and leaves the writer as it was.
+/// Turns a sequence of calls into JSON text appended to a string that belongs to the caller. It decides where
+/// commas, spaces and line breaks go. A call out of order, such as a value without a label in an object,
+/// prints one line on standard error, writes nothing and leaves the writer as it was.
 class JsomStringWriter {
  public:
   explicit JsomStringWriter(std::string& out) : _out(out) {}
@@ -27,8 +27,8 @@ class JsomStringWriter {
   void appendUnsignedInt(unsigned int value);
   void appendLong(long long value);
   void appendUnsignedLong(unsigned long long value);
-  /// Up to `precision` decimals, less trailing zeros; an exponent beyond 1e16 in magnitude. A precision of 0 gives six
-  /// decimals, untrimmed. Infinity and not-a-number become the C library's words for them.
+  /// Up to `precision` decimals, less trailing zeros; an exponent beyond 1e16 in magnitude. A precision of 0
+  /// gives six decimals, untrimmed. Infinity and not-a-number become the C library's words for them.
   void appendDouble(double value, int precision);
   void appendString(const std::string& text, bool raw);
   /// A null text becomes the bare word null.

@@ -13,14 +13,18 @@ constexpr int kDecimals = 9;
 PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace)
     : _includeLabels(includeLabels), _whiteSpace(whiteSpace) {}
 
-PerfJSONWriter::~PerfJSONWriter() { PerfJSONWriter::close(); }
+PerfJSONWriter::~PerfJSONWriter() {
+  PerfJSONWriter::close();
+}
 
 void PerfJSONWriter::setWhiteSpace(bool whiteSpace) {
   _whiteSpace = whiteSpace;
   if (_writer) _writer->_whiteSpace = whiteSpace;
 }
 
-void PerfJSONWriter::setIncludeLabels(bool includeLabels) { _includeLabels = includeLabels; }
+void PerfJSONWriter::setIncludeLabels(bool includeLabels) {
+  _includeLabels = includeLabels;
+}
 
 int PerfJSONWriter::open(const char* name) {
   if (name == nullptr) return -1;
@@ -41,15 +45,25 @@ void PerfJSONWriter::close() {
   _file = nullptr;
 }
 
-void PerfJSONWriter::write(unsigned long long value) { _writer->appendUnsignedLong(value); }
+void PerfJSONWriter::write(unsigned long long value) {
+  _writer->appendUnsignedLong(value);
+}
 
-void PerfJSONWriter::write(unsigned int value) { _writer->appendUnsignedInt(value); }
+void PerfJSONWriter::write(unsigned int value) {
+  _writer->appendUnsignedInt(value);
+}
 
-void PerfJSONWriter::write(double value) { _writer->appendDouble(value, kDecimals); }
+void PerfJSONWriter::write(double value) {
+  _writer->appendDouble(value, kDecimals);
+}
 
-void PerfJSONWriter::write(const std::string& value) { _writer->appendString(value, false); }
+void PerfJSONWriter::write(const std::string& value) {
+  _writer->appendString(value, false);
+}
 
-void PerfJSONWriter::writeJson(const char* text) { _bufferJsonValue(text, std::strlen(text)); }
+void PerfJSONWriter::writeJson(const char* text) {
+  _bufferJsonValue(text, std::strlen(text));
+}
 
 void PerfJSONWriter::writeNamed(const char* label, unsigned long long value) {
   _doLabel(label);
@@ -100,7 +114,9 @@ void PerfJSONWriter::newElementStart(const char* label) {
   _writer->startObject();
 }
 
-void PerfJSONWriter::newElementEnd() { _writer->endObject(); }
+void PerfJSONWriter::newElementEnd() {
+  _writer->endObject();
+}
 
 void PerfJSONWriter::writeNamed(const char* label, const unsigned long long* /*values*/, unsigned int count) {
   _doLabel(label);

@@ -8,11 +8,11 @@
 
 /// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
 ///
-/// The document is built in memory and reaches the file in one piece, at close. The order of calls is: construct, open,
-/// any writes and switches, close. Nothing may be written before open.
+/// The document is built in memory and reaches the file in one piece, at close. The order of calls is:
+/// construct, open, any writes and switches, close. Nothing may be written before open.
 ///
-/// A non-empty array that is written element by element ends in a comma before its closing bracket, [1,2,]: the
-/// viewer's parser accepts it, and documents have always had it.
+/// A non-empty array that is written element by element ends in a comma before its closing bracket, [1,2,]:
+/// the viewer's parser accepts it, and documents have always had it.
 class PerfJSONWriter {
  public:
   PerfJSONWriter() : PerfJSONWriter(true, true) {}
@@ -25,11 +25,12 @@ class PerfJSONWriter {
   virtual void setWhiteSpace(bool whiteSpace);
   virtual void setIncludeLabels(bool includeLabels);
 
-  /// Truncates the file. Answers 0, or -1 for a null name. A file that cannot be opened still gives 0; the run goes on
-  /// and its document is lost at close.
+  /// Truncates the file. Answers 0, or -1 for a null name. A file that cannot be opened still gives 0; the
+  /// run goes on and its document is lost at close.
   virtual int open(const char* name);
 
-  /// Ends every open container and writes the document and a newline to the file. May be called again, to no effect.
+  /// Ends every open container and writes the document and a newline to the file. May be called again, to no
+  /// effect.
   virtual void close();
 
   virtual void write(unsigned long long value);
@@ -37,7 +38,8 @@ class PerfJSONWriter {
   virtual void write(double value);  ///< up to nine decimals
   virtual void write(const std::string& value);
 
-  /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined by commas.
+  /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined
+  /// by commas.
   virtual void writeJson(const char* text);
 
   /// A label and a value; without labels the value alone. A label is not escaped.

@@ -93,7 +93,9 @@ PerfRecord* PerfFactory::readNext(PerfReader& reader) {
   return record;
 }
 
-void PerfFactory::showStats() { std::printf("Lost Bytes: %d\n", _lostBytes); }
+void PerfFactory::showStats() {
+  std::printf("Lost Bytes: %d\n", _lostBytes);
+}
 
 void dump(const char* buffer, int size) {
   for (int i = 0; i < size; ++i) {

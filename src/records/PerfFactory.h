@@ -8,11 +8,11 @@ class PerfRecord;
 
 using PerfRecordFunction = PerfRecord* (*)(char* record);
 
-/// Turns the data section of a recording into records: reads one at a time, finds the way back after damage, and hands
-/// the bytes to the creation function that is registered for the type.
+/// Turns the data section of a recording into records: reads one at a time, finds the way back after damage,
+/// and hands the bytes to the creation function that is registered for the type.
 ///
-/// A record begins with a header of 8 bytes: type (4), misc (2), size of the whole record (2), as the kernel's
-/// linux/perf_event.h has it.
+/// A record begins with a header of 8 bytes: type (4), misc (2), size of the whole record (2), as the
+/// kernel's linux/perf_event.h has it.
 class PerfFactory {
  public:
   PerfFactory() = default;
@@ -24,12 +24,12 @@ class PerfFactory {
   /// Makes the shared record buffer at least that large. Its contents do not survive growing.
   static void allocTmpBuffer(int size);
 
-  /// Reads one record. Null at the end of the file, and for a record that nothing came of; the reader's status tells
-  /// the two apart.
+  /// Reads one record. Null at the end of the file, and for a record that nothing came of; the reader's
+  /// status tells the two apart.
   ///
-  /// A header that is not plausible starts a scan: two neighbouring 32-bit words, the first a plausible type and the
-  /// upper half of the second a plausible size, are taken as the next header. Records longer than 256 bytes
-  /// count as damage; that is also what absorbs whatever follows the data section.
+  /// A header that is not plausible starts a scan: two neighbouring 32-bit words, the first a plausible type
+  /// and the upper half of the second a plausible size, are taken as the next header. Records longer than 256
+  /// bytes count as damage; that is also what absorbs whatever follows the data section.
   ///
   /// A creation function gets the shared buffer with the body at offset 8 and must copy what it keeps.
   static PerfRecord* readNext(PerfReader& reader);

@@ -36,7 +36,9 @@ void PerfReader::close() {
   if (_fd > 0) ::close(_fd);
 }
 
-bool PerfReader::status() const { return _lastRead != 0; }
+bool PerfReader::status() const {
+  return _lastRead != 0;
+}
 
 void PerfReader::seek(int offset) {
   if (_fd > 0) lseek(_fd, offset, SEEK_SET);

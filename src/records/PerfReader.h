@@ -11,7 +11,8 @@ class PerfReader {
   /// Answers 0, or -1 for a null name or a file that cannot be opened.
   virtual int open(const char* name);
 
-  /// One read of the operating system: the number of bytes, 0 at the end of the file, or -1. Nothing is retried.
+  /// One read of the operating system: the number of bytes, 0 at the end of the file, or -1. Nothing is
+  /// retried.
   virtual int read(char* buffer, int size);
 
   virtual void close();
@@ -19,8 +20,8 @@ class PerfReader {
   /// True while the latest read has given something; false before the first.
   virtual bool status() const;
 
-  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading goes on from
-  /// where it stands.
+  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading goes on
+  /// from where it stands.
   virtual void seek(int offset);
 
  protected:

@@ -1,3 +1,5 @@
 #include "records/PerfRecord.h"
 
-std::string withoutDeletedMark(std::string_view name) { return std::string(name.substr(0, name.find(" (deleted)"))); }
+std::string withoutDeletedMark(std::string_view name) {
+  return std::string(name.substr(0, name.find(" (deleted)")));
+}

@@ -79,7 +79,9 @@ PerfRecordComm* PerfRecordComm::findProcessRecord(unsigned int pid, unsigned int
   return pid != 0 ? find(_mapOfPid, pid) : find(_mapOfTid, tid);
 }
 
-void PerfRecordComm::setName(std::string_view name) { _name = withoutDeletedMark(name); }
+void PerfRecordComm::setName(std::string_view name) {
+  _name = withoutDeletedMark(name);
+}
 
 void PerfRecordComm::show() const {
   std::printf("PROC k:%d p:%d t:%d %s\n", static_cast<int>(key), static_cast<int>(pid), static_cast<int>(tid),

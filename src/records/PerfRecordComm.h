@@ -7,10 +7,10 @@
 
 #include "records/PerfRecord.h"
 
-
 /// A process or thread that the recording mentions, and the tables in which everybody else finds one.
 ///
-/// Body of PERF_RECORD_COMM in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), name (16, NUL-terminated).
+/// Body of PERF_RECORD_COMM in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), name (16,
+/// NUL-terminated).
 class PerfRecordComm : public PerfRecord {
  public:
   /// Takes the next key and enters all tables; in a table by id the first process of that id stays.
@@ -18,12 +18,12 @@ class PerfRecordComm : public PerfRecord {
   /// Enters the list of all processes only.
   PerfRecordComm();
 
-  /// Renames the process that the record's ids find, or makes a new one. The first record of a run also makes the
-  /// process "*init*", pid 1.
+  /// Renames the process that the record's ids find, or makes a new one. The first record of a run also makes
+  /// the process "*init*", pid 1.
   static PerfRecord* createInstance(char* record);
 
-  /// Both ids 0 give the kernel. Otherwise an exact match counts; with one id 0, the first process of the other id does.
-  /// Null if there is none: a known process with an unknown tid is not found.
+  /// Both ids 0 give the kernel. Otherwise an exact match counts; with one id 0, the first process of the
+  /// other id does. Null if there is none: a known process with an unknown tid is not found.
   static PerfRecordComm* findProcessRecord(unsigned int pid, unsigned int tid);
 
   virtual void setName(std::string_view name);
@@ -41,7 +41,8 @@ class PerfRecordComm : public PerfRecord {
  private:
   static std::vector<PerfRecordComm*> _elements;
   static unsigned int _runningPidKey;  ///< the last key given
-  static std::map<unsigned long long, PerfRecordComm*> _mapOfPidTids;  ///< pid in the upper half, tid in the lower
+  static std::map<unsigned long long, PerfRecordComm*>
+      _mapOfPidTids;  ///< pid in the upper half, tid in the lower
   static std::map<unsigned int, PerfRecordComm*> _mapOfPid;
   static std::map<unsigned int, PerfRecordComm*> _mapOfTid;
 

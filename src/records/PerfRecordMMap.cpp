@@ -24,7 +24,8 @@ const PerfAddFactory mmapFactory(1, "mmap", PerfRecordMMap::createInstance);
 
 constexpr unsigned long long kStackStart = 0xB0000000;
 constexpr unsigned long long kStackEnd = 0xBEFFFFFF;
-/// A mapping from here up is a relocatable library, one below it an executable with absolute symbol addresses.
+/// A mapping from here up is a relocatable library, one below it an executable with absolute symbol
+/// addresses.
 constexpr unsigned long long kLibraryStart = 0x40000000;
 constexpr unsigned long long kSyntheticUnit = 0x10000;
 
@@ -46,12 +47,16 @@ AddressClass classOf(unsigned long long address) {
   return address > kStackStart && address <= kStackEnd ? AddressClass::stack : AddressClass::mapped;
 }
 
-unsigned long long pidPart(unsigned int pid) { return static_cast<unsigned long long>(pid) << 48; }
+unsigned long long pidPart(unsigned int pid) {
+  return static_cast<unsigned long long>(pid) << 48;
+}
 
-unsigned long long tidPart(unsigned int tid) { return static_cast<unsigned long long>(tid & 0xFFFF) << 32; }
+unsigned long long tidPart(unsigned int tid) {
+  return static_cast<unsigned long long>(tid & 0xFFFF) << 32;
+}
 
-/// The search that findMap and findPidMap share: the first probed map that matches, or null. A map that is not above
-/// the sought key sends the search upward. A probe at the count ends it.
+/// The search that findMap and findPidMap share: the first probed map that matches, or null. A map that is
+/// not above the sought key sends the search upward. A probe at the count ends it.
 template <typename Matches, typename IsNotAbove>
 PerfRecordMMap* searchMaps(const std::vector<PerfRecordMMap*>& maps, Matches matches, IsNotAbove isNotAbove) {
   const int count = static_cast<int>(maps.size());
@@ -79,7 +84,9 @@ std::string syntheticLabel(const PerfRecordComm& process, unsigned long long pag
 
 }  // namespace
 
-PerfRecordMMap::PerfRecordMMap() { key = ++_indexTotal; }
+PerfRecordMMap::PerfRecordMMap() {
+  key = ++_indexTotal;
+}
 
 PerfRecordMMap::PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned long long start,
                                unsigned long long length, unsigned long long /*pageOffset*/,
@@ -108,7 +115,8 @@ void PerfRecordMMap::buildStandingMaps() {
 }
 
 PerfRecordMMap* PerfRecordMMap::standingMap(std::string_view name, unsigned long long start,
-                                            unsigned long long length, unsigned int pidKey, SymbolTable* symbols) {
+                                            unsigned long long length, unsigned int pidKey,
+                                            SymbolTable* symbols) {
   auto* map = new PerfRecordMMap;
   map->_fileName = name;
   map->_start = start;
@@ -128,7 +136,8 @@ void PerfRecordMMap::enterSorted() {
 
 PerfRecord* PerfRecordMMap::createInstance(char* record) {
   const RecordView view(record);
-  return new PerfRecordMMap(view.u32(8), view.u32(12), view.u64(16), view.u64(24), view.u64(32), view.text(40));
+  return new PerfRecordMMap(view.u32(8), view.u32(12), view.u64(16), view.u64(24), view.u64(32),
+                            view.text(40));
 }
 
 PerfRecordMMap* PerfRecordMMap::findMap(unsigned long long address, unsigned int pid, unsigned int /*tid*/) {
@@ -169,8 +178,8 @@ PerfRecordMMap* PerfRecordMMap::findPidMap(PerfRecordSample* sample) {
       [&](const PerfRecordMMap& map) { return sought >= (map._sortKey & kPidOfSortKey); });
 }
 
-PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
-                                                   unsigned long long address) {
+PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, unsigned int pid,
+                                                   unsigned int tid, unsigned long long address) {
   const unsigned long long page = address & ~(kSyntheticUnit - 1);
   if (page == 0) return _lostAndFound;
   PerfRecordMMap* map = findPidMap(sample);
@@ -233,10 +242,13 @@ void PerfRecordMMap::findMoreSymbols(const char* name) {
   if (name != nullptr) _symbols = SymbolTable::findAndRead(name);
 }
 
-void PerfRecordMMap::setName(std::string_view name) { _fileName = name; }
+void PerfRecordMMap::setName(std::string_view name) {
+  _fileName = name;
+}
 
 void PerfRecordMMap::show() const {
-  std::printf("MMAP k:%u p:%u t:%u a:%llx s:%lld r:%d\n", key, pid, tid, _start, static_cast<long long>(_length),
+  std::printf("MMAP k:%u p:%u t:%u a:%llx s:%lld r:%d\n", key, pid, tid, _start,
+              static_cast<long long>(_length),
               _processRecord != nullptr ? static_cast<int>(_processRecord->getKey()) : 0);
 }
 

@@ -11,14 +11,15 @@ class PerfRecordSample;
 class SymbolTable;
 class SymbolTableElement;
 
-/// One memory mapping of one process: an address range and the file behind it. The class answers what code an address
-/// belongs to.
+/// One memory mapping of one process: an address range and the file behind it. The class answers what code an
+/// address belongs to.
 ///
-/// Body of PERF_RECORD_MMAP in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), start (16, 8), length (24, 8),
-/// page offset (32, 8), file name (40, NUL-terminated).
+/// Body of PERF_RECORD_MMAP in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), start (16, 8),
+/// length (24, 8), page offset (32, 8), file name (40, NUL-terminated).
 ///
-/// Addresses fall into three classes on the 32-bit target: the kernel's, above gKernelStart; the stack's, 0xB0000001 to
-/// 0xBEFFFFFF; and mapped ones, which are searched for. A range includes the address behind its last one.
+/// Addresses fall into three classes on the 32-bit target: the kernel's, above gKernelStart; the stack's,
+/// 0xB0000001 to 0xBEFFFFFF; and mapped ones, which are searched for. A range includes the address behind its
+/// last one.
 class PerfRecordMMap : public PerfRecord {
  public:
   /// All 0 and null but for the key.
@@ -29,17 +30,17 @@ class PerfRecordMMap : public PerfRecord {
 
   static PerfRecord* createInstance(char* record);
 
-  /// The map that covers the address, or null. The tid is not looked at: where a process has maps from several threads,
-  /// the search may miss one.
+  /// The map that covers the address, or null. The tid is not looked at: where a process has maps from
+  /// several threads, the search may miss one.
   static PerfRecordMMap* findMap(unsigned long long address, unsigned int pid, unsigned int tid);
   /// The same for the sample's own address; marks the symbol there as used.
   static PerfRecordMMap* findMap(PerfRecordSample* sample);
   /// Any map of the sample's process, or null.
   static PerfRecordMMap* findPidMap(PerfRecordSample* sample);
 
-  /// A home for an address that no map covers, by 64 KiB units: a made-up symbol below a map of the process if it has
-  /// any, else a map of its own. Addresses of the first unit go to the lost-and-found map. Null only while there
-  /// is not even that.
+  /// A home for an address that no map covers, by 64 KiB units: a made-up symbol below a map of the process
+  /// if it has any, else a map of its own. Addresses of the first unit go to the lost-and-found map. Null
+  /// only while there is not even that.
   static PerfRecordMMap* createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
                                             unsigned long long address);
 
@@ -80,8 +81,8 @@ class PerfRecordMMap : public PerfRecord {
 
  private:
   static void buildStandingMaps();
-  static PerfRecordMMap* standingMap(std::string_view name, unsigned long long start, unsigned long long length,
-                                     unsigned int pidKey, SymbolTable* symbols);
+  static PerfRecordMMap* standingMap(std::string_view name, unsigned long long start,
+                                     unsigned long long length, unsigned int pidKey, SymbolTable* symbols);
   void enterSorted();
   SymbolTableElement* symbolAt(unsigned long long address) const;
   void useSymbol(SymbolTableElement& symbol) const;

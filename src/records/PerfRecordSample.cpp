@@ -37,13 +37,15 @@ constexpr SectionColumn kColumns[] = {
     {"bt.mapkey", "backtrace map key"},
 };
 
-unsigned int keptDepth(unsigned int nr) { return nr == 1 ? 0 : std::min(nr, kDeepestTrace); }
+unsigned int keptDepth(unsigned int nr) {
+  return nr == 1 ? 0 : std::min(nr, kDeepestTrace);
+}
 
 }  // namespace
 
-PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid_,
-                                   unsigned int tid_, unsigned long long /*period*/, unsigned int nr,
-                                   const PerfRecordSampleS& record)
+PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu,
+                                   unsigned int pid_, unsigned int tid_, unsigned long long /*period*/,
+                                   unsigned int nr, const PerfRecordSampleS& record)
     : PerfRecord(pid_, tid_), _ip(ip), _time(time), _cpu(cpu), _depth(keptDepth(nr)) {
   if (_firstSampleTime == 0.0) _firstSampleTime = time64ToDouble(time);
   _lastSampleTime = time;
@@ -53,13 +55,15 @@ PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long tim
   if (gVerbosity > 0) PerfRecordSample::show();
 }
 
-PerfRecordSample::PerfRecordSample() { key = static_cast<unsigned int>(++_runningIndex); }
+PerfRecordSample::PerfRecordSample() {
+  key = static_cast<unsigned int>(++_runningIndex);
+}
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
   const PerfRecordSampleS sample(record);
   if (sample.cpu() > kHighestCore) return PerfRecordSampleEvent::factoryCreate(record);
-  return new PerfRecordSample(sample.ip(), sample.time(), sample.cpu(), sample.pid(), sample.tid(), sample.period(),
-                              sample.nr(), sample);
+  return new PerfRecordSample(sample.ip(), sample.time(), sample.cpu(), sample.pid(), sample.tid(),
+                              sample.period(), sample.nr(), sample);
 }
 
 void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
@@ -76,8 +80,8 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
     skip = 1;
   }
   if (skip >= _depth) return;
-  // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that the depth
-  // covers. Viewers have always been given it.
+  // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
+  // the depth covers. Viewers have always been given it.
   for (unsigned int i = 0; i < _depth; ++i) {
     const unsigned long long address = record.ips(skip + i);
     TraceEntry& entry = _trace[i];

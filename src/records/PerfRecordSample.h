@@ -13,14 +13,17 @@ class PerfRecordMMap;
 /// Trace-point samples derive from it and have no back-trace.
 class PerfRecordSample : public PerfRecord {
  public:
-  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and 15 are kept at most.
-  /// Resolves the back-trace with the maps and processes known by now, and joins the list of all samples.
-  PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid, unsigned int tid,
-                   unsigned long long period, unsigned int nr, const PerfRecordSampleS& record);
+  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and 15 are kept at
+  /// most. Resolves the back-trace with the maps and processes known by now, and joins the list of all
+  /// samples.
+  PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid,
+                   unsigned int tid, unsigned long long period, unsigned int nr,
+                   const PerfRecordSampleS& record);
   /// All 0; takes a number and joins no list.
   PerfRecordSample();
 
-  /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells the latter.
+  /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells
+  /// the latter.
   static PerfRecord* createInstance(char* record);
 
   void processSample(const PerfRecordSampleS& record);
@@ -39,7 +42,7 @@ class PerfRecordSample : public PerfRecord {
   /// The section "samples", in the order of the recording.
   static void outAll(PerfJSONWriter& writer);
 
-  static double _firstSampleTime;             ///< seconds of the recording's clock; 0.0 until a sample sets it
+  static double _firstSampleTime;  ///< seconds of the recording's clock; 0.0 until a sample sets it
   static unsigned long long _lastSampleTime;  ///< of the latest sample in the recording, in nanoseconds
 
  private:

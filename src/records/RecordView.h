@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <string_view>
 
-/// The bytes of a record in the shared record buffer, little-endian, and the one gate through which they come in.
-/// Offsets count from the start of the record and may come from the recording: what lies behind the buffer's end reads
-/// as 0, or as an empty text. A record that is shorter than its layout reads what an earlier one left behind it.
+/// The bytes of a record in the shared record buffer, little-endian, and the one gate through which they come
+/// in. Offsets count from the start of the record and may come from the recording: what lies behind the
+/// buffer's end reads as 0, or as an empty text. A record that is shorter than its layout reads what an
+/// earlier one left behind it.
 class RecordView {
  public:
   /// A record as a creation function gets it: the start of PerfFactory's buffer.

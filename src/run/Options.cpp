@@ -23,40 +23,86 @@ struct ProgramOption {
   const char* help;
 };
 
-void parseAddWhiteSpace(const char*) { addJSONWhiteSpace = true; }
-void parseAddJSONLabels(const char*) { addJSONLabels = true; }
-void parseRemoveWhiteSpace(const char*) { addJSONWhiteSpace = false; }
-void parseRemoveJSONLabels(const char*) { addJSONLabels = false; }
-void parseRmInterrupts(const char*) { gRmFirstInterrupt = true; }
-void parseInFile(const char* argument) { inFileName = argument; }
-void parseOutFile(const char* argument) { outFileName = argument; }
-void parseAddToPath(const char* argument) { symPath += std::string(":") + argument; }
-void parseZeroTime(const char*) { timeConversionType = 3; }
-void parseEpochTime(const char*) { timeConversionType = 1; }
-void parseLoomstatTime(const char*) { timeConversionType = 4; }
-void parseRawTime(const char*) { timeConversionType = 0; }
-void parseNotReadable(const char*) { gReadable = false; }
-void parseBypassDestruct(const char*) { PerfFoundation::_bypassDestructor = true; }
-void parseDontBypassDestruct(const char*) { PerfFoundation::_bypassDestructor = false; }
-void parseVerbose(const char* argument) { gVerbosity = static_cast<unsigned int>(targetStrtol(argument)); }
-void parseShowMarkers(const char*) { gShowMarkers = true; }
-void parseTimechartMode(const char*) { gTimechartMode = true; }
-void parseOGServer(const char* argument) { FileNames::_ogServer = argument; }
-void parseOGProtocol(const char* argument) { FileNames::_ogProtocol = argument; }
+void parseAddWhiteSpace(const char*) {
+  addJSONWhiteSpace = true;
+}
+void parseAddJSONLabels(const char*) {
+  addJSONLabels = true;
+}
+void parseRemoveWhiteSpace(const char*) {
+  addJSONWhiteSpace = false;
+}
+void parseRemoveJSONLabels(const char*) {
+  addJSONLabels = false;
+}
+void parseRmInterrupts(const char*) {
+  gRmFirstInterrupt = true;
+}
+void parseInFile(const char* argument) {
+  inFileName = argument;
+}
+void parseOutFile(const char* argument) {
+  outFileName = argument;
+}
+void parseAddToPath(const char* argument) {
+  symPath += std::string(":") + argument;
+}
+void parseZeroTime(const char*) {
+  timeConversionType = 3;
+}
+void parseEpochTime(const char*) {
+  timeConversionType = 1;
+}
+void parseLoomstatTime(const char*) {
+  timeConversionType = 4;
+}
+void parseRawTime(const char*) {
+  timeConversionType = 0;
+}
+void parseNotReadable(const char*) {
+  gReadable = false;
+}
+void parseBypassDestruct(const char*) {
+  PerfFoundation::_bypassDestructor = true;
+}
+void parseDontBypassDestruct(const char*) {
+  PerfFoundation::_bypassDestructor = false;
+}
+void parseVerbose(const char* argument) {
+  gVerbosity = static_cast<unsigned int>(targetStrtol(argument));
+}
+void parseShowMarkers(const char*) {
+  gShowMarkers = true;
+}
+void parseTimechartMode(const char*) {
+  gTimechartMode = true;
+}
+void parseOGServer(const char* argument) {
+  FileNames::_ogServer = argument;
+}
+void parseOGProtocol(const char* argument) {
+  FileNames::_ogProtocol = argument;
+}
 
 /// Text that is no number leaves the value as it was.
-void scanDouble(const char* argument, double& value) { std::sscanf(argument, "%lf", &value); }
+void scanDouble(const char* argument, double& value) {
+  std::sscanf(argument, "%lf", &value);
+}
 
-void parseTimestampScaler(const char* argument) { scanDouble(argument, timestampScaler); }
-void parseTimestampOffset(const char* argument) { scanDouble(argument, timestampOffset); }
+void parseTimestampScaler(const char* argument) {
+  scanDouble(argument, timestampScaler);
+}
+void parseTimestampOffset(const char* argument) {
+  scanDouble(argument, timestampOffset);
+}
 
 void parseBaseTime(const char* argument) {
   scanDouble(argument, baseTime);
   gtodAtStart = baseTime;
 }
 
-/// Takes one end of the selected range. The answer is that end in whole seconds of the recording's clock: y = cx + g
-/// solved for x, as -c and -g stand at this moment.
+/// Takes one end of the selected range. The answer is that end in whole seconds of the recording's clock: y =
+/// cx + g solved for x, as -c and -g stand at this moment.
 unsigned long long parseRangeEnd(const char* argument, double& end) {
   gSelectiveProcessing = true;
   end = 0.0;
@@ -64,7 +110,8 @@ unsigned long long parseRangeEnd(const char* argument, double& end) {
   return truncateToUnsigned64((end - timestampOffset) / timestampScaler);
 }
 
-// The range in nanoseconds is one second wider at either end: it is only the coarse filter ahead of the charts' own.
+// The range in nanoseconds is one second wider at either end: it is only the coarse filter ahead of the
+// charts' own.
 void parseStartTime(const char* argument) {
   gFirstTimestampToProcess = (parseRangeEnd(argument, gtodAtStart) - 1) * 1000000000;
 }

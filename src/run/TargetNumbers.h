@@ -14,5 +14,6 @@ unsigned long long truncateToUnsigned64(double value);
 long long truncateToSigned64(double value);
 
 /// A value that an invalid operation such as infinity minus infinity made from two operands that are numbers:
-/// the target's not-a-number is positive there, a workstation's is negative, and both are printed with their sign.
+/// the target's not-a-number is positive there, a workstation's is negative, and both are printed with their
+/// sign.
 double asOnTarget(double result, double left, double right);

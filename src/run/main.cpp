@@ -1,3 +1,5 @@
 #include "run/profile.h"
 
-int main(int argc, char** argv) { return profile(argc, argv); }
+int main(int argc, char** argv) {
+  return profile(argc, argv);
+}

@@ -28,13 +28,17 @@ constexpr SectionColumn kColumns[] = {
 
 FileNames::FileNames() : _name("***EMPTY FILE_REF***"), _key(0) {}
 
-FileNames::FileNames(const char* name) : _name(name), _key(++_runningKey) { _fileTable.emplace(_name, this); }
+FileNames::FileNames(const char* name) : _name(name), _key(++_runningKey) {
+  _fileTable.emplace(_name, this);
+}
 
 void FileNames::createEmptyRef() {
   if (_emptyRef == nullptr) _emptyRef = new FileNames;
 }
 
-FileNames* FileNames::emptyRef() { return _emptyRef != nullptr ? _emptyRef : new FileNames; }
+FileNames* FileNames::emptyRef() {
+  return _emptyRef != nullptr ? _emptyRef : new FileNames;
+}
 
 FileNames* FileNames::findOrCreate(const char* name) {
   if (name == nullptr || std::strlen(name) <= kLongestNonName) return emptyRef();
@@ -42,7 +46,9 @@ FileNames* FileNames::findOrCreate(const char* name) {
   return found != _fileTable.end() ? found->second : new FileNames(name);
 }
 
-void FileNames::markUsed(SymbolTableElement* element) { _symbols.push_back(element); }
+void FileNames::markUsed(SymbolTableElement* element) {
+  _symbols.push_back(element);
+}
 
 void FileNames::out(PerfJSONWriter& writer) {
   if (_symbols.empty() || _key == 0) return;

@@ -10,8 +10,8 @@ class SymbolTableElement;
 /// The source-search service that the options' help names as the default.
 #define ZELCONV_OPENGROK_SERVER "localhost:8080"
 
-/// One source file and the used symbols in it. Files come from symbol lists that carry a file and a line number;
-/// nm as the program runs it prints none, so in an ordinary run there are no files.
+/// One source file and the used symbols in it. Files come from symbol lists that carry a file and a line
+/// number; nm as the program runs it prints none, so in an ordinary run there are no files.
 class FileNames {
  public:
   /// The empty file, key 0, which stands in no table: what a symbol without a known source refers to.
@@ -22,8 +22,8 @@ class FileNames {
   /// Makes _emptyRef, once.
   static void createEmptyRef();
 
-  /// The file of that name, made on first mention; never null. A null name, or one of at most four characters, is
-  /// taken not to be a file name and gives the empty file.
+  /// The file of that name, made on first mention; never null. A null name, or one of at most four
+  /// characters, is taken not to be a file name and gives the empty file.
   static FileNames* findOrCreate(const char* name);
 
   /// _emptyRef, or a fresh empty file while there is none.

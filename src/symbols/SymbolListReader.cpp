@@ -36,8 +36,8 @@ char* cutAt(char* text, char mark) {
 
 }  // namespace
 
-/// Gets the next line into _line, up to its size. False at the end, which shows only after a read has failed: that
-/// failed read leaves the last line in place, to be taken again.
+/// Gets the next line into _line, up to its size. False at the end, which shows only after a read has failed:
+/// that failed read leaves the last line in place, to be taken again.
 bool SymbolListReader::nextLine() {
   if (std::feof(_file) != 0 || std::ferror(_file) != 0) return false;
   [[maybe_unused]] const char* line = std::fgets(_line, kLineSize, _file);
@@ -49,8 +49,8 @@ bool SymbolListReader::parseLine() {
   return !isMappingSymbol(_line) && std::sscanf(_line, "%llx %c ", &_address, &_type) == 2;
 }
 
-/// The name in the line, or null. A type letter within the name is searched for like one ahead of it, so a name that
-/// holds " T " is cut there.
+/// The name in the line, or null. A type letter within the name is searched for like one ahead of it, so a
+/// name that holds " T " is cut there.
 char* SymbolListReader::nameInLine() {
   for (const char* pattern : {" T ", " t ", " W ", " w "})
     if (char* found = std::strstr(_line, pattern); found != nullptr) return found + 3;
@@ -62,7 +62,8 @@ bool SymbolListReader::goesBackward() const {
   return _pending.address <= lastOrdered && _address < _pending.address;
 }
 
-/// Cuts the line end of the line just read: the last character of what now stands where the previous name stood.
+/// Cuts the line end of the line just read: the last character of what now stands where the previous name
+/// stood.
 void SymbolListReader::cutLineEnd() {
   const std::size_t length = std::strlen(_pendingName);
   if (length > 0) _pendingName[length - 1] = '\0';
@@ -96,7 +97,8 @@ void SymbolListReader::read() {
     if (_hasPending) {
       if (goesBackward()) return readUnsorted();
       cutLineEnd();
-      _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file, _pending.line);
+      _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file,
+                        _pending.line);
     }
     takePending(name);
   }

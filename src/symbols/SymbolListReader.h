@@ -6,18 +6,21 @@
 class FileNames;
 class SymbolTable;
 
-/// Reads a symbol list into a table: one symbol a line, "address type name", optionally followed by a tab and a source
-/// file with a colon and a line number, or by a tab and a kernel module. A symbol reaches up to its successor.
+/// Reads a symbol list into a table: one symbol a line, "address type name", optionally followed by a tab and
+/// a source file with a colon and a line number, or by a tab and a kernel module. A symbol reaches up to its
+/// successor.
 ///
 /// The symbols that come out are those that documents have always shown, odd ends included:
-/// - the last line is taken twice, as the end of the list shows only once a read has failed, so the last symbol has
+/// - the last line is taken twice, as the end of the list shows only once a read has failed, so the last
+/// symbol has
 ///   size 0; a last line without a line end loses its symbol;
 /// - the first symbol keeps its line end in its name;
 /// - a list whose addresses go backward is read into a map instead from there on.
 class SymbolListReader {
  public:
   /// `kernel` says that the list is the kernel's own, which has addresses of user space to pass over.
-  SymbolListReader(SymbolTable& table, std::FILE* file, bool kernel) : _table(table), _file(file), _kernel(kernel) {}
+  SymbolListReader(SymbolTable& table, std::FILE* file, bool kernel)
+      : _table(table), _file(file), _kernel(kernel) {}
 
   void read();
 
@@ -47,6 +50,6 @@ class SymbolListReader {
   unsigned long long _address = 0;  ///< of the line in _line
   char _type = 0;
   bool _hasPending = false;
-  Symbol _pending;            ///< waits for its successor, which tells its size
+  Symbol _pending;               ///< waits for its successor, which tells its size
   char* _pendingName = nullptr;  ///< where in _line the name of the pending symbol stood
 };

@@ -1,4 +1,5 @@
-// The loading half of SymbolTable: finding a file along the search path, running nm and reading what it prints.
+// The loading half of SymbolTable: finding a file along the search path, running nm and reading what it
+// prints.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -37,8 +38,8 @@ std::string shellWord(const std::string& path) {
   return word + "'";
 }
 
-/// A fresh file of this run's own, so that two runs at once do not disturb each other and nobody can plant a link at a
-/// name known beforehand. The name is empty if the file cannot be made.
+/// A fresh file of this run's own, so that two runs at once do not disturb each other and nobody can plant a
+/// link at a name known beforehand. The name is empty if the file cannot be made.
 class PrivateFile {
  public:
   explicit PrivateFile(const std::string& nameBeside) : _name(nameBeside + ".XXXXXX") {
@@ -111,7 +112,8 @@ std::string SymbolTable::findPathForFile(const std::string& name, int& index) {
   std::string result;
   for (; static_cast<std::size_t>(index) < _paths.size(); ++index) {
     const std::string& directory = _paths[static_cast<std::size_t>(index)];
-    if (checkFile(directory, name, result) != 0 || checkFile(directory, shortName, result) != 0) return result;
+    if (checkFile(directory, name, result) != 0 || checkFile(directory, shortName, result) != 0)
+      return result;
   }
   return {};
 }

@@ -50,10 +50,12 @@ SymbolTable::~SymbolTable() {
   for (const SymbolTableElement* element : _elements) delete element;
 }
 
-void SymbolTable::enter(const std::string& name) { _symbolTables.emplace(name, this); }
+void SymbolTable::enter(const std::string& name) {
+  _symbolTables.emplace(name, this);
+}
 
-SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned long long size, std::string_view name,
-                                            FileNames* file, unsigned int line) {
+SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned long long size,
+                                            std::string_view name, FileNames* file, unsigned int line) {
   if (start > _highAddress) _highAddress = start;
   if (start < _lowAddress) _lowAddress = start;
   _elements.push_back(new SymbolTableElement(name, start, size, file, line));
@@ -65,8 +67,8 @@ SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
   int low = 0;
   int high = count;
   int middle = count / 2;
-  // A table of one element never matches: the first probe is at n / 2 == 0, which means "not found". Recordings in
-  // the field were resolved this way, so the document must not change.
+  // A table of one element never matches: the first probe is at n / 2 == 0, which means "not found".
+  // Recordings in the field were resolved this way, so the document must not change.
   if (middle == 0) return nullptr;
   while (low <= middle && middle <= high && middle < count) {
     SymbolTableElement* element = _elements[static_cast<std::size_t>(middle)];
@@ -87,7 +89,9 @@ SymbolTableElement* SymbolTable::findElementLinear(unsigned long long address) c
   return nullptr;
 }
 
-void SymbolTable::createSyntheticTable() { _syntheticSymTable = new SymbolTable; }
+void SymbolTable::createSyntheticTable() {
+  _syntheticSymTable = new SymbolTable;
+}
 
 SymbolTableElement* SymbolTable::addSyntheticEntry(unsigned long long address, unsigned long long size,
                                                    const char* name) {
@@ -141,6 +145,7 @@ void SymbolTable::showAllTablesUsed() {
   for (const SymbolTable* table : _allSymbolTables) table->showAllUsed();
   if (_kernelSymTable == nullptr) return;
   _kernelSymTable->showAllUsed();
-  // The kernel's table once more, where one would look for the synthetic one: readers of this output count on it.
+  // The kernel's table once more, where one would look for the synthetic one: readers of this output count on
+  // it.
   if (_syntheticSymTable != nullptr) _kernelSymTable->showAllUsed();
 }

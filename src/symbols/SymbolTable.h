@@ -11,8 +11,9 @@
 class FileNames;
 class PerfJSONWriter;
 
-/// The symbols of one program, library or kernel, in the order in which they were added, which for a sorted list is
-/// ascending by address. Tables live until the process ends and are shared by all maps of the same file.
+/// The symbols of one program, library or kernel, in the order in which they were added, which for a sorted
+/// list is ascending by address. Tables live until the process ends and are shared by all maps of the same
+/// file.
 class SymbolTable : public PerfFoundation {
  public:
   SymbolTable();
@@ -27,8 +28,9 @@ class SymbolTable : public PerfFoundation {
   SymbolTableElement* addElement(unsigned long long start, unsigned long long size, std::string_view name,
                                  FileNames* file, unsigned int line);
 
-  /// The symbol that covers the address, or null, by binary search. An address on the boundary of two symbols goes to
-  /// the one probed first. Symbols out of order, such as those of kernel modules, are found by chance only.
+  /// The symbol that covers the address, or null, by binary search. An address on the boundary of two symbols
+  /// goes to the one probed first. Symbols out of order, such as those of kernel modules, are found by chance
+  /// only.
   SymbolTableElement* findElement(unsigned long long address) const;
 
   /// The first symbol that covers the address, or null, by a scan from the front.
@@ -36,8 +38,10 @@ class SymbolTable : public PerfFoundation {
 
   static void createSyntheticTable();
 
-  /// The symbol made up for the 64 KiB unit at the address, made on first mention; later sizes and names are dropped.
-  static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size, const char* name);
+  /// The symbol made up for the 64 KiB unit at the address, made on first mention; later sizes and names are
+  /// dropped.
+  static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size,
+                                               const char* name);
 
   static SymbolTable* findExistingSymbolTable(const std::string& name);
 
@@ -54,23 +58,25 @@ class SymbolTable : public PerfFoundation {
 
   // Loading, see SymbolLoader.cpp.
 
-  /// Replaces the search path by the ":"-separated directories. A name as it stands is always tried first; pieces of
-  /// one character are dropped.
+  /// Replaces the search path by the ":"-separated directories. A name as it stands is always tried first;
+  /// pieces of one character are dropped.
   static void setPath(const std::string& path);
 
-  /// The table of a mapped file: from the cache, or by running nm over the file at each place where the search path
-  /// has it, until a place gives at least two symbols. A file that is nowhere gives an empty table; null means that the
-  /// file was found and no symbols were. Failed tries stay in the cache, so nothing is searched twice.
+  /// The table of a mapped file: from the cache, or by running nm over the file at each place where the
+  /// search path has it, until a place gives at least two symbols. A file that is nowhere gives an empty
+  /// table; null means that the file was found and no symbols were. Failed tries stay in the cache, so
+  /// nothing is searched twice.
   static SymbolTable* findAndRead(const char* name);
 
   /// Runs nm over an existing file. Null if that gives fewer than two symbols.
   static SymbolTable* generateAndRead(const char* path);
 
-  /// Adds the symbols of a list as nm prints it, or of the kernel's table. Answers 0, or -1 if it cannot be opened.
+  /// Adds the symbols of a list as nm prints it, or of the kernel's table. Answers 0, or -1 if it cannot be
+  /// opened.
   int readFromFile(const char* path);
 
-  /// The first file of that name, whole or without its directory, at or behind place `index` of the search path, and
-  /// empty if there is none. `index` becomes the place.
+  /// The first file of that name, whole or without its directory, at or behind place `index` of the search
+  /// path, and empty if there is none. `index` becomes the place.
   static std::string findPathForFile(const std::string& name, int& index);
 
   /// Joins the two and answers 1 if the result can be opened, else 0.

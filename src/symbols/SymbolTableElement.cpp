@@ -16,8 +16,8 @@ constexpr std::size_t kShortestShownName = 4;
 
 SymbolTableElement::SymbolTableElement() : _file(FileNames::emptyRef()) {}
 
-SymbolTableElement::SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
-                                       FileNames* file, unsigned int line)
+SymbolTableElement::SymbolTableElement(std::string_view name, unsigned long long address,
+                                       unsigned long long size, FileNames* file, unsigned int line)
     : _name(name),
       _address(address),
       _size(size > kLargestFunction ? 0 : size),

@@ -12,10 +12,10 @@ class SymbolTableElement {
  public:
   SymbolTableElement();
 
-  /// A size above 1 MiB is stored as 0: sizes come from the distance to the next symbol, and a distance that large is a
-  /// gap and no function. A null file becomes the empty file.
-  SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size, FileNames* file,
-                     unsigned int line);
+  /// A size above 1 MiB is stored as 0: sizes come from the distance to the next symbol, and a distance that
+  /// large is a gap and no function. A null file becomes the empty file.
+  SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
+                     FileNames* file, unsigned int line);
 
   /// Counts one use; the first also tells the file. Answers the key.
   unsigned int markUsed(unsigned long long address);

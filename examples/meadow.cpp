@@ -1,0 +1,19 @@
+// The shared library of the example recording. Only its symbols matter; nobody calls it.
+
+namespace meadow {
+
+int count_bees(int flowers) {
+  return flowers * 7 + 3;
+}
+
+int mow(int width, int height) {
+  int steps = 0;
+  for (int row = 0; row < height; ++row) steps += count_bees(width + row);
+  return steps;
+}
+
+double measure_shade(double height) {
+  return height * 0.75 + 1.0;
+}
+
+}  // namespace meadow

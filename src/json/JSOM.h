@@ -1,0 +1,128 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "json/JSONData.h"
+
+namespace loomstat {
+
+/// The handle through which a document is read and built: it points at a node of a value tree, or at a place
+/// in a container where a node could be. Lookups return handles by value, so that doc["a"][0] chains.
+///
+/// A lookup of a missing member gives a handle on the empty place, and a later write through it makes the
+/// member. A lookup through such a handle counts as a write: doc["a"]["b"] leaves an empty object "a" behind.
+/// The key of a pending handle stays the caller's and must outlive it.
+///
+/// Nothing throws. A failure prints one line on standard error and gives an invalid handle, which answers
+/// every accessor with its default.
+class JSOM {
+ public:
+  JSOM() = default;
+  explicit JSOM(JSONData* node) : JSOM(node, static_cast<JSONData*>(nullptr)) {}
+  JSOM(JSONData* node, JSONData* parent);
+  JSOM(JSONData* parent, int index);
+  JSOM(JSONData* parent, const char* key);
+  JSOM(JSONData* parent, const std::string& key);
+  JSOM(const JSOM& other);
+  ~JSOM();
+
+  /// Deep assignment: copies the tree of a source that holds a node, and does nothing for any other.
+  JSOM& operator=(const JSOM& source);
+  /// The same, but a source without a node makes this one the boolean false.
+  JSOM& copy(const JSOM& source);
+
+  JSOM at(const std::string& key);
+  JSOM at(const char* key);
+  /// Index -1, like the size, is the place behind the last element.
+  JSOM at(int index);
+  JSOM operator[](const std::string& key);
+  JSOM operator[](const char* key);
+  JSOM operator[](int index);
+
+  // Each returns the default when the handle holds nothing suitable. One that converts, a string into a
+  // number or boolean or the other way round, also leaves the converted value in the node.
+  long long longValue(long long defaultValue) const;
+  bool booleanValue(bool defaultValue) const;
+  double doubleValue(double defaultValue) const;
+  const std::string& stringValue(const std::string& defaultValue) const;
+  const char* stringValuePtr(const char* defaultValue) const;
+
+  // Each makes the node if there is none yet. A null text makes it null.
+  JSOM& setString(const std::string& value);
+  JSOM& setString(const char* value);
+  JSOM& setDouble(double value);
+  JSOM& setBoolean(bool value);
+  JSOM& setLong(long long value);
+
+  int size() const;
+  const std::string* key(int index) const;
+  JSOM& clear();
+  JSOM& erase(int index);
+  JSOM& erase(const char* key);
+  JSOM& erase(const std::string& key);
+
+  /// Whether the handle holds a node.
+  bool found() const { return _kind == Kind::node; }
+  bool isNull() const { return hasType(JSONData::kNull); }
+  bool isBoolean() const { return hasType(JSONData::kBoolean); }
+  bool isObject() const { return hasType(JSONData::kObject); }
+  bool isArray() const { return hasType(JSONData::kArray); }
+  bool isString() const { return hasType(JSONData::kString); }
+  bool isNumber() const { return hasType(JSONData::kLong) || hasType(JSONData::kDouble); }
+
+  /// Append the tree, indented or compact.
+  std::string& toString(std::string& out, int precision = defaultPrecision) const;
+  std::string& toCompactString(std::string& out, int precision = defaultPrecision) const;
+
+  // Loading answers this handle, or JERROR if the text has an error; what was read ahead of the error stays.
+  JSOM& fromString(const std::string& text);
+  JSOM& fromString(const char* text);
+  JSOM& fromFile(const char* name);
+  /// Writes the indented form. False if the file cannot be written.
+  bool toFile(const char* name, int precision = defaultPrecision) const;
+  std::istream& fromStream(std::istream& stream);
+  std::ostream& toStream(std::ostream& stream) const;
+
+  /// Replaces ${NAME} by the environment's value in all strings of the tree, keys excepted. Variables that
+  /// are not set stay as they are, and a substituted value is not scanned again.
+  JSOM& expandValues();
+
+  static JSOM JERROR;       ///< the invalid handle
+  static const JSOM BLANK;  ///< a handle on nothing yet
+  static const std::string EMPTY_STRING;
+  static constexpr int defaultPrecision = 4;  ///< of a number that becomes a string
+
+ private:
+  enum class Kind { blank, node, pendingText, pendingString, pendingIndex, invalid };
+
+  union Reference {
+    JSONData* node;
+    const char* text;
+    const std::string* string;
+    int index;
+  };
+
+  struct Invalid {};
+  explicit JSOM(Invalid) : _kind(Kind::invalid), _ref{.index = -1} {}
+  JSOM(JSONData* parent, Kind kind, Reference ref);
+
+  bool hasType(JSONData::Type type) const { return _kind == Kind::node && _ref.node->_type == type; }
+  JSONData* node() const { return _kind == Kind::node ? _ref.node : nullptr; }
+  void makeInfoNode(const char* caller);
+  JSONData* writableNode(const char* caller);
+  bool makeContainer(const char* caller, JSONData::Type type);
+  template <typename Key>
+  JSOM lookup(const Key& key, const char* nodeCaller);
+  JSOM lookupText(const char* key, const char* caller);
+  JSOM lookupIndex(int index, const char* caller);
+  std::string* stringNode() const;
+  static void _expandValues(JSOM node);
+  static void _expandString(JSOM& node);
+
+  JSONData* _parent = nullptr;  ///< the container that the handle came from
+  Kind _kind = Kind::blank;
+  Reference _ref = {};
+};
+
+}  // namespace loomstat

@@ -1,0 +1,231 @@
+#include "json/JSONData.h"
+
+#include <cstdio>
+#include <cstring>
+#include <ostream>
+#include <utility>
+
+#include "json/JSONParser.h"
+#include "json/JsonText.h"
+#include "run/TargetNumbers.h"
+
+namespace loomstat {
+
+void JSONData::release(JSONData* node) {
+  if (--node->_refCount == 0) delete node;
+}
+
+int JSONData::length() const {
+  if (_type == kArray) return static_cast<int>(_value.elements->size());
+  if (_type == kObject) return static_cast<int>(_value.entries->size());
+  return 0;
+}
+
+JSONData* JSONData::getByIndex(int index) const {
+  if (index < 0 || index >= length()) return nullptr;
+  const auto place = static_cast<std::size_t>(index);
+  return _type == kArray ? (*_value.elements)[place] : (*_value.entries)[place]->value;
+}
+
+/// The last entry of that key, or -1.
+int JSONData::findKey(const std::string& key) const {
+  if (_type != kObject) return -1;
+  int index = length() - 1;
+  while (index >= 0 && (*_value.entries)[static_cast<std::size_t>(index)]->key != key) --index;
+  return index;
+}
+
+JSONData* JSONData::getByKey(const std::string& key) const {
+  return getByIndex(findKey(key));
+}
+
+JSONData* JSONData::getByKey(const char* key) const {
+  return getByKey(std::string(key));
+}
+
+const std::string* JSONData::getKeyAtIndex(int index) const {
+  if (_type != kObject || index < 0 || index >= length()) return nullptr;
+  return &(*_value.entries)[static_cast<std::size_t>(index)]->key;
+}
+
+bool JSONData::booleanValue() const {
+  unsigned char first = 0;
+  std::memcpy(&first, &_value, 1);
+  return first != 0;
+}
+
+long long JSONData::longValue() const {
+  if (_type == kLong) return _value.integer;
+  if (_type == kDouble) return truncateToSigned64(_value.real);
+  return _type == kBoolean && booleanValue() ? 1 : 0;
+}
+
+double JSONData::doubleValue() const {
+  return _type == kDouble ? _value.real : static_cast<double>(longValue());
+}
+
+const std::string* JSONData::stringValue() const {
+  return _type == kString ? _value.string : nullptr;
+}
+
+void JSONData::setType(int type) {
+  if (type == _type) return;
+  reset();
+  _type = static_cast<unsigned short>(type);
+  if (type == kArray) _value.elements = new std::vector<JSONData*>;
+  if (type == kObject) _value.entries = new std::vector<entry*>;
+  if (type == kString) _value.string = new std::string;
+}
+
+void JSONData::setBoolean(bool value) {
+  setType(kBoolean);
+  _value.boolean = value;
+}
+
+void JSONData::setLong(long long value) {
+  setType(kLong);
+  _value.integer = value;
+}
+
+void JSONData::setDouble(double value) {
+  setType(kDouble);
+  _value.real = value;
+}
+
+void JSONData::setString(const std::string& value) {
+  setType(kString);
+  *_value.string = value;
+}
+
+void JSONData::setString(const char* value) {
+  setType(kString);
+  if (value != nullptr) *_value.string = value;
+}
+
+void JSONData::reset() {
+  clear();
+  if (_type == kArray) delete _value.elements;
+  if (_type == kObject) delete _value.entries;
+  if (_type == kString) delete _value.string;
+  _value.integer = 0;
+  _type = kUnset;
+}
+
+void JSONData::clear() {
+  while (length() > 0) erase(-1);
+}
+
+void JSONData::eraseAt(std::size_t index) {
+  const auto offset = static_cast<std::ptrdiff_t>(index);
+  if (_type == kArray) {
+    JSONData* element = (*_value.elements)[index];
+    _value.elements->erase(_value.elements->begin() + offset);
+    release(element);
+  } else {
+    entry* member = (*_value.entries)[index];
+    _value.entries->erase(_value.entries->begin() + offset);
+    release(member->value);
+    delete member;
+  }
+}
+
+void JSONData::erase(int index) {
+  const int count = length();
+  if (index == -1) index = count - 1;
+  if (index >= 0 && index < count) eraseAt(static_cast<std::size_t>(index));
+}
+
+void JSONData::erase(const char* key) {
+  if (key != nullptr) erase(std::string(key));
+}
+
+void JSONData::erase(const std::string& key) {
+  if (const int index = findKey(key); index >= 0) eraseAt(static_cast<std::size_t>(index));
+}
+
+void JSONData::setByKey(const std::string& key, JSONData* value) {
+  setType(kObject);
+  const int index = findKey(key);
+  if (value == nullptr) {
+    erase(key);
+    return;
+  }
+  value->addReference();
+  if (index < 0) {
+    _value.entries->push_back(new entry{key, value});
+  } else {
+    release(std::exchange((*_value.entries)[static_cast<std::size_t>(index)]->value, value));
+  }
+}
+
+void JSONData::setByKey(const char* key, JSONData* value) {
+  setByKey(std::string(key), value);
+}
+
+void JSONData::setByIndex(int index, JSONData* value) {
+  if (value == nullptr) {
+    if (_type == kArray && index >= 0) erase(index);
+    return;
+  }
+  setType(kArray);
+  value->addReference();
+  const int count = length();
+  if (index == count) {
+    _value.elements->push_back(value);
+  } else if (index < 0 || index > count) {
+    std::fprintf(stderr, "JSONData::%s: %s\n", "setByIndex()", "index out of range");
+    release(value);
+  } else {
+    const auto place = static_cast<std::size_t>(index);
+    JSONData* replaced = (*_value.elements)[place];
+    _value.elements->assign(place, value);
+    release(replaced);
+  }
+}
+
+JSONData* JSONData::clone() const {
+  auto* node = new JSONData;
+  node->copy(*this);
+  return node;
+}
+
+void JSONData::copy(const JSONData& source) {
+  setType(source._type);
+  if (_type == kString) {
+    *_value.string = *source._value.string;
+  } else if (_type == kArray || _type == kObject) {
+    // All copies ahead of the first release: a node may be copied onto itself.
+    const int oldLength = length();
+    const int newLength = source.length();
+    for (int i = 0; i < newLength; ++i) {
+      JSONData* member = source.getByIndex(i)->clone();
+      member->addReference();
+      if (_type == kArray) {
+        _value.elements->push_back(member);
+      } else {
+        _value.entries->push_back(new entry{*source.getKeyAtIndex(i), member});
+      }
+    }
+    for (int i = 0; i < oldLength; ++i) erase(0);
+  } else {
+    _value = source._value;
+  }
+}
+
+bool JSONData::setFromJsonString(const char*& cursor) {
+  if (cursor == nullptr) return false;
+  TextCursor text(cursor);
+  return JSONParser<TextCursor>(text).parse(*this);
+}
+
+bool JSONData::setFromStream(std::istream& stream) {
+  StreamCursor cursor(stream);
+  return JSONParser<StreamCursor>(cursor).parse(*this);
+}
+
+bool JSONData::setFromJsonStlString(const std::string& text) {
+  const char* cursor = text.c_str();
+  return setFromJsonString(cursor);
+}
+
+}  // namespace loomstat

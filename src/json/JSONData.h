@@ -1,0 +1,118 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace loomstat {
+
+/// One node of a JSON value tree: a tagged value that holds a scalar, a string, an ordered object or an
+/// array. Nodes are shared by reference count and belong to one thread; every element of an array and every
+/// entry of an object holds one reference. A fresh node is unset and has no holder.
+struct JSONData {
+  enum Type : unsigned short {
+    kUnset = 0,
+    kNull = 1,
+    kBoolean = 2,
+    kObject = 3,
+    kArray = 4,
+    kString = 5,
+    kLong = 6,
+    kDouble = 7,
+  };
+
+  /// A member of an object. Keys need not be unique: the last of several is the one found.
+  struct entry {
+    std::string key;
+    JSONData* value;
+  };
+
+  JSONData() = default;
+  ~JSONData() { reset(); }
+  JSONData(const JSONData&) = delete;
+  JSONData& operator=(const JSONData&) = delete;
+
+  // Reading
+
+  /// Number of entries or elements; 0 for what is no container.
+  int length() const;
+  /// The element or the entry's value at that position, or null.
+  JSONData* getByIndex(int index) const;
+  JSONData* getByKey(const std::string& key) const;
+  JSONData* getByKey(const char* key) const;
+  const std::string* getKeyAtIndex(int index) const;
+  /// Whether the value's first byte is set, whatever the type; callers look at the type first.
+  bool booleanValue() const;
+  /// A double is truncated; what is no number and no boolean gives 0.
+  long long longValue() const;
+  double doubleValue() const;
+  const std::string* stringValue() const;
+
+  // Writing. A change of type destroys the old content; setting the type that a node has keeps it.
+
+  void setType(int type);
+  void setArray() { setType(kArray); }
+  void setObject() { setType(kObject); }
+  void setNull() { setType(kNull); }
+  void setBoolean(bool value);
+  void setLong(long long value);
+  void setDouble(double value);
+  void setString(const std::string& value);
+  /// A null text leaves the string as it is.
+  void setString(const char* value);
+  void reset();
+  /// Empties a container and keeps its type.
+  void clear();
+  /// Removes one member; -1 means the last.
+  void erase(int index);
+  void erase(const char* key);
+  void erase(const std::string& key);
+  /// Makes the node an object first. A null value deletes the key.
+  void setByKey(const std::string& key, JSONData* value);
+  void setByKey(const char* key, JSONData* value);
+  /// Appends at the array's length; an index beyond that prints a message. Within the array the value fills
+  /// the places ahead of the index and everything else goes: documents depend on it, and new code appends.
+  void setByIndex(int index, JSONData* value);
+  /// A deep copy without a holder.
+  JSONData* clone() const;
+  void copy(const JSONData& source);
+
+  // Printing
+
+  static void quoteJsonString(const std::string& text, std::string& out);
+  /// A scalar or a string as plain text, with no quotes.
+  void appendStringValue(std::string& out, int precision) const;
+  void appendJsonString(std::string& out, bool pretty, int precision, int depth) const;
+  void toJsonString(std::string& out, bool pretty, int precision) const;
+  /// The compact form, with the stream's own precision.
+  void appendStream(std::ostream& stream) const;
+
+  // Parsing, see JSONParser.h for the language. A failure prints one line on standard error and leaves what
+  // was completed in place; the end of the text alone is a silent failure.
+
+  /// Parses one value. The cursor ends behind it, or where the failure was met.
+  bool setFromJsonString(const char*& cursor);
+  bool setFromStream(std::istream& stream);
+  bool setFromJsonStlString(const std::string& text);
+
+  void addReference() { ++_refCount; }
+  /// Gives one reference back; the last one destroys the node.
+  static void release(JSONData* node);
+
+  unsigned short _type = kUnset;
+  unsigned short _refCount = 0;
+  union {
+    bool boolean;
+    std::vector<entry*>* entries;
+    std::vector<JSONData*>* elements;
+    std::string* string;
+    long long integer;
+    double real;
+  } _value = {};
+
+ private:
+  void eraseAt(std::size_t index);
+  int findKey(const std::string& key) const;
+};
+
+}  // namespace loomstat

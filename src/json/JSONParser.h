@@ -1,0 +1,387 @@
+#pragma once
+
+#include <cstdio>
+#include <cstring>
+#include <istream>
+#include <memory>
+#include <string>
+
+#include "json/JSONData.h"
+
+namespace loomstat {
+
+/// Bytes of a text that ends in a NUL. The caller's cursor moves along.
+class TextCursor {
+ public:
+  explicit TextCursor(const char*& cursor) : _cursor(cursor) {}
+
+  static constexpr const char* kOperation = "setFromJsonString()";
+
+  /// Takes the next byte; false at the end.
+  bool next(char& byte) {
+    if (*_cursor == '\0') return false;
+    byte = *_cursor++;
+    return true;
+  }
+  /// Puts the byte just taken back.
+  void back() { --_cursor; }
+  bool atEnd() const { return *_cursor == '\0'; }
+  /// Takes the word if it comes next, else nothing.
+  bool takeWord(const char* word) {
+    const std::size_t length = std::strlen(word);
+    if (std::strncmp(_cursor, word, length) != 0) return false;
+    _cursor += length;
+    return true;
+  }
+
+ private:
+  const char*& _cursor;
+};
+
+/// Bytes of a stream, which ends once its state is not good behind a read.
+class StreamCursor {
+ public:
+  explicit StreamCursor(std::istream& stream) : _stream(stream) {}
+
+  static constexpr const char* kOperation = "setFromStream()";
+
+  bool next(char& byte) {
+    _stream.get(byte);
+    return _stream.good();
+  }
+  void back() { _stream.unget(); }
+  bool atEnd() const { return _stream.eof(); }
+  /// Takes as many bytes as the word has, whatever they are.
+  bool takeWord(const char* word) {
+    bool same = true;
+    char byte = 0;
+    for (; *word != '\0'; ++word) {
+      if (!next(byte)) return false;
+      same = same && byte == *word;
+    }
+    return same;
+  }
+
+ private:
+  std::istream& _stream;
+};
+
+/// Fills a node from JSON text by recursive descent. The language is a little wider than JSON: comments, a
+/// trailing comma, unknown escapes kept as they stand; and a little narrower: no exponents, and \u gives one
+/// byte.
+template <typename Cursor>
+class JSONParser {
+ public:
+  explicit JSONParser(Cursor& cursor) : _cursor(cursor) {}
+
+  /// Parses one value into the node; what follows it is not looked at.
+  bool parse(JSONData& node);
+
+  /// Parses an optional minus, digits, and optionally a point and further digits. Integers wrap at 64 bits.
+  /// A failure leaves the node as it was.
+  bool parseJsonNumberIntoSelf(JSONData& node);
+
+ private:
+  bool fail(const char* message);
+  bool fetchNextType();
+  bool skipComment();
+  bool parseJsonString(std::string& out);
+  bool appendEscape(std::string& out);
+  bool appendCodePoint(std::string& out);
+  bool parseFraction(JSONData& node, double value, bool negative);
+  bool parseBoolean(JSONData& node);
+  bool parseObject(JSONData& node);
+  bool parseArray(JSONData& node);
+  JSONData* parseChild();
+  bool nextDigit(int& digit);
+
+  /// Steps over the token that fetchNextType has left.
+  void step() {
+    char byte = 0;
+    _cursor.next(byte);
+  }
+
+  Cursor& _cursor;
+  // What fetchNextType found. A comma or a colon leaves the type of the token before it.
+  unsigned short _type = JSONData::kUnset;
+  bool _comma = false;
+  bool _colon = false;
+  bool _end = false;
+};
+
+template <typename Cursor>
+bool JSONParser<Cursor>::fail(const char* message) {
+  std::fprintf(stderr, "JSONData::%s: syntax error: %s\n", Cursor::kOperation, message);
+  return false;
+}
+
+/// Skips white space and comments and classifies the next token, which stays unread. False at the end of the
+/// text and for a byte that begins no token.
+template <typename Cursor>
+bool JSONParser<Cursor>::fetchNextType() {
+  _comma = _colon = _end = false;
+  char byte = 0;
+  while (true) {
+    if (!_cursor.next(byte)) return false;
+    if (byte == '/') {
+      if (!skipComment()) return false;
+    } else if (byte != '\t' && byte != '\n' && byte != '\r' && byte != ' ') {
+      break;
+    }
+  }
+  _cursor.back();
+  switch (byte) {
+    case '"':
+      _type = JSONData::kString;
+      return true;
+    case 't':
+    case 'f':
+      _type = JSONData::kBoolean;
+      return true;
+    case 'n':
+      _type = JSONData::kNull;
+      return true;
+    case '{':
+    case '}':
+      _type = JSONData::kObject;
+      _end = byte == '}';
+      return true;
+    case '[':
+    case ']':
+      _type = JSONData::kArray;
+      _end = byte == ']';
+      return true;
+    case ',':
+      _comma = true;
+      return true;
+    case ':':
+      _colon = true;
+      return true;
+    default:
+      if (byte != '+' && byte != '-' && (byte < '0' || byte > '9')) return false;
+      _type = JSONData::kLong;
+      return true;
+  }
+}
+
+/// Skips the rest of a comment behind its first slash.
+template <typename Cursor>
+bool JSONParser<Cursor>::skipComment() {
+  char byte = 0;
+  if (!_cursor.next(byte)) return false;
+  if (byte == '/') {
+    while (_cursor.next(byte))
+      if (byte == '\n') return true;
+    return false;
+  }
+  if (byte != '*') {
+    _cursor.back();
+    return false;
+  }
+  char previous = 0;
+  while (_cursor.next(byte)) {
+    if (previous == '*' && byte == '/') return true;
+    previous = byte;
+  }
+  return false;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parse(JSONData& node) {
+  if (!fetchNextType() || _comma || _colon || _end) return _cursor.atEnd() ? false : fail("missing value");
+  switch (_type) {
+    case JSONData::kNull:
+      if (!_cursor.takeWord("null")) return fail("invalid null value");
+      node.setNull();
+      return true;
+    case JSONData::kBoolean:
+      return parseBoolean(node) || fail("invalid boolean value");
+    case JSONData::kString:
+      node.setType(JSONData::kString);
+      return parseJsonString(*node._value.string) || fail("invalid string");
+    case JSONData::kLong:
+      return parseJsonNumberIntoSelf(node) || fail("invalid number");
+    case JSONData::kObject:
+      return parseObject(node);
+    default:
+      return parseArray(node);
+  }
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseBoolean(JSONData& node) {
+  char first = 0;
+  _cursor.next(first);
+  _cursor.back();
+  const bool value = first == 't';
+  if (!_cursor.takeWord(value ? "true" : "false")) return false;
+  node.setBoolean(value);
+  return true;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseJsonString(std::string& out) {
+  out.clear();
+  char byte = 0;
+  if (!_cursor.next(byte)) return false;
+  if (byte != '"') {
+    _cursor.back();
+    return false;
+  }
+  while (_cursor.next(byte)) {
+    if (byte == '"') return true;
+    if (byte != '\\') {
+      out += byte;
+    } else if (!appendEscape(out)) {
+      return false;
+    }
+  }
+  return false;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::appendEscape(std::string& out) {
+  constexpr const char* letters = "ntrbf\"\\/";
+  constexpr const char* meanings = "\n\t\r\b\f\"\\/";
+  char byte = 0;
+  if (!_cursor.next(byte)) return false;
+  if (byte == 'u') return appendCodePoint(out);
+  if (const char* letter = byte != '\0' ? std::strchr(letters, byte) : nullptr; letter != nullptr) {
+    out += meanings[letter - letters];
+  } else {
+    out += '\\';
+    out += byte;
+  }
+  return true;
+}
+
+/// Four hexadecimal digits, of which the last two make one byte. Upper-case digits count five less than they
+/// should; configuration files have come to rely on it.
+template <typename Cursor>
+bool JSONParser<Cursor>::appendCodePoint(std::string& out) {
+  int value = 0;
+  for (int i = 0; i < 4; ++i) {
+    char byte = 0;
+    if (!_cursor.next(byte)) return false;
+    int digit = 0;
+    if (byte >= '0' && byte <= '9') {
+      digit = byte - '0';
+    } else if (byte >= 'a' && byte <= 'f') {
+      digit = byte - 'a' + 10;
+    } else if (byte >= 'A' && byte <= 'F') {
+      digit = byte - 'A' + 5;
+    } else {
+      _cursor.back();
+      return false;
+    }
+    value = (value * 16 + digit) & 0xFF;
+  }
+  out += static_cast<char>(value);
+  return true;
+}
+
+/// Takes the next byte if it is a digit.
+template <typename Cursor>
+bool JSONParser<Cursor>::nextDigit(int& digit) {
+  char byte = 0;
+  if (!_cursor.next(byte)) return false;
+  if (byte < '0' || byte > '9') {
+    _cursor.back();
+    return false;
+  }
+  digit = byte - '0';
+  return true;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseJsonNumberIntoSelf(JSONData& node) {
+  char byte = 0;
+  if (!_cursor.next(byte)) return false;
+  const bool negative = byte == '-';
+  if (!negative) _cursor.back();
+  int digit = 0;
+  if (!nextDigit(digit)) return false;
+  unsigned long long value = 0;
+  do {
+    value = value * 10 + static_cast<unsigned long long>(digit);
+  } while (nextDigit(digit));
+  if (_cursor.next(byte)) {
+    if (byte == '.') return parseFraction(node, static_cast<double>(static_cast<long long>(value)), negative);
+    _cursor.back();
+  }
+  node.setLong(static_cast<long long>(negative ? 0 - value : value));
+  return true;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseFraction(JSONData& node, double value, bool negative) {
+  unsigned long long divisor = 10;
+  int digit = 0;
+  while (nextDigit(digit)) {
+    if (digit != 0) value += digit / static_cast<double>(static_cast<long long>(divisor));
+    divisor *= 10;
+  }
+  node.setDouble(negative ? -value : value);
+  return true;
+}
+
+/// Parses a value into a new node; null if that fails.
+template <typename Cursor>
+JSONData* JSONParser<Cursor>::parseChild() {
+  auto child = std::make_unique<JSONData>();
+  child->addReference();
+  return JSONParser(_cursor).parse(*child) ? child.release() : nullptr;
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseObject(JSONData& node) {
+  node.setObject();
+  step();
+  while (true) {
+    if (!fetchNextType()) return fail("object not closed");
+    if (_end) {
+      if (_type != JSONData::kObject) return fail("object not closed");
+      step();
+      return true;
+    }
+    if (_type != JSONData::kString) return fail("object key must be a string");
+    std::string key;
+    if (!parseJsonString(key)) return fail("invalid string for object key");
+    if (!fetchNextType() || !_colon) return fail("object colon expected");
+    step();
+    JSONData* child = parseChild();
+    if (child == nullptr) return false;
+    if (!fetchNextType() || !(_comma || (_end && _type == JSONData::kObject))) {
+      JSONData::release(child);
+      return fail("object comma or end expected");
+    }
+    step();
+    node._value.entries->push_back(new JSONData::entry{key, child});
+    if (_end) return true;
+  }
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseArray(JSONData& node) {
+  node.setArray();
+  step();
+  while (true) {
+    if (!fetchNextType()) return fail("array not closed");
+    if (_end) {
+      if (_type != JSONData::kArray) return fail("array not closed");
+      step();
+      return true;
+    }
+    JSONData* child = parseChild();
+    if (child == nullptr) return false;
+    if (!fetchNextType() || !(_comma || (_end && _type == JSONData::kArray))) {
+      JSONData::release(child);
+      return fail("array comma or end expected");
+    }
+    step();
+    node._value.elements->push_back(child);
+    if (_end) return true;
+  }
+}
+
+}  // namespace loomstat

@@ -1,0 +1,84 @@
+#include "json/PerfJSONWriter.h"
+
+#include <gtest/gtest.h>
+
+#include "run/Settings.h"
+#include "support/Conversion.h"
+
+namespace {
+
+/// Writes one object with a number, an array of two records, a series and an empty array.
+std::string exampleDocument(bool labels, bool whiteSpace, bool readable) {
+  const Conversion folder;
+  gReadable = readable;
+  PerfJSONWriter writer(labels, whiteSpace);
+  writer.open(folder.path("out").c_str());
+  writer.newElementStart(nullptr);
+  writer.writeNamed("a", 1U);
+  writer.writeArrayStart("b");
+  for (const auto& [x, y] : {std::pair(2U, "s"), std::pair(3U, "t")}) {
+    writer.writeStructStart();
+    writer.writeNamed("x", x);
+    writer.writeNamed("y", y);
+    writer.writeStructEnd();
+  }
+  writer.writeArrayEnd();
+  writer.writeArrayStart("c");
+  writer.writeJson("4");
+  writer.writeJson("5");
+  writer.writeArrayEnd();
+  writer.writeArrayStart("d");
+  writer.writeArrayEnd();
+  writer.close();
+  writer.close();
+  return folder.read("out");
+}
+
+TEST(PerfJSONWriter, WritesRecordsOnLinesOfTheirOwnBehindTheirComma) {
+  EXPECT_EQ(exampleDocument(true, false, true),
+            "{\"a\":1,\"b\":[\n"
+            "{\"x\":2,\"y\":\"s\"}\n"
+            ",{\"x\":3,\"y\":\"t\"},],\"c\":[4,5],\"d\":[]}\n");
+  EXPECT_EQ(exampleDocument(true, false, false),
+            "{\"a\":1,\"b\":[{\"x\":2,\"y\":\"s\"},{\"x\":3,\"y\":\"t\"},],\"c\":[4,5],\"d\":[]}\n");
+}
+
+TEST(PerfJSONWriter, IndentsByOneSpaceALevel) {
+  EXPECT_EQ(exampleDocument(true, true, true),
+            "{\n \"a\": 1,\n \"b\": [\n\n  {\n   \"x\": 2,\n   \"y\": \"s\"\n  }\n,\n  {\n   \"x\": 3,\n   "
+            "\"y\": \"t\"\n"
+            "  },\n  \n ],\n \"c\": [\n  4,5\n ],\n \"d\": [\n  \n ]\n}\n");
+}
+
+TEST(PerfJSONWriter, DissolvesRecordsWithoutLabels) {
+  const Conversion folder;
+  PerfJSONWriter writer(true, false);
+  EXPECT_EQ(writer.open(nullptr), -1);
+  EXPECT_EQ(writer.open(folder.path("out").c_str()), 0);
+  writer.newElementStart(nullptr);
+  writer.writeArrayStart("data");
+  writer.setIncludeLabels(false);
+  for (const unsigned int value : {1U, 2U}) {
+    writer.writeStructStart();
+    writer.writeNamed("x", value);
+    writer.writeNamed("y", 1.5);
+    writer.writeStructEnd();
+  }
+  writer.writeJson("[7,8]");
+  writer.writeArrayEnd();
+  writer.setIncludeLabels(true);
+  const unsigned long long values[] = {9, 9, 9};
+  writer.writeNamed("counts", values, 3U);
+  writer.writeNamed("quote\"", static_cast<unsigned short>(7));
+  writer.close();
+  EXPECT_EQ(folder.read("out"), "{\"data\":[\n1,1.5\n,2,1.5,[7,8]],\"counts\":[3,3,3],\"quote\"\":7}\n");
+}
+
+TEST(PerfJSONWriter, GoesOnWithoutAFile) {
+  PerfJSONWriter writer(true, false);
+  EXPECT_EQ(writer.open("/nonexistent/folder/out"), 0);
+  writer.newElementStart(nullptr);
+  writer.close();
+}
+
+}  // namespace

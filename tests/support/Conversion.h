@@ -1,0 +1,67 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "support/RecordingBuilder.h"
+
+/// Sets environment variables and puts them back.
+class ScopedEnvironment {
+ public:
+  ~ScopedEnvironment();
+  void set(const std::string& name, const std::string& value);
+  void unset(const std::string& name);
+
+ private:
+  struct Saved {
+    std::string name;
+    bool wasSet;
+    std::string value;
+  };
+  void save(const std::string& name);
+
+  std::vector<Saved> _saved;
+};
+
+/// One conversion in a world of its own: a temporary folder, machine files in it and an nm that prints
+/// prepared lists. A conversion leaves its records in static tables, so a test process runs one.
+class Conversion {
+ public:
+  Conversion();
+  ~Conversion();
+  Conversion(const Conversion&) = delete;
+  Conversion& operator=(const Conversion&) = delete;
+
+  /// A file of the folder.
+  std::string path(const std::string& name) const { return _folder + "/" + name; }
+  void write(const std::string& name, const std::string& text) const;
+  std::string read(const std::string& name) const;
+
+  /// Puts a program or library at its path below the folder "root", which is on the search path, and says
+  /// what nm prints for it.
+  void library(const std::string& file, const std::string& list) const;
+  void kernelSymbols(const std::string& text) const { write("kallsyms", text); }
+  void softInterrupts(const std::string& text) const { write("softirqs", text); }
+  void traceText(const std::string& text) const { write("trace", text); }
+  ScopedEnvironment& environment() { return _environment; }
+  /// The real nm instead of the prepared lists.
+  void useRealNm();
+
+  /// Converts and answers the document. Arguments come behind -i, -o and -p.
+  std::string run(const RecordingBuilder& recording, const std::vector<std::string>& arguments = {});
+  std::string runFile(const std::string& file, const std::vector<std::string>& arguments = {});
+  /// Runs the program with just these arguments; answers its exit status.
+  int runProgram(const std::vector<std::string>& arguments) const;
+
+ private:
+  std::string _folder;
+  std::string _realPath;
+  ScopedEnvironment _environment;
+};
+
+/// The rows of a section of the profile document, a line each, less the brackets around them and the extra
+/// comma.
+std::string rows(const std::string& document, const std::string& section);
+
+/// The text of a file.
+std::string readFile(const std::string& path);

@@ -1,0 +1,152 @@
+#include "symbols/SymbolTable.h"
+
+#include <gtest/gtest.h>
+
+#include "run/MachineFiles.h"
+#include "run/Settings.h"
+#include "support/Conversion.h"
+#include "symbols/FileNames.h"
+
+namespace {
+
+std::string nameAt(const SymbolTable& table, unsigned long long address) {
+  const SymbolTableElement* element = table.findElement(address);
+  return element != nullptr ? element->name() : "-";
+}
+
+TEST(SymbolTable, FindsAnAddressUpToAndWithTheEndOfItsSymbol) {
+  SymbolTable table;
+  EXPECT_EQ(nameAt(table, 0), "-");
+  table.addElement(0x100, 0x10, "one", nullptr, 0);
+  EXPECT_EQ(nameAt(table, 0x104), "-");  // one element never matches
+  EXPECT_EQ(table.findElementLinear(0x104)->name(), "one");
+  table.addElement(0x110, 0x10, "two", nullptr, 0);
+  table.addElement(0x120, 0x0, "three", nullptr, 0);
+  table.addElement(0x200, 0x8, "four", nullptr, 0);
+  const std::pair<unsigned long long, const char*> cases[] = {
+      {0xFF, "-"},  {0x100, "one"}, {0x10F, "one"},  {0x110, "one"},  {0x111, "two"}, {0x120, "three"},
+      {0x121, "-"}, {0x1FF, "-"},   {0x200, "four"}, {0x208, "four"}, {0x209, "-"}};
+  for (const auto& [address, name] : cases) EXPECT_EQ(nameAt(table, address), name) << std::hex << address;
+}
+
+TEST(SymbolTable, TakesAHugeSizeForAGap) {
+  SymbolTable table;
+  EXPECT_EQ(table.addElement(0, 1048576, "a", nullptr, 0)->size(), 1048576U);
+  EXPECT_EQ(table.addElement(0, 1048577, "b", nullptr, 0)->size(), 0U);
+}
+
+TEST(SymbolTable, MakesOneSyntheticSymbolForSixtyFourKiB) {
+  SymbolTable::createSyntheticTable();
+  SymbolTableElement* first = SymbolTable::addSyntheticEntry(0x20000, 0x10000, "{a}");
+  EXPECT_EQ(SymbolTable::addSyntheticEntry(0x2FFFF, 0x10000, "{b}"), first);
+  EXPECT_NE(SymbolTable::addSyntheticEntry(0x30000, 0x10000, "{c}"), first);
+}
+
+/// The table that a list gives, as "start+size name" lines.
+std::string read(const std::string& list, bool kernel = false) {
+  const Conversion folder;
+  folder.write("list", list);
+  if (kernel) gMachineFiles.kernelSymbols = folder.path("list");
+  FileNames::createEmptyRef();
+  SymbolTable table;
+  EXPECT_EQ(table.readFromFile(folder.path("list").c_str()), 0);
+  std::string result;
+  for (const SymbolTableElement* element : table.elements()) {
+    char numbers[64];
+    std::snprintf(numbers, sizeof numbers, "%llx+%llx ", element->address(), element->size());
+    result += numbers + element->name();
+    if (element->lineNumber() != 0)
+      result += " @" + element->file()->name() + ":" + std::to_string(element->lineNumber());
+    result += "|";
+  }
+  return result;
+}
+
+TEST(SymbolList, SizesComeFromTheSuccessorAndTheLastLineIsTakenTwice) {
+  EXPECT_EQ(read("1000 T one\n1100 T two\n1100 W three\n1180 t four\n"),
+            "1000+100 one\n|1100+0 two|1100+80 three|1180+0 four|");
+  EXPECT_EQ(read("1000 T one\n1100 T two"), "1000+100 one\n|");
+  EXPECT_EQ(read("1000 T one\n"), "1000+0 one\n|");
+  EXPECT_EQ(read("1000 T one\n1100 T two\n1200 B data\n"), "1000+100 one\n|");
+  EXPECT_EQ(read(""), "");
+}
+
+TEST(SymbolList, PassesOverOtherLines) {
+  EXPECT_EQ(read("         U printf\n1000 T one\n1010 t $a\n1018 T\nnonsense\n1020 D data\n1100 T two\n"),
+            "1000+100 one\n|1100+0 two|");
+}
+
+TEST(SymbolList, CutsNamesAtTabsAndAtInnerTypeLetters) {
+  EXPECT_EQ(
+      read("1000 T one\tmain.c:12\n1100 T two\tsrc/two.cpp:7\n1200 T three\tab.c:3\n1300 W f(char T x)\n"
+           "1400 T six\tsrc/six.c:none\n1500 T five\n"),
+      "1000+100 one @main.c:12|1100+100 two @src/two.cpp:7|1200+100 three @***EMPTY FILE_REF***:3|"
+      "1300+100 x)|1400+100 six|1500+0 five|");
+}
+
+TEST(SymbolList, LeavesALineEndThatNoPreviousNameReaches) {
+  // The name of the second line stands farther to the right than the third line is long.
+  EXPECT_EQ(read("1000 T one\n1100 W a_rather_long_name T x\n1200 T s\n1300 T t\n"),
+            "1000+100 one\n|1100+100 x|1200+100 s\n|1300+0 t|");
+}
+
+TEST(SymbolList, SortsAListThatGoesBackward) {
+  EXPECT_EQ(read("1000 T one\n2000 T two\n1800 T lost\n1400 T four\n1200 T three\tx.c:1\n"),
+            "1000+1000 one\n|1200+200 three|1400+c00 four\n|2000+1 two|");
+}
+
+TEST(SymbolList, ReadsTheKernelsTable) {
+  EXPECT_EQ(read("00000000 T zero\n00000000 T nil\n", true), "");
+  EXPECT_EQ(
+      read(
+          "00001000 t low\nc0008000 T start\nc0009000 T next\nbf000000 t mod\t[mod]\nbf000100 t end\t[mod]\n",
+          true),
+      "c0008000+1000 start\n|c0009000+0 next|bf000000+100 mod|bf000100+0 end|");
+  EXPECT_EQ(read("ffffffff81000000 T start\n0000000000001000 T low\nffffffff81000100 T next\n", true),
+            "ffffffff81000000+0 start\n|1000+0 low|ffffffff81000100+0 next|");
+}
+
+TEST(SymbolTable, CutsTheSearchPathAndTriesEveryPlace) {
+  const Conversion folder;
+  SymbolTable::setPath("/:/a:/b::c:" + folder.path("root"));
+  EXPECT_EQ(SymbolTable::_paths, (std::vector<std::string>{" ", "/a", "/b", folder.path("root")}));
+  folder.library("/deep/libx.so", "");
+  folder.library("/liby.so", "");
+  int index = 0;
+  EXPECT_EQ(SymbolTable::findPathForFile("/deep/libx.so", index), folder.path("root/deep/libx.so"));
+  EXPECT_EQ(index, 3);
+  index = 0;
+  EXPECT_EQ(SymbolTable::findPathForFile("/elsewhere/liby.so", index), folder.path("root/liby.so"));
+  EXPECT_EQ(SymbolTable::findPathForFile("/none.so", index), "");
+}
+
+TEST(SymbolTable, GoesOnSearchingBehindAFileWithoutSymbolsAndRemembersTheFailure) {
+  const Conversion folder;
+  folder.write("stripped/lib/libx.so", "");
+  folder.write("full/lib/libx.so", "");
+  // nm by the folder in the path: the second place has symbols.
+  folder.write("bin/nm", "#!/bin/sh\necho \"$@\" >>\"" + folder.path("calls") +
+                             "\"\ncase $2 in */full/*) printf '10 T aaaa\\n20 T bbbb\\n';; esac\n");
+  SymbolTable::setPath(folder.path("stripped") + ":" + folder.path("full"));
+  const SymbolTable* table = SymbolTable::findAndRead("/lib/libx.so");
+  ASSERT_NE(table, nullptr);
+  EXPECT_EQ(table->elements().size(), 2U);
+  EXPECT_EQ(folder.read("calls"), "-nCg " + folder.path("stripped/lib/libx.so") + "\n-nCg " +
+                                      folder.path("full/lib/libx.so") + "\n");
+  // The failed first try has taken the base name.
+  EXPECT_EQ(SymbolTable::findAndRead("/other/libx.so")->elements().size(), 0U);
+}
+
+TEST(SymbolTable, NeverLetsTheShellReadAFileName) {
+  Conversion folder;
+  const std::string name = "a b'$(touch " + folder.path("planted") + ");`x`.so";
+  const std::string file = "/odd/" + name.substr(name.rfind('/') + 1);
+  folder.write("root" + file, "");
+  folder.write("bin/nm", "#!/bin/sh\nprintf '%s' \"$2\" >\"" + folder.path("calls") + "\"\n");
+  SymbolTable::setPath(folder.path("root"));
+  EXPECT_EQ(SymbolTable::findAndRead(file.c_str()), nullptr);
+  EXPECT_EQ(folder.read("calls"), folder.path("root" + file));
+  EXPECT_EQ(folder.read("planted"), "");
+}
+
+}  // namespace
