@@ -90,6 +90,8 @@ void writeProfileDocument(PerfJSONWriter& writer) {
 
 void writeTimechartDocument(PerfJSONWriter& writer) {
   TimechartManager* manager = TimechartManager::Instance();
+  manager->inspectTraceFile();
+  manager->finalizeChartData();
   manager->writeData(writer);
 }
 

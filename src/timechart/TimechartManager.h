@@ -1,17 +1,113 @@
 #pragma once
 
+#include <array>
+#include <map>
+#include <string>
+
+#include "timechart/CPUChart.h"
+#include "timechart/EventChart.h"
+#include "timechart/GPUChart.h"
+#include "timechart/IRQChart.h"
+#include "timechart/PerCpu.h"
+#include "timechart/ProcessChart.h"
+
 class PerfJSONWriter;
 
-/// The one object that the timechart is built around.
+/// The one object that the timechart is built around. Decoders hand it what they learn from one record; it
+/// finds or makes the chart that the fact belongs to and keeps what spans charts. Charts live until the
+/// process ends.
+///
+/// Times of records are raw nanoseconds of the recording's clock; the charts convert them. The add operations
+/// answer true if they made the chart. A fact about a CPU that has no place is dropped, see PerCpu.
 class TimechartManager {
  public:
   static TimechartManager* Instance();
 
-  /// Writes the whole timechart document.
+  /// Forgets which CPUs have had a counter sample.
+  void init();
+
+  // Finding, null for a chart that does not exist; and making one that does not.
+  ProcessChart* getProcessChart(int pid);
+  ProcessChart* createProcessChart(int pid);
+  GPUChart* getGPUChart(int dimension, int device);
+  GPUChart* createGPUChart(int dimension, int device);
+  CPUChart* getCPUChart(int cpu);
+  CPUChart* createCPUChart(int cpu);
+  IRQChart* getIRQChart(int irq);
+  IRQChart* createIRQChart(int irq);
+
+  bool addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu, unsigned int sub);
+  /// The first sample of every CPU is dropped: it counts from an unknown start.
+  bool addCountersToProcessChart(unsigned long long time, int cpu, int pid, unsigned int cycles,
+                                 const unsigned int* l1, const unsigned int* l2);
+  bool addStatusToGPUChart(unsigned long long time, int dimension, int device, int status, unsigned int sub);
+  bool addValueToCPUChart(unsigned long long time, int cpu, int kind, int value);
+  bool addValueToIRQChart(unsigned long long time, int irq, int value, int cpu);
+  /// A trace marker, for its process and for the list of all; its time in seconds as the trace text has it.
+  bool addEvent(double time, int pid, unsigned int code, const std::string& name, const std::string& args);
+
+  void setProcessPPid(int pid, int ppid);
+  /// Without force a name that is there already stays.
+  void setProcessName(int pid, const std::string& name, bool force);
+
+  void setLastPidForCpu(int pid, int cpu);
+  /// The lowest other CPU on which the process was the last to be switched in, or -1.
+  int pidMigratedFrom(int pid, int cpu);
+  void saveLastStateForCPU(int cpu);
+  int getLastStateForCPU(int cpu);
+
+  // The first name of a number stands. Soft interrupts are named by their vector.
+  void addIrqName(int irq, const std::string& name);
+  void addSirqName(int vector, const std::string& name);
+  /// "IRQ" and a line on standard output for one without a name.
+  std::string getIRQName(int irq) const;
+  void outIrqNames() const;
+  void outSirqNames() const;
+
+  /// Group 0 is the cycle counter, whatever the index, 1 the first level's, 2 the second's; empty for any
+  /// other.
+  std::string getCounterName(unsigned int group, unsigned int index) const;
+
+  /// Turns the markers of the ftrace text into events, see TraceFileInspection.cpp.
+  void inspectTraceFile();
+  /// Gathers the names that records do not carry, see ChartFinalization.cpp.
+  void finalizeChartData();
+
+  /// Writes the whole timechart document: one flat array of entries.
   void writeData(PerfJSONWriter& writer);
+  void outCPUCharts(PerfJSONWriter& writer);
+  void outGPUCharts(PerfJSONWriter& writer);
+  void outIRQCharts(PerfJSONWriter& writer);
+  /// Ascending by parent, then by pid.
+  void outProcessCharts(PerfJSONWriter& writer);
+  void outEventChart(PerfJSONWriter& writer) const;
+
+  /// The name of a counter that is not in use; its series are not written.
+  static constexpr const char* kUnusedCounter = "ffffffff";
 
  private:
   TimechartManager() = default;
 
+  void readSoftInterruptNames();
+  bool readActiveCounters();
+  void translateCounterNames();
+
   static TimechartManager* _instance;
+
+  std::map<int, GPUChart*> _gpuCharts;  ///< by dimension * 10 + device
+  std::map<int, ProcessChart*> _processCharts;
+  std::map<int, CPUChart*> _cpuCharts;
+  std::map<int, IRQChart*> _irqCharts;
+  EventChart _eventChart;
+  std::map<int, std::string> _irqNames;
+  std::map<int, std::string> _sirqNames;
+  PerCpu<int> _lastPid;    ///< the process that was last switched in
+  PerCpu<int> _lastState;  ///< the busy value at the last interrupt entry
+  PerCpu<bool> _counterStarted;
+  std::string _cycleCounterName;
+  std::array<std::string, ProcessChart::kL1Counters> _l1CounterNames;
+  std::array<std::string, ProcessChart::kL2Counters> _l2CounterNames;
 };
+
+/// True when the parent of a is below that of b.
+bool comparePPids(const ProcessChart* a, const ProcessChart* b);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "events/PerfRecordSampleEvent.h"
+
+/// A CPU changes its frequency; the CPU is the payload's, and not the one that reports it.
+///
+/// Payload as in the kernel's include/trace/events/power.h: state (offset 0, 4 bytes), the frequency in kHz;
+/// cpu_id (4, 4).
+class PRSE_cpu_frequency : public PerfRecordSampleEvent {
+ public:
+  explicit PRSE_cpu_frequency(const PerfRecordSampleEventS& record);
+  static PerfRecord* factory(char* record);
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "events/PerfRecordSampleEvent.h"
+
+/// A context switch.
+///
+/// Payload as in the kernel's include/trace/events/sched.h: previous name (offset 0, 16 bytes), prev_pid (16,
+/// 4), priority (20, 4), prev_state (24, 4), next name (28, 16), next_pid (44, 4), priority (48, 4).
+class PRSE_sched_switch : public PerfRecordSampleEvent {
+ public:
+  explicit PRSE_sched_switch(const PerfRecordSampleEventS& record) : PerfRecordSampleEvent(record) {}
+  static PerfRecord* factory(char* record);
+
+  int process(const PerfRecordSampleEventS& record) override;
+  /// Takes the fields out of the record: what a layout of its own overrides.
+  virtual void alloc(const PerfRecordSampleEventS& record);
+  /// Hands what they mean to the timechart.
+  virtual void handle(const PerfRecordSampleEventS& record);
+
+ protected:
+  /// Keeps of the state only whether the process sleeps uninterruptibly.
+  void take(int nextPid, int prevPid, unsigned int prevState);
+
+ private:
+  int _nextPid = 0;
+  int _prevPid = 0;
+  unsigned int _prevState = 0;
+};

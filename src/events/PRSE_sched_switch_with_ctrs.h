@@ -1,0 +1,13 @@
+#pragma once
+
+#include "events/PerfRecordSampleEvent.h"
+
+/// How far the hardware counters moved while the process switched out was running.
+///
+/// Payload: pid out (offset 0), pid in (4), cycles (8), four counters of the first level (12), two of the
+/// second (28); 4 bytes each.
+class PRSE_sched_switch_with_ctrs : public PerfRecordSampleEvent {
+ public:
+  explicit PRSE_sched_switch_with_ctrs(const PerfRecordSampleEventS& record);
+  static PerfRecord* factory(char* record);
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "events/PerfRecordSampleEvent.h"
+
+/// A soft interrupt's handler begins. Its CPU's chart is not concerned.
+///
+/// Payload as in the kernel's include/trace/events/irq.h: vec (offset 0, 4 bytes).
+class PRSE_softirq_entry : public PerfRecordSampleEvent {
+ public:
+  explicit PRSE_softirq_entry(const PerfRecordSampleEventS& record);
+  static PerfRecord* factory(char* record);
+};

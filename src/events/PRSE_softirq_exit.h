@@ -1,0 +1,12 @@
+#pragma once
+
+#include "events/PerfRecordSampleEvent.h"
+
+/// A soft interrupt's handler ends. Its CPU's chart is not concerned.
+///
+/// Payload as in the kernel's include/trace/events/irq.h: vec (offset 0, 4 bytes).
+class PRSE_softirq_exit : public PerfRecordSampleEvent {
+ public:
+  explicit PRSE_softirq_exit(const PerfRecordSampleEventS& record);
+  static PerfRecord* factory(char* record);
+};

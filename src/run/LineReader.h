@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+/// Reads a text file of the machine line by line.
+class LineReader {
+ public:
+  explicit LineReader(const std::string& path);
+  ~LineReader();
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+
+  bool isOpen() const { return _file != nullptr; }
+  /// Gets the next line without its line end; a last one without a line end counts. False, with an empty
+  /// line, if there is none.
+  bool next(std::string& line);
+  /// Whether the end of the file has not shown yet. It shows at a line without a line end, or behind the last
+  /// line.
+  bool good() const { return _good; }
+
+ private:
+  std::FILE* _file;
+  bool _good;
+  char* _buffer = nullptr;
+  std::size_t _bufferSize = 0;
+};

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "timechart/ChartSeries.h"
+
+class PerfJSONWriter;
+
+/// The colours of a series on a white and on a black background; null for none.
+struct ChartColours {
+  const char* white;
+  const char* black;
+};
+
+/// The colours of what runs on a CPU. CPUs from 4 up have none.
+ChartColours cpuColours(int cpu);
+
+/// How a point is printed; the viewer's parser is used to the blank in the one and not in the other.
+inline constexpr const char* kPointFormat = "[%f,%u]";
+inline constexpr const char* kRunningPointFormat = "[%f, %u]";
+
+/// A short text with numbers in it, as printf makes it.
+template <typename... Numbers>
+std::string chartText(const char* format, Numbers... numbers) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, numbers...);
+  return text;
+}
+
+/// One entry of the timechart document, which is one series: its head key by key, in the order of the calls,
+/// then its points. Nothing is written before the first call.
+class ChartEntry {
+ public:
+  explicit ChartEntry(PerfJSONWriter& writer) : _writer(writer) {}
+
+  ChartEntry& text(const char* key, const std::string& value);
+  ChartEntry& show(unsigned int value);
+  ChartEntry& hints(ChartColours colours);
+
+  void openData();
+  void point(const char* format, double time, unsigned int value);
+  void closeData();
+
+  /// Opens the data, writes every sample and closes the entry.
+  void writeAll(const ChartSeries& series);
+
+  /// The same with only the samples that differ from the one written before, from 0 on.
+  void writeChanges(const ChartSeries& series, const char* format = kPointFormat);
+
+ private:
+  PerfJSONWriter& _writer;
+  bool _started = false;
+};
+
+/// Whether change-only output of the series has any point: whether it ever leaves 0.
+bool hasChanges(const ChartSeries& series);

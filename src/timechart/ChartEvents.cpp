@@ -1,0 +1,21 @@
+#include "timechart/ChartEvents.h"
+
+#include "json/PerfJSONWriter.h"
+#include "run/TimeBase.h"
+
+void ChartEvents::add(double time, unsigned int code, const std::string& name, const std::string& args) {
+  if (const auto x = selectedTime(doTimeConversion(time)); x) _events.push_back({*x, code, name, args});
+}
+
+void ChartEvents::writeData(PerfJSONWriter& writer) const {
+  writer.writeArrayStart("data");
+  for (const EventEntryS& event : _events) {
+    writer.writeArrayStart(nullptr);
+    writer.write(event.time);
+    writer.write(event.code);
+    writer.write(event.name);
+    writer.write(event.args);
+    writer.writeArrayEnd();
+  }
+  writer.writeArrayEnd();
+}

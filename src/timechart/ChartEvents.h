@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class PerfJSONWriter;
+
+/// One trace marker.
+struct EventEntryS {
+  double time;        ///< seconds relative to gtodAtStart
+  unsigned int code;  ///< its numeric field
+  std::string name;
+  std::string args;  ///< the rest of its text
+};
+
+/// Trace markers in order of arrival; never sorted.
+class ChartEvents {
+ public:
+  /// Takes a marker whose time is in seconds as the trace text has it, if it lies in the selected range.
+  void add(double time, unsigned int code, const std::string& name, const std::string& args);
+  bool empty() const { return _events.empty(); }
+  /// Writes the array "data" of an entry: time, code, name and arguments of each marker.
+  void writeData(PerfJSONWriter& writer) const;
+
+ private:
+  std::vector<EventEntryS> _events;
+};

@@ -1,0 +1,29 @@
+#include "timechart/IRQChart.h"
+
+#include "json/PerfJSONWriter.h"
+#include "run/TimeBase.h"
+#include "timechart/ChartEntry.h"
+#include "timechart/TimechartManager.h"
+
+void IRQChart::addValue(unsigned long long time, int value, int cpu) {
+  const auto x = selectedTime(doTimeConversion(time));
+  ChartSeries* series = _series.find(cpu);
+  if (x && series != nullptr) series->add(*x, static_cast<unsigned int>(value));
+}
+
+void IRQChart::outIRQChart(PerfJSONWriter& writer) {
+  const std::string name = TimechartManager::Instance()->getIRQName(_irq);
+  for (int cpu = 0; cpu < _series.kPlaces; ++cpu) outCpu(writer, name, cpu);
+}
+
+void IRQChart::outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) {
+  ChartSeries& series = *_series.find(cpu);
+  if (series.empty()) return;
+  series.sort();
+  ChartEntry entry(writer);
+  entry.text("id", chartText("irq-%d-%d", _irq, cpu))
+      .text("name", name)
+      .text("treeId", chartText("%d_irq_root", _irq));
+  entry.text("type", "binary").text("class", "irq").show(0).text("tip", chartText("Running on CPU %d", cpu));
+  entry.hints(cpuColours(cpu)).writeChanges(series);
+}

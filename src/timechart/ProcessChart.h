@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "timechart/ChartEvents.h"
+#include "timechart/ChartSeries.h"
+#include "timechart/PerCpu.h"
+
+class PerfJSONWriter;
+
+/// Everything that the timechart shows about one task: on which CPU it ran and when, what it waited for, the
+/// GPU work that it issued, the trace markers that it wrote, and its hardware counters.
+class ProcessChart {
+ public:
+  /// Facts about a task. Issues are a range of four kinds.
+  enum Status {
+    kRunning = 0,      ///< switched in
+    kBlocked = 1,      ///< switched out in an uninterruptible sleep
+    kWoken = 2,        ///< made runnable
+    kStopped = 3,      ///< switched out in any other state
+    kWaitsForGpu = 4,  ///< began waiting for the GPU
+    kGpuAnswered = 5,  ///< stopped waiting for the GPU
+    kIssue = 10,       ///< issued GPU work
+  };
+
+  static constexpr std::size_t kL1Counters = 4;
+  static constexpr std::size_t kL2Counters = 2;
+
+  /// Name and parent come from the recording's process of that thread, if it is known by now.
+  explicit ProcessChart(int pid);
+
+  /// Time in nanoseconds. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for
+  /// an issue that ends a frame. An unknown status stores nothing.
+  void addStatus(unsigned long long time, unsigned int status, unsigned int cpu, unsigned int sub);
+
+  /// One sample of each counter series: the cycles, four of the first level, two of the second.
+  void addCounters(unsigned long long time, unsigned int cycles, const unsigned int* l1,
+                   const unsigned int* l2);
+
+  /// A trace marker, its time in seconds as the trace text has it.
+  void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);
+
+  void outProcessChart(PerfJSONWriter& writer);
+
+  int _ppid;          ///< the parent, by which the viewer groups; the task itself while unknown
+  std::string _name;  ///< may be empty
+
+ private:
+  struct Head;
+
+  void run(double time, int cpu);
+  void addRunning(double time, int cpu, unsigned int value);
+  void sort();
+  Head head() const;
+  void outRunning(PerfJSONWriter& writer, const Head& head, int cpu);
+  void outWaitIo(PerfJSONWriter& writer, const Head& head) const;
+  void outWaitCpu(PerfJSONWriter& writer, const Head& head) const;
+  void outWaitGpu(PerfJSONWriter& writer, const Head& head) const;
+  void outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind) const;
+  void outEvents(PerfJSONWriter& writer, const Head& head) const;
+  void outCounters(PerfJSONWriter& writer, const Head& head) const;
+  void outCounter(PerfJSONWriter& writer, const Head& head, int index, const ChartSeries& series,
+                  const std::string& counterName) const;
+  std::string counterTreeId(int index) const;
+
+  int _pid;
+  PerCpu<ChartSeries> _running;
+  ChartSeries _waitCpu;
+  ChartSeries _waitGpu;
+  ChartSeries _waitIo;
+  std::array<ChartSeries, 4> _issue;
+  ChartEvents _events;
+  ChartSeries _cycleCounter;
+  std::array<ChartSeries, kL1Counters> _l1Counters;
+  std::array<ChartSeries, kL2Counters> _l2Counters;
+};
