@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cmath>
+#include <map>
+
+#include "json/JSOM.h"
+#include "support/Conversion.h"
+#include "support/RawRecording.h"
+#include "support/Recordings.h"
+
+namespace {
+
+using loomstat::JSOM;
+
+/// A real trace, and where its layout has the process that is switched in.
+struct Trace {
+  const char* file;
+  bool wide;
+  std::size_t nextPid;
+  std::vector<const char*> classes;  ///< that the document must hold
+};
+
+const std::vector<Trace> kTraces = {
+    {"arm32/tracepoints.data", false, 44, {"cpu:busy", "cpu:idle", "irq", "proc:running", "proc:wait"}},
+    {"arm32/joint.data", false, 44, {"cpu:busy", "cpu:idle", "irq", "proc:running", "proc:wait"}},
+    {"x86-64/sched.data", true, 48, {"cpu:busy", "cpu:idle", "irq", "proc:running", "proc:wait"}}};
+
+constexpr std::uint32_t kSample = 9;
+constexpr std::size_t kRaw = 52;
+constexpr std::size_t kPayload = kRaw + 8;
+
+/// One CPU, as far as the raw records tell: busy while a process other than 0 is switched in or the handler
+/// of a hard interrupt runs.
+struct Cpu {
+  std::uint32_t process = 0;
+  bool handles = false;
+  std::int64_t since = 0;
+  std::int64_t total = 0;
+
+  bool busy() const { return process != 0 || handles; }
+
+  template <typename Change>
+  void change(std::int64_t time, Change apply) {
+    const bool wasBusy = busy();
+    apply(*this);
+    if (busy() && !wasBusy) since = time;
+    if (wasBusy && !busy()) total += time - since;
+  }
+};
+
+/// The busy time of each CPU in nanoseconds, from the raw records. A span still open at the end does not
+/// count.
+std::map<std::uint32_t, std::int64_t> busyTimes(const std::string& file, std::size_t nextPid) {
+  const std::uint64_t switches = eventNumber(file, "sched:sched_switch");
+  const std::uint64_t entries = eventNumber(file, "irq:irq_handler_entry");
+  const std::uint64_t exits = eventNumber(file, "irq:irq_handler_exit");
+  std::map<std::uint32_t, Cpu> cpus;
+  for (const RawRecord& record : rawRecords(file)) {
+    if (record.type != kSample) continue;
+    const std::uint64_t event = record.u32(kRaw) & 0xFFFF;
+    const auto time = static_cast<std::int64_t>(record.u64(24));
+    Cpu& cpu = cpus[record.u32(40)];
+    if (event == switches) {
+      const std::uint32_t process = record.u32(kPayload + nextPid);
+      cpu.change(time, [&](Cpu& c) { c.process = process; });
+      // A CPU whose records have ended keeps its last process until that one turns up elsewhere.
+      for (auto& [number, other] : cpus)
+        if (&other != &cpu && process != 0 && other.process == process)
+          other.change(time, [](Cpu& c) { c.process = 0; });
+    } else if (event == entries || event == exits) {
+      cpu.change(time, [&](Cpu& c) { c.handles = event == entries; });
+    }
+  }
+  std::map<std::uint32_t, std::int64_t> totals;
+  for (const auto& [number, cpu] : cpus) totals[number] = cpu.total;
+  return totals;
+}
+
+/// The same from the document's busy entries, whose points are in milliseconds with six decimals.
+std::map<std::uint32_t, std::int64_t> busyTimes(JSOM entries) {
+  std::map<std::uint32_t, std::int64_t> totals;
+  for (int i = 0; i < entries.size(); ++i) {
+    if (entries[i]["class"].stringValue(JSOM::EMPTY_STRING) != "cpu:busy") continue;
+    JSOM points = entries[i]["data"];
+    std::int64_t total = 0;
+    for (int p = 0; p + 1 < points.size(); p += 2)
+      total += std::llround(points[p + 1][0].doubleValue(0) * 1e6) -
+               std::llround(points[p][0].doubleValue(0) * 1e6);
+    const std::string id = entries[i]["id"].stringValue(JSOM::EMPTY_STRING);
+    totals[static_cast<std::uint32_t>(std::stoul(id.substr(4)))] = total;
+  }
+  return totals;
+}
+
+class RealTraces : public testing::TestWithParam<Trace> {};
+
+TEST_P(RealTraces, BusyTimesAreThoseOfTheRecords) {
+  const Trace& trace = GetParam();
+  RECORDING_OR_SKIP(file, trace.file);
+  Conversion conversion;
+  conversion.environment().set("kern_ver", "6.1");
+  if (trace.wide) conversion.environment().set("ARM64", "y");
+  conversion.softInterrupts(readFile(ZELCONV_RECORDINGS "/arm32/softirqs"));
+  if (std::string(trace.file) == "arm32/joint.data")
+    conversion.traceText(readFile(ZELCONV_RECORDINGS "/arm32/joint.trace.txt"));
+  const std::string document = conversion.runFile(file, {"-t", "-q", "-c", "1000"});
+  for (const char* name : trace.classes)
+    EXPECT_NE(document.find("\"class\":\"" + std::string(name) + "\""), std::string::npos) << name;
+
+  JSOM parsed;
+  ASSERT_TRUE(parsed.fromString(document).found());
+  const auto expected = busyTimes(readFile(file), trace.nextPid);
+  EXPECT_EQ(expected.size(), 2U);
+  EXPECT_EQ(busyTimes(parsed["entries"]), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, RealTraces, testing::ValuesIn(kTraces), [](const auto& info) {
+  std::string name = info.param.file;
+  std::erase_if(name, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; });
+  return name;
+});
+
+}  // namespace

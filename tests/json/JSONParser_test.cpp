@@ -1,0 +1,133 @@
+#include "json/JSONParser.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+using loomstat::JSONData;
+
+/// What a parser makes of a text: the tree in compact form, the messages, and what it left of the text.
+struct Parsed {
+  std::string tree;
+  std::string messages;
+  std::string rest;
+};
+
+Parsed parseText(const std::string& text) {
+  JSONData node;
+  const char* cursor = text.c_str();
+  testing::internal::CaptureStderr();
+  const bool good = node.setFromJsonString(cursor);
+  Parsed result{good ? "+" : "-", testing::internal::GetCapturedStderr(), cursor};
+  node.appendJsonString(result.tree, false, 6, 0);
+  return result;
+}
+
+Parsed parseStream(const std::string& text) {
+  JSONData node;
+  std::istringstream stream(text);
+  testing::internal::CaptureStderr();
+  const bool good = node.setFromStream(stream);
+  Parsed result{good ? "+" : "-", testing::internal::GetCapturedStderr(), ""};
+  node.appendJsonString(result.tree, false, 6, 0);
+  stream.clear();
+  std::getline(stream, result.rest, '\0');
+  return result;
+}
+
+struct Case {
+  const char* text;
+  const char* tree;     ///< + or - for success, then the tree that is left
+  const char* message;  ///< of the last line, or empty
+  const char* rest;
+};
+
+constexpr Case kCases[] = {
+    {"[1,2,]", "+[1,2]", "", ""},
+    {"[]", "+[]", "", ""},
+    {" {} x", "+{}", "", " x"},
+    {"[,1]", "-[]", "missing value", ",1]"},
+    {"[1,,2]", "-[1]", "missing value", ",2]"},
+    {"{\"a\":1,\"a\":2,}", "+{\"a\":1,\"a\":2}", "", ""},
+    {"[1}", "-[]", "array comma or end expected", "}"},
+    {"[}", "-[]", "array not closed", "}"},
+    {"[1,2", "-[1]", "array comma or end expected", ""},
+    {"[1,", "-[1]", "array not closed", ""},
+    {"{", "-{}", "object not closed", ""},
+    {"{]", "-{}", "object not closed", "]"},
+    {"{,", "-{}", "object key must be a string", ","},
+    {"{1:2}", "-{}", "object key must be a string", "1:2}"},
+    {"{\"a\":1,,", "-{\"a\":1}", "invalid string for object key", ","},
+    {"{\"a\\u00g0\":1}", "-{}", "invalid string for object key", "g0\":1}"},
+    {"{\"a\" 1}", "-{}", "object colon expected", "1}"},
+    {"{\"a\":1 \"b\":2}", "-{}", "object comma or end expected", "\"b\":2}"},
+    {"{\"a\":}", "-{}", "missing value", "}"},
+    {"// note\n/* a **/[/*/*/1 // x\n,/**/2]", "+[1,2]", "", ""},
+    {"/x", "-", "missing value", "x"},
+    {"/* open", "-", "", ""},
+    {"", "-", "", ""},
+    {" \t\r\n", "-", "", ""},
+    {"?", "-", "missing value", "?"},
+    {".5", "-", "missing value", ".5"},
+    {"+1 ", "-", "invalid number", "+1 "},
+    {"-x", "-", "invalid number", "x"},
+    {"-0 ", "+0", "", " "},
+    {"-0.0 ", "+-0", "", " "},
+    {"12. ", "+12", "", " "},
+    {"-007.1250 ", "+-7.125", "", " "},
+    {"1e5 ", "+1", "", "e5 "},
+    {"[1e5]", "-[]", "array comma or end expected", "e5]"},
+    {"9223372036854775808 ", "+-9223372036854775808", "", " "},
+    {"18446744073709551617 ", "+1", "", " "},
+    {"nullx", "+null", "", "x"},
+    {"[true,false,null]", "+[true,false,null]", "", ""},
+    {"\"a\\qb\"", "+\"a\\\\qb\"", "", ""},
+    {"\"\\n\\t\\r\\b\\f\\\"\\\\\\/\n\"", "+\"\\n\\t\\r\\b\\f\\\"\\\\/\\n\"", "", ""},
+    {"\"\\u1234\\u00E9\\u00e9\"", "+\"4\x99\xe9\"", "", ""},
+    {"\"open", "-\"open\"", "invalid string", ""},
+    {"\"open\\", "-\"open\"", "invalid string", ""},
+};
+
+std::string expectedMessage(const char* operation, const char* message) {
+  return *message != '\0' ? std::string("JSONData::") + operation + ": syntax error: " + message + "\n" : "";
+}
+
+TEST(JSONParser, BothTwinsTakeTheSameLanguage) {
+  for (const Case& c : kCases) {
+    const Parsed text = parseText(c.text);
+    EXPECT_EQ(text.tree, c.tree) << c.text;
+    EXPECT_EQ(text.messages, expectedMessage("setFromJsonString()", c.message)) << c.text;
+    EXPECT_EQ(text.rest, c.rest) << c.text;
+    const Parsed stream = parseStream(c.text);
+    EXPECT_EQ(stream.tree, c.tree) << c.text;
+    EXPECT_EQ(stream.messages, expectedMessage("setFromStream()", c.message)) << c.text;
+    EXPECT_EQ(stream.rest, c.rest) << c.text;
+  }
+}
+
+TEST(JSONParser, TwinsDifferInWordsAndNuls) {
+  EXPECT_EQ(parseText("[nulx]").rest, "nulx]");
+  EXPECT_EQ(parseText("[nulx]").messages, expectedMessage("setFromJsonString()", "invalid null value"));
+  EXPECT_EQ(parseStream("[nulx]").rest, "]");
+  EXPECT_EQ(parseText("[truth]").messages, expectedMessage("setFromJsonString()", "invalid boolean value"));
+  EXPECT_EQ(parseStream("falsy").messages, expectedMessage("setFromStream()", "invalid boolean value"));
+  EXPECT_EQ(parseText(std::string("\"a\0b\"", 5)).tree, "-\"a\"");
+  EXPECT_EQ(parseStream(std::string("\"a\0b\"", 5)).tree, std::string("+\"a\0b\"", 6));
+  EXPECT_EQ(parseStream(std::string("\"\\\0\"", 4)).tree, std::string("+\"\\\\\0\"", 6));
+  JSONData node;
+  const char* none = nullptr;
+  EXPECT_FALSE(node.setFromJsonString(none));
+}
+
+TEST(JSONParser, ExtendsAContainerThatIsThereAlready) {
+  JSONData node;
+  EXPECT_TRUE(node.setFromJsonStlString("[1]"));
+  EXPECT_TRUE(node.setFromJsonStlString("[2] tail"));
+  std::string out;
+  node.toJsonString(out, false, 4);
+  EXPECT_EQ(out, "[1,2]");
+}
+
+}  // namespace
