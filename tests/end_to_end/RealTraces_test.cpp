@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <map>
+#include <utility>
 
 #include "json/JSOM.h"
 #include "support/Conversion.h"
@@ -21,6 +23,10 @@ struct Trace {
   std::vector<const char*> classes;  ///< that the document must hold
 };
 
+void PrintTo(const Trace& trace, std::ostream* stream) {
+  *stream << trace.file;
+}
+
 const std::vector<Trace> kTraces = {
     {"arm32/tracepoints.data", false, 44, {"cpu:busy", "cpu:idle", "irq", "proc:running", "proc:wait"}},
     {"arm32/joint.data", false, 44, {"cpu:busy", "cpu:idle", "irq", "proc:running", "proc:wait"}},
@@ -33,47 +39,55 @@ constexpr std::size_t kPayload = kRaw + 8;
 /// One CPU, as far as the raw records tell: busy while a process other than 0 is switched in or the handler
 /// of a hard interrupt runs.
 struct Cpu {
-  std::uint32_t process = 0;
+  std::uint32_t process = 0;  ///< last switched in
+  bool runs = false;
   bool handles = false;
-  std::int64_t since = 0;
-  std::int64_t total = 0;
+  std::vector<std::pair<std::int64_t, bool>> states;
 
-  bool busy() const { return process != 0 || handles; }
+  void note(std::int64_t time) { states.emplace_back(time, runs || handles); }
 
-  template <typename Change>
-  void change(std::int64_t time, Change apply) {
-    const bool wasBusy = busy();
-    apply(*this);
-    if (busy() && !wasBusy) since = time;
-    if (wasBusy && !busy()) total += time - since;
+  /// Nanoseconds; a span still open at the end does not count.
+  std::int64_t busyTime() {
+    std::stable_sort(states.begin(), states.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::int64_t total = 0;
+    std::int64_t since = -1;
+    for (const auto& [time, busy] : states) {
+      if (busy && since < 0) since = time;
+      if (!busy && since >= 0) total += time - std::exchange(since, -1);
+    }
+    return total;
   }
 };
 
-/// The busy time of each CPU in nanoseconds, from the raw records. A span still open at the end does not
-/// count.
+/// The busy time of each CPU, from the raw records.
 std::map<std::uint32_t, std::int64_t> busyTimes(const std::string& file, std::size_t nextPid) {
   const std::uint64_t switches = eventNumber(file, "sched:sched_switch");
   const std::uint64_t entries = eventNumber(file, "irq:irq_handler_entry");
   const std::uint64_t exits = eventNumber(file, "irq:irq_handler_exit");
   std::map<std::uint32_t, Cpu> cpus;
   for (const RawRecord& record : rawRecords(file)) {
-    if (record.type != kSample) continue;
     const std::uint64_t event = record.u32(kRaw) & 0xFFFF;
+    if (record.type != kSample || (event != switches && event != entries && event != exits)) continue;
     const auto time = static_cast<std::int64_t>(record.u64(24));
     Cpu& cpu = cpus[record.u32(40)];
     if (event == switches) {
-      const std::uint32_t process = record.u32(kPayload + nextPid);
-      cpu.change(time, [&](Cpu& c) { c.process = process; });
-      // A CPU whose records have ended keeps its last process until that one turns up elsewhere.
+      cpu.process = record.u32(kPayload + nextPid);
+      cpu.runs = cpu.process != 0;
+      // A CPU that is still said to run the process, since its own records come later or have ended, no
+      // longer does.
       for (auto& [number, other] : cpus)
-        if (&other != &cpu && process != 0 && other.process == process)
-          other.change(time, [](Cpu& c) { c.process = 0; });
-    } else if (event == entries || event == exits) {
-      cpu.change(time, [&](Cpu& c) { c.handles = event == entries; });
+        if (&other != &cpu && cpu.runs && other.process == cpu.process) {
+          other.runs = false;
+          other.note(time);
+        }
+    } else {
+      cpu.handles = event == entries;
     }
+    cpu.note(time);
   }
   std::map<std::uint32_t, std::int64_t> totals;
-  for (const auto& [number, cpu] : cpus) totals[number] = cpu.total;
+  for (auto& [number, cpu] : cpus) totals[number] = cpu.busyTime();
   return totals;
 }
 
@@ -115,10 +129,12 @@ TEST_P(RealTraces, BusyTimesAreThoseOfTheRecords) {
   EXPECT_EQ(busyTimes(parsed["entries"]), expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, RealTraces, testing::ValuesIn(kTraces), [](const auto& info) {
-  std::string name = info.param.file;
-  std::erase_if(name, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; });
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(All, RealTraces, testing::ValuesIn(kTraces),
+                         [](const testing::TestParamInfo<Trace>& trace) {
+                           std::string name = trace.param.file;
+                           std::erase_if(
+                               name, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; });
+                           return name;
+                         });
 
 }  // namespace

@@ -1,0 +1,52 @@
+// Reads a timechart document back and prints how busy each CPU was, and how many entries there are of each
+// class: cpu_load FILE
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+#include "json/JSOM.h"
+
+namespace {
+
+using loomstat::JSOM;
+
+/// Seconds from the first point to the last, and how many of them the series was not 0.
+struct Load {
+  double span = 0.0;
+  double busy = 0.0;
+};
+
+Load loadOf(JSOM points) {
+  Load load;
+  for (int i = 0; i + 1 < points.size(); ++i) {
+    const double length = points[i + 1][0].doubleValue(0) - points[i][0].doubleValue(0);
+    load.span += length;
+    if (points[i][1].longValue(0) != 0) load.busy += length;
+  }
+  return load;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: cpu_load FILE\n");
+    return 2;
+  }
+  JSOM document;
+  if (!document.fromFile(argv[1]).found()) return 1;
+  JSOM entries = document["entries"];
+  std::map<std::string, int> classes;
+  for (int i = 0; i < entries.size(); ++i) {
+    const std::string kind = entries[i]["class"].stringValue(JSOM::EMPTY_STRING);
+    ++classes[kind];
+    if (kind != "cpu:busy") continue;
+    const Load load = loadOf(entries[i]["data"]);
+    std::printf("%-12s %9.6f s of %9.6f s, %5.1f%%\n", entries[i]["name"].stringValuePtr(""), load.busy,
+                load.span, load.span > 0.0 ? 100.0 * load.busy / load.span : 0.0);
+  }
+  std::printf("\n%8s  %s\n", "entries", "class");
+  for (const auto& [kind, count] : classes) std::printf("%8d  %s\n", count, kind.c_str());
+  return 0;
+}
