@@ -1,10 +1,9 @@
 // zelconv as it would run on another machine: convert_for_machine FOLDER [zelconv options]
 //
-// The files of the machine, kallsyms, softirqs, trace and uptime, come from the folder as far as they are
-// there. With those of a device one can convert its recordings on a workstation.
+// The files of the machine, kallsyms, softirqs, trace and uptime, come from the folder; one that is not there
+// counts as missing. With those of a device one can convert its recordings on a workstation.
 
 #include <cstdio>
-#include <filesystem>
 #include <string>
 
 #include "run/MachineFiles.h"
@@ -16,13 +15,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string folder = argv[1];
-  const auto take = [&](std::string& file, const char* name) {
-    if (std::filesystem::exists(folder + "/" + name)) file = folder + "/" + name;
-  };
-  take(gMachineFiles.kernelSymbols, "kallsyms");
-  take(gMachineFiles.softInterrupts, "softirqs");
-  take(gMachineFiles.traceText, "trace");
-  take(gMachineFiles.uptime, "uptime");
+  gMachineFiles.kernelSymbols = folder + "/kallsyms";
+  gMachineFiles.softInterrupts = folder + "/softirqs";
+  gMachineFiles.traceText = folder + "/trace";
+  gMachineFiles.uptime = folder + "/uptime";
   argv[1] = argv[0];
   return profile(argc - 1, argv + 1);
 }

@@ -1,6 +1,8 @@
 #include "json/PerfJSONWriter.h"
 
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "run/Settings.h"
 
@@ -28,7 +30,9 @@ void PerfJSONWriter::setIncludeLabels(bool includeLabels) {
 
 int PerfJSONWriter::open(const char* name) {
   if (name == nullptr) return -1;
+  _fileName = name;
   _file = std::fopen(name, "w");
+  _openError = _file == nullptr ? errno : 0;
   _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
   _writer->_whiteSpace = _whiteSpace;
   return 0;
@@ -38,11 +42,19 @@ void PerfJSONWriter::close() {
   if (!_writer) return;
   _writer->end();
   _writer->flush();
-  if (_file == nullptr) return;
-  std::fwrite(_document.data(), 1, _document.size(), _file);
-  std::fputc('\n', _file);
-  std::fclose(_file);
-  _file = nullptr;
+  const int error = _file != nullptr ? _writeFile() : std::exchange(_openError, 0);
+  if (error != 0 && gVerbosity > 0)
+    std::printf("Document not written to %s: %s\n", _fileName.c_str(), std::strerror(error));
+}
+
+/// Writes the document and closes the file. Answers 0, or the errno of what failed.
+int PerfJSONWriter::_writeFile() {
+  std::FILE* file = std::exchange(_file, nullptr);
+  const bool written =
+      std::fwrite(_document.data(), 1, _document.size(), file) == _document.size() && std::fputc('\n', file) != EOF;
+  const int writeError = written ? 0 : errno;
+  const bool closed = std::fclose(file) == 0;
+  return written && !closed ? errno : writeError;
 }
 
 void PerfJSONWriter::write(unsigned long long value) {

@@ -69,8 +69,11 @@ class PerfJSONWriter {
   void _terminateLine();
   void _bufferJsonValue(const char* text, std::size_t length);
   void _flushBuffer();
+  int _writeFile();
 
   std::FILE* _file = nullptr;
+  std::string _fileName;
+  int _openError = 0;  ///< errno of an open that failed
   std::string _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   std::string _buffer;

@@ -17,7 +17,7 @@ class PerfRecordSampleS {
   unsigned int cpu() const { return _view.u32(32); }
   unsigned long long period() const { return _view.u64(40); }
   unsigned int nr() const { return _view.u32(48); }
-  unsigned long long ips(unsigned int index) const { return _view.u64(56 + 8ULL * index); }
+  unsigned long long ips(unsigned int index) const { return _view.u64(56 + std::size_t{8} * index); }
 
  private:
   RecordView _view;

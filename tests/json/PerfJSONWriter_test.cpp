@@ -74,11 +74,20 @@ TEST(PerfJSONWriter, DissolvesRecordsWithoutLabels) {
   EXPECT_EQ(folder.read("out"), "{\"data\":[\n1,1.5\n,2,1.5,[7,8]],\"counts\":[3,3,3],\"quote\"\":7}\n");
 }
 
-TEST(PerfJSONWriter, GoesOnWithoutAFile) {
-  PerfJSONWriter writer(true, false);
-  EXPECT_EQ(writer.open("/nonexistent/folder/out"), 0);
-  writer.newElementStart(nullptr);
-  writer.close();
+TEST(PerfJSONWriter, GoesOnWithoutAFileAndSaysWhyOnlyWhenAsked) {
+  const std::pair<const char*, const char*> cases[] = {{"/nonexistent/out", "No such file or directory"},
+                                                       {"/dev/full", "No space left on device"}};
+  for (const auto& [name, reason] : cases)
+    for (gVerbosity = 0; gVerbosity <= 1; ++gVerbosity) {
+      testing::internal::CaptureStdout();
+      PerfJSONWriter writer(true, false);
+      EXPECT_EQ(writer.open(name), 0);
+      writer.newElementStart(nullptr);
+      writer.close();
+      writer.close();
+      const std::string line = std::string("Document not written to ") + name + ": " + reason + "\n";
+      EXPECT_EQ(testing::internal::GetCapturedStdout(), gVerbosity > 0 ? line : "");
+    }
 }
 
 }  // namespace
