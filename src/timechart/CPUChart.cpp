@@ -18,6 +18,12 @@ constexpr std::array<IdleState, 4> kIdleStates = {{
     {"Power Collapse", {"#8fbc8f", "#8fbc8f"}},
 }};
 
+/// The end of every entry of a CPU.
+void finish(ChartEntry& entry, ChartColours colours, ChartSeries& series) {
+  series.sort();
+  entry.hints(colours).writeChanges(series);
+}
+
 }  // namespace
 
 void CPUChart::addValue(unsigned long long time, int kind, int value) {
@@ -49,35 +55,33 @@ void CPUChart::outCPUChart(PerfJSONWriter& writer) {
 
 void CPUChart::outBusy(PerfJSONWriter& writer) {
   if (_busy.empty()) return;
-  _busy.sort();
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-b", _cpu)).text("name", chartText("CPU %d Busy", _cpu));
   entry.text("treeId", chartText("b_%d_cpu_root", _cpu))
       .text("type", "binary")
       .text("class", "cpu:busy")
       .show(1);
-  entry.hints(cpuColours(_cpu)).writeChanges(_busy);
+  finish(entry, cpuColours(_cpu), _busy);
 }
 
 void CPUChart::outFrequency(PerfJSONWriter& writer) {
   if (_frequency.empty()) return;
-  _frequency.sort();
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-f", _cpu)).text("name", chartText("CPU %d Frequency", _cpu));
   entry.text("treeId", chartText("f_%d_cpu_root", _cpu))
       .text("type", "bar")
       .text("class", "cpu:freq")
       .show(1);
-  entry.text("tip", "MHz").hints(cpuColours(_cpu)).writeChanges(_frequency);
+  entry.text("tip", "MHz");
+  finish(entry, cpuColours(_cpu), _frequency);
 }
 
 void CPUChart::outIdle(PerfJSONWriter& writer, std::size_t state) {
   ChartSeries& series = _idle[state];
   if (series.empty()) return;
-  series.sort();
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-s-%d", _cpu, static_cast<int>(state)));
   entry.text("name", chartText("CPU %d Idle State", _cpu)).text("treeId", chartText("s_%d_cpu_root", _cpu));
   entry.text("type", "binary").text("class", "cpu:idle").show(1).text("tip", kIdleStates[state].tip);
-  entry.hints(kIdleStates[state].colours).writeChanges(series);
+  finish(entry, kIdleStates[state].colours, series);
 }

@@ -5,15 +5,25 @@
 #include "timechart/ChartEntry.h"
 #include "timechart/IssueValue.h"
 
-namespace {
-
-/// Null where a kind has no tip.
-struct SeriesLook {
+/// How one series looks; a null tip is left out.
+struct GpuSeriesLook {
   const char* tip;
   ChartColours colours;
 };
 
-constexpr std::array<SeriesLook, 5> kPowerLooks = {{
+/// What all entries of one kind share: formats that take dimension, device and the series' index, and two
+/// texts.
+struct GpuEntryKind {
+  const char* id;
+  const char* name;
+  const char* treeId;
+  const char* type;
+  const char* entryClass;
+};
+
+namespace {
+
+constexpr std::array<GpuSeriesLook, 5> kPowerLooks = {{
     {"OFF", {"#d3d3d3", "#444444"}},
     {"ON", {"#ffffdc", "#555555"}},
     {"ON | AXI", {"#e0ffe0", "#005500"}},
@@ -21,18 +31,29 @@ constexpr std::array<SeriesLook, 5> kPowerLooks = {{
     {"ON | CLK | AXI | IRQ", {"#8fbc8f", "#8fbc8f"}},
 }};
 
-constexpr std::array<SeriesLook, 3> kInterruptLooks = {{
+constexpr GpuSeriesLook kFrequencyLook = {"MHz", {"#8fbc8f", "#8fbc8f"}};
+
+constexpr std::array<GpuSeriesLook, 3> kInterruptLooks = {{
     {"IB1 Complete", {"#bfbf34", "#e6e6a3"}},
     {"RB Complete", {"#815223", "#d69e67"}},
     {nullptr, {"#812323", "#e6a3a3"}},
 }};
 
-constexpr std::array<SeriesLook, 4> kIssueLooks = {{
+constexpr std::array<GpuSeriesLook, 4> kIssueLooks = {{
     {nullptr, {"#66ccff", "#66ccff"}},
     {"GL", {"#00ff00", "#00ff00"}},
     {"CL", {"#993CF3", "#993CF3"}},
     {"C2D", {"#f660ab", "#f660ab"}},
 }};
+
+constexpr GpuEntryKind kPowerEntry = {"gpu-%d-%d-p%d", "GPU-%dD%d Power State", "power_GPU-%dD%d_kgsl_root",
+                                      "binary", "gpu:power"};
+constexpr GpuEntryKind kFrequencyEntry = {"gpu-%d-%d-f", "GPU-%dD%d Frequency", "freq_GPU-%dD%d_kgsl_root",
+                                          "bar", "gpu:freq"};
+constexpr GpuEntryKind kInterruptEntry = {"gpu-%d-%d-q%d", "GPU-%dD%d IRQ", "irq_GPU-%dD%d_kgsl_root",
+                                          "marker", "gpu:irq"};
+constexpr GpuEntryKind kIssueEntry = {"gpu-%d-%d-i%d", "GPU-%dD%d Issue", "issue_GPU-%dD%d_kgsl_root",
+                                      "marker", "gpu:issue"};
 
 /// The series of a range of statuses that the status names, or null.
 template <std::size_t Kinds>
@@ -40,13 +61,6 @@ ChartSeries* seriesOf(std::array<ChartSeries, Kinds>& series, int status, int fi
   const long long kind = static_cast<long long>(status) - first;
   return kind >= 0 && kind < static_cast<long long>(Kinds) ? &series[static_cast<std::size_t>(kind)]
                                                            : nullptr;
-}
-
-/// Ends an entry's head the way all entries of a GPU do.
-void finishHead(ChartEntry& entry, const SeriesLook& look) {
-  entry.show(1);
-  if (look.tip != nullptr) entry.text("tip", look.tip);
-  entry.hints(look.colours);
 }
 
 }  // namespace
@@ -80,52 +94,33 @@ void GPUChart::sort() {
 
 void GPUChart::outGPUChart(PerfJSONWriter& writer) {
   sort();
-  for (std::size_t state = 0; state < _power.size(); ++state) outPower(writer, state);
-  outFrequency(writer);
-  for (std::size_t kind = 0; kind < _irqs.size(); ++kind) outInterrupt(writer, kind);
-  for (std::size_t kind = 0; kind < _issue.size(); ++kind) outIssue(writer, kind);
+  for (std::size_t state = 0; state < _power.size(); ++state)
+    outSteps(writer, kPowerEntry, state, kPowerLooks[state], _power[state]);
+  outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency);
+  for (std::size_t kind = 0; kind < _irqs.size(); ++kind)
+    outMarkers(writer, kInterruptEntry, kind, kInterruptLooks[kind], _irqs[kind]);
+  for (std::size_t kind = 0; kind < _issue.size(); ++kind)
+    outMarkers(writer, kIssueEntry, kind, kIssueLooks[kind], _issue[kind]);
 }
 
-void GPUChart::outPower(PerfJSONWriter& writer, std::size_t state) const {
-  if (!hasChanges(_power[state])) return;
-  ChartEntry entry(writer);
-  entry.text("id", chartText("gpu-%d-%d-p%d", _dimension, _device, static_cast<int>(state)));
-  entry.text("name", chartText("GPU-%dD%d Power State", _dimension, _device));
-  entry.text("treeId", chartText("power_GPU-%dD%d_kgsl_root", _dimension, _device));
-  entry.text("type", "binary").text("class", "gpu:power");
-  finishHead(entry, kPowerLooks[state]);
-  entry.writeChanges(_power[state]);
+void GPUChart::outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                        const GpuSeriesLook& look, const ChartSeries& series) const {
+  if (hasChanges(series)) head(writer, kind, index, look).writeChanges(series);
 }
 
-void GPUChart::outFrequency(PerfJSONWriter& writer) const {
-  if (!hasChanges(_frequency)) return;
-  ChartEntry entry(writer);
-  entry.text("id", chartText("gpu-%d-%d-f", _dimension, _device));
-  entry.text("name", chartText("GPU-%dD%d Frequency", _dimension, _device));
-  entry.text("treeId", chartText("freq_GPU-%dD%d_kgsl_root", _dimension, _device));
-  entry.text("type", "bar").text("class", "gpu:freq");
-  finishHead(entry, {"MHz", {"#8fbc8f", "#8fbc8f"}});
-  entry.writeChanges(_frequency);
+void GPUChart::outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                          const GpuSeriesLook& look, const ChartSeries& series) const {
+  if (!series.empty()) head(writer, kind, index, look).writeAll(series);
 }
 
-void GPUChart::outInterrupt(PerfJSONWriter& writer, std::size_t kind) const {
-  if (_irqs[kind].empty()) return;
+ChartEntry GPUChart::head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                          const GpuSeriesLook& look) const {
   ChartEntry entry(writer);
-  entry.text("id", chartText("gpu-%d-%d-q%d", _dimension, _device, static_cast<int>(kind)));
-  entry.text("name", chartText("GPU-%dD%d IRQ", _dimension, _device));
-  entry.text("treeId", chartText("irq_GPU-%dD%d_kgsl_root", _dimension, _device));
-  entry.text("type", "marker").text("class", "gpu:irq");
-  finishHead(entry, kInterruptLooks[kind]);
-  entry.writeAll(_irqs[kind]);
-}
-
-void GPUChart::outIssue(PerfJSONWriter& writer, std::size_t kind) const {
-  if (_issue[kind].empty()) return;
-  ChartEntry entry(writer);
-  entry.text("id", chartText("gpu-%d-%d-i%d", _dimension, _device, static_cast<int>(kind)));
-  entry.text("name", chartText("GPU-%dD%d Issue", _dimension, _device));
-  entry.text("treeId", chartText("issue_GPU-%dD%d_kgsl_root", _dimension, _device));
-  entry.text("type", "marker").text("class", "gpu:issue");
-  finishHead(entry, kIssueLooks[kind]);
-  entry.writeAll(_issue[kind]);
+  entry.text("id", chartText(kind.id, _dimension, _device, static_cast<int>(index)));
+  entry.text("name", chartText(kind.name, _dimension, _device))
+      .text("treeId", chartText(kind.treeId, _dimension, _device));
+  entry.text("type", kind.type).text("class", kind.entryClass).show(1);
+  if (look.tip != nullptr) entry.text("tip", look.tip);
+  entry.hints(look.colours);
+  return entry;
 }

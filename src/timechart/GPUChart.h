@@ -4,7 +4,10 @@
 
 #include "timechart/ChartSeries.h"
 
+class ChartEntry;
 class PerfJSONWriter;
+struct GpuEntryKind;
+struct GpuSeriesLook;
 
 /// For one GPU core of the kgsl driver: its power state, its frequency, its interrupts and the work issued to
 /// it.
@@ -24,10 +27,14 @@ class GPUChart {
  private:
   void enterPowerState(double time, std::size_t state);
   void sort();
-  void outPower(PerfJSONWriter& writer, std::size_t state) const;
-  void outFrequency(PerfJSONWriter& writer) const;
-  void outInterrupt(PerfJSONWriter& writer, std::size_t kind) const;
-  void outIssue(PerfJSONWriter& writer, std::size_t kind) const;
+  /// A change-only series, unless it never leaves 0.
+  void outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                const GpuSeriesLook& look, const ChartSeries& series) const;
+  /// A series of which every sample counts, unless it is empty.
+  void outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                  const GpuSeriesLook& look, const ChartSeries& series) const;
+  ChartEntry head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
+                  const GpuSeriesLook& look) const;
 
   int _dimension;
   int _device;
