@@ -92,10 +92,10 @@ void SymbolListReader::read() {
     if (!_hasPending && (_address & kWideKernelBits) == kWideKernelBits) _wide = true;
     if (_kernel && !_wide && _address <= kLastUserAddress) continue;
     if (std::strchr(VALID_SECTIONS, _type) == nullptr) continue;
+    if (_hasPending && goesBackward()) return readUnsorted();
     char* name = nameInLine();
     if (name == nullptr) continue;
     if (_hasPending) {
-      if (goesBackward()) return readUnsorted();
       cutLineEnd();
       _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file,
                         _pending.line);

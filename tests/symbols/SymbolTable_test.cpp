@@ -95,6 +95,10 @@ TEST(SymbolList, SortsAListThatGoesBackward) {
             "1000+1000 one\n|1200+200 three|1400+c00 four\n|2000+1 two|");
 }
 
+TEST(SymbolList, GoesBackwardAtALineWithoutANameToo) {
+  EXPECT_EQ(read("1000 T one\n2000 T two\n1800T lost\n1400 T four\n"), "1000+1000 one\n|1400+c00 four\n|2000+1 two|");
+}
+
 TEST(SymbolList, ReadsTheKernelsTable) {
   EXPECT_EQ(read("00000000 T zero\n00000000 T nil\n", true), "");
   EXPECT_EQ(
