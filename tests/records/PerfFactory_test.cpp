@@ -2,33 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-
-#include "records/PerfReader.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordComm.h"
 #include "run/Settings.h"
+#include "support/MemoryReader.h"
 #include "support/RecordingBuilder.h"
 
 namespace {
-
-/// Takes the place of a file.
-class MemoryReader : public PerfReader {
- public:
-  explicit MemoryReader(std::string bytes) : _bytes(std::move(bytes)) { _lastRead = 1; }
-
-  int read(char* buffer, int size) override {
-    const std::size_t count = std::min(static_cast<std::size_t>(size), _bytes.size() - _place);
-    std::memcpy(buffer, _bytes.data() + _place, count);
-    _place += count;
-    return _lastRead = static_cast<int>(count);
-  }
-
- private:
-  std::string _bytes;
-  std::size_t _place = 0;
-};
 
 std::string header(unsigned int type, unsigned int size) {
   return Bytes().u32(type).u16(0).u16(size).str();

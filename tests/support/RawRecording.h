@@ -42,7 +42,8 @@ inline std::vector<RawRecord> rawRecords(const std::string& file) {
 /// The number that the event table gives a name, or all ones.
 inline std::uint64_t eventNumber(const std::string& file, const std::string& name) {
   const RawRecord header{0, file.substr(0, 56)};
-  for (auto place = static_cast<std::size_t>(header.u64(24) + header.u64(32)); place + 72 <= header.u64(40); place += 72)
+  for (auto place = static_cast<std::size_t>(header.u64(24) + header.u64(32)); place + 72 <= header.u64(40);
+       place += 72)
     if (std::strcmp(file.c_str() + place + 8, name.c_str()) == 0)
       return RawRecord{0, file.substr(place, 8)}.u64(0);
   return ~0ULL;

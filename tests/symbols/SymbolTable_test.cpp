@@ -96,7 +96,8 @@ TEST(SymbolList, SortsAListThatGoesBackward) {
 }
 
 TEST(SymbolList, GoesBackwardAtALineWithoutANameToo) {
-  EXPECT_EQ(read("1000 T one\n2000 T two\n1800T lost\n1400 T four\n"), "1000+1000 one\n|1400+c00 four\n|2000+1 two|");
+  EXPECT_EQ(read("1000 T one\n2000 T two\n1800T lost\n1400 T four\n"),
+            "1000+1000 one\n|1400+c00 four\n|2000+1 two|");
 }
 
 TEST(SymbolList, ReadsTheKernelsTable) {
