@@ -2,6 +2,8 @@
 // prints.
 
 #include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -62,12 +64,25 @@ class PrivateFile {
   std::string _name;
 };
 
+/// Runs the command as system does. A device without /bin/sh has its shell where Android keeps it. What comes of the
+/// command is not looked at.
+void runCommand(const std::string& command) {
+  constexpr const char* androidShell = "/system/bin/sh";
+  if (access("/bin/sh", X_OK) == 0 || access(androidShell, X_OK) != 0) {
+    [[maybe_unused]] const int status = std::system(command.c_str());
+    return;
+  }
+  const char* const argv[] = {"sh", "-c", command.c_str(), nullptr};
+  pid_t child = 0;
+  if (posix_spawn(&child, androidShell, nullptr, nullptr, const_cast<char* const*>(argv), environ) == 0)
+    waitpid(child, nullptr, 0);
+}
+
 /// Mangled names are demangled, only external symbols are listed, and they come in numeric order.
 void runNm(const char* path, const std::string& output) {
   if (output.empty()) return;
-  const std::string command = "nm -nCg " + shellWord(path) + " > " + shellWord(output);
   // A failure leaves the list empty, and the search goes on elsewhere.
-  [[maybe_unused]] const int status = std::system(command.c_str());
+  runCommand("nm -nCg " + shellWord(path) + " > " + shellWord(output));
 }
 
 }  // namespace

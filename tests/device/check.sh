@@ -54,6 +54,8 @@ if [ -d "$recordings" ]; then
     check "without nm functions of programs have no names" lacks no-nm.json '"busy_leaf_add'
     check "without /tmp, too" lacks no-tmp.json '"busy_leaf_add'
     check "without /tmp nothing is said" silent no-tmp
+    [ ! -e "$work/out/android.json" ] || check "without /bin/sh the shell of Android runs nm" \
+        holds android.json '"from_system_shell'
 fi
 for name in full-disk read-only; do
     check "$name: nothing is said" silent "$name"
