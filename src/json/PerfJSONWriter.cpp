@@ -50,8 +50,8 @@ void PerfJSONWriter::close() {
 /// Writes the document and closes the file. Answers 0, or the errno of what failed.
 int PerfJSONWriter::_writeFile() {
   std::FILE* file = std::exchange(_file, nullptr);
-  const bool written =
-      std::fwrite(_document.data(), 1, _document.size(), file) == _document.size() && std::fputc('\n', file) != EOF;
+  const bool written = std::fwrite(_document.data(), 1, _document.size(), file) == _document.size() &&
+                       std::fputc('\n', file) != EOF;
   const int writeError = written ? 0 : errno;
   const bool closed = std::fclose(file) == 0;
   return written && !closed ? errno : writeError;

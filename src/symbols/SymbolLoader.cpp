@@ -64,8 +64,8 @@ class PrivateFile {
   std::string _name;
 };
 
-/// Runs the command as system does. A device without /bin/sh has its shell where Android keeps it. What comes of the
-/// command is not looked at.
+/// Runs the command as system does. A device without /bin/sh has its shell where Android keeps it. What comes
+/// of the command is not looked at.
 void runCommand(const std::string& command) {
   constexpr const char* androidShell = "/system/bin/sh";
   if (access("/bin/sh", X_OK) == 0 || access(androidShell, X_OK) != 0) {
