@@ -73,8 +73,8 @@ int main(int argc, char** argv) {
   RecordingBuilder recording;
   recording.comm(100, 100, "orchard").comm(100, 101, "picker").comm(200, 200, "gardener");
   for (const unsigned int pid : {100U, 200U}) {
-    recording.mmap(pid, pid, kExecutableStart, kMapLength, executable);
-    recording.mmap(pid, pid, kLibraryStart, kMapLength, library);
+    recording.mmap(pid, pid, kExecutableStart, kMapLength, "/usr/bin/orchard");
+    recording.mmap(pid, pid, kLibraryStart, kMapLength, "/usr/lib/libmeadow.so");
   }
 
   Dice dice;

@@ -44,7 +44,7 @@ convert() { # convert RESULT COMMAND...: leaves RESULT.json, if there is a docum
     rm -f "$result.json"
     # shellcheck disable=SC2086
     env $environment ZELVIEW_CONFIG="$work/config" DOCUMENT_ROOT="$top/examples/www" BUILD_TYPE=release \
-        "$@" "$work/machine" -i "$input" -p "$recordings/arm32/rootfs" $mode $list -o "$result.json" >"$work/raw" || status=$?
+        "$@" "$work/machine" -i "$input" -p "$recordings/arm32/rootfs:$one/examples" $mode $list -o "$result.json" >"$work/raw" || status=$?
     { echo "status $status"; comparable <"$work/raw"; } >"$result.out"
 }
 

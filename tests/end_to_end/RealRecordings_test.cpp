@@ -83,7 +83,8 @@ TEST(RealRecordings, ArmGuestShowsItsFunctionsByName) {
 TEST(RealRecordings, ExampleIsResolvedByTheRealNm) {
   Conversion conversion;
   conversion.useRealNm();
-  const std::string document = conversion.runFile(ZELCONV_EXAMPLES "/profile.data", {"-b", "5"});
+  const std::string document =
+      conversion.runFile(ZELCONV_EXAMPLES "/profile.data", {"-b", "5", "-p", ZELCONV_EXAMPLES});
   EXPECT_EQ(lines(rows(document, "samples")), 600);
   const std::string functions = rows(document, "functions");
   for (const char* name :
