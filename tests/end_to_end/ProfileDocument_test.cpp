@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "support/Conversion.h"
+#include "support/TraceEvents.h"
 
 namespace {
 
@@ -195,6 +196,21 @@ TEST(ProfileDocument, MissesAMapBehindThoseOfOtherThreads) {
   const std::string document = conversion.run(recording, {"-b", "1"});
   EXPECT_EQ(rows(document, "functions"), "8,\"{tool-00020000}\",131072,65536,[6,]\n");
   EXPECT_EQ(rows(document, "samples"), "1,131088,6,0,0,4,7,[]\n2,393232,6,0,0,4,7,[]\n");
+}
+
+TEST(ProfileDocument, TracePointSamplesTakeNumbersAndMarkSymbolsButHaveNoRow) {
+  Conversion conversion;
+  conversion.library("/app/tool", "10000 T main\n10100 T work\n10300 T stop\n");
+  TraceBuilder recording;
+  recording.comm(7, 7, "tool").mmap(7, 7, 0x10000, 0x1000, "/app/tool");
+  recording.sample({.ip = 0x10004, .pid = 7, .tid = 7, .time = 1000000000});
+  recording.at(2000000, 0, 7).value("power:cpu_idle", 0);
+  recording.tracePoint({.event = 26, .time = 3000000000, .pid = 7, .ip = 0x10104}, Payload().u32(0).u32(0));
+  recording.tracePoint({.event = 999, .time = 9000000000, .pid = 7, .ip = 0x10104}, Payload().u32(0).u32(0));
+  recording.sample({.ip = 0x10004, .pid = 7, .tid = 7, .time = 2500000000});
+  const std::string document = conversion.run(recording, {"-b", "1"});
+  EXPECT_EQ(rows(document, "samples"), "1,65540,6,1,0,4,7,[]\n4,65540,6,2.5,0,4,7,[]\n");
+  EXPECT_EQ(rows(document, "functions"), "6,\"main\\n\",65536,256,[5,]\n7,\"work\",65792,512,[5,]\n");
 }
 
 TEST(ProfileDocument, SubtractsTheStartTimeOnEveryScale) {
