@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdio>
 #include <vector>
 
 #include "events/PerfRecordSampleEventS.h"
