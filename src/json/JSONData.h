@@ -71,7 +71,8 @@ struct JSONData {
   void setByKey(const std::string& key, JSONData* value);
   void setByKey(const char* key, JSONData* value);
   /// Appends at the array's length; an index beyond that prints a message. Within the array the value fills
-  /// the places ahead of the index and everything else goes: documents depend on it, and new code appends.
+  /// the places ahead of the index, all on one reference, and everything else is dropped unreleased: this
+  /// case is kept for those who know it, and what appends is safe.
   void setByIndex(int index, JSONData* value);
   /// A deep copy without a holder.
   JSONData* clone() const;

@@ -61,7 +61,7 @@ class PerfJSONWriter {
   virtual void newElementStart(const char* label);
   virtual void newElementEnd();
 
-  /// An array of `count` numbers, each of them the count: the viewer knows how many there were and no more.
+  /// An array of `count` numbers, each of them the count; the values are not read.
   virtual void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
 
  private:
