@@ -61,7 +61,6 @@ Conversion::Conversion() {
   gMachineFiles.softInterrupts = path("softirqs");
   gMachineFiles.traceText = path("trace");
   gMachineFiles.kernelLog = path("kmsg");
-  gMachineFiles.symbolList = path("nmtmp");
 }
 
 Conversion::~Conversion() {

@@ -6,7 +6,6 @@ namespace {
 
 constexpr std::size_t kFileHeaderSize = 104;
 constexpr std::size_t kAttributesSize = 80;
-constexpr unsigned int kStreamId = 77;  // above every core number, as a trace-point's stream id must be
 
 }  // namespace
 
@@ -96,7 +95,7 @@ RecordingBuilder& RecordingBuilder::tracePoint(const TracePoint& point, const Pa
   while (raw.str().size() % 8 != 4) raw.u8(0);  // the raw data begins 4 bytes off the multiple of 8
 
   Bytes body;
-  body.u64(point.ip).u32(point.pid).u32(point.pid).u64(point.time).u64(kStreamId).u32(point.cpu).u32(0);
+  body.u64(point.ip).u32(point.pid).u32(point.pid).u64(point.time).u64(point.stream).u32(point.cpu).u32(0);
   body.u32(raw.str().size()).append(raw.str());
   return record(9, body.str());
 }

@@ -61,6 +61,7 @@ struct TracePoint {
   unsigned int cpu = 0;
   unsigned int pid = 0;  ///< of the sample and of the common header
   std::uint64_t ip = 0;
+  unsigned int stream = 77;  ///< the event stream's id, which must be above every core number
 };
 
 /// Builds a recording as the perf of kernel 3.4 writes it: header, attributes, event table, data section.
@@ -79,6 +80,8 @@ class RecordingBuilder {
   /// Anything, as it stands.
   RecordingBuilder& bytes(const std::string& bytes);
 
+  /// The records alone.
+  const std::string& data() const { return _data.str(); }
   std::string build() const;
   void save(const std::string& path) const;
 
