@@ -30,7 +30,7 @@ void JSONData::appendStringValue(std::string& out, int precision) const {
       out += std::to_string(_value.integer);
       break;
     case kDouble:
-      appendTrimmed(out, _value.real, precision);
+      out += trimmedDecimals(_value.real, precision);
       break;
     case kString:
       out += *_value.string;

@@ -1,9 +1,9 @@
 #include "json/JsomStringWriter.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 
+#include "json/FixedDecimals.h"
 #include "json/JsonText.h"
 
 namespace loomstat {
@@ -13,6 +13,8 @@ namespace {
 // A newline, 47 spaces and the NUL, which is written too once the nesting is deeper than the spaces last.
 constexpr char indentBuffer[] = "\n                                               ";
 static_assert(sizeof indentBuffer == 49);
+
+constexpr int kDefaultDecimals = 6;
 
 }  // namespace
 
@@ -30,11 +32,11 @@ bool JsomStringWriter::beginValue(const char* operation) {
   if (_state == '[') {
     _state = ']';
   } else if (_state == ']') {
-    _out += ',';
+    _out.append(',');
   }
   if (_whiteSpace && _state != 0) {
     if (inObject()) {
-      _out += ' ';
+      _out.append(' ');
     } else {
       indent();
     }
@@ -44,14 +46,14 @@ bool JsomStringWriter::beginValue(const char* operation) {
 
 void JsomStringWriter::startContainer(const char* operation, char bracket) {
   if (!beginValue(operation)) return;
-  _out += bracket;
+  _out.append(bracket);
   pushState(bracket);
 }
 
 void JsomStringWriter::closeContainer(char bracket) {
   popState();
   if (_whiteSpace) indent();
-  _out += bracket;
+  _out.append(bracket);
 }
 
 void JsomStringWriter::startArray() {
@@ -77,11 +79,11 @@ void JsomStringWriter::appendLabel(const char* text, int length, bool raw) {
   if (_state == '{') {
     _state = '}';
   } else {
-    _out += ',';
+    _out.append(',');
   }
   if (_whiteSpace) indent();
   quote(text, length, raw);
-  _out += ':';
+  _out.append(':');
   pushState(':');
 }
 
@@ -92,9 +94,7 @@ void JsomStringWriter::appendLabel(const char* text, bool raw) {
 template <typename Number>
 void JsomStringWriter::appendNumber(const char* operation, Number value) {
   if (!beginValue(operation)) return;
-  char buffer[32];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  _out.append(buffer, result.ptr);
+  _out.appendNumber(value);
 }
 
 void JsomStringWriter::appendInt(int value) {
@@ -115,11 +115,15 @@ void JsomStringWriter::appendUnsignedLong(unsigned long long value) {
 
 void JsomStringWriter::appendDouble(double value, int precision) {
   if (!beginValue("appendDouble")) return;
-  const bool needsExponent = value > 1e16 || value < -1e16;
-  if (!needsExponent && precision != 0) return appendTrimmed(_out, value, precision);
-  char buffer[256];
-  const int length = std::snprintf(buffer, sizeof buffer, needsExponent ? "%e" : "%f", value);
-  _out.append(buffer, static_cast<std::size_t>(length));
+  char text[kFixedRoom];
+  if (value > 1e16 || value < -1e16) {
+    const int length = std::snprintf(text, sizeof text, "%e", value);
+    return _out.append({text, static_cast<std::size_t>(length)});
+  }
+  if (precision < 0 || precision > kMostFixedDecimals) return _out.append(trimmedDecimals(value, precision));
+  const std::string_view decimals(text,
+                                  writeFixed(text, value, precision != 0 ? precision : kDefaultDecimals));
+  _out.append(precision != 0 ? trimmed(decimals, precision) : decimals);
 }
 
 void JsomStringWriter::appendString(const std::string& text, bool raw) {
@@ -131,11 +135,11 @@ void JsomStringWriter::appendString(const char* text, int length, bool raw) {
 }
 
 void JsomStringWriter::appendBoolean(bool value) {
-  if (beginValue("appendBoolean")) _out += value ? "true" : "false";
+  if (beginValue("appendBoolean")) _out.append(std::string_view(value ? "true" : "false"));
 }
 
 void JsomStringWriter::appendNull() {
-  if (beginValue("appendNull")) _out += "null";
+  if (beginValue("appendNull")) _out.append(std::string_view("null"));
 }
 
 void JsomStringWriter::appendJsonValue(const char* text, int length) {
@@ -149,11 +153,11 @@ void JsomStringWriter::end() {
 }
 
 void JsomStringWriter::write(const char* text, int length) {
-  _out.append(text, static_cast<std::size_t>(length));
+  _out.append({text, static_cast<std::size_t>(length)});
 }
 
 void JsomStringWriter::writeChar(char byte) {
-  _out += byte;
+  _out.append(byte);
 }
 
 void JsomStringWriter::pushState(char state) {
@@ -172,22 +176,24 @@ void JsomStringWriter::popState() {
 
 void JsomStringWriter::indent() {
   if (_state == 0) {
-    _out += '\n';
+    _out.append('\n');
     return;
   }
   const std::size_t depth = _stack.size();
-  _out.append(indentBuffer, depth <= 46 ? depth + 2 : sizeof indentBuffer);
+  _out.append({indentBuffer, depth <= 46 ? depth + 2 : sizeof indentBuffer});
 }
 
 void JsomStringWriter::quote(const char* text, int length, bool raw) {
   if (text == nullptr) {
-    _out += "null";
+    _out.append(std::string_view("null"));
   } else if (raw) {
-    _out += '"';
+    _out.append('"');
     write(text, length);
-    _out += '"';
+    _out.append('"');
   } else {
-    appendQuoted(_out, text, static_cast<std::size_t>(length));
+    _scratch.clear();
+    appendQuoted(_scratch, text, static_cast<std::size_t>(length));
+    _out.append(_scratch);
   }
 }
 

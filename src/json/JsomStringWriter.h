@@ -2,14 +2,16 @@
 
 #include <string>
 
+#include "json/TextBuffer.h"
+
 namespace loomstat {
 
-/// Turns a sequence of calls into JSON text appended to a string that belongs to the caller. It decides where
+/// Turns a sequence of calls into JSON text appended to a buffer that belongs to the caller. It decides where
 /// commas, spaces and line breaks go. A call out of order, such as a value without a label in an object,
 /// prints one line on standard error, writes nothing and leaves the writer as it was.
 class JsomStringWriter {
  public:
-  explicit JsomStringWriter(std::string& out) : _out(out) {}
+  explicit JsomStringWriter(TextBuffer& out) : _out(out) {}
   virtual ~JsomStringWriter() = default;
   JsomStringWriter(const JsomStringWriter&) = delete;
   JsomStringWriter& operator=(const JsomStringWriter&) = delete;
@@ -63,11 +65,12 @@ class JsomStringWriter {
   void quote(const char* text, int length, bool raw);
   void complain(const char* operation, const char* problem) const;
 
-  std::string& _out;
+  TextBuffer& _out;
   /// 0: no container is open. '{' and '[': in a container without members. '}' and ']': in one that has some.
   /// ':': a label is written and its value is due.
   int _state = 0;
   std::string _stack;
+  std::string _scratch;  ///< for a text that has to be worked on before it goes out
 };
 
 }  // namespace loomstat

@@ -1,5 +1,6 @@
 #include "json/JsonText.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace loomstat {
@@ -26,26 +27,21 @@ char escapeLetter(char byte) {
   }
 }
 
-std::string withDecimals(double value, int precision) {
-  char buffer[64];
-  const int length = std::snprintf(buffer, sizeof buffer, "%.*f", precision, value);
-  if (length < 0) return {};
-  if (static_cast<std::size_t>(length) < sizeof buffer) return {buffer, static_cast<std::size_t>(length)};
-  std::string text(static_cast<std::size_t>(length) + 1, '\0');
-  std::snprintf(text.data(), text.size(), "%.*f", precision, value);
-  text.pop_back();
-  return text;
-}
-
 }  // namespace
 
-void appendTrimmed(std::string& out, double value, int precision) {
-  std::string text = withDecimals(value, precision);
-  if (static_cast<long long>(text.size()) > static_cast<long long>(precision) + 1) {
-    const std::size_t last = text.find_last_not_of('0');
-    text.resize(last == std::string::npos ? 0 : last + (text[last] == '.' ? 0 : 1));
-  }
-  out += text;
+std::string_view trimmed(std::string_view number, int precision) {
+  if (static_cast<long long>(number.size()) <= static_cast<long long>(precision) + 1) return number;
+  while (number.ends_with('0')) number.remove_suffix(1);
+  if (number.ends_with('.')) number.remove_suffix(1);
+  return number;
+}
+
+std::string trimmedDecimals(double value, int precision) {
+  const int length = std::snprintf(nullptr, 0, "%.*f", precision, value);
+  std::string text(static_cast<std::size_t>(std::max(length, 0)) + 1, '\0');
+  std::snprintf(text.data(), text.size(), "%.*f", precision, value);
+  text.pop_back();
+  return std::string(trimmed(text, precision));
 }
 
 void appendQuoted(std::string& out, const char* text, std::size_t length) {

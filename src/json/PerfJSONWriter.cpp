@@ -32,6 +32,7 @@ int PerfJSONWriter::open(const char* name) {
   if (name == nullptr) return -1;
   _fileName = name;
   _file = std::fopen(name, "w");
+  if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);  // one write takes the document
   _openError = _file == nullptr ? errno : 0;
   _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
   _writer->_whiteSpace = _whiteSpace;
@@ -50,8 +51,8 @@ void PerfJSONWriter::close() {
 /// Writes the document and closes the file. Answers 0, or the errno of what failed.
 int PerfJSONWriter::_writeFile() {
   std::FILE* file = std::exchange(_file, nullptr);
-  const bool written = std::fwrite(_document.data(), 1, _document.size(), file) == _document.size() &&
-                       std::fputc('\n', file) != EOF;
+  _document.append('\n');
+  const bool written = std::fwrite(_document.text().data(), 1, _document.size(), file) == _document.size();
   const int writeError = written ? 0 : errno;
   const bool closed = std::fclose(file) == 0;
   return written && !closed ? errno : writeError;
@@ -73,8 +74,8 @@ void PerfJSONWriter::write(const std::string& value) {
   _writer->appendString(value, false);
 }
 
-void PerfJSONWriter::writeJson(const char* text) {
-  _bufferJsonValue(text, std::strlen(text));
+void PerfJSONWriter::writeJson(std::string_view text) {
+  _bufferJsonValue(text);
 }
 
 void PerfJSONWriter::writeNamed(const char* label, unsigned long long value) {
@@ -145,12 +146,12 @@ void PerfJSONWriter::_terminateLine() {
   if (gReadable) _writer->writeChar('\n');
 }
 
-void PerfJSONWriter::_bufferJsonValue(const char* text, std::size_t length) {
-  if (!_buffer.empty()) _buffer += ',';
-  _buffer.append(text, length);
+void PerfJSONWriter::_bufferJsonValue(std::string_view text) {
+  if (!_buffer.empty()) _buffer.append(',');
+  _buffer.append(text);
 }
 
 void PerfJSONWriter::_flushBuffer() {
-  _writer->appendJsonValue(_buffer.data(), static_cast<int>(_buffer.size()));
+  _writer->appendJsonValue(_buffer.text().data(), static_cast<int>(_buffer.size()));
   _buffer.clear();
 }

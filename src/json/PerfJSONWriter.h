@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "json/JsomStringWriter.h"
+#include "json/TextBuffer.h"
 
 /// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
 ///
@@ -17,66 +19,66 @@ class PerfJSONWriter {
  public:
   PerfJSONWriter() : PerfJSONWriter(true, true) {}
   PerfJSONWriter(bool includeLabels, bool whiteSpace);
-  virtual ~PerfJSONWriter();
+  ~PerfJSONWriter();
   PerfJSONWriter(const PerfJSONWriter&) = delete;
   PerfJSONWriter& operator=(const PerfJSONWriter&) = delete;
 
   /// Both take effect on the next token, in the middle of a container too.
-  virtual void setWhiteSpace(bool whiteSpace);
-  virtual void setIncludeLabels(bool includeLabels);
+  void setWhiteSpace(bool whiteSpace);
+  void setIncludeLabels(bool includeLabels);
 
   /// Truncates the file. Answers 0, or -1 for a null name. A file that cannot be opened still gives 0; the
   /// run goes on and its document is lost at close.
-  virtual int open(const char* name);
+  int open(const char* name);
 
   /// Ends every open container and writes the document and a newline to the file. May be called again, to no
   /// effect.
-  virtual void close();
+  void close();
 
-  virtual void write(unsigned long long value);
-  virtual void write(unsigned int value);
-  virtual void write(double value);  ///< up to nine decimals
-  virtual void write(const std::string& value);
+  void write(unsigned long long value);
+  void write(unsigned int value);
+  void write(double value);  ///< up to nine decimals
+  void write(const std::string& value);
 
   /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined
   /// by commas.
-  virtual void writeJson(const char* text);
+  void writeJson(std::string_view text);
 
   /// A label and a value; without labels the value alone. A label is not escaped.
-  virtual void writeNamed(const char* label, unsigned long long value);
-  virtual void writeNamed(const char* label, unsigned int value);
-  virtual void writeNamed(const char* label, unsigned short value);
-  virtual void writeNamed(const char* label, double value);
-  virtual void writeNamed(const char* label, const char* value);
+  void writeNamed(const char* label, unsigned long long value);
+  void writeNamed(const char* label, unsigned int value);
+  void writeNamed(const char* label, unsigned short value);
+  void writeNamed(const char* label, double value);
+  void writeNamed(const char* label, const char* value);
 
   /// A null label is left out.
-  virtual void writeArrayStart(const char* label);
-  virtual void writeArrayEnd();
+  void writeArrayStart(const char* label);
+  void writeArrayEnd();
 
   /// A record of its own line. Without labels it dissolves into bare values of the array around it.
-  virtual void writeStructStart();
-  virtual void writeStructEnd();
+  void writeStructStart();
+  void writeStructEnd();
 
   /// An object, whatever the label switch says. A null label is left out.
-  virtual void newElementStart(const char* label);
-  virtual void newElementEnd();
+  void newElementStart(const char* label);
+  void newElementEnd();
 
   /// An array of `count` numbers, each of them the count; the values are not read.
-  virtual void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
+  void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
 
  private:
   void _doLabel(const char* label);
   void _terminateLine();
-  void _bufferJsonValue(const char* text, std::size_t length);
+  void _bufferJsonValue(std::string_view text);
   void _flushBuffer();
   int _writeFile();
 
   std::FILE* _file = nullptr;
   std::string _fileName;
   int _openError = 0;  ///< errno of an open that failed
-  std::string _document;
+  loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
-  std::string _buffer;
+  loomstat::TextBuffer _buffer;
   bool _includeLabels;
   bool _whiteSpace;
 };

@@ -24,9 +24,13 @@ int PerfReader::open(const char* name) {
   return _fd > 0 ? 0 : -1;
 }
 
-int PerfReader::read(char* buffer, int size) {
+void PerfReader::announceRead(int size) {
   if (gVerbosity > 1) std::printf("PerfReader:size:%d\n", size);
   if (size > kLargestExpectedRead || size == 0) std::printf("Large reader size:%d\n", size);
+}
+
+int PerfReader::read(char* buffer, int size) {
+  announceRead(size);
   if (_fd <= 0) return -1;
   _lastRead = static_cast<int>(::read(_fd, buffer, static_cast<std::size_t>(size)));
   return _lastRead;

@@ -1,6 +1,7 @@
 #pragma once
 
-/// The one gateway to the recording: a thin layer without a buffer over the file descriptor.
+/// The one gateway to the recording: a thin layer without a buffer over the file descriptor. See
+/// PerfBlockReader for the one that a run reads its recording with.
 class PerfReader {
  public:
   PerfReader() = default;
@@ -25,6 +26,9 @@ class PerfReader {
   virtual void seek(int offset);
 
  protected:
+  /// What the verbose run says of a read, and the warning about a size that no record has.
+  static void announceRead(int size);
+
   int _fd = 0;        ///< 0 before open, and taken as "not open"
   int _lastRead = 0;  ///< result of the latest read that reached the operating system
 };

@@ -7,7 +7,7 @@
 
 class PerfJSONWriter;
 
-/// Base of every record that is kept. Records live until the process ends.
+/// Base of every record. Those that are kept live until the process ends.
 class PerfRecord : public PerfFoundation {
  public:
   PerfRecord() : PerfRecord(0, 0) {}
@@ -25,6 +25,9 @@ class PerfRecord : public PerfFoundation {
   virtual int _process() { return 0; }
   /// Writes this record's row, if it has one. Answers 0.
   virtual int _out(PerfJSONWriter& /*writer*/) { return 0; }
+
+  /// Whether tables hold on to the record. One that is not kept belongs to whoever asked for it.
+  virtual bool isKept() const { return true; }
 
   int out(PerfJSONWriter& writer) { return _out(writer); }
 

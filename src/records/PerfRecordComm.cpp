@@ -9,9 +9,9 @@
 
 std::vector<PerfRecordComm*> PerfRecordComm::_elements;
 unsigned int PerfRecordComm::_runningPidKey = 0;
-std::map<unsigned long long, PerfRecordComm*> PerfRecordComm::_mapOfPidTids;
-std::map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfPid;
-std::map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfTid;
+std::unordered_map<unsigned long long, PerfRecordComm*> PerfRecordComm::_mapOfPidTids;
+std::unordered_map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfPid;
+std::unordered_map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfTid;
 
 // In this order, behind the tables that they enter: the kernel has key 1, the lost-and-found process key 2.
 PerfRecordComm PerfRecordComm::_kernelArea(0, 0, "kernel");
@@ -33,7 +33,7 @@ unsigned long long bothIds(unsigned int pid, unsigned int tid) {
 }
 
 template <typename Key>
-PerfRecordComm* find(const std::map<Key, PerfRecordComm*>& table, Key key) {
+PerfRecordComm* find(const std::unordered_map<Key, PerfRecordComm*>& table, Key key) {
   const auto found = table.find(key);
   return found != table.end() ? found->second : nullptr;
 }

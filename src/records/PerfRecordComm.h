@@ -1,8 +1,9 @@
 #pragma once
 
-#include <map>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "records/PerfRecord.h"
@@ -26,6 +27,8 @@ class PerfRecordComm : public PerfRecord {
   /// other id does. Null if there is none: a known process with an unknown tid is not found.
   static PerfRecordComm* findProcessRecord(unsigned int pid, unsigned int tid);
 
+  static std::size_t count() { return _elements.size(); }
+
   virtual void setName(std::string_view name);
   virtual void show() const;
   const char* perfRecordType() const override { return "comm"; }
@@ -41,10 +44,10 @@ class PerfRecordComm : public PerfRecord {
  private:
   static std::vector<PerfRecordComm*> _elements;
   static unsigned int _runningPidKey;  ///< the last key given
-  static std::map<unsigned long long, PerfRecordComm*>
+  static std::unordered_map<unsigned long long, PerfRecordComm*>
       _mapOfPidTids;  ///< pid in the upper half, tid in the lower
-  static std::map<unsigned int, PerfRecordComm*> _mapOfPid;
-  static std::map<unsigned int, PerfRecordComm*> _mapOfTid;
+  static std::unordered_map<unsigned int, PerfRecordComm*> _mapOfPid;
+  static std::unordered_map<unsigned int, PerfRecordComm*> _mapOfTid;
 
   std::string _name;
 };

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "json/DocumentSection.h"
+#include "records/AddressLookUps.h"
 #include "records/PerfFactory.h"
 #include "records/PerfRecordComm.h"
 #include "records/PerfRecordSample.h"
@@ -16,7 +17,7 @@ PerfRecordMMap* PerfRecordMMap::_lostAndFound = nullptr;
 PerfRecordMMap* PerfRecordMMap::_kernelMap = nullptr;
 PerfRecordMMap* PerfRecordMMap::_stackMap = nullptr;
 std::vector<PerfRecordMMap*> PerfRecordMMap::_allMaps;
-std::vector<PerfRecordMMap*> PerfRecordMMap::_sortedMaps;
+IndexedSequence<PerfRecordMMap::SortedMap> PerfRecordMMap::_sortedMaps;
 
 namespace {
 
@@ -40,8 +41,6 @@ constexpr SectionColumn kColumns[] = {
     {"sectionSize", "length of the memory map"},
 };
 
-enum class AddressClass { kernel, stack, mapped };
-
 AddressClass classOf(unsigned long long address) {
   if (address > gKernelStart) return AddressClass::kernel;
   return address > kStackStart && address <= kStackEnd ? AddressClass::stack : AddressClass::mapped;
@@ -55,25 +54,10 @@ unsigned long long tidPart(unsigned int tid) {
   return static_cast<unsigned long long>(tid & 0xFFFF) << 32;
 }
 
-/// The search that findMap and findPidMap share: the first probed map that matches, or null. A map that is
-/// not above the sought key sends the search upward. A probe at the count ends it.
-template <typename Matches, typename IsNotAbove>
-PerfRecordMMap* searchMaps(const std::vector<PerfRecordMMap*>& maps, Matches matches, IsNotAbove isNotAbove) {
-  const int count = static_cast<int>(maps.size());
-  int low = 0;
-  int high = count;
-  int middle = count / 2;
-  while (low <= middle && middle <= high && middle < count) {
-    PerfRecordMMap* map = maps[static_cast<std::size_t>(middle)];
-    if (matches(*map)) return map;
-    if (isNotAbove(*map)) {
-      low = middle + 1;
-    } else {
-      high = middle - 1;
-    }
-    middle = low + (high - low) / 2;
-  }
-  return nullptr;
+AddressLookUps lookUps;
+
+unsigned long long pageOf(unsigned long long address) {
+  return address & ~(kSyntheticUnit - 1);
 }
 
 std::string syntheticLabel(const PerfRecordComm& process, unsigned long long page) {
@@ -83,6 +67,27 @@ std::string syntheticLabel(const PerfRecordComm& process, unsigned long long pag
 }
 
 }  // namespace
+
+/// The search that findMap and findPidMap share: the first probed map that matches, or null. A map that is
+/// not above the sought key sends the search upward. A probe at the count ends it.
+template <typename Matches, typename IsNotAbove>
+PerfRecordMMap* PerfRecordMMap::searchMaps(Matches matches, IsNotAbove isNotAbove) {
+  const int count = static_cast<int>(_sortedMaps.size());
+  int low = 0;
+  int high = count;
+  int middle = count / 2;
+  while (low <= middle && middle <= high && middle < count) {
+    const SortedMap& probed = _sortedMaps[static_cast<std::size_t>(middle)];
+    if (matches(probed)) return probed.map;
+    if (isNotAbove(probed)) {
+      low = middle + 1;
+    } else {
+      high = middle - 1;
+    }
+    middle = low + (high - low) / 2;
+  }
+  return nullptr;
+}
 
 PerfRecordMMap::PerfRecordMMap() {
   key = ++_indexTotal;
@@ -127,11 +132,17 @@ PerfRecordMMap* PerfRecordMMap::standingMap(std::string_view name, unsigned long
 }
 
 void PerfRecordMMap::enterSorted() {
-  _sortKey = pidPart(pid) | tidPart(tid) | _start;
-  const auto place = std::lower_bound(
-      _sortedMaps.begin(), _sortedMaps.end(), _sortKey,
-      [](const PerfRecordMMap* map, unsigned long long sortKey) { return map->_sortKey < sortKey; });
-  _sortedMaps.insert(place, this);
+  const unsigned long long sortKey = pidPart(pid) | tidPart(tid) | _start;
+  std::size_t place = 0;
+  for (std::size_t end = _sortedMaps.size(); place < end;) {
+    const std::size_t middle = place + (end - place) / 2;
+    if (_sortedMaps[middle].sortKey < sortKey) {
+      place = middle + 1;
+    } else {
+      end = middle;
+    }
+  }
+  _sortedMaps.insert(place, {sortKey, _start, _start + _length, pid, this});
 }
 
 PerfRecord* PerfRecordMMap::createInstance(char* record) {
@@ -153,11 +164,8 @@ PerfRecordMMap* PerfRecordMMap::findMap(unsigned long long address, unsigned int
   // Such an address gets a synthetic home.
   const unsigned long long sought = pidPart(pid) | address;
   return searchMaps(
-      _sortedMaps,
-      [&](const PerfRecordMMap& map) {
-        return map.pid == pid && address >= map._start && address <= map._start + map._length;
-      },
-      [&](const PerfRecordMMap& map) { return sought >= (map._sortKey & kSortKeyWithoutTid); });
+      [&](const SortedMap& map) { return map.pid == pid && address >= map.start && address <= map.end; },
+      [&](const SortedMap& map) { return sought >= (map.sortKey & kSortKeyWithoutTid); });
 }
 
 PerfRecordMMap* PerfRecordMMap::findMap(PerfRecordSample* sample) {
@@ -173,14 +181,13 @@ PerfRecordMMap* PerfRecordMMap::findPidMap(PerfRecordSample* sample) {
   const unsigned long long address = sample->getAddress();
   if (classOf(address) != AddressClass::mapped) return findMap(address, sample->pid, sample->tid);
   const unsigned long long sought = pidPart(sample->pid);
-  return searchMaps(
-      _sortedMaps, [&](const PerfRecordMMap& map) { return map.pid == sample->pid; },
-      [&](const PerfRecordMMap& map) { return sought >= (map._sortKey & kPidOfSortKey); });
+  return searchMaps([&](const SortedMap& map) { return map.pid == sample->pid; },
+                    [&](const SortedMap& map) { return sought >= (map.sortKey & kPidOfSortKey); });
 }
 
 PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, unsigned int pid,
                                                    unsigned int tid, unsigned long long address) {
-  const unsigned long long page = address & ~(kSyntheticUnit - 1);
+  const unsigned long long page = pageOf(address);
   if (page == 0) return _lostAndFound;
   PerfRecordMMap* map = findPidMap(sample);
   const PerfRecordComm* process = PerfRecordComm::findProcessRecord(pid, tid);
@@ -189,10 +196,13 @@ PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, uns
     process = PerfRecordComm::findProcessRecord(pid, 0);
     if (process == nullptr) process = &PerfRecordComm::_lostAndFound;
   }
-  const std::string label = syntheticLabel(*process, page);
-  if (map == nullptr) return new PerfRecordMMap(pid, tid, page, kSyntheticUnit, 0, label);
+  if (map == nullptr)
+    return new PerfRecordMMap(pid, tid, page, kSyntheticUnit, 0, syntheticLabel(*process, page));
+  SymbolTableElement* symbol = SymbolTable::findSyntheticEntry(page);
+  if (symbol == nullptr)
+    symbol = SymbolTable::addSyntheticEntry(page, kSyntheticUnit, syntheticLabel(*process, page));
   map->countUse();
-  map->useSymbol(*SymbolTable::addSyntheticEntry(page, kSyntheticUnit, label.c_str()));
+  map->useSymbol(*symbol);
   return map;
 }
 
@@ -206,20 +216,93 @@ void PerfRecordMMap::useSymbol(SymbolTableElement& symbol) const {
   symbol.setMapKey(key);
 }
 
-unsigned int PerfRecordMMap::getKey(unsigned long long address) {
-  if (gVerbosity > 0)
-    std::printf("getKey %s st:%p %llx:%llx\n", getName(), static_cast<void*>(_symbols), address, _symbolBase);
-  if (_symbols == nullptr) return key;
-  if (gVerbosity > 0) std::printf("getKey %llx:%llx\n", address, _symbolBase);
+/// Counts one use of the symbol at the address; null if there is none.
+SymbolTableElement* PerfRecordMMap::useSymbolAt(unsigned long long address) const {
+  if (_symbols == nullptr) return nullptr;
   SymbolTableElement* symbol = symbolAt(address);
-  if (symbol == nullptr) return key;
-  useSymbol(*symbol);
-  return symbol->key();
+  if (symbol != nullptr) useSymbol(*symbol);
+  return symbol;
+}
+
+unsigned int PerfRecordMMap::getKey(unsigned long long address) {
+  if (gVerbosity > 0) showLookUp(address);
+  const SymbolTableElement* symbol = useSymbolAt(address);
+  return symbol != nullptr ? symbol->key() : key;
+}
+
+void PerfRecordMMap::showLookUp(unsigned long long address) const {
+  std::printf("getKey %s st:%p %llx:%llx\n", getName(), static_cast<void*>(_symbols), address, _symbolBase);
+  if (_symbols != nullptr) std::printf("getKey %llx:%llx\n", address, _symbolBase);
 }
 
 void PerfRecordMMap::addSample(PerfRecordSample* sample) {
-  if (sample == nullptr || _symbols == nullptr) return;
-  if (SymbolTableElement* symbol = symbolAt(sample->getAddress()); symbol != nullptr) useSymbol(*symbol);
+  if (sample != nullptr) useSymbolAt(sample->getAddress());
+}
+
+/// Whether an answer found at the address's place is about it, and nothing that it rests on has changed
+/// since.
+bool PerfRecordMMap::isGood(const AddressLookUps::Answer& answer, const PerfRecordSample& sample,
+                            unsigned long long address) {
+  if (answer.address != address || answer.pid != sample.pid || answer.tid != sample.tid) return false;
+  if (answer.map == nullptr || answer.maps != _allMaps.size()) return false;
+  return answer.page == nullptr ||
+         (answer.processes == PerfRecordComm::count() && answer.sampleClass == classOf(sample.getAddress()));
+}
+
+/// Looks an address of the sample up, making a synthetic home for one that no map covers, and counts the
+/// uses.
+AddressLookUps::Answer PerfRecordMMap::lookUpAndUse(PerfRecordSample& sample, unsigned long long address) {
+  AddressLookUps::Answer answer = {address,
+                                   sample.pid,
+                                   sample.tid,
+                                   _allMaps.size(),
+                                   PerfRecordComm::count(),
+                                   classOf(sample.getAddress())};
+  answer.map = findMap(address, sample.pid, sample.tid);
+  if (answer.map == nullptr) {
+    answer.map = createSyntheticMap(&sample, sample.pid, sample.tid, address);
+    if (answer.maps == _allMaps.size()) answer.page = SymbolTable::findSyntheticEntry(pageOf(address));
+  }
+  if (answer.map == nullptr) return answer;
+  if (gVerbosity > 0) answer.map->showLookUp(address);
+  answer.map->countUse();
+  answer.symbol = answer.map->useSymbolAt(address);
+  return answer;
+}
+
+const AddressLookUps::Answer& PerfRecordMMap::use(PerfRecordSample& sample, unsigned long long address) {
+  AddressLookUps::Answer& answer = lookUps(address, sample.pid, sample.tid);
+  // A verbose run tells of every look-up.
+  if (gVerbosity > 0 || !isGood(answer, sample, address)) return answer = lookUpAndUse(sample, address);
+  answer.map->countUse();
+  if (answer.symbol != nullptr) answer.symbol->countUse();
+  if (answer.page != nullptr) {
+    answer.map->countUse();
+    answer.page->countUse();
+  }
+  return answer;
+}
+
+unsigned int PerfRecordMMap::keyOf(const AddressLookUps::Answer& answer) {
+  if (answer.symbol != nullptr) return answer.symbol->key();
+  return answer.map != nullptr ? answer.map->key : 0;
+}
+
+unsigned int PerfRecordMMap::useAddress(PerfRecordSample& sample, unsigned long long address) {
+  return keyOf(use(sample, address));
+}
+
+unsigned int PerfRecordMMap::useOwnAddress(PerfRecordSample& sample) {
+  const unsigned long long address = sample.getAddress();
+  if (gVerbosity > 0 || classOf(address) == AddressClass::stack) {
+    // In the stack's class the symbol counts where findMap looks for it, which is not the map that it
+    // answers.
+    if (findMap(&sample) == nullptr && gVerbosity > 0) std::puts("SAMP: no map key");
+    return keyOf(lookUpAndUse(sample, address));
+  }
+  const AddressLookUps::Answer& answer = use(sample, address);
+  if (answer.symbol != nullptr && answer.page == nullptr) answer.symbol->countUse();
+  return keyOf(answer);
 }
 
 int PerfRecordMMap::checkRange(unsigned long long address, unsigned int pid_, unsigned int tid_) const {

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "records/AddressLookUps.h"
+#include "records/IndexedSequence.h"
 #include "records/PerfRecord.h"
 
 class PerfRecordComm;
@@ -44,6 +46,12 @@ class PerfRecordMMap : public PerfRecord {
   static PerfRecordMMap* createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
                                             unsigned long long address);
 
+  /// Finds the map of an address in a back-trace of the sample, or makes a synthetic one, and counts one use
+  /// of it and of the symbol there. Answers the key of the symbol or else of the map; 0 if there is no map.
+  static unsigned int useAddress(PerfRecordSample& sample, unsigned long long address);
+  /// The same for the sample's own address, which counts two uses of the symbol.
+  static unsigned int useOwnAddress(PerfRecordSample& sample);
+
   using PerfRecord::getKey;
   /// The key of the symbol at the address, which becomes used, or else of the map.
   virtual unsigned int getKey(unsigned long long address);
@@ -80,15 +88,33 @@ class PerfRecordMMap : public PerfRecord {
   static PerfRecordMMap* _stackMap;
 
  private:
+  /// A map as the searches see it.
+  struct SortedMap {
+    unsigned long long sortKey;
+    unsigned long long start;
+    unsigned long long end;
+    unsigned int pid;
+    PerfRecordMMap* map;
+  };
+
+  template <typename Matches, typename IsNotAbove>
+  static PerfRecordMMap* searchMaps(Matches matches, IsNotAbove isNotAbove);
   static void buildStandingMaps();
   static PerfRecordMMap* standingMap(std::string_view name, unsigned long long start,
                                      unsigned long long length, unsigned int pidKey, SymbolTable* symbols);
   void enterSorted();
   SymbolTableElement* symbolAt(unsigned long long address) const;
+  SymbolTableElement* useSymbolAt(unsigned long long address) const;
   void useSymbol(SymbolTableElement& symbol) const;
+  void showLookUp(unsigned long long address) const;
+  static bool isGood(const AddressLookUps::Answer& answer, const PerfRecordSample& sample,
+                     unsigned long long address);
+  static AddressLookUps::Answer lookUpAndUse(PerfRecordSample& sample, unsigned long long address);
+  static const AddressLookUps::Answer& use(PerfRecordSample& sample, unsigned long long address);
+  static unsigned int keyOf(const AddressLookUps::Answer& answer);
 
-  static std::vector<PerfRecordMMap*> _allMaps;     ///< in order of construction
-  static std::vector<PerfRecordMMap*> _sortedMaps;  ///< ascending by _sortKey
+  static std::vector<PerfRecordMMap*> _allMaps;   ///< in order of construction
+  static IndexedSequence<SortedMap> _sortedMaps;  ///< ascending by sort key
 
   unsigned long long _start = 0;
   unsigned long long _length = 0;
@@ -96,7 +122,6 @@ class PerfRecordMMap : public PerfRecord {
   std::string _fileName;
   unsigned int _pidKey = 0;
   unsigned int _useCount = 0;  ///< references from samples; a map without any is not written
-  unsigned long long _sortKey = 0;
   PerfRecordComm* _processRecord = nullptr;
   SymbolTable* _symbols = nullptr;
 };

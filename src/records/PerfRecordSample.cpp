@@ -1,7 +1,9 @@
 #include "records/PerfRecordSample.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <memory>
 
 #include "events/PerfRecordSampleEvent.h"
 #include "json/DocumentSection.h"
@@ -13,6 +15,7 @@
 
 double PerfRecordSample::_firstSampleTime = 0.0;
 unsigned long long PerfRecordSample::_lastSampleTime = 0;
+bool PerfRecordSample::_keepsSamples = true;
 unsigned long long PerfRecordSample::_runningIndex = 0;
 std::vector<PerfRecordSample*> PerfRecordSample::_allSamples;
 
@@ -37,8 +40,8 @@ constexpr SectionColumn kColumns[] = {
     {"bt.mapkey", "backtrace map key"},
 };
 
-unsigned int keptDepth(unsigned int nr) {
-  return nr == 1 ? 0 : std::min(nr, kDeepestTrace);
+std::uint8_t keptDepth(unsigned int nr) {
+  return static_cast<std::uint8_t>(nr == 1 ? 0 : std::min(nr, kDeepestTrace));
 }
 
 }  // namespace
@@ -46,17 +49,25 @@ unsigned int keptDepth(unsigned int nr) {
 PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu,
                                    unsigned int pid_, unsigned int tid_, unsigned long long /*period*/,
                                    unsigned int nr, const PerfRecordSampleS& record)
-    : PerfRecord(pid_, tid_), _ip(ip), _time(time), _cpu(cpu), _depth(keptDepth(nr)) {
+    : PerfRecord(pid_, tid_),
+      _depth(keptDepth(nr)),
+      _cpu(static_cast<std::uint8_t>(cpu)),
+      _ip(ip),
+      _time(time) {
   if (_firstSampleTime == 0.0) _firstSampleTime = time64ToDouble(time);
   _lastSampleTime = time;
   key = static_cast<unsigned int>(++_runningIndex);
   processSample(record);
-  _allSamples.push_back(this);
+  if (_keepsSamples) _allSamples.push_back(this);
   if (gVerbosity > 0) PerfRecordSample::show();
 }
 
 PerfRecordSample::PerfRecordSample() {
   key = static_cast<unsigned int>(++_runningIndex);
+}
+
+PerfRecordSample::~PerfRecordSample() {
+  RecordArena::release(_trace, _depth * sizeof(TraceEntry));
 }
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
@@ -79,20 +90,26 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
     if (record.ips(0) <= kLastInterruptAddress && gVerbosity > 0) std::puts("Not an interrupt");
     skip = 1;
   }
-  if (skip >= _depth) return;
+  if (skip >= _depth) {
+    _depth = 0;
+    return;
+  }
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
+  std::array<TraceEntry, kDeepestTrace> entries;
+  unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
-    const unsigned long long address = record.ips(skip + i);
-    TraceEntry& entry = _trace[i];
-    entry.address = address;
-    PerfRecordMMap* map = PerfRecordMMap::findMap(address, pid, tid);
-    if (map == nullptr) map = PerfRecordMMap::createSyntheticMap(this, pid, tid, address);
-    if (map == nullptr) continue;
-    entry.key = map->getKey(address);
-    map->countUse();
+    address = record.ips(skip + i);
+    entries[i] = {static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(address >> 32),
+                  PerfRecordMMap::useAddress(*this, address)};
   }
-  if (_trace[_depth - 1].address <= kLastStrayMarker) --_depth;
+  if (address <= kLastStrayMarker) --_depth;
+  keepTrace(entries.data());
+}
+
+void PerfRecordSample::keepTrace(const TraceEntry* entries) {
+  _trace = static_cast<TraceEntry*>(RecordArena::allocate(_depth * sizeof(TraceEntry)));
+  std::uninitialized_copy_n(entries, _depth, _trace);
 }
 
 void PerfRecordSample::verifyKey() {
@@ -100,21 +117,7 @@ void PerfRecordSample::verifyKey() {
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, 0);
   if (_processRecord == nullptr) _processRecord = &PerfRecordComm::_lostAndFound;
-  _pidKey = _processRecord->getKey();
-
-  PerfRecordMMap* map = PerfRecordMMap::findMap(this);
-  if (map != nullptr) {
-    _mapKey = map->getKey(_ip);
-    map->countUse();
-    if (_mapKey != 0) return;
-  }
-  if (gVerbosity > 0) std::puts("SAMP: no map key");
-  if (map == nullptr) map = PerfRecordMMap::findMap(_ip, pid, 0);
-  if (map == nullptr) map = PerfRecordMMap::createSyntheticMap(this, pid, tid, _ip);
-  if (map == nullptr) map = PerfRecordMMap::_lostAndFound;
-  if (map == nullptr) return;
-  _mapKey = map->getKey(_ip);
-  map->countUse();
+  _mapKey = PerfRecordMMap::useOwnAddress(*this);
 }
 
 void PerfRecordSample::verifyKeys() {
@@ -133,13 +136,13 @@ int PerfRecordSample::_out(PerfJSONWriter& writer) {
   writer.writeNamed("ip", _ip);
   writer.writeNamed("mapkey", _mapKey);
   writer.writeNamed("time", relativeToStart(doTimeConversion(_time)));
-  writer.writeNamed("cpu", _cpu);
-  writer.writeNamed("pidkey", _pidKey);
+  writer.writeNamed("cpu", static_cast<unsigned int>(_cpu));
+  writer.writeNamed("pidkey", _processRecord->getKey());
   writer.writeNamed("tid", tid);
   writer.writeArrayStart("bt");
   for (unsigned int i = 0; i < _depth; ++i) {
     writer.writeArrayStart(nullptr);
-    writer.writeNamed("ip", _trace[i].address);
+    writer.writeNamed("ip", _trace[i].address());
     writer.writeNamed("mapkey", _trace[i].key);
     writer.writeArrayEnd();
   }

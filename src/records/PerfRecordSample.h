@@ -1,10 +1,12 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
+#include "records/RecordArena.h"
 
 class PerfRecordComm;
 class PerfRecordMMap;
@@ -21,6 +23,11 @@ class PerfRecordSample : public PerfRecord {
                    const PerfRecordSampleS& record);
   /// All 0; takes a number and joins no list.
   PerfRecordSample();
+  ~PerfRecordSample() override;
+
+  // Recordings hold millions of samples.
+  static void* operator new(std::size_t size) { return RecordArena::allocate(size); }
+  static void operator delete(void* sample, std::size_t size) { RecordArena::release(sample, size); }
 
   /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells
   /// the latter.
@@ -33,6 +40,7 @@ class PerfRecordSample : public PerfRecord {
   void verifyKey();
   static void verifyKeys();
 
+  bool isKept() const override { return _keepsSamples; }
   virtual void show();
   const char* perfRecordType() const override { return "sample"; }
   unsigned long long getAddress() const override { return _ip; }
@@ -44,22 +52,31 @@ class PerfRecordSample : public PerfRecord {
 
   static double _firstSampleTime;  ///< seconds of the recording's clock; 0.0 until a sample sets it
   static unsigned long long _lastSampleTime;  ///< of the latest sample in the recording, in nanoseconds
+  /// Cleared for a timechart, which has taken all it needs of a sample by the time that there is one.
+  static bool _keepsSamples;
 
  private:
+  /// Three words, so that it takes no more than them.
   struct TraceEntry {
-    unsigned long long address = 0;
-    unsigned int key = 0;  ///< of the symbol or map at the address
+    std::uint32_t lowAddress;
+    std::uint32_t highAddress;
+    std::uint32_t key;  ///< of the symbol or map at the address
+
+    unsigned long long address() const {
+      return static_cast<unsigned long long>(highAddress) << 32 | lowAddress;
+    }
   };
+
+  void keepTrace(const TraceEntry* entries);
 
   static unsigned long long _runningIndex;  ///< the last sample number given
   static std::vector<PerfRecordSample*> _allSamples;
 
+  std::uint8_t _depth = 0;  ///< how many entries _trace has
+  std::uint8_t _cpu = 0;
+  unsigned int _mapKey = 0;  ///< of the symbol or map at _ip; 0 until verifyKey
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
-  unsigned int _cpu = 0;
-  unsigned int _depth = 0;   ///< how many entries of _trace are written
-  unsigned int _mapKey = 0;  ///< of the symbol or map at _ip; 0 until verifyKey
-  unsigned int _pidKey = 0;  ///< 0 until verifyKey
-  PerfRecordComm* _processRecord = nullptr;
-  std::array<TraceEntry, 16> _trace;
+  PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never behind verifyKey
+  TraceEntry* _trace = nullptr;
 };

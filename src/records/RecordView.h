@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
+
+#include "records/PerfFactory.h"
 
 /// The bytes of a record in the shared record buffer, little-endian, and the one gate through which they come
 /// in. Offsets count from the start of the record and may come from the recording: what lies behind the
@@ -11,7 +14,7 @@
 class RecordView {
  public:
   /// A record as a creation function gets it: the start of PerfFactory's buffer.
-  explicit RecordView(const char* record);
+  explicit RecordView(const char* record) : _bytes(record, PerfFactory::tmpLength()) {}
 
   std::uint16_t u16(std::size_t offset) const { return load<std::uint16_t>(offset); }
   std::uint32_t u32(std::size_t offset) const { return load<std::uint32_t>(offset); }
@@ -23,7 +26,12 @@ class RecordView {
 
  private:
   template <typename Number>
-  Number load(std::size_t offset) const;
+  Number load(std::size_t offset) const {
+    Number value = 0;
+    if (offset <= _bytes.size() && sizeof value <= _bytes.size() - offset)
+      std::memcpy(&value, _bytes.data() + offset, sizeof value);
+    return value;
+  }
 
   std::string_view _bytes;
 };

@@ -10,7 +10,6 @@ struct MachineFiles {
   std::string softInterrupts = "/proc/softirqs";
   std::string traceText = "/sys/kernel/debug/tracing/trace";
   std::string kernelLog = "/dev/kmsg";
-  std::string symbolList = "/tmp/_nmtmp";  ///< nm's output goes to a fresh file beside it, see SymbolTable
 };
 
 extern MachineFiles gMachineFiles;

@@ -6,8 +6,8 @@
 
 #include "events/PerfRecordSampleEvent.h"
 #include "json/PerfJSONWriter.h"
+#include "records/PerfBlockReader.h"
 #include "records/PerfFactory.h"
-#include "records/PerfReader.h"
 #include "records/PerfRecordComm.h"
 #include "records/PerfRecordHeader.h"
 #include "records/PerfRecordMMap.h"
@@ -61,7 +61,9 @@ PerfRecordHeaderS readHeader(PerfReader& reader) {
 void walkRecords(PerfReader& reader, const PerfRecordHeaderS& header) {
   reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
   // The size of the data section plays no part: the walk goes on to the end of the file.
-  while (reader.status() && !gDoneProcessing) PerfFactory::readNext(reader);
+  while (reader.status() && !gDoneProcessing)
+    if (PerfRecord* record = PerfFactory::readNext(reader); record != nullptr && !record->isKept())
+      delete record;
 }
 
 void writeDescription(PerfJSONWriter& writer, const char* chip) {
@@ -98,7 +100,7 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
 }  // namespace
 
 int profile(int argc, char** argv) {
-  PerfReader reader;
+  PerfBlockReader reader;
   const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start behind it
   const SymbolTable defaultTable;
   FileNames::createEmptyRef();
@@ -108,6 +110,7 @@ int profile(int argc, char** argv) {
   auto* writer = new PerfJSONWriter(addJSONWhiteSpace, addJSONLabels);
   calcTimeConversion();
   readEnvironment();
+  PerfRecordSample::_keepsSamples = !gTimechartMode;
   if (!gTimechartMode) loadKernelSymbols();
   SymbolTable::createSyntheticTable();
 

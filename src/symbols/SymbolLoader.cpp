@@ -3,13 +3,13 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "run/MachineFiles.h"
@@ -24,65 +24,53 @@ namespace {
 constexpr const char* kNoDirectory = " ";
 
 constexpr std::size_t kFewestUsefulSymbols = 2;
+constexpr std::size_t kReadAhead = 64 * 1024;
 
-/// A path as one word of the shell. A file name in a recording must never run a command.
-std::string shellWord(const std::string& path) {
-  constexpr const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%=";
-  if (path.find_first_not_of(plain) == std::string::npos) return path;
-  std::string word = "'";
-  for (const char c : path) {
-    if (c == '\'') {
-      word += "'\\''";
-    } else {
-      word += c;
-    }
-  }
-  return word + "'";
-}
-
-/// A fresh file of this run's own, so that two runs at once do not disturb each other and nobody can plant a
-/// link at a name known beforehand. The name is empty if the file cannot be made.
-class PrivateFile {
+/// One run of nm over a file, and what it prints. Mangled names are demangled, only external symbols are
+/// listed, and they come in numeric order. No shell sees the file's name, and the list passes through a pipe:
+/// nobody can read a command into the one or put a file of his own in the place of the other.
+class NmRun {
  public:
-  explicit PrivateFile(const std::string& nameBeside) : _name(nameBeside + ".XXXXXX") {
-    const int fd = mkstemp(_name.data());
-    if (fd < 0) {
-      _name.clear();
-    } else {
-      ::close(fd);
-    }
+  explicit NmRun(const char* path) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return;
+    const char* const argv[] = {"nm", "-nCg", path, nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    const int error =
+        posix_spawnp(&_process, "nm", &actions, nullptr, const_cast<char* const*>(argv), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    _list = fdopen(ends[0], "r");
+    if (error == 0) return;
+    _process = 0;
+    if (gVerbosity > 0) std::fprintf(stderr, "nm: %s\n", std::strerror(error));
   }
-  ~PrivateFile() {
-    if (!_name.empty()) unlink(_name.c_str());
+  ~NmRun() {
+    if (_list != nullptr) std::fclose(_list);
+    if (_process > 0) waitpid(_process, nullptr, 0);
   }
-  PrivateFile(const PrivateFile&) = delete;
-  PrivateFile& operator=(const PrivateFile&) = delete;
+  NmRun(const NmRun&) = delete;
+  NmRun& operator=(const NmRun&) = delete;
 
-  const std::string& name() const { return _name; }
+  /// Null if there is none. A failure of nm leaves the list empty, and the search goes on elsewhere.
+  std::FILE* list() const { return _list; }
 
  private:
-  std::string _name;
+  pid_t _process = 0;
+  std::FILE* _list = nullptr;
 };
 
-/// Runs the command as system does. A device without /bin/sh has its shell where Android keeps it. What comes
-/// of the command is not looked at.
-void runCommand(const std::string& command) {
-  constexpr const char* androidShell = "/system/bin/sh";
-  if (access("/bin/sh", X_OK) == 0 || access(androidShell, X_OK) != 0) {
-    [[maybe_unused]] const int status = std::system(command.c_str());
-    return;
-  }
-  const char* const argv[] = {"sh", "-c", command.c_str(), nullptr};
-  pid_t child = 0;
-  if (posix_spawn(&child, androidShell, nullptr, nullptr, const_cast<char* const*>(argv), environ) == 0)
-    waitpid(child, nullptr, 0);
+bool isRegular(const char* path) {
+  struct stat status {};
+  return stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Mangled names are demangled, only external symbols are listed, and they come in numeric order.
-void runNm(const char* path, const std::string& output) {
-  if (output.empty()) return;
-  // A failure leaves the list empty, and the search goes on elsewhere.
-  runCommand("nm -nCg " + shellWord(path) + " > " + shellWord(output));
+/// Whether opening the file could do more than open it.
+bool isSpecial(const char* path) {
+  struct stat status {};
+  return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 }  // namespace
@@ -113,8 +101,8 @@ int SymbolTable::checkFile(const std::string& directory, const std::string& file
   if (file.empty() || file.front() != '/') result += '/';
   result += file;
   result.erase(0, result.find_first_not_of(' '));
-  // Without waiting: a recording may name a pipe that nobody writes to.
-  const int fd = ::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (isSpecial(result.c_str())) return access(result.c_str(), R_OK) == 0 ? 1 : 0;
+  const int fd = ::open(result.c_str(), O_RDONLY | O_CLOEXEC);
   if (gVerbosity > 0) std::printf("checkFile %s=%d:%d\n", result.c_str(), fd, errno);
   if (fd < 0) return 0;
   ::close(fd);
@@ -136,10 +124,9 @@ std::string SymbolTable::findPathForFile(const std::string& name, int& index) {
 SymbolTable* SymbolTable::generateAndRead(const char* path) {
   if (gVerbosity > 0) std::printf("SymbolTable:generateAndRead %s\n", path);
   writeMarker(path);
-  const PrivateFile list(gMachineFiles.symbolList);
-  runNm(path, list.name());
   auto* table = new SymbolTable(path, 0, 0);
-  table->readFromFile(list.name().c_str());
+  if (isRegular(path))
+    if (const NmRun nm(path); nm.list() != nullptr) table->read(nm.list(), false);
   return table->_elements.size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
@@ -173,7 +160,12 @@ SymbolTable* SymbolTable::findAndRead(const char* name) {
 int SymbolTable::readFromFile(const char* path) {
   std::FILE* file = std::fopen(path, "r");
   if (file == nullptr) return -1;
-  SymbolListReader(*this, file, gMachineFiles.kernelSymbols == path).read();
+  std::setvbuf(file, nullptr, _IOFBF, kReadAhead);
+  read(file, gMachineFiles.kernelSymbols == path);
   std::fclose(file);
   return 0;
+}
+
+void SymbolTable::read(std::FILE* list, bool kernel) {
+  SymbolListReader(*this, list, kernel).read();
 }

@@ -1,6 +1,7 @@
 #include "symbols/SymbolTable.h"
 
 #include <cstdio>
+#include <unordered_map>
 
 #include "json/DocumentSection.h"
 #include "json/PerfJSONWriter.h"
@@ -14,8 +15,8 @@ SymbolTable* SymbolTable::_syntheticSymTable = nullptr;
 
 namespace {
 
-std::map<std::string, SymbolTable*> _symbolTables;
-std::map<unsigned long long, SymbolTableElement*> _synthetics;
+std::unordered_map<std::string, SymbolTable*> _symbolTables;
+std::unordered_map<unsigned long long, SymbolTableElement*> _synthetics;
 
 constexpr unsigned long long kSyntheticUnit = 0xFFFF;
 
@@ -29,13 +30,13 @@ constexpr SectionColumn kColumns[] = {
 
 }  // namespace
 
-SymbolTable::SymbolTable() : _tableElement("default", 0, 0, nullptr, 0), _fileName("default") {
+SymbolTable::SymbolTable() : _fileName("default"), _tableElement(_fileName, 0, 0, nullptr, 0) {
   _allSymbolTables.push_back(this);
   enter(_fileName);
 }
 
 SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned long long size)
-    : _tableElement(name, address, size, nullptr, 0), _fileName(name) {
+    : _fileName(name), _tableElement(_fileName, address, size, nullptr, 0) {
   _allSymbolTables.push_back(this);
   enter(_fileName);
   if (gVerbosity > 0) std::printf("Symtab adding %s\n", name);
@@ -46,8 +47,8 @@ SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned 
 }
 
 SymbolTable::~SymbolTable() {
-  if (_bypassDestructor) return;
-  for (const SymbolTableElement* element : _elements) delete element;
+  if (_bypassDestructor) [[maybe_unused]]
+    Storage* leftToTheProcess = _storage.release();
 }
 
 void SymbolTable::enter(const std::string& name) {
@@ -58,7 +59,8 @@ SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned l
                                             std::string_view name, FileNames* file, unsigned int line) {
   if (start > _highAddress) _highAddress = start;
   if (start < _lowAddress) _lowAddress = start;
-  _elements.push_back(new SymbolTableElement(name, start, size, file, line));
+  if (!_storage) _storage = std::make_unique<Storage>();
+  _elements.push_back(&_storage->symbols.emplace_back(_storage->names.keep(name), start, size, file, line));
   return _elements.back();
 }
 
@@ -94,12 +96,16 @@ void SymbolTable::createSyntheticTable() {
 }
 
 SymbolTableElement* SymbolTable::addSyntheticEntry(unsigned long long address, unsigned long long size,
-                                                   const char* name) {
-  const auto found = _synthetics.find(address & ~kSyntheticUnit);
-  if (found != _synthetics.end()) return found->second;
+                                                   std::string_view name) {
+  if (SymbolTableElement* known = findSyntheticEntry(address); known != nullptr) return known;
   SymbolTableElement* element = _syntheticSymTable->addElement(address, size, name, nullptr, 0);
   _synthetics.emplace(address, element);
   return element;
+}
+
+SymbolTableElement* SymbolTable::findSyntheticEntry(unsigned long long address) {
+  const auto found = _synthetics.find(address & ~kSyntheticUnit);
+  return found != _synthetics.end() ? found->second : nullptr;
 }
 
 SymbolTable* SymbolTable::findExistingSymbolTable(const std::string& name) {

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <map>
+#include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "records/PerfFoundation.h"
+#include "symbols/NameStore.h"
 #include "symbols/SymbolTableElement.h"
 
 class FileNames;
@@ -41,7 +43,9 @@ class SymbolTable : public PerfFoundation {
   /// The symbol made up for the 64 KiB unit at the address, made on first mention; later sizes and names are
   /// dropped.
   static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size,
-                                               const char* name);
+                                               std::string_view name);
+  /// The symbol made up for the unit, or null.
+  static SymbolTableElement* findSyntheticEntry(unsigned long long address);
 
   static SymbolTable* findExistingSymbolTable(const std::string& name);
 
@@ -68,7 +72,7 @@ class SymbolTable : public PerfFoundation {
   /// nothing is searched twice.
   static SymbolTable* findAndRead(const char* name);
 
-  /// Runs nm over an existing file. Null if that gives fewer than two symbols.
+  /// Runs nm over an existing file, if that is a regular one. Null if that gives fewer than two symbols.
   static SymbolTable* generateAndRead(const char* path);
 
   /// Adds the symbols of a list as nm prints it, or of the kernel's table. Answers 0, or -1 if it cannot be
@@ -79,7 +83,8 @@ class SymbolTable : public PerfFoundation {
   /// path, and empty if there is none. `index` becomes the place.
   static std::string findPathForFile(const std::string& name, int& index);
 
-  /// Joins the two and answers 1 if the result can be opened, else 0.
+  /// Joins the two and answers 1 if the result can be opened, else 0. Devices, pipes and sockets are not
+  /// opened to find out, as that may have effects of its own.
   static int checkFile(const std::string& directory, const std::string& file, std::string& result);
 
   /// Sets baseName to what follows the last "/" and answers 1; without a "/" answers 0 and leaves it alone.
@@ -95,13 +100,21 @@ class SymbolTable : public PerfFoundation {
   static SymbolTable* _syntheticSymTable;
 
  private:
+  /// What holds the symbols and their names.
+  struct Storage {
+    std::deque<SymbolTableElement> symbols;
+    NameStore names;
+  };
+
   void enter(const std::string& name);
+  void read(std::FILE* list, bool kernel);
 
   unsigned long long _lowAddress = ~0ULL;  ///< lowest start so far
   unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end
-  SymbolTableElement _tableElement;        ///< stands for the table itself
-  std::vector<SymbolTableElement*> _elements;
   std::string _fileName;
+  SymbolTableElement _tableElement;   ///< stands for the table itself
+  std::unique_ptr<Storage> _storage;  ///< null until there is a symbol
+  std::vector<SymbolTableElement*> _elements;
 };
 
 /// Sets baseName to what follows the last "/" of path, or to the whole of it.

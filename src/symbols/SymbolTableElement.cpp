@@ -1,7 +1,7 @@
 #include "symbols/SymbolTableElement.h"
 
-#include <algorithm>
 #include <cstdio>
+#include <string>
 
 #include "json/PerfJSONWriter.h"
 #include "run/Settings.h"
@@ -36,22 +36,23 @@ unsigned int SymbolTableElement::markUsed(unsigned long long /*address*/) {
 }
 
 void SymbolTableElement::setMapKey(unsigned int key) {
-  if (std::find(_mapKeys.begin(), _mapKeys.end(), key) == _mapKeys.end()) _mapKeys.push_back(key);
+  if (!_mapKeys) _mapKeys = std::make_unique<KeyList>();
+  _mapKeys->add(key);
 }
 
 void SymbolTableElement::show() const {
   std::printf("SYMB k:%05d a:%08llx l:%05llx u%05d n:%s\n", static_cast<int>(_key), _address, _size,
-              static_cast<int>(_useCount), _name.c_str());
+              static_cast<int>(_useCount), std::string(_name).c_str());
 }
 
 void SymbolTableElement::out(PerfJSONWriter& writer, unsigned int) const {
   writer.writeArrayStart(nullptr);
   writer.writeNamed("key", _key);
-  writer.writeNamed("name", _name.size() < kShortestShownName ? "*BlankName*" : _name.c_str());
+  writer.writeNamed("name", _name.size() < kShortestShownName ? "*BlankName*" : std::string(_name).c_str());
   writer.writeNamed("startAddress", _address);
   writer.writeNamed("sectionSize", _size);
   writer.writeArrayStart("mapkeys");
-  for (const unsigned int key : _mapKeys) writer.writeNamed("mk", key);
+  for (const unsigned int key : mapKeys()) writer.writeNamed("mk", key);
   writer.writeArrayEnd();
   writer.writeArrayEnd();
 }

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <string>
+#include <memory>
 #include <string_view>
 #include <vector>
+
+#include "symbols/KeyList.h"
 
 class FileNames;
 class PerfJSONWriter;
@@ -12,13 +14,17 @@ class SymbolTableElement {
  public:
   SymbolTableElement();
 
-  /// A size above 1 MiB is stored as 0: sizes come from the distance to the next symbol, and a distance that
-  /// large is a gap and no function. A null file becomes the empty file.
+  /// The name stays the caller's and must outlive the symbol. A size above 1 MiB is stored as 0: sizes come
+  /// from the distance to the next symbol, and a distance that large is a gap and no function. A null file
+  /// becomes the empty file.
   SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
                      FileNames* file, unsigned int line);
 
   /// Counts one use; the first also tells the file. Answers the key.
   unsigned int markUsed(unsigned long long address);
+
+  /// Counts a further use of a symbol that is used already.
+  void countUse() { ++_useCount; }
 
   /// Notes the key of a map that used this symbol, each once, in order of first use.
   void setMapKey(unsigned int key);
@@ -28,7 +34,7 @@ class SymbolTableElement {
   /// One row of the section "functions". The number is not read.
   void out(PerfJSONWriter& writer, unsigned int) const;
 
-  const std::string& name() const { return _name; }
+  std::string_view name() const { return _name; }
   unsigned long long address() const { return _address; }
   unsigned long long size() const { return _size; }
   bool used() const { return _used; }
@@ -37,19 +43,22 @@ class SymbolTableElement {
   void setKey(unsigned int key) { _key = key; }
   const FileNames* file() const { return _file; }
   unsigned int lineNumber() const { return _lineNumber; }
-  const std::vector<unsigned int>& mapKeys() const { return _mapKeys; }
+  /// In order of first use.
+  std::vector<unsigned int> mapKeys() const {
+    return _mapKeys ? _mapKeys->keys() : std::vector<unsigned int>();
+  }
 
   /// Whether the address lies in the range, its end included: the boundary belongs to both neighbours.
   bool reaches(unsigned long long address) const { return address <= _address + _size; }
 
  private:
-  std::string _name;
+  std::string_view _name;
   unsigned long long _address = 0;
   unsigned long long _size = 0;
-  bool _used = false;
-  unsigned int _useCount = 0;
-  unsigned int _key = 0;  ///< 0 until the first use, then from the counter that maps and symbols share
   FileNames* _file;
   unsigned int _lineNumber = 0;
-  std::vector<unsigned int> _mapKeys;
+  unsigned int _useCount = 0;
+  unsigned int _key = 0;  ///< 0 until the first use, then from the counter that maps and symbols share
+  bool _used = false;
+  std::unique_ptr<KeyList> _mapKeys;  ///< null until there is one
 };

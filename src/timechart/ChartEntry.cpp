@@ -2,8 +2,18 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
+#include "json/FixedDecimals.h"
 #include "json/PerfJSONWriter.h"
+
+namespace {
+
+constexpr int kPointDecimals = 6;
+/// Points have always been cut at this length.
+constexpr std::size_t kLongestPoint = 31;
+
+}  // namespace
 
 ChartColours cpuColours(int cpu) {
   static constexpr std::array<ChartColours, 4> colours = {{
@@ -48,11 +58,13 @@ void ChartEntry::openData() {
   _writer.writeArrayStart("data");
 }
 
-void ChartEntry::point(const char* format, double time, unsigned int value) {
-  // Points have always been cut at this length.
-  char text[32];
-  std::snprintf(text, sizeof text, format, time, value);
-  _writer.writeJson(text);
+void ChartEntry::point(std::string_view separator, double time, unsigned int value) {
+  char text[kFixedRoom + 32] = "[";
+  char* end = writeFixed(text + 1, time, kPointDecimals);
+  end = std::copy(separator.begin(), separator.end(), end);
+  end = std::to_chars(end, end + 16, value).ptr;
+  *end++ = ']';
+  _writer.writeJson(std::string_view(text, end).substr(0, kLongestPoint));
 }
 
 void ChartEntry::closeData() {
@@ -62,17 +74,17 @@ void ChartEntry::closeData() {
 
 void ChartEntry::writeAll(const ChartSeries& series) {
   openData();
-  for (const ChartEntryS& sample : series.samples()) point(kPointFormat, sample.time, sample.value);
+  for (const ChartEntryS& sample : series.samples()) point(kPointSeparator, sample.time, sample.value);
   closeData();
 }
 
-void ChartEntry::writeChanges(const ChartSeries& series, const char* format) {
+void ChartEntry::writeChanges(const ChartSeries& series, std::string_view separator) {
   openData();
   unsigned int last = 0;
   for (const ChartEntryS& sample : series.samples()) {
     if (sample.value == last) continue;
     last = sample.value;
-    point(format, sample.time, sample.value);
+    point(separator, sample.time, sample.value);
   }
   closeData();
 }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "timechart/ChartSeries.h"
 
@@ -16,9 +17,10 @@ struct ChartColours {
 /// The colours of what runs on a CPU. CPUs from 4 up have none.
 ChartColours cpuColours(int cpu);
 
-/// How a point is printed; the viewer's parser is used to the blank in the one and not in the other.
-inline constexpr const char* kPointFormat = "[%f,%u]";
-inline constexpr const char* kRunningPointFormat = "[%f, %u]";
+/// What stands between a point's time and value; the viewer's parser is used to the blank in the one and not
+/// in the other.
+inline constexpr std::string_view kPointSeparator = ",";
+inline constexpr std::string_view kRunningPointSeparator = ", ";
 
 /// A short text with numbers in it, as printf makes it.
 template <typename... Numbers>
@@ -39,14 +41,14 @@ class ChartEntry {
   ChartEntry& hints(ChartColours colours);
 
   void openData();
-  void point(const char* format, double time, unsigned int value);
+  void point(std::string_view separator, double time, unsigned int value);
   void closeData();
 
   /// Opens the data, writes every sample and closes the entry.
   void writeAll(const ChartSeries& series);
 
   /// The same with only the samples that differ from the one written before, from 0 on.
-  void writeChanges(const ChartSeries& series, const char* format = kPointFormat);
+  void writeChanges(const ChartSeries& series, std::string_view separator = kPointSeparator);
 
  private:
   PerfJSONWriter& _writer;

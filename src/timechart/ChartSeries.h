@@ -8,9 +8,6 @@ struct ChartEntryS {
   unsigned int value;  ///< the series' value from this time on
 };
 
-/// True when the first time is below the second.
-bool compareChartEntries(ChartEntryS a, ChartEntryS b);
-
 /// A series of samples in order of arrival, until it is sorted for output.
 class ChartSeries {
  public:

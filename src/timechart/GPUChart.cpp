@@ -72,35 +72,36 @@ void GPUChart::addStatus(unsigned long long time, int status, unsigned int sub) 
     issue->add(*x, issueValue(sub));
   } else if (ChartSeries* irq = seriesOf(_irqs, status, kInterrupt); irq != nullptr) {
     irq->add(*x, 1);
-  } else if (seriesOf(_power, status, kPower) != nullptr) {
-    enterPowerState(*x, static_cast<std::size_t>(status - kPower));
+  } else if (status >= kPower && status < kPower + static_cast<int>(kPowerLooks.size())) {
+    _powerState.add(*x, static_cast<unsigned int>(status - kPower));
   } else if (status == kFrequency) {
     _frequency.add(*x, sub);
   }
 }
 
-void GPUChart::enterPowerState(double time, std::size_t state) {
-  _power[state].add(time, 1);
-  for (std::size_t other = 0; other < _power.size(); ++other)
-    if (other != state) _power[other].add(time, 0);
-}
-
-void GPUChart::sort() {
-  for (ChartSeries& series : _power) series.sort();
-  for (ChartSeries& series : _issue) series.sort();
-  for (ChartSeries& series : _irqs) series.sort();
-  _frequency.sort();
-}
-
 void GPUChart::outGPUChart(PerfJSONWriter& writer) {
   sort();
-  for (std::size_t state = 0; state < _power.size(); ++state)
-    outSteps(writer, kPowerEntry, state, kPowerLooks[state], _power[state]);
+  for (std::size_t state = 0; state < kPowerLooks.size(); ++state) outPowerState(writer, state);
   outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency);
   for (std::size_t kind = 0; kind < _irqs.size(); ++kind)
     outMarkers(writer, kInterruptEntry, kind, kInterruptLooks[kind], _irqs[kind]);
   for (std::size_t kind = 0; kind < _issue.size(); ++kind)
     outMarkers(writer, kIssueEntry, kind, kIssueLooks[kind], _issue[kind]);
+}
+
+void GPUChart::sort() {
+  for (ChartSeries& series : _issue) series.sort();
+  for (ChartSeries& series : _irqs) series.sort();
+  _powerState.sort();
+  _frequency.sort();
+}
+
+/// A core is in one power state at a time, so entering one leaves the others.
+void GPUChart::outPowerState(PerfJSONWriter& writer, std::size_t state) const {
+  ChartSeries series;
+  for (const ChartEntryS& sample : _powerState.samples())
+    series.add(sample.time, sample.value == state ? 1 : 0);
+  outSteps(writer, kPowerEntry, state, kPowerLooks[state], series);
 }
 
 void GPUChart::outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,

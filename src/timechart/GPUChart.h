@@ -25,8 +25,8 @@ class GPUChart {
   void outGPUChart(PerfJSONWriter& writer);
 
  private:
-  void enterPowerState(double time, std::size_t state);
   void sort();
+  void outPowerState(PerfJSONWriter& writer, std::size_t state) const;
   /// A change-only series, unless it never leaves 0.
   void outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                 const GpuSeriesLook& look, const ChartSeries& series) const;
@@ -38,7 +38,7 @@ class GPUChart {
 
   int _dimension;
   int _device;
-  std::array<ChartSeries, 5> _power;
+  ChartSeries _powerState;  ///< the states entered, by number
   std::array<ChartSeries, 4> _issue;
   std::array<ChartSeries, 3> _irqs;
   ChartSeries _frequency;

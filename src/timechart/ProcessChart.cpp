@@ -7,6 +7,7 @@
 #include "run/TimeBase.h"
 #include "timechart/ChartEntry.h"
 #include "timechart/IssueValue.h"
+#include "timechart/TimeOrder.h"
 #include "timechart/TimechartManager.h"
 
 namespace {
@@ -16,7 +17,9 @@ struct IssueLook {
   ChartColours colours;
 };
 
-constexpr std::array<IssueLook, 4> kIssueLooks = {{
+constexpr std::size_t kIssueKinds = 4;
+
+constexpr std::array<IssueLook, kIssueKinds> kIssueLooks = {{
     {"Issue", {"#66ccff", "#66ccff"}},
     {"GL Issue", {"#00ff00", "#00ff00"}},
     {"CL Issue", {"#993CF3", "#993CF3"}},
@@ -37,6 +40,40 @@ struct ProcessChart::Head {
   }
 };
 
+/// What the facts about a task, taken in the order of their times, make of its series.
+struct ProcessChart::Series {
+  explicit Series(const std::vector<Fact>& facts) {
+    for (const Fact& fact : facts) take(fact);
+  }
+
+  void take(const Fact& fact) {
+    if (fact.status >= kIssue) {
+      issue[fact.status - kIssue].add(fact.time, fact.value);
+    } else if (fact.status == kWaitsForGpu || fact.status == kGpuAnswered) {
+      waitGpu.add(fact.time, fact.status == kWaitsForGpu ? 1 : 0);
+    } else {
+      setRunning(fact.cpu, fact.time, fact.status == kRunning ? 1 : 0);
+      setRunning(fact.left, fact.time, 0);
+      waitCpu.add(fact.time, fact.status == kWoken ? 1 : 0);
+      waitIo.add(fact.time, fact.status == kBlocked ? 1 : 0);
+    }
+  }
+
+  void setRunning(int cpu, double time, unsigned int value) {
+    if (ChartSeries* series = running.find(cpu); series != nullptr) series->add(time, value);
+  }
+
+  bool hasIssues() const {
+    return std::any_of(issue.begin(), issue.end(), [](const ChartSeries& series) { return !series.empty(); });
+  }
+
+  PerCpu<ChartSeries> running;
+  ChartSeries waitCpu;
+  ChartSeries waitGpu;
+  ChartSeries waitIo;
+  std::array<ChartSeries, kIssueKinds> issue;
+};
+
 ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
   const PerfRecordComm* process = PerfRecordComm::findProcessRecord(0, static_cast<unsigned int>(pid));
   if (process == nullptr) return;
@@ -44,52 +81,24 @@ ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
   _name = process->getName();
 }
 
-void ProcessChart::addRunning(double time, int cpu, unsigned int value) {
-  if (ChartSeries* series = _running.find(cpu); series != nullptr) series->add(time, value);
-}
-
-/// Puts the task onto the CPU, and off the one where it was last seen: it never shows as running on two at
-/// once.
-void ProcessChart::run(double time, int cpu) {
-  addRunning(time, cpu, 1);
-  addRunning(time, TimechartManager::Instance()->pidMigratedFrom(_pid, cpu), 0);
-  _waitCpu.add(time, 0);
-  _waitIo.add(time, 0);
-}
-
 void ProcessChart::addStatus(unsigned long long time, unsigned int status, unsigned int cpuNumber,
                              unsigned int sub) {
   const auto x = selectedTime(doTimeConversion(time));
-  if (!x) return;
+  if (!x || (status > kGpuAnswered && status < kIssue) || status >= kIssue + kIssueKinds) return;
   const int cpu = static_cast<int>(cpuNumber);
-  switch (status) {
-    case kRunning:
-      run(*x, cpu);
-      break;
-    case kBlocked:
-    case kWoken:
-    case kStopped:
-      _waitIo.add(*x, status == kBlocked ? 1 : 0);
-      _waitCpu.add(*x, status == kWoken ? 1 : 0);
-      addRunning(*x, cpu, 0);
-      break;
-    case kWaitsForGpu:
-    case kGpuAnswered:
-      _waitGpu.add(*x, status == kWaitsForGpu ? 1 : 0);
-      break;
-    default:
-      if (status >= kIssue && status < kIssue + _issue.size())
-        _issue[status - kIssue].add(*x, issueValue(sub));
-  }
+  // Onto one CPU is off the one where the task was last seen: it never shows as running on two at once.
+  const int left = status == kRunning ? TimechartManager::Instance()->pidMigratedFrom(_pid, cpu) : -1;
+  _facts.push_back({*x, static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(issueValue(sub)),
+                    PerCpu<ChartSeries>::placeOf(cpu), PerCpu<ChartSeries>::placeOf(left)});
 }
 
 void ProcessChart::addCounters(unsigned long long time, unsigned int cycles, const unsigned int* l1,
                                const unsigned int* l2) {
   const auto x = selectedTime(doTimeConversion(time));
   if (!x) return;
-  _cycleCounter.add(*x, cycles);
-  for (std::size_t i = 0; i < kL1Counters; ++i) _l1Counters[i].add(*x, l1[i]);
-  for (std::size_t i = 0; i < kL2Counters; ++i) _l2Counters[i].add(*x, l2[i]);
+  Counters counters = {*x, {cycles}};
+  std::copy_n(l2, kL2Counters, std::copy_n(l1, kL1Counters, counters.values.begin() + 1));
+  _counters.push_back(counters);
 }
 
 void ProcessChart::addEvent(double time, unsigned int code, const std::string& name,
@@ -97,74 +106,68 @@ void ProcessChart::addEvent(double time, unsigned int code, const std::string& n
   _events.add(time, code, name, args);
 }
 
-void ProcessChart::sort() {
-  for (int cpu = 0; cpu < _running.kPlaces; ++cpu) _running.find(cpu)->sort();
-  for (ChartSeries& series : _issue) series.sort();
-  for (ChartSeries* series : {&_waitIo, &_waitCpu, &_waitGpu, &_cycleCounter}) series->sort();
-  for (ChartSeries& series : _l1Counters) series.sort();
-  for (ChartSeries& series : _l2Counters) series.sort();
-}
-
-ProcessChart::Head ProcessChart::head() const {
-  const bool hasIssues =
-      std::any_of(_issue.begin(), _issue.end(), [](const ChartSeries& series) { return !series.empty(); });
+ProcessChart::Head ProcessChart::head(const Series& series) const {
   return {chartText("%d - ", _pid) + _name,
           _ppid == _pid ? chartText("%d_proc_root", _ppid) : chartText("%d_%d_proc_root", _pid, _ppid),
-          hasIssues || !_events.empty() ? 1U : 0U};
+          series.hasIssues() || !_events.empty() ? 1U : 0U};
 }
 
 void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
-  sort();
-  const Head shared = head();
-  for (int cpu = 0; cpu < _running.kPlaces; ++cpu) outRunning(writer, shared, cpu);
-  outWaitIo(writer, shared);
-  outWaitCpu(writer, shared);
-  outWaitGpu(writer, shared);
-  for (std::size_t kind = 0; kind < _issue.size(); ++kind) outIssue(writer, shared, kind);
+  sortByTime(_facts.begin(), _facts.end());
+  sortByTime(_counters.begin(), _counters.end());
+  Series series(_facts);
+  const Head shared = head(series);
+  for (int cpu = 0; cpu < series.running.kPlaces; ++cpu)
+    outRunning(writer, shared, cpu, *series.running.find(cpu));
+  outWaitIo(writer, shared, series.waitIo);
+  outWaitCpu(writer, shared, series.waitCpu);
+  outWaitGpu(writer, shared, series.waitGpu);
+  for (std::size_t kind = 0; kind < kIssueKinds; ++kind) outIssue(writer, shared, kind, series.issue[kind]);
   outEvents(writer, shared);
   outCounters(writer, shared);
 }
 
-void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu) {
-  const ChartSeries& series = *_running.find(cpu);
+void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
+                              const ChartSeries& series) const {
   if (!hasChanges(series)) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-r%d", _pid, cpu), "binary");
   entry.text("class", "proc:running").show(head.show).text("tip", chartText("Running on CPU %d", cpu));
-  entry.hints(cpuColours(cpu)).writeChanges(series, kRunningPointFormat);
+  entry.hints(cpuColours(cpu)).writeChanges(series, kRunningPointSeparator);
 }
 
-void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head) const {
-  if (!hasChanges(_waitIo)) return;
+void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+  if (!hasChanges(series)) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-d", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for I/O").show(head.show);
-  entry.hints({"#b0e0e6", "#b0e0e6"}).writeChanges(_waitIo);
+  entry.hints({"#b0e0e6", "#b0e0e6"}).writeChanges(series);
 }
 
-void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head) const {
-  if (!hasChanges(_waitCpu)) return;
+void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+  if (!hasChanges(series)) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-w", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for CPU").show(head.show);
-  entry.hints({"#f0c44c", "#f0e68c"}).writeChanges(_waitCpu);
+  entry.hints({"#f0c44c", "#f0e68c"}).writeChanges(series);
 }
 
 /// Unlike the other two, this one shows even if it never left 0.
-void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head) const {
-  if (_waitGpu.empty()) return;
+void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-g", _pid), "binary");
   entry.text("tip", "Waiting for GPU").text("class", "proc:wait").show(head.show);
-  entry.hints({"#db7093", "#db7093"}).writeChanges(_waitGpu);
+  entry.hints({"#db7093", "#db7093"}).writeChanges(series);
 }
 
-void ProcessChart::outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind) const {
-  if (_issue[kind].empty()) return;
+void ProcessChart::outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind,
+                            const ChartSeries& series) const {
+  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-i%d", _pid, static_cast<int>(kind)), "marker");
   entry.text("class", "proc:issue").show(head.show).text("tip", kIssueLooks[kind].tip);
-  entry.hints(kIssueLooks[kind].colours).writeAll(_issue[kind]);
+  entry.hints(kIssueLooks[kind].colours).writeAll(series);
 }
 
 void ProcessChart::outEvents(PerfJSONWriter& writer, const Head& head) const {
@@ -180,20 +183,20 @@ void ProcessChart::outEvents(PerfJSONWriter& writer, const Head& head) const {
 }
 
 void ProcessChart::outCounters(PerfJSONWriter& writer, const Head& head) const {
-  if (_cycleCounter.empty()) return;
+  if (_counters.empty()) return;
   const TimechartManager& manager = *TimechartManager::Instance();
-  int index = 0;
-  outCounter(writer, head, index++, _cycleCounter, manager.getCounterName(0, 0));
+  std::size_t index = 0;
+  outCounter(writer, head, index++, manager.getCounterName(0, 0));
   for (unsigned int i = 0; i < kL1Counters; ++i)
-    outCounter(writer, head, index++, _l1Counters[i], manager.getCounterName(1, i));
+    outCounter(writer, head, index++, manager.getCounterName(1, i));
   for (unsigned int i = 0; i < kL2Counters; ++i)
-    outCounter(writer, head, index++, _l2Counters[i], manager.getCounterName(2, i));
+    outCounter(writer, head, index++, manager.getCounterName(2, i));
 }
 
 /// Each point pairs the time of the sample before it with a value, so that a delta reported when the task is
 /// switched out becomes a bar that begins where it was switched in. Of equal values the first two are
 /// written, and a closing point ends the last bar.
-void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, int index, const ChartSeries& series,
+void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, std::size_t index,
                               const std::string& counterName) const {
   if (counterName == TimechartManager::kUnusedCounter) return;
   ChartEntry entry(writer);
@@ -201,28 +204,30 @@ void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, int inde
   double lastTime = 0.0;
   unsigned int last = 0;
   unsigned int beforeLast = 0;
-  for (const ChartEntryS& sample : series.samples()) {
-    if (sample.value != last || beforeLast != last) {
+  for (const Counters& sample : _counters) {
+    const unsigned int value = sample.values[index];
+    if (value != last || beforeLast != last) {
       if (!started) {
-        entry.text("id", chartText("proc-%d-ctr%d", _pid, index))
+        entry.text("id", chartText("proc-%d-ctr%d", _pid, static_cast<int>(index)))
             .text("name", head.label)
             .text("tip", counterName);
         entry.text("treeId", counterTreeId(index)).text("type", "bar").text("class", "ctr:").show(head.show);
         entry.hints({"#232381", "#a3a3e6"}).openData();
         started = true;
       }
-      entry.point(kPointFormat, lastTime, sample.value);
+      entry.point(kPointSeparator, lastTime, value);
       beforeLast = last;
-      last = sample.value;
+      last = value;
     }
     lastTime = sample.time;
   }
   if (!started) return;
-  entry.point(kPointFormat, lastTime, 0);
+  entry.point(kPointSeparator, lastTime, 0);
   entry.closeData();
 }
 
-std::string ProcessChart::counterTreeId(int index) const {
-  return _ppid == _pid ? chartText("%d_%d_proc_root", index, _ppid)
-                       : chartText("%d_%d_%d_proc_root", index, _pid, _ppid);
+std::string ProcessChart::counterTreeId(std::size_t index) const {
+  const int number = static_cast<int>(index);
+  return _ppid == _pid ? chartText("%d_%d_proc_root", number, _ppid)
+                       : chartText("%d_%d_%d_proc_root", number, _pid, _ppid);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "timechart/ChartEvents.h"
 #include "timechart/ChartSeries.h"
@@ -48,30 +50,37 @@ class ProcessChart {
 
  private:
   struct Head;
+  struct Series;
 
-  void run(double time, int cpu);
-  void addRunning(double time, int cpu, unsigned int value);
-  void sort();
-  Head head() const;
-  void outRunning(PerfJSONWriter& writer, const Head& head, int cpu);
-  void outWaitIo(PerfJSONWriter& writer, const Head& head) const;
-  void outWaitCpu(PerfJSONWriter& writer, const Head& head) const;
-  void outWaitGpu(PerfJSONWriter& writer, const Head& head) const;
-  void outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind) const;
+  /// A fact about the task. What it means for each series is worked out when the document is written.
+  struct Fact {
+    double time;          ///< seconds relative to gtodAtStart
+    std::uint8_t status;  ///< see Status
+    std::uint8_t value;   ///< of an issue
+    std::int8_t cpu;      ///< -1 for one without a place
+    std::int8_t left;     ///< the CPU where the task was last seen and that it leaves, or -1
+  };
+
+  /// One sample of each counter series.
+  struct Counters {
+    double time;  ///< seconds relative to gtodAtStart
+    std::array<unsigned int, 1 + kL1Counters + kL2Counters> values;
+  };
+
+  Head head(const Series& series) const;
+  void outRunning(PerfJSONWriter& writer, const Head& head, int cpu, const ChartSeries& series) const;
+  void outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
+  void outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
+  void outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
+  void outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind, const ChartSeries& series) const;
   void outEvents(PerfJSONWriter& writer, const Head& head) const;
   void outCounters(PerfJSONWriter& writer, const Head& head) const;
-  void outCounter(PerfJSONWriter& writer, const Head& head, int index, const ChartSeries& series,
+  void outCounter(PerfJSONWriter& writer, const Head& head, std::size_t index,
                   const std::string& counterName) const;
-  std::string counterTreeId(int index) const;
+  std::string counterTreeId(std::size_t index) const;
 
   int _pid;
-  PerCpu<ChartSeries> _running;
-  ChartSeries _waitCpu;
-  ChartSeries _waitGpu;
-  ChartSeries _waitIo;
-  std::array<ChartSeries, 4> _issue;
+  std::vector<Fact> _facts;
+  std::vector<Counters> _counters;
   ChartEvents _events;
-  ChartSeries _cycleCounter;
-  std::array<ChartSeries, kL1Counters> _l1Counters;
-  std::array<ChartSeries, kL2Counters> _l2Counters;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <tuple>
 #include <vector>
 
 #include "json/PerfJSONWriter.h"
@@ -14,8 +15,8 @@ int gpuKey(int dimension, int device) {
   return static_cast<int>(static_cast<unsigned int>(dimension) * 10 + static_cast<unsigned int>(device));
 }
 
-template <typename Chart>
-Chart* find(const std::map<int, Chart*>& charts, int key) {
+template <typename Charts>
+typename Charts::mapped_type find(const Charts& charts, int key) {
   const auto found = charts.find(key);
   return found != charts.end() ? found->second : nullptr;
 }
@@ -142,7 +143,7 @@ void TimechartManager::setLastPidForCpu(int pid, int cpu) {
 
 int TimechartManager::pidMigratedFrom(int pid, int cpu) {
   for (int other = 0; other < _lastPid.kPlaces; ++other)
-    if (other != cpu && _lastPid.get(other) == pid) return other;
+    if (*_lastPid.find(other) == pid && other != cpu) return other;
   return -1;
 }
 
@@ -210,18 +211,20 @@ void TimechartManager::outIRQCharts(PerfJSONWriter& writer) {
   for (const auto& [irq, chart] : _irqCharts) chart->outIRQChart(writer);
 }
 
-// One sort on one number, not a walk of the process tree: nesting the rows is the viewer's business.
+// One sort on two numbers, not a walk of the process tree: nesting the rows is the viewer's business.
 void TimechartManager::outProcessCharts(PerfJSONWriter& writer) {
-  std::vector<ProcessChart*> charts;
-  for (const auto& [pid, chart] : _processCharts) charts.push_back(chart);
-  std::stable_sort(charts.begin(), charts.end(), comparePPids);
-  for (ProcessChart* chart : charts) chart->outProcessChart(writer);
+  struct Row {
+    int ppid;
+    int pid;
+    ProcessChart* chart;
+  };
+  std::vector<Row> rows;
+  for (const auto& [pid, chart] : _processCharts) rows.push_back({chart->_ppid, pid, chart});
+  std::sort(rows.begin(), rows.end(),
+            [](const Row& a, const Row& b) { return std::tie(a.ppid, a.pid) < std::tie(b.ppid, b.pid); });
+  for (const Row& row : rows) row.chart->outProcessChart(writer);
 }
 
 void TimechartManager::outEventChart(PerfJSONWriter& writer) const {
   _eventChart.outEventChart(writer);
-}
-
-bool comparePPids(const ProcessChart* a, const ProcessChart* b) {
-  return a->_ppid < b->_ppid;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 #include <string>
+#include <unordered_map>
 
 #include "timechart/CPUChart.h"
 #include "timechart/EventChart.h"
@@ -95,7 +96,7 @@ class TimechartManager {
   static TimechartManager* _instance;
 
   std::map<int, GPUChart*> _gpuCharts;  ///< by dimension * 10 + device
-  std::map<int, ProcessChart*> _processCharts;
+  std::unordered_map<int, ProcessChart*> _processCharts;
   std::map<int, CPUChart*> _cpuCharts;
   std::map<int, IRQChart*> _irqCharts;
   EventChart _eventChart;
@@ -108,6 +109,3 @@ class TimechartManager {
   std::array<std::string, ProcessChart::kL1Counters> _l1CounterNames;
   std::array<std::string, ProcessChart::kL2Counters> _l2CounterNames;
 };
-
-/// True when the parent of a is below that of b.
-bool comparePPids(const ProcessChart* a, const ProcessChart* b);

@@ -146,6 +146,32 @@ TEST(ProfileDocument, ResolvesAddressesOfEveryClass) {
             "8,\"main\\n\",65536,256,[5,]\n9,\"second\",512,256,[6,]\n");
 }
 
+// The map of such an address depends on more than the address, and on what came in between.
+TEST(ProfileDocument, LooksAnAddressWithoutAMapUpAnewWhereTheAnswerMayDiffer) {
+  Conversion conversion;
+  conversion.kernelSymbols(kKernelSymbols);
+  RecordingBuilder recording;
+  const std::vector<std::uint64_t> trace = {0x90000004, 0x90000004};
+  const auto sample = [&](std::uint64_t ip, unsigned int pid) {
+    recording.sample({.ip = ip, .pid = pid, .tid = pid, .time = 1500000000, .trace = trace});
+  };
+  recording.comm(7, 7, "tool").mmap(7, 7, 0x10000, 0x1000, "/app/tool");
+  for (const std::uint64_t ip : {0xC0008104U, 0x10004U, 0xC0008104U, 0xB0000004U}) sample(ip, 7);
+  sample(0x10004, 9);
+  recording.comm(9, 9, "late");
+  sample(0x10004, 9);
+  recording.mmap(7, 7, 0x90000000, 0x1000, "/app/new");
+  sample(0x10004, 7);
+  EXPECT_EQ(rows(conversion.run(recording, {"-b", "5"}), "samples"),
+            "1,3221258500,9,1.5,0,4,7,[[2415919108,3,],[2415919108,3,],]\n"
+            "2,65540,5,1.5,0,4,7,[[2415919108,5,],[2415919108,5,],]\n"
+            "3,3221258500,9,1.5,0,4,7,[[2415919108,3,],[2415919108,3,],]\n"
+            "4,2952790020,4,1.5,0,4,7,[[2415919108,4,],[2415919108,4,],]\n"
+            "5,65540,7,1.5,0,5,9,[[2415919108,2,],[2415919108,2,],]\n"
+            "6,65540,7,1.5,0,5,9,[[2415919108,7,],[2415919108,7,],]\n"
+            "7,65540,5,1.5,0,4,7,[[2415919108,8,],[2415919108,8,],]\n");
+}
+
 TEST(ProfileDocument, KeepsFifteenEntriesOfABackTrace) {
   Conversion conversion;
   RecordingBuilder recording;

@@ -9,9 +9,9 @@ namespace {
 using loomstat::JsomStringWriter;
 
 std::string number(double value, int precision) {
-  std::string out;
+  loomstat::TextBuffer out;
   JsomStringWriter(out).appendDouble(value, precision);
-  return out;
+  return std::string(out.text());
 }
 
 TEST(JsomStringWriter, PrintsDoublesWithoutTrailingZeros) {
@@ -35,18 +35,18 @@ TEST(JsomStringWriter, PrintsDoublesWithoutTrailingZeros) {
 }
 
 TEST(JsomStringWriter, EscapesSevenBytesAndNoOthers) {
-  std::string out;
+  loomstat::TextBuffer out;
   JsomStringWriter writer(out);
   writer.startArray();
   writer.appendString(std::string("\b\t\n\f\r\"\\/\x01\x80\0z", 12), false);
   writer.appendString("a\"b", 3, true);
   writer.appendString(nullptr, 0, false);
   writer.endArray();
-  EXPECT_EQ(out, std::string("[\"\\b\\t\\n\\f\\r\\\"\\\\/\x01\x80\0z\",\"a\"b\",null]", 34));
+  EXPECT_EQ(out.text(), std::string("[\"\\b\\t\\n\\f\\r\\\"\\\\/\x01\x80\0z\",\"a\"b\",null]", 34));
 }
 
 TEST(JsomStringWriter, RefusesCallsOutOfOrderAndGoesOn) {
-  std::string out;
+  loomstat::TextBuffer out;
   JsomStringWriter writer(out);
   testing::internal::CaptureStderr();
   writer.endArray();
@@ -69,21 +69,21 @@ TEST(JsomStringWriter, RefusesCallsOutOfOrderAndGoesOn) {
   writer.appendJsonValue("", 0);
   writer.end();
   writer.appendLong(-5);
-  EXPECT_EQ(out, "{\"a\":[true,]}-5");
+  EXPECT_EQ(out.text(), "{\"a\":[true,]}-5");
 }
 
 TEST(JsomStringWriter, GivesADanglingLabelNullAndWritesANulBelowTheDeepestIndent) {
-  std::string out;
+  loomstat::TextBuffer out;
   JsomStringWriter writer(out);
   writer._whiteSpace = true;
   for (int i = 0; i < 48; ++i) writer.startArray();
-  EXPECT_EQ(out.substr(out.size() - 49), "\n" + std::string(47, ' ') + "[");
+  EXPECT_EQ(out.text().substr(out.size() - 49), "\n" + std::string(47, ' ') + "[");
   writer.startObject();
-  EXPECT_EQ(out.substr(out.size() - 50), "\n" + std::string(47, ' ') + std::string(1, '\0') + "{");
+  EXPECT_EQ(out.text().substr(out.size() - 50), "\n" + std::string(47, ' ') + std::string(1, '\0') + "{");
   writer._whiteSpace = false;
   writer.appendLabel("a", true);
   writer.end();
-  EXPECT_EQ(out.substr(out.size() - 58), "{\"a\":null}" + std::string(48, ']'));
+  EXPECT_EQ(out.text().substr(out.size() - 58), "{\"a\":null}" + std::string(48, ']'));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace {
 
 std::string nameAt(const SymbolTable& table, unsigned long long address) {
   const SymbolTableElement* element = table.findElement(address);
-  return element != nullptr ? element->name() : "-";
+  return element != nullptr ? std::string(element->name()) : "-";
 }
 
 TEST(SymbolTable, FindsAnAddressUpToAndWithTheEndOfItsSymbol) {
@@ -54,7 +54,7 @@ std::string read(const std::string& list, bool kernel = false) {
   for (const SymbolTableElement* element : table.elements()) {
     char numbers[64];
     std::snprintf(numbers, sizeof numbers, "%llx+%llx ", element->address(), element->size());
-    result += numbers + element->name();
+    result += numbers + std::string(element->name());
     if (element->lineNumber() != 0)
       result += " @" + element->file()->name() + ":" + std::to_string(element->lineNumber());
     result += "|";

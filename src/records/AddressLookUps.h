@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+class PerfRecordMMap;
+class SymbolTableElement;
+
+/// What the 32-bit target uses an address for, see PerfRecordMMap.
+enum class AddressClass : unsigned char { kernel, stack, mapped };
+
+/// The latest answers to what stands for an address in a sample of a thread. Samples ask for the same few
+/// addresses again and again.
+class AddressLookUps {
+ public:
+  struct Answer {
+    unsigned long long address = 0;
+    unsigned int pid = 0;
+    unsigned int tid = 0;
+    std::size_t maps = 0;       ///< how many there were; the answer is good while there are no more
+    // For an answer with a page only, as that stands under a map that depends on both.
+    std::size_t processes = 0;                        ///< how many there were
+    AddressClass sampleClass = AddressClass::mapped;  ///< of the sample's own address
+    PerfRecordMMap* map = nullptr;
+    SymbolTableElement* symbol = nullptr;  ///< in the map, if it has one at the address
+    SymbolTableElement* page = nullptr;    ///< the synthetic symbol of an address that no map covers
+  };
+
+  /// The place where the answer stands, if it is known.
+  Answer& operator()(unsigned long long address, unsigned int pid, unsigned int tid) {
+    const std::uint64_t key = address ^ std::uint64_t{pid} << 32 ^ std::uint64_t{tid} << 40;
+    return _answers[static_cast<std::size_t>(key * 0x9E3779B97F4A7C15 >> (64 - kPlaceBits))];
+  }
+
+ private:
+  static constexpr unsigned int kPlaceBits = 14;
+
+  std::array<Answer, std::size_t{1} << kPlaceBits> _answers;
+};

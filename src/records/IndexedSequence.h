@@ -1,0 +1,57 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+/// A sequence with access by index into which one can insert anywhere: it lies in chunks, so that an insertion
+/// moves a chunk's elements and not all that follow.
+template <typename Element>
+class IndexedSequence {
+ public:
+  std::size_t size() const { return _size; }
+
+  const Element& operator[](std::size_t index) const {
+    const std::size_t chunk = chunkOf(index);
+    return _chunks[chunk][index - _starts[chunk]];
+  }
+
+  /// Inserts ahead of the element at the index, or at the end.
+  void insert(std::size_t index, const Element& element) {
+    if (_chunks.empty()) addChunk(0, {});
+    const std::size_t chunk = chunkOf(index);
+    std::vector<Element>& elements = _chunks[chunk];
+    elements.insert(elements.begin() + static_cast<std::ptrdiff_t>(index - _starts[chunk]), element);
+    for (std::size_t later = chunk + 1; later < _starts.size(); ++later) ++_starts[later];
+    ++_size;
+    if (elements.size() == kChunkSize) split(chunk);
+  }
+
+ private:
+  static constexpr std::size_t kChunkSize = 1024;
+
+  std::size_t chunkOf(std::size_t index) const {
+    if (_starts.size() == 1) return 0;
+    return static_cast<std::size_t>(std::upper_bound(_starts.begin(), _starts.end(), index) - _starts.begin()) - 1;
+  }
+
+  void addChunk(std::size_t place, std::vector<Element> elements) {
+    const auto offset = static_cast<std::ptrdiff_t>(place);
+    _starts.insert(_starts.begin() + offset, place == 0 ? 0 : _starts[place - 1] + _chunks[place - 1].size());
+    _chunks.insert(_chunks.begin() + offset, std::move(elements));
+    _chunks[place].reserve(kChunkSize);
+  }
+
+  void split(std::size_t chunk) {
+    std::vector<Element>& whole = _chunks[chunk];
+    const auto middle = whole.begin() + static_cast<std::ptrdiff_t>(kChunkSize / 2);
+    std::vector<Element> second(middle, whole.end());
+    whole.erase(middle, whole.end());
+    addChunk(chunk + 1, std::move(second));
+  }
+
+  std::vector<std::vector<Element>> _chunks;
+  std::vector<std::size_t> _starts;  ///< index of each chunk's first element
+  std::size_t _size = 0;
+};

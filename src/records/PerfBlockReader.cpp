@@ -1,0 +1,55 @@
+#include "records/PerfBlockReader.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kBlockSize = 256 * 1024;
+
+}  // namespace
+
+int PerfBlockReader::open(const char* name) {
+  _place = _end = 0;
+  _block.reset();
+  const int result = PerfReader::open(name);
+  struct stat status {};
+  if (result == 0 && fstat(_fd, &status) == 0 && S_ISREG(status.st_mode))
+    _block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+  return result;
+}
+
+int PerfBlockReader::read(char* buffer, int size) {
+  if (!_block || size <= 0) return PerfReader::read(buffer, size);
+  announceRead(size);
+  auto count = static_cast<std::size_t>(size);
+  if (available() < count && !fetch(count)) return _lastRead = -1;
+  count = std::min(count, available());
+  std::memcpy(buffer, _block.get() + _place, count);
+  _place += count;
+  return _lastRead = static_cast<int>(count);
+}
+
+/// Sees to it that so many bytes are there, or all that the file still has. False if there is none and reading
+/// fails.
+bool PerfBlockReader::fetch(std::size_t size) {
+  std::memmove(_block.get(), _block.get() + _place, available());
+  _end = available();
+  _place = 0;
+  while (_end < size) {
+    const ssize_t got = ::read(_fd, _block.get() + _end, kBlockSize - _end);
+    if (got <= 0) return got == 0 || _end > 0;
+    _end += static_cast<std::size_t>(got);
+  }
+  return true;
+}
+
+void PerfBlockReader::seek(int offset) {
+  // A negative offset fails, and the place stays where it is, in the block.
+  if (_block && offset < 0) return;
+  PerfReader::seek(offset);
+  _place = _end = 0;
+}

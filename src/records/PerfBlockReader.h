@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "records/PerfReader.h"
+
+/// A reader that fetches large blocks of a regular file and answers reads from them, with the results that one
+/// read of the operating system each would give. Pipes and other special files are read without a block, as
+/// what comes of them depends on the sizes asked for.
+class PerfBlockReader : public PerfReader {
+ public:
+  int open(const char* name) override;
+  int read(char* buffer, int size) override;
+  void seek(int offset) override;
+
+ private:
+  std::size_t available() const { return _end - _place; }
+  bool fetch(std::size_t size);
+
+  std::unique_ptr<char[]> _block;  ///< null for a file that is read directly
+  std::size_t _place = 0;          ///< of the next byte to answer
+  std::size_t _end = 0;
+};
