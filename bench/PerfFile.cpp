@@ -31,7 +31,8 @@ constexpr const char* kHeaderPage =
     "\tfield: int overwrite;\toffset:8;\tsize:1;\tsigned:1;\n"
     "\tfield: char data;\toffset:16;\tsize:4080;\tsigned:1;\n";
 constexpr const char* kHeaderEvent =
-    "# compressed entry header\n\ttype_len    :    5 bits\n\ttime_delta  :   27 bits\n\tarray       :   32 bits\n";
+    "# compressed entry header\n\ttype_len    :    5 bits\n\ttime_delta  :   27 bits\n\tarray       :   32 "
+    "bits\n";
 constexpr const char* kCommonFields =
     "\tfield:unsigned short common_type;\toffset:0;\tsize:2;\tsigned:0;\n"
     "\tfield:unsigned char common_flags;\toffset:2;\tsize:1;\tsigned:0;\n"
@@ -52,8 +53,8 @@ std::string packText(const std::string& text) {
 }
 
 std::string formatOf(const PerfFile::TracePoint& point) {
-  return "name: " + point.name + "\nID: " + std::to_string(point.number) + "\nformat:\n" + kCommonFields + point.fields +
-         "\nprint fmt: \"\"\n";
+  return "name: " + point.name + "\nID: " + std::to_string(point.number) + "\nformat:\n" + kCommonFields +
+         point.fields + "\nprint fmt: \"\"\n";
 }
 
 /// The section as the kernel's trace files are packed into it: page and event headers, the layouts by group,
@@ -100,7 +101,8 @@ PerfFile PerfFile::ofTracePoints(const std::vector<TracePoint>& points) {
   return file;
 }
 
-void PerfFile::attribute(unsigned int type, std::uint64_t config, std::uint64_t sampleType, std::uint64_t id) {
+void PerfFile::attribute(unsigned int type, std::uint64_t config, std::uint64_t sampleType,
+                         std::uint64_t id) {
   const std::string fields = Bytes().u32(type).u32(kEventSize).u64(config).u64(1).u64(sampleType).str();
   _attributes.push_back({Bytes().text(fields, kEventSize).str(), id});
 }

@@ -11,8 +11,8 @@
 /// descriptions of their layouts stand where perf's file format has them.
 class PerfFile {
  public:
-  /// A trace-point: its number, which is its stream id as well, its name and its fields as the kernel's format
-  /// files describe them.
+  /// A trace-point: its number, which is its stream id as well, its name and its fields as the kernel's
+  /// format files describe them.
   struct TracePoint {
     unsigned int number;
     std::string group;

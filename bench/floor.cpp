@@ -1,8 +1,8 @@
 // The least that a conversion can cost: floor RECORDING DOCUMENT
 //
 // Reads a recording of make_large into memory, walks its records once, prints the numbers that the program's
-// document has of each with std::to_chars into one block, as they come and without any look-up, and writes the
-// block once. Keys, which take a look-up, are replaced by the thread's id.
+// document has of each with std::to_chars into one block, as they come and without any look-up, and writes
+// the block once. Keys, which take a look-up, are replaced by the thread's id.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,7 +23,16 @@ constexpr std::uint32_t kSample = 9;
 constexpr std::uint32_t kHighestCore = 16;
 
 // The numbers of make_large's events.
-enum Event : std::uint16_t { kSwitch = 20, kWakeup, kIdle, kFrequency, kIrqEntry, kIrqExit, kSoftEntry, kSoftExit };
+enum Event : std::uint16_t {
+  kSwitch = 20,
+  kWakeup,
+  kIdle,
+  kFrequency,
+  kIrqEntry,
+  kIrqExit,
+  kSoftEntry,
+  kSoftExit
+};
 
 class Record {
  public:
@@ -42,7 +51,8 @@ class Record {
 
 class Block {
  public:
-  explicit Block(std::size_t size) : _bytes(std::make_unique_for_overwrite<char[]>(size)), _end(_bytes.get()), _limit(_end + size) {}
+  explicit Block(std::size_t size)
+      : _bytes(std::make_unique_for_overwrite<char[]>(size)), _end(_bytes.get()), _limit(_end + size) {}
 
   std::size_t size() const { return static_cast<std::size_t>(_end - _bytes.get()); }
   const char* data() const { return _bytes.get(); }
@@ -51,7 +61,9 @@ class Block {
     _end += text.size();
   }
   void number(std::uint64_t value) { _end = std::to_chars(_end, _limit, value).ptr; }
-  void fixed(double value, int decimals) { _end = std::to_chars(_end, _limit, value, std::chars_format::fixed, decimals).ptr; }
+  void fixed(double value, int decimals) {
+    _end = std::to_chars(_end, _limit, value, std::chars_format::fixed, decimals).ptr;
+  }
 
  private:
   std::unique_ptr<char[]> _bytes;
@@ -117,7 +129,8 @@ std::string readWhole(const char* path) {
   std::string bytes;
   bytes.resize(static_cast<std::size_t>(status.st_size));
   std::size_t size = 0;
-  for (ssize_t got = 1; got > 0 && size < bytes.size(); size += static_cast<std::size_t>(std::max<ssize_t>(got, 0)))
+  for (ssize_t got = 1; got > 0 && size < bytes.size();
+       size += static_cast<std::size_t>(std::max<ssize_t>(got, 0)))
     got = read(file, bytes.data() + size, bytes.size() - size);
   close(file);
   return bytes;

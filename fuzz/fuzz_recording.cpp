@@ -1,47 +1,35 @@
-// Feeds a made-up recording to the event table's reader and the record walk, and writes both documents.
+// Converts a made-up recording, in profile mode or, if built so, in timechart mode. The magic, which nobody looks
+// at, chooses the options and the kernel.
 
-#include <cstdint>
-#include <cstring>
-#include <stdexcept>
-#include <string>
+#include <cstdlib>
 
-#include "events/PerfRecordSampleEvent.h"
-#include "json/PerfJSONWriter.h"
-#include "records/PerfFactory.h"
-#include "records/PerfRecordMMap.h"
-#include "records/PerfRecordSample.h"
-#include "run/Settings.h"
-#include "support/MemoryReader.h"
-#include "symbols/SymbolTable.h"
-#include "timechart/TimechartManager.h"
+#include "Isolated.h"
+#include "Workshop.h"
+
+namespace {
+
+std::vector<std::string> chosenOptions(std::uint8_t choice) {
+  static const char* const scales[] = {"-r", "-z", "-q", "-b5"};
+  std::vector<std::string> options = {scales[choice & 3]};
+  if ((choice & 4) != 0) options.emplace_back("-I");
+  if ((choice & 8) != 0) options.emplace_back("-l");
+  if ((choice & 0x70) == 0x10) options.emplace_back("-v1");
+#ifdef ZELCONV_FUZZ_TIMECHART
+  options.emplace_back("-t");
+#endif
+  return options;
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size < sizeof(PerfRecordHeaderS)) return 0;
-  static const bool ready = [] {
-    SymbolTable::createSyntheticTable();
-    return true;
-  }();
-  (void)ready;
-  // The first byte of the magic, which nobody looks at, chooses the kernel.
-  kern_ver = (data[0] & 1) != 0 ? 304 : 310;
-  is64 = (data[0] & 2) != 0;
-
-  PerfRecordHeaderS header;
-  std::memcpy(&header, data, sizeof header);
-  MemoryReader reader(std::string(reinterpret_cast<const char*>(data), size));
-  try {
-    PerfRecordSampleEvent::readEvents(reader, header);
-  } catch (const std::out_of_range&) {
-    return 0;  // what ends the program here is part of the rules
-  }
-  reader.seek(static_cast<int>(header.dataOffset));
-  while (reader.status()) PerfFactory::readNext(reader);
-
-  static unsigned int runs = 0;
-  if (++runs % 64 != 0) return 0;  // the documents hold everything so far
-  PerfJSONWriter writer(true, (data[0] & 4) != 0);
-  writer.open("/dev/null");
-  PerfRecordSample::verifyKeys();
-  TimechartManager::Instance()->writeData(writer);
+  static const Workshop workshop;
+  if (size < 2) return 0;
+  workshop.write("perf.data", textOf(data, size));
+  runIsolated([&] {
+    setenv("kern_ver", (data[0] & 32) != 0 ? "3.4" : "3.10", 1);
+    setenv("ARM64", (data[0] & 64) != 0 ? "y" : "n", 1);
+    return workshop.convert(chosenOptions(data[1]));
+  });
   return 0;
 }

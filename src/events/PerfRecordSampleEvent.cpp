@@ -3,20 +3,15 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <stdexcept>
 
 #include "records/PerfReader.h"
 #include "run/Settings.h"
 
 std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction = nullptr;
 std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction64 = nullptr;
-std::vector<PerfRecordFunction>* PerfRecordSampleEvent::_functions = nullptr;
+EventTable* PerfRecordSampleEvent::_functions = nullptr;
 
 namespace {
-
-constexpr unsigned int kUsualTableSize = 4000;
-/// 1 GiB of the target's 4-byte pointers.
-constexpr unsigned int kLargestTableSize = 1U << 28;
 
 /// An entry of the event table; the byte behind the name ends a name that has no NUL of its own.
 struct EventTableEntry {
@@ -56,7 +51,7 @@ void PerfRecordSampleEvent::initVectors() {
   if (_functions != nullptr) return;
   _nameAndFunction = new std::vector<PerfNameToFunctionS>;
   _nameAndFunction64 = new std::vector<PerfNameToFunctionS>;
-  _functions = new std::vector<PerfRecordFunction>;
+  _functions = new EventTable;
 }
 
 void PerfRecordSampleEvent::registerEvent(const char* name, PerfRecordFunction function) {
@@ -92,27 +87,16 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
     if (reader.read(entry.bytes, EventTableEntry::kSize) <= 0) return;
     if (gVerbosity > 0)
       std::printf("readEvent: i:%04lld n:%s\n", static_cast<long long>(entry.eventId()), entry.name());
-    storeFunction(entry.eventId(), findFunction(entry.name()));
+    _functions->store(entry.eventId(), findFunction(entry.name()));
   }
-}
-
-void PerfRecordSampleEvent::storeFunction(unsigned long long eventId, PerfRecordFunction function) {
-  const auto place = static_cast<std::uint32_t>(eventId);
-  // Against the capacity and not the size: a number between the two, and exactly 4000, ends the run below.
-  if (eventId >= _functions->capacity()) {
-    const std::uint32_t size = eventId <= kUsualTableSize ? kUsualTableSize : place + 1;
-    if (size > kLargestTableSize) throw std::out_of_range("vector::_M_range_check");
-    _functions->resize(size, nullptr);
-  }
-  _functions->at(place) = function;
 }
 
 PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
   const PerfRecordSampleEventS sample(record);
   if (sample.time() < gFirstTimestampToProcess || sample.time() > gLastTimestampToProcess) return nullptr;
-  const unsigned int type = sample.commonType();
-  if (_functions == nullptr || type >= _functions->size()) return nullptr;
-  const PerfRecordFunction function = (*_functions)[type];
+  const std::uint16_t type = sample.commonType();
+  if (_functions == nullptr || !_functions->covers(type)) return nullptr;
+  const PerfRecordFunction function = _functions->find(type);
   if (gVerbosity > 0)
     std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
   if (function == nullptr) return nullptr;

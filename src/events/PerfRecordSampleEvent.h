@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "events/EventTable.h"
 #include "events/PerfRecordSampleEventS.h"
 #include "records/PerfFactory.h"
 #include "records/PerfRecordHeader.h"
@@ -59,12 +60,11 @@ class PerfRecordSampleEvent : public PerfRecordSample {
 
  private:
   static void showBanner(const char* banner);
-  static void storeFunction(unsigned long long eventId, PerfRecordFunction function);
 
   // Pointers, so that the tables exist whichever static constructor runs first.
   static std::vector<PerfNameToFunctionS>* _nameAndFunction;
   static std::vector<PerfNameToFunctionS>* _nameAndFunction64;
-  static std::vector<PerfRecordFunction>* _functions;  ///< by event number; null: not decoded
+  static EventTable* _functions;
 };
 
 /// Registers a decoder: every decoder's source holds one, named f.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "records/PerfRecordSampleS.h"
@@ -39,7 +40,7 @@ class PerfRecordSampleEventS {
   unsigned long long time() const { return _sample.time(); }
   int cpu() const { return _view.i32(40); }
   /// The kernel's number of the event.
-  unsigned int commonType() const { return _view.u16(kRaw); }
+  std::uint16_t commonType() const { return _view.u16(kRaw); }
   int commonPid() const { return _view.i32(kRaw + 4); }
 
   /// The payload. Kernels before 3.10 have a word more in the common header.

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// Numbers with a fixed count of decimals, digit for digit as printf's "%.*f" has them: rounded to nearest, exact
-/// ties to even. Infinity and not-a-number become the C library's words for them.
+/// Numbers with a fixed count of decimals, digit for digit as printf's "%.*f" has them: rounded to nearest,
+/// exact ties to even. Infinity and not-a-number become the C library's words for them.
 
 inline constexpr int kMostFixedDecimals = 9;
 /// The room for the longest text: a sign, 309 digits, the point and the decimals.

@@ -12,7 +12,34 @@
 namespace loomstat {
 
 void JSONData::release(JSONData* node) {
-  if (--node->_refCount == 0) delete node;
+  if (--node->_refCount == 0) destroy({node});
+}
+
+/// Destroys nodes without a holder and what only they hold. A tree may be too deep to do so by recursion.
+void JSONData::destroy(std::vector<JSONData*> nodes) {
+  while (!nodes.empty()) {
+    JSONData* node = nodes.back();
+    nodes.pop_back();
+    node->giveUpMembers(nodes);
+    delete node;
+  }
+}
+
+/// Empties a container and adds those of its members that nobody else holds.
+void JSONData::giveUpMembers(std::vector<JSONData*>& unheld) {
+  const auto giveUp = [&](JSONData* member) {
+    if (--member->_refCount == 0) unheld.push_back(member);
+  };
+  if (_type == kArray) {
+    for (JSONData* element : *_value.elements) giveUp(element);
+    _value.elements->clear();
+  } else if (_type == kObject) {
+    for (entry* member : *_value.entries) {
+      giveUp(member->value);
+      delete member;
+    }
+    _value.entries->clear();
+  }
 }
 
 int JSONData::length() const {
@@ -112,7 +139,9 @@ void JSONData::reset() {
 }
 
 void JSONData::clear() {
-  while (length() > 0) erase(-1);
+  std::vector<JSONData*> unheld;
+  giveUpMembers(unheld);
+  destroy(std::move(unheld));
 }
 
 void JSONData::eraseAt(std::size_t index) {

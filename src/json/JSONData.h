@@ -112,6 +112,8 @@ struct JSONData {
   } _value = {};
 
  private:
+  static void destroy(std::vector<JSONData*> nodes);
+  void giveUpMembers(std::vector<JSONData*>& unheld);
   void eraseAt(std::size_t index);
   int findKey(const std::string& key) const;
 };

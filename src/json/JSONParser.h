@@ -3,8 +3,9 @@
 #include <cstdio>
 #include <cstring>
 #include <istream>
-#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "json/JSONData.h"
 
@@ -66,9 +67,9 @@ class StreamCursor {
   std::istream& _stream;
 };
 
-/// Fills a node from JSON text by recursive descent. The language is a little wider than JSON: comments, a
-/// trailing comma, unknown escapes kept as they stand; and a little narrower: no exponents, and \u gives one
-/// byte.
+/// Fills a node from JSON text, in one pass and to any depth of nesting. The language is a little wider than
+/// JSON: comments, a trailing comma, unknown escapes kept as they stand; and a little narrower: no exponents,
+/// and \u gives one byte.
 template <typename Cursor>
 class JSONParser {
  public:
@@ -90,10 +91,19 @@ class JSONParser {
   bool appendCodePoint(std::string& out);
   bool parseFraction(JSONData& node, double value, bool negative);
   bool parseBoolean(JSONData& node);
-  bool parseObject(JSONData& node);
-  bool parseArray(JSONData& node);
-  JSONData* parseChild();
   bool nextDigit(int& digit);
+
+  /// A container that is being filled.
+  struct Level {
+    JSONData* container;
+    JSONData* child = nullptr;  ///< the member that is being parsed
+    std::string key = {};       ///< of the child, in an object
+  };
+  bool parseValue(JSONData& node);
+  bool parseLevel();
+  bool parseMember(Level& level);
+  bool parseKey(Level& level);
+  bool closesOrGoesOn(Level& level);
 
   /// Steps over the token that fetchNextType has left.
   void step() {
@@ -107,6 +117,7 @@ class JSONParser {
   bool _comma = false;
   bool _colon = false;
   bool _end = false;
+  std::vector<Level> _levels;  ///< open containers, innermost last
 };
 
 template <typename Cursor>
@@ -188,6 +199,17 @@ bool JSONParser<Cursor>::skipComment() {
 
 template <typename Cursor>
 bool JSONParser<Cursor>::parse(JSONData& node) {
+  bool good = parseValue(node);
+  while (good && !_levels.empty()) good = parseLevel();
+  // What a failure leaves unfinished goes; what was complete ahead of it stays in its container.
+  for (; !_levels.empty(); _levels.pop_back())
+    if (_levels.back().child != nullptr) JSONData::release(_levels.back().child);
+  return good;
+}
+
+/// Parses a scalar into the node, or opens a container in it.
+template <typename Cursor>
+bool JSONParser<Cursor>::parseValue(JSONData& node) {
   if (!fetchNextType() || _comma || _colon || _end) return _cursor.atEnd() ? false : fail("missing value");
   switch (_type) {
     case JSONData::kNull:
@@ -201,11 +223,67 @@ bool JSONParser<Cursor>::parse(JSONData& node) {
       return parseJsonString(*node._value.string) || fail("invalid string");
     case JSONData::kLong:
       return parseJsonNumberIntoSelf(node) || fail("invalid number");
-    case JSONData::kObject:
-      return parseObject(node);
     default:
-      return parseArray(node);
+      node.setType(_type);
+      step();
+      _levels.push_back({&node});
+      return true;
   }
+}
+
+/// Goes on in the innermost container: parses its next member, or takes up a member that is complete by now.
+template <typename Cursor>
+bool JSONParser<Cursor>::parseLevel() {
+  const std::size_t depth = _levels.size();
+  if (_levels.back().child == nullptr) {
+    if (!parseMember(_levels.back())) return false;
+    if (_levels.size() != depth || _levels.back().child == nullptr) return true;
+  }
+  return closesOrGoesOn(_levels.back());
+}
+
+/// Parses a key, if the container has keys, and begins a value; or closes the container.
+template <typename Cursor>
+bool JSONParser<Cursor>::parseMember(Level& level) {
+  const bool isObject = level.container->_type == JSONData::kObject;
+  if (!fetchNextType()) return fail(isObject ? "object not closed" : "array not closed");
+  if (_end) {
+    if (_type != level.container->_type) return fail(isObject ? "object not closed" : "array not closed");
+    step();
+    _levels.pop_back();
+    return true;
+  }
+  if (isObject && !parseKey(level)) return false;
+  level.child = new JSONData;
+  level.child->addReference();
+  return parseValue(*level.child);
+}
+
+template <typename Cursor>
+bool JSONParser<Cursor>::parseKey(Level& level) {
+  if (_type != JSONData::kString) return fail("object key must be a string");
+  if (!parseJsonString(level.key)) return fail("invalid string for object key");
+  if (!fetchNextType() || !_colon) return fail("object colon expected");
+  step();
+  return true;
+}
+
+/// Takes what stands behind a complete member, and the member into its container.
+template <typename Cursor>
+bool JSONParser<Cursor>::closesOrGoesOn(Level& level) {
+  const bool isObject = level.container->_type == JSONData::kObject;
+  _type = JSONData::kString;  // of the member's key: a comma leaves it
+  if (!fetchNextType() || !(_comma || (_end && _type == level.container->_type)))
+    return fail(isObject ? "object comma or end expected" : "array comma or end expected");
+  step();
+  JSONData* child = std::exchange(level.child, nullptr);
+  if (isObject) {
+    level.container->_value.entries->push_back(new JSONData::entry{std::move(level.key), child});
+  } else {
+    level.container->_value.elements->push_back(child);
+  }
+  if (_end) _levels.pop_back();
+  return true;
 }
 
 template <typename Cursor>
@@ -323,65 +401,6 @@ bool JSONParser<Cursor>::parseFraction(JSONData& node, double value, bool negati
   }
   node.setDouble(negative ? -value : value);
   return true;
-}
-
-/// Parses a value into a new node; null if that fails.
-template <typename Cursor>
-JSONData* JSONParser<Cursor>::parseChild() {
-  auto child = std::make_unique<JSONData>();
-  child->addReference();
-  return JSONParser(_cursor).parse(*child) ? child.release() : nullptr;
-}
-
-template <typename Cursor>
-bool JSONParser<Cursor>::parseObject(JSONData& node) {
-  node.setObject();
-  step();
-  while (true) {
-    if (!fetchNextType()) return fail("object not closed");
-    if (_end) {
-      if (_type != JSONData::kObject) return fail("object not closed");
-      step();
-      return true;
-    }
-    if (_type != JSONData::kString) return fail("object key must be a string");
-    std::string key;
-    if (!parseJsonString(key)) return fail("invalid string for object key");
-    if (!fetchNextType() || !_colon) return fail("object colon expected");
-    step();
-    JSONData* child = parseChild();
-    if (child == nullptr) return false;
-    if (!fetchNextType() || !(_comma || (_end && _type == JSONData::kObject))) {
-      JSONData::release(child);
-      return fail("object comma or end expected");
-    }
-    step();
-    node._value.entries->push_back(new JSONData::entry{key, child});
-    if (_end) return true;
-  }
-}
-
-template <typename Cursor>
-bool JSONParser<Cursor>::parseArray(JSONData& node) {
-  node.setArray();
-  step();
-  while (true) {
-    if (!fetchNextType()) return fail("array not closed");
-    if (_end) {
-      if (_type != JSONData::kArray) return fail("array not closed");
-      step();
-      return true;
-    }
-    JSONData* child = parseChild();
-    if (child == nullptr) return false;
-    if (!fetchNextType() || !(_comma || (_end && _type == JSONData::kArray))) {
-      JSONData::release(child);
-      return fail("array comma or end expected");
-    }
-    step();
-    node._value.elements->push_back(child);
-    if (_end) return true;
-  }
 }
 
 }  // namespace loomstat

@@ -18,7 +18,8 @@ TextBuffer::~TextBuffer() {
 
 void TextBuffer::grow(std::size_t more) {
   const std::size_t length = size();
-  const std::size_t room = std::max({2 * static_cast<std::size_t>(_limit - _start), length + more, kSmallestRoom});
+  const std::size_t room =
+      std::max({2 * static_cast<std::size_t>(_limit - _start), length + more, kSmallestRoom});
   auto* bytes = static_cast<char*>(std::realloc(_start, room));
   if (bytes == nullptr) throw std::bad_alloc();
   _start = bytes;

@@ -18,7 +18,7 @@ class AddressLookUps {
     unsigned long long address = 0;
     unsigned int pid = 0;
     unsigned int tid = 0;
-    std::size_t maps = 0;       ///< how many there were; the answer is good while there are no more
+    std::size_t maps = 0;  ///< how many there were; the answer is good while there are no more
     // For an answer with a page only, as that stands under a map that depends on both.
     std::size_t processes = 0;                        ///< how many there were
     AddressClass sampleClass = AddressClass::mapped;  ///< of the sample's own address

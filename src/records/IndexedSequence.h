@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// A sequence with access by index into which one can insert anywhere: it lies in chunks, so that an insertion
-/// moves a chunk's elements and not all that follow.
+/// A sequence with access by index into which one can insert anywhere: it lies in chunks, so that an
+/// insertion moves a chunk's elements and not all that follow.
 template <typename Element>
 class IndexedSequence {
  public:
@@ -33,7 +33,9 @@ class IndexedSequence {
 
   std::size_t chunkOf(std::size_t index) const {
     if (_starts.size() == 1) return 0;
-    return static_cast<std::size_t>(std::upper_bound(_starts.begin(), _starts.end(), index) - _starts.begin()) - 1;
+    return static_cast<std::size_t>(std::upper_bound(_starts.begin(), _starts.end(), index) -
+                                    _starts.begin()) -
+           1;
   }
 
   void addChunk(std::size_t place, std::vector<Element> elements) {

@@ -33,8 +33,8 @@ int PerfBlockReader::read(char* buffer, int size) {
   return _lastRead = static_cast<int>(count);
 }
 
-/// Sees to it that so many bytes are there, or all that the file still has. False if there is none and reading
-/// fails.
+/// Sees to it that so many bytes are there, or all that the file still has. False if there is none and
+/// reading fails.
 bool PerfBlockReader::fetch(std::size_t size) {
   std::memmove(_block.get(), _block.get() + _place, available());
   _end = available();

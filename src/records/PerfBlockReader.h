@@ -5,9 +5,9 @@
 
 #include "records/PerfReader.h"
 
-/// A reader that fetches large blocks of a regular file and answers reads from them, with the results that one
-/// read of the operating system each would give. Pipes and other special files are read without a block, as
-/// what comes of them depends on the sizes asked for.
+/// A reader that fetches large blocks of a regular file and answers reads from them, with the results that
+/// one read of the operating system each would give. Pipes and other special files are read without a block,
+/// as what comes of them depends on the sizes asked for.
 class PerfBlockReader : public PerfReader {
  public:
   int open(const char* name) override;

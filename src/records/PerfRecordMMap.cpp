@@ -68,18 +68,22 @@ std::string syntheticLabel(const PerfRecordComm& process, unsigned long long pag
 
 }  // namespace
 
-/// The search that findMap and findPidMap share: the first probed map that matches, or null. A map that is
-/// not above the sought key sends the search upward. A probe at the count ends it.
-template <typename Matches, typename IsNotAbove>
-PerfRecordMMap* PerfRecordMMap::searchMaps(Matches matches, IsNotAbove isNotAbove) {
+/// The search that findMap and findPidMap share: the first probed map of the process that matches, or null. A
+/// map whose key, in the bits that count, is not above the sought one sends the search upward. A probe at the
+/// count ends it.
+template <typename Matches>
+PerfRecordMMap* PerfRecordMMap::searchMaps(unsigned int pid, unsigned long long sought,
+                                           unsigned long long keyBits, Matches matches) {
   const int count = static_cast<int>(_sortedMaps.size());
   int low = 0;
   int high = count;
   int middle = count / 2;
   while (low <= middle && middle <= high && middle < count) {
     const SortedMap& probed = _sortedMaps[static_cast<std::size_t>(middle)];
-    if (matches(probed)) return probed.map;
-    if (isNotAbove(probed)) {
+    // A key has all bits of its process's, so most maps of others need not be looked at.
+    const bool mayMatch = (pidPart(pid) & ~probed.sortKey) == 0;
+    if (mayMatch && probed.map->pid == pid && matches(*probed.map)) return probed.map;
+    if (sought >= (probed.sortKey & keyBits)) {
       low = middle + 1;
     } else {
       high = middle - 1;
@@ -142,7 +146,7 @@ void PerfRecordMMap::enterSorted() {
       end = middle;
     }
   }
-  _sortedMaps.insert(place, {sortKey, _start, _start + _length, pid, this});
+  _sortedMaps.insert(place, {sortKey, this});
 }
 
 PerfRecord* PerfRecordMMap::createInstance(char* record) {
@@ -162,10 +166,9 @@ PerfRecordMMap* PerfRecordMMap::findMap(unsigned long long address, unsigned int
   }
   // The maps are sorted with their tids and searched without them, so a map of another thread may be missed.
   // Such an address gets a synthetic home.
-  const unsigned long long sought = pidPart(pid) | address;
-  return searchMaps(
-      [&](const SortedMap& map) { return map.pid == pid && address >= map.start && address <= map.end; },
-      [&](const SortedMap& map) { return sought >= (map.sortKey & kSortKeyWithoutTid); });
+  return searchMaps(pid, pidPart(pid) | address, kSortKeyWithoutTid, [&](const PerfRecordMMap& map) {
+    return address >= map._start && address <= map._start + map._length;
+  });
 }
 
 PerfRecordMMap* PerfRecordMMap::findMap(PerfRecordSample* sample) {
@@ -180,9 +183,8 @@ PerfRecordMMap* PerfRecordMMap::findMap(PerfRecordSample* sample) {
 PerfRecordMMap* PerfRecordMMap::findPidMap(PerfRecordSample* sample) {
   const unsigned long long address = sample->getAddress();
   if (classOf(address) != AddressClass::mapped) return findMap(address, sample->pid, sample->tid);
-  const unsigned long long sought = pidPart(sample->pid);
-  return searchMaps([&](const SortedMap& map) { return map.pid == sample->pid; },
-                    [&](const SortedMap& map) { return sought >= (map.sortKey & kPidOfSortKey); });
+  return searchMaps(sample->pid, pidPart(sample->pid), kPidOfSortKey,
+                    [](const PerfRecordMMap&) { return true; });
 }
 
 PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, unsigned int pid,

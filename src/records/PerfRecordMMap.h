@@ -88,17 +88,14 @@ class PerfRecordMMap : public PerfRecord {
   static PerfRecordMMap* _stackMap;
 
  private:
-  /// A map as the searches see it.
   struct SortedMap {
     unsigned long long sortKey;
-    unsigned long long start;
-    unsigned long long end;
-    unsigned int pid;
     PerfRecordMMap* map;
   };
 
-  template <typename Matches, typename IsNotAbove>
-  static PerfRecordMMap* searchMaps(Matches matches, IsNotAbove isNotAbove);
+  template <typename Matches>
+  static PerfRecordMMap* searchMaps(unsigned int pid, unsigned long long sought, unsigned long long keyBits,
+                                    Matches matches);
   static void buildStandingMaps();
   static PerfRecordMMap* standingMap(std::string_view name, unsigned long long start,
                                      unsigned long long length, unsigned int pidKey, SymbolTable* symbols);

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// Storage for what is kept of the records until the process ends: one piece behind the other in large blocks,
-/// aligned to 8 bytes. What is given back in the reverse order of its allocation can be had again.
+/// Storage for what is kept of the records until the process ends: one piece behind the other in large
+/// blocks, aligned to 8 bytes. What is given back in the reverse order of its allocation can be had again.
 class RecordArena {
  public:
   static void* allocate(std::size_t size);

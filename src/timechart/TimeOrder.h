@@ -6,8 +6,8 @@
 
 /// Sorts by the member `time`; elements of one time keep their order.
 ///
-/// A recording holds the buffers of the CPUs in turns, so what comes from it is nearly in order: two sorted halves
-/// overlap only where they meet, and only there are they merged.
+/// A recording holds the buffers of the CPUs in turns, so what comes from it is nearly in order: two sorted
+/// halves overlap only where they meet, and only there are they merged.
 template <typename Iterator>
 void sortByTime(Iterator first, Iterator last) {
   constexpr auto isBefore = [](const auto& a, const auto& b) { return a.time < b.time; };

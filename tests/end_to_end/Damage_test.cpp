@@ -1,9 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <cstdio>
 
 #include "support/Conversion.h"
 #include "support/RawRecording.h"
@@ -26,36 +21,6 @@ std::string recording() {
   return builder.build();
 }
 
-/// The wait status of a conversion in a process of its own, which speaks to nobody and is ended after 20
-/// seconds.
-int convert(const Conversion& folder, const std::string& bytes, const char* mode) {
-  folder.write("perf.data", bytes);
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    alarm(20);
-    if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(99);
-    // An exception must end this process, as it ends the program, and not reach the test's own handler.
-    [&]() noexcept {
-      _exit(folder.runProgram({"-b", "1", mode, "-v", "1", "-i", folder.path("perf.data"), "-o",
-                               folder.path("out"), "-p", folder.path("root")}));
-    }();
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  return status;
-}
-
-/// Whether a run ended well, or with the message for an unusable file.
-bool endsWell(int status) {
-  return WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == 255);
-}
-
-/// Whether a run was ended by an exception that nobody caught.
-bool aborts(int status) {
-  return WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
-}
-
 /// The conversions to try: all of them, or every few, where a run is slow.
 constexpr std::size_t kStride = ZELCONV_DAMAGE_STRIDE;
 
@@ -63,12 +28,10 @@ TEST(Damage, TruncationAnywhereEndsByTheRules) {
   const Conversion folder;
   folder.library("/app/tool", "10000 T main\n10100 T work\n10300 T stop\n");
   const std::string whole = recording();
-  ASSERT_EQ(convert(folder, whole, "-t"), 0);
+  ASSERT_TRUE(folder.runApart(whole, {"-t"}).endedWell);
   for (std::size_t size = 0; size < whole.size(); size += kStride)
-    for (const char* mode : {"-t", "-w"}) {
-      const int status = convert(folder, whole.substr(0, size), mode);
-      EXPECT_TRUE(WIFEXITED(status) && (WEXITSTATUS(status) == 0 || size == 0)) << size;
-    }
+    for (const char* mode : {"-t", "-w"})
+      EXPECT_TRUE(folder.runApart(whole.substr(0, size), {"-b", "1", mode, "-v", "1"}).endedWell) << size;
 }
 
 TEST(Damage, AnyByteTurnedOverEndsByTheRules) {
@@ -79,9 +42,9 @@ TEST(Damage, AnyByteTurnedOverEndsByTheRules) {
   for (std::size_t place = 0; place < whole.size(); place += kStride) {
     std::string damaged = whole;
     damaged[place] = static_cast<char>(~damaged[place]);
-    const int status = convert(folder, damaged, place % 2 == 0 ? "-t" : "-w");
+    const Ending ending = folder.runApart(damaged, {"-b", "1", place % 2 == 0 ? "-t" : "-w", "-v", "1"});
     // Only damage ahead of the records can give an event a number that no table takes.
-    EXPECT_TRUE(endsWell(status) || (place < dataStart && aborts(status))) << place;
+    EXPECT_TRUE(ending.endedWell || (place < dataStart && ending.aborted)) << place;
   }
 }
 

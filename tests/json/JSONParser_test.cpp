@@ -130,4 +130,15 @@ TEST(JSONParser, ExtendsAContainerThatIsThereAlready) {
   EXPECT_EQ(out, "[1,2]");
 }
 
+TEST(JSONParser, TakesAnyDepthOfNesting) {
+  constexpr std::size_t depth = 1000000;
+  JSONData arrays;
+  EXPECT_TRUE(arrays.setFromJsonStlString(std::string(depth, '[') + std::string(depth, ']')));
+  std::string text;
+  for (std::size_t i = 0; i < depth; ++i) text += "{\"a\":";
+  JSONData objects;
+  EXPECT_FALSE(objects.setFromJsonStlString(text + "1"));
+  EXPECT_EQ(objects.length(), 0);
+}
+
 }  // namespace

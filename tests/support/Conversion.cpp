@@ -1,7 +1,11 @@
 #include "support/Conversion.h"
 
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -105,6 +109,30 @@ int Conversion::runProgram(const std::vector<std::string>& arguments) const {
   argv.push_back(nullptr);
   optind = 1;
   return profile(static_cast<int>(words.size()), argv.data());
+}
+
+Ending Conversion::runApart(const std::string& recording, const std::vector<std::string>& arguments) const {
+  constexpr unsigned int mostSeconds = 20;
+  write("perf.data", recording);
+  std::vector<std::string> all = {"-i", path("perf.data"), "-o", path("out"), "-p", path("root")};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    alarm(mostSeconds);
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(99);
+    // An exception must end this process, as it ends the program, and not reach the test's own handler.
+    [&]() noexcept { _exit(runProgram(all)); }();
+  }
+  int status = 0;
+  rusage usage{};
+  wait4(child, &status, 0, &usage);
+  Ending ending;
+  ending.endedWell = WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == 255);
+  ending.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+  ending.aborted = ending.signal == SIGABRT;
+  ending.peakMegabytes = usage.ru_maxrss / 1024;
+  return ending;
 }
 
 std::string rows(const std::string& document, const std::string& section) {

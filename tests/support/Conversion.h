@@ -23,6 +23,14 @@ class ScopedEnvironment {
   std::vector<Saved> _saved;
 };
 
+/// How a conversion in a process of its own went.
+struct Ending {
+  bool endedWell = false;  ///< or with the message for an unusable file
+  bool aborted = false;    ///< by an exception that nobody caught
+  int signal = 0;
+  long peakMegabytes = 0;
+};
+
 /// One conversion in a world of its own: a temporary folder, machine files in it and an nm that prints
 /// prepared lists. A conversion leaves its records in static tables, so a test process runs one.
 class Conversion {
@@ -52,6 +60,8 @@ class Conversion {
   std::string runFile(const std::string& file, const std::vector<std::string>& arguments = {});
   /// Runs the program with just these arguments; answers its exit status.
   int runProgram(const std::vector<std::string>& arguments) const;
+  /// Converts the bytes of a recording in a process of its own, which speaks to nobody, to the file "out".
+  Ending runApart(const std::string& recording, const std::vector<std::string>& arguments) const;
 
  private:
   std::string _folder;

@@ -154,4 +154,15 @@ TEST(SymbolTable, NeverLetsTheShellReadAFileName) {
   EXPECT_EQ(folder.read("planted"), "");
 }
 
+TEST(SymbolTable, NotesEachMapOfASymbolOnceInOrderOfFirstUse) {
+  SymbolTable table;
+  SymbolTableElement* symbol = table.addElement(0x100, 0x10, "main", nullptr, 0);
+  std::vector<unsigned int> expected;
+  for (unsigned int key = 100; key > 0; --key) {
+    expected.push_back(key);
+    for (const unsigned int known : expected) symbol->setMapKey(known);
+  }
+  EXPECT_EQ(symbol->mapKeys(), expected);
+}
+
 }  // namespace

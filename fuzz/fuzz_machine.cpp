@@ -1,0 +1,60 @@
+// Converts an example with a made-up file of the machine or of its configuration in the place of a true one: by the
+// first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or the kernel's
+// symbols.
+
+#include <filesystem>
+#include <iterator>
+
+#include "Isolated.h"
+#include "Workshop.h"
+#include "support/TraceEvents.h"
+
+namespace {
+
+struct Case {
+  const char* file;
+  std::vector<std::string> options;
+};
+
+const Case kCases[] = {
+    {"trace", {"-t", "-q"}},
+    {"plotx/activeCounters", {"-t", "-b5"}},
+    {"configx/cfgx-types.json", {"-t", "-b5"}},
+    {"softirqs", {"-t", "-b5"}},
+    {"kallsyms", {"-b5"}},
+};
+
+/// Something of each kind that the machine's files say more about.
+void makeRecording(const std::string& path) {
+  TraceBuilder recording;
+  Payload counters;
+  for (unsigned int i = 0; i < 9; ++i) counters.u32(7 + i % 2);
+  recording.comm(7, 7, "task").mmap(7, 7, 0x10000, 0x1000, "/app/tool");
+  for (unsigned int time = 1; time < 4; ++time) {
+    recording.at(time, 0, 7).add("perf_trace_counters:sched_switch_with_ctrs", counters);
+    recording.value("irq:softirq_entry", time);
+  }
+  for (const std::uint64_t ip : {0xC0008104ULL, 0x10004ULL, 0xFFFFFFFF81000004ULL, 0xB0000004ULL})
+    recording.sample({.ip = ip, .pid = 7, .tid = 7, .time = 9000, .trace = {ip, 0xC0008000}});
+  recording.save(path);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Workshop workshop;
+  if (size == 0) return 0;
+  const Case& chosen = kCases[data[0] % std::size(kCases)];
+  runIsolated([&] {
+    makeRecording(workshop.path("perf.data"));
+    workshop.write("plotx/activeCounters", "11\n\n04\n13\n17\n18\n\n21\n22\n");
+    workshop.write(chosen.file, textOf(data + 1, size - 1));
+    const bool good = workshop.convert(chosen.options);
+    std::filesystem::remove(workshop.path("configx/cfgx-types.json"));
+    std::filesystem::remove(workshop.path("trace"));
+    workshop.write("softirqs", "CPU0\n TIMER: 1\n");
+    workshop.write("kallsyms", "c0008000 T stext\nc0008100 T schedule\n");
+    return good;
+  });
+  return 0;
+}

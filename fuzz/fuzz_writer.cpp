@@ -1,0 +1,118 @@
+// Drives the text writer by a made-up sequence of calls. The document must be one that the parser accepts as long as
+// no call was refused; a refused call must write nothing.
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "json/JSONData.h"
+#include "json/JsomStringWriter.h"
+
+namespace {
+
+using loomstat::JsomStringWriter;
+using loomstat::JSONData;
+using loomstat::TextBuffer;
+
+/// Takes calls from the input's bytes and keeps books of what the writer may do.
+class Session {
+ public:
+  Session(const std::uint8_t* data, std::size_t size) : _data(data), _end(data + size) {}
+
+  void run() {
+    while (_data != _end && !_closed) step(*_data++);
+    _writer.end();
+    const std::size_t length = _text.size();
+    _writer.end();
+    if (_text.size() != length) std::abort();
+    if (_refused || _nulls || _text.empty()) return;
+    JSONData document;
+    const std::string text(_text.text());
+    if (!document.setFromJsonStlString(text)) std::abort();
+  }
+
+ private:
+  std::uint8_t next() { return _data != _end ? *_data++ : std::uint8_t{0}; }
+
+  std::string bytes() {
+    std::string text(next() % 16, ' ');
+    for (char& byte : text) byte = static_cast<char>(next());
+    _nulls = _nulls || text.find('\0') != std::string::npos;
+    return text;
+  }
+
+  double number() {
+    const int magnitude = static_cast<int>(next() % 15);
+    double value = next() * 256.0 + next();
+    for (int i = 0; i < magnitude; ++i) value = (i % 2) == 0 ? value * 10 : value / 7;
+    return next() % 2 != 0 ? value : -value;
+  }
+
+  void step(std::uint8_t call) {
+    const std::size_t before = _text.size();
+    _writer._whiteSpace = (call & 128) != 0;
+    perform(call & 15);
+    // Every call but that of an empty finished value writes something, unless it is refused.
+    if (_text.size() == before) _refused = true;
+    // White space makes deep indents, which have a NUL.
+    if (_text.text().substr(before).find('\0') != std::string_view::npos) _nulls = true;
+    // Behind the root nothing separates what comes.
+    _opened += opens(call & 15) && _text.size() != before ? 1 : 0;
+    _opened -= closes(call & 15) && _text.size() != before ? 1 : 0;
+    _closed = _opened == 0 && _text.size() != before;
+  }
+
+  static bool opens(int call) { return call == 0 || call == 2; }
+  static bool closes(int call) { return call == 1 || call == 3; }
+
+  void perform(int call) {
+    switch (call) {
+      case 0:
+        return _writer.startArray();
+      case 1:
+        return _writer.endArray();
+      case 2:
+        return _writer.startObject();
+      case 3:
+        return _writer.endObject();
+      case 4:
+      case 5:
+      case 6:
+        return _writer.appendLabel(bytes().c_str(), false);
+      case 7:
+        return _writer.appendInt(static_cast<int>(number()));
+      case 8:
+        return _writer.appendUnsignedInt(next() * 16777619U);
+      case 9:
+        return _writer.appendLong(-static_cast<long long>(next() * 1099511628211ULL));
+      case 10:
+        return _writer.appendUnsignedLong(next() * 1099511628211ULL);
+      case 11:
+        return _writer.appendDouble(number(), next() % 12);
+      case 12:
+        return _writer.appendString(bytes(), false);
+      case 13:
+        return _writer.appendBoolean(next() % 2 != 0);
+      case 14:
+        return next() % 2 != 0 ? _writer.appendNull() : _writer.appendString(nullptr, 0, false);
+      default:
+        return _writer.appendJsonValue("[1,{\"a\":2},]", 12);
+    }
+  }
+
+  const std::uint8_t* _data;
+  const std::uint8_t* _end;
+  TextBuffer _text;
+  JsomStringWriter _writer{_text};
+  bool _refused = false;
+  bool _nulls = false;
+  bool _closed = false;
+  int _opened = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Session(data, size).run();
+  return 0;
+}
