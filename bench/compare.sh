@@ -3,14 +3,17 @@
 # compare.sh [OTHER_ZELCONV]
 #
 # The start of a run, which is the kernel's table and nm, is what a recording with the same maps and no sample takes.
-# It is shown and, for the rates and ratios, taken off. Times are medians of five runs, perf's of three.
+# It is shown and, for the rates and ratios, taken off; a program that prints prepared lists stands in for nm, whose
+# own time is large and uneven. Documents go to memory, so that no disk plays a part. Times are medians of five runs, perf's of three.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 cd "$top"
 bench=$PWD/out/bench
 export kern_ver=3.10
+own_path=$PWD/build/release/bench/path:$PATH
 results=$(mktemp -d)
-trap 'rm -rf "$results"' EXIT
+documents=$(mktemp -d -p /dev/shm)
+trap 'rm -rf "$results" "$documents"' EXIT
 
 measure() { # measure NAME RUNS COMMAND: leaves median, user and system seconds in the results
     hyperfine --style none --warmup 1 --runs "$2" --export-json "$results/$1.json" "$3" >/dev/null 2>&1
@@ -20,9 +23,9 @@ figure() { jq -r ".results[0].$2" "$results/$1.json"; }
 row() { # row NAME DOCUMENT
     local size=-
     [ ! -e "$2" ] || size=$(awk -v bytes="$(stat -c %s "$2")" 'BEGIN { printf "%.1f", bytes / 1e6 }')
-    awk -v name="$1" -v wall="$(figure "$1" median)" -v user="$(figure "$1" user)" -v system="$(figure "$1" system)" \
+    awk -v name="$1" -v wall="$(figure "$1" median)" -v user="$(figure "$1" user)" -v kernel="$(figure "$1" system)" \
         -v memory="$(tail -n 1 "$results/$1.memory")" -v size="$size" \
-        'BEGIN { printf "%-22s %8.3f s %8.3f s %8.3f s %8.0f MB %9s MB\n", name, wall, user, system, memory / 1024, size }'
+        'BEGIN { printf "%-22s %8.3f s %8.3f s %8.3f s %8.0f MB %9s MB\n", name, wall, user, kernel, memory / 1024, size }'
 }
 net() { awk -v all="$(figure "$1" median)" -v start="$(figure "${2:-start}" median)" 'BEGIN { print all - start }'; }
 ratio() { awk -v a="$1" -v b="$2" -v text="$3" 'BEGIN { printf "  %-58s %6.2f\n", text, a / b }'; }
@@ -31,14 +34,14 @@ compare() { # compare FILE OPTION PERF_COMMAND...: NAME=COMMAND each
     local file=$1 option=$2 program=build/release/zelconv entry
     shift 2
     printf '\n%s, %s records\n%-22s %10s %10s %10s %11s %12s\n' "$file" 1000000 "" wall user system memory document
-    measure start 5 "$program $option -b 1 -i $bench/empty/$file -o $bench/start.json"
-    measure tenth 5 "$program $option -b 1 -i $bench/tenth/$file -o $bench/tenth.json"
-    measure zelconv 5 "$program $option -b 1 -i $bench/full/$file -o $bench/zelconv.json"
-    measure floor 5 "build/release/bench/floor $bench/full/$file $bench/floor.json"
-    [ -z "$other" ] || measure other 3 "$other $option -b 1 -i $bench/full/$file -o $bench/other.json"
+    measure start 5 "env PATH=$own_path $program $option -b 1 -i $bench/empty/$file -o $documents/start.json"
+    measure tenth 5 "env PATH=$own_path $program $option -b 1 -i $bench/tenth/$file -o $documents/tenth.json"
+    measure zelconv 5 "env PATH=$own_path $program $option -b 1 -i $bench/full/$file -o $documents/zelconv.json"
+    measure floor 5 "build/release/bench/floor $bench/full/$file $documents/floor.json"
+    [ -z "$other" ] || measure other 3 "env PATH=$own_path $other $option -b 1 -i $bench/full/$file -o $documents/other.json"
     for entry in "$@"; do measure "${entry%%=*}" 3 "${entry#*=}"; done
 
-    for entry in start tenth zelconv floor ${other:+other} "${@%%=*}"; do row "$entry" "$bench/$entry.json"; done
+    for entry in start tenth zelconv floor ${other:+other} "${@%%=*}"; do row "$entry" "$documents/$entry.json"; done
     local own bytes
     own=$(net zelconv)
     bytes=$(stat -c %s "$bench/full/$file")
@@ -46,13 +49,13 @@ compare() { # compare FILE OPTION PERF_COMMAND...: NAME=COMMAND each
         'BEGIN { printf "without the start %.3f s: %.0f records and %.0f MB a second\n", own, 1000000 / own, bytes / own / 1e6 }'
     ratio "$own" "$(figure floor median)" "times the floor"
     ratio "$(net tenth)" "$(awk -v own="$own" 'BEGIN { print own / 10 }')" "rate at 10^6 records over that at 10^5"
-    awk -v memory="$(tail -n 1 "$results/zelconv.memory")" -v document="$(stat -c %s "$bench/zelconv.json")" \
+    awk -v memory="$(tail -n 1 "$results/zelconv.memory")" -v document="$(stat -c %s "$documents/zelconv.json")" \
         'BEGIN { printf "  %-58s %6.0f\n", "bytes of memory a record beside the document", (memory * 1024 - document) / 1000000 }'
     [ -z "$other" ] || ratio "$(net other)" "$own" "times as fast as the other build"
     for entry in "$@"; do ratio "$(figure "${entry%%=*}" median)" "$own" "times as fast as ${entry%%=*}"; done
 }
 
 other=${1:-}
-compare profile.data "" "perf-script=perf script -i $bench/full/profile.data >$bench/perf-script.json" \
-    "perf-data-convert=perf data convert --force -i $bench/full/profile.data --to-json $bench/perf-data-convert.json"
-compare trace.data -t "perf-timechart=perf timechart -i $bench/full/trace.data -o $bench/perf-timechart.json"
+compare profile.data "" "perf-script=perf script -i $bench/full/profile.data >$documents/perf-script.json" \
+    "perf-data-convert=perf data convert --force -i $bench/full/profile.data --to-json $documents/perf-data-convert.json"
+compare trace.data -t "perf-timechart=perf timechart -i $bench/full/trace.data -o $documents/perf-timechart.json"

@@ -1,7 +1,8 @@
-// Makes recordings and machine files in the orders that are hardest on the program's tables: make_worst FOLDER COUNT
+// Makes recordings and machine files in the orders that are hardest on the program's tables: make_worst
+// FOLDER COUNT
 //
-// Each FOLDER/<case> is a folder for convert_for_machine with a recording "perf.data" of COUNT records, or of lines
-// in a text file, and a file "options" with what to convert it by.
+// Each FOLDER/<case> is a folder for convert_for_machine with a recording "perf.data" of COUNT records, or of
+// lines in a text file, and a file "options" with what to convert it by.
 
 #include <cstdio>
 #include <cstdlib>
@@ -20,7 +21,8 @@ constexpr std::uint64_t kTop = 0x80000000;
 /// Where the files of one case go.
 class Case {
  public:
-  Case(const std::string& folder, const std::string& name, const std::string& options) : _folder(folder + "/" + name) {
+  Case(const std::string& folder, const std::string& name, const std::string& options)
+      : _folder(folder + "/" + name) {
     std::filesystem::create_directories(_folder);
     file("options") << options << "\n";
   }

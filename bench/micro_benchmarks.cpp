@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr int kDecimals = 9;
-
 std::vector<double> times() {
   std::mt19937_64 numbers(1);
   std::vector<double> all(4096);
@@ -38,19 +36,21 @@ void formatTimes(benchmark::State& state, Format format) {
 }
 
 void decimalsByPrintf(benchmark::State& state) {
-  formatTimes(state, [](char* text, double time) { return std::snprintf(text, kFixedRoom, "%.*f", kDecimals, time); });
+  formatTimes(state, [](char* text, double time) {
+    return std::snprintf(text, kFixedRoom, "%.*f", kDocumentDecimals, time);
+  });
 }
 BENCHMARK(decimalsByPrintf);
 
 void decimalsByToChars(benchmark::State& state) {
   formatTimes(state, [](char* text, double time) {
-    return std::to_chars(text, text + kFixedRoom, time, std::chars_format::fixed, kDecimals).ptr;
+    return std::to_chars(text, text + kFixedRoom, time, std::chars_format::fixed, kDocumentDecimals).ptr;
   });
 }
 BENCHMARK(decimalsByToChars);
 
 void decimalsByWriteFixed(benchmark::State& state) {
-  formatTimes(state, [](char* text, double time) { return writeFixed(text, time, kDecimals); });
+  formatTimes(state, [](char* text, double time) { return writeFixed<kDocumentDecimals>(text, time); });
 }
 BENCHMARK(decimalsByWriteFixed);
 
@@ -68,7 +68,8 @@ void mapLookUp(benchmark::State& state) {
   static const bool made = [] {
     SymbolTable::createSyntheticTable();
     for (unsigned int pid = 1; pid <= processes; ++pid)
-      for (unsigned int map = 0; map < 5; ++map) new PerfRecordMMap(pid, pid, 0x40000000 + map * 0x100000, 0xF0000, 0, "");
+      for (unsigned int map = 0; map < 5; ++map)
+        new PerfRecordMMap(pid, pid, 0x40000000 + map * 0x100000, 0xF0000, 0, "");
     return true;
   }();
   benchmark::DoNotOptimize(made);
@@ -84,7 +85,8 @@ BENCHMARK(mapLookUp);
 void recordWalk(benchmark::State& state) {
   RecordingBuilder recording;
   for (unsigned int i = 0; i < 10000; ++i)
-    recording.sample({.ip = 0x10104, .pid = 7, .tid = 7, .time = i, .trace = std::vector<std::uint64_t>(8, 0x10104)});
+    recording.sample(
+        {.ip = 0x10104, .pid = 7, .tid = 7, .time = i, .trace = std::vector<std::uint64_t>(8, 0x10104)});
   PerfRecordSample::_keepsSamples = false;
   for ([[maybe_unused]] auto _ : state) {
     MemoryReader reader(recording.data());

@@ -9,7 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
-// The bounds of the section where clang counts the edges taken, and what writes a profile in a build for coverage.
+// The bounds of the section where clang counts the edges taken, and what writes a profile in a build for
+// coverage.
 extern "C" std::uint8_t __start___sancov_cntrs[] __attribute__((weak));
 extern "C" std::uint8_t __stop___sancov_cntrs[] __attribute__((weak));
 extern "C" int __llvm_profile_write_file() __attribute__((weak));

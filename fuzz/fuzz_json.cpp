@@ -1,5 +1,5 @@
-// Parses a made-up JSON text with both parsers, which must agree, and prints the tree: its compact form must parse
-// back to an equal tree.
+// Parses a made-up JSON text with both parsers, which must agree, and prints the tree: its compact form must
+// parse back to an equal tree.
 
 #include <cmath>
 #include <cstdint>
@@ -38,8 +38,8 @@ bool same(const JSONData& a, const JSONData& b) {
   return true;
 }
 
-/// Whether the parser can read back how the tree is printed: numbers beyond a long's range have no such form, and
-/// a NUL ends the text.
+/// Whether the parser can read back how the tree is printed: numbers beyond a long's range have no such form,
+/// and a NUL ends the text.
 bool canBeReadBack(const JSONData& node) {
   if (node._type == JSONData::kDouble) return std::fabs(node._value.real) < 1e15;
   if (node._type == JSONData::kString) return node.stringValue()->find('\0') == std::string::npos;

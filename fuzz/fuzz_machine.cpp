@@ -1,6 +1,6 @@
-// Converts an example with a made-up file of the machine or of its configuration in the place of a true one: by the
-// first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or the kernel's
-// symbols.
+// Converts an example with a made-up file of the machine or of its configuration in the place of a true one:
+// by the first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or
+// the kernel's symbols.
 
 #include <filesystem>
 #include <iterator>

@@ -1,5 +1,5 @@
-// Converts a made-up recording, in profile mode or, if built so, in timechart mode. The magic, which nobody looks
-// at, chooses the options and the kernel.
+// Converts a made-up recording, in profile mode or, if built so, in timechart mode. The magic, which nobody
+// looks at, chooses the options and the kernel.
 
 #include <cstdlib>
 

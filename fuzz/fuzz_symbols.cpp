@@ -1,5 +1,5 @@
-// Reads a made-up symbol list, by its first byte as the kernel's or as nm's, and looks addresses up in what came of
-// it: a symbol found must cover the address, and a sorted table must find each symbol's start.
+// Reads a made-up symbol list, by its first byte as the kernel's or as nm's, and looks addresses up in what
+// came of it: a symbol found must cover the address, and a sorted table must find each symbol's start.
 
 #include <cstdint>
 #include <cstdio>
@@ -19,18 +19,18 @@ void forgetStatics() {
 
 bool isSorted(const SymbolTable& table) {
   for (std::size_t i = 1; i < table.elements().size(); ++i)
-    if (table.elements()[i]->address() <= table.elements()[i - 1]->address()) return false;
+    if (table.elements()[i].address() <= table.elements()[i - 1].address()) return false;
   return true;
 }
 
 bool answersAreTrue(const SymbolTable& table) {
   const bool mustFind = isSorted(table) && table.elements().size() > 1;
-  for (const SymbolTableElement* symbol : table.elements()) {
-    if (symbol->address() + symbol->size() < symbol->address()) continue;  // its end wraps, and nothing is in it
-    const SymbolTableElement* found = table.findElement(symbol->address());
-    if (found == nullptr ? mustFind : symbol->address() < found->address()) return false;
-    const SymbolTableElement* first = table.findElementLinear(symbol->address());
-    if (first == nullptr && symbol->size() == 0) return false;
+  for (const SymbolTableElement& symbol : table.elements()) {
+    if (symbol.address() + symbol.size() < symbol.address()) continue;  // its end wraps, and nothing is in it
+    const SymbolTableElement* found = table.findElement(symbol.address());
+    if (found == nullptr ? mustFind : symbol.address() < found->address()) return false;
+    const SymbolTableElement* first = table.findElementLinear(symbol.address());
+    if (first == nullptr && symbol.size() == 0) return false;
   }
   return true;
 }

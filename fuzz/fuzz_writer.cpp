@@ -1,5 +1,5 @@
-// Drives the text writer by a made-up sequence of calls. The document must be one that the parser accepts as long as
-// no call was refused; a refused call must write nothing.
+// Drives the text writer by a made-up sequence of calls. The document must be one that the parser accepts as
+// long as no call was refused; a refused call must write nothing.
 
 #include <cstdint>
 #include <cstdlib>

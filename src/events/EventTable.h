@@ -8,13 +8,14 @@
 
 /// The decoders' factories by the kernel's event number, as wide as a recording's event table makes it.
 ///
-/// Numbers may be anything, so the width is only told: what is stored ends with the numbers that a trace-point can
-/// have in its 16 bits.
+/// Numbers may be anything, so the width is only told: what is stored ends with the numbers that a
+/// trace-point can have in its 16 bits.
 class EventTable {
  public:
-  /// Stores a factory, or null for an event that is not decoded. The table has 4000 places, or one more than a
-  /// larger number, and beyond its width room for as many again, as a vector that is resized would. A number that
-  /// falls into that room, or one whose table would not fit a 32-bit target, ends the run with std::out_of_range.
+  /// Stores a factory, or null for an event that is not decoded. The table has 4000 places, or one more than
+  /// a larger number, and beyond its width room for as many again, as a vector that is resized would. A
+  /// number that falls into that room, or one whose table would not fit a 32-bit target, ends the run with
+  /// std::out_of_range.
   void store(unsigned long long eventId, PerfRecordFunction function);
 
   /// The factory, or null.

@@ -6,12 +6,19 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "json/DigitPairs.h"
+
 namespace {
 
 constexpr int kMantissaBits = 52;
 constexpr int kExponentOfOne = 1023;
-/// As many bits as a fraction may have for its tenfold to fit 64.
+/// As many bits as a fraction may have for its tenfold, or its thousandfold, to fit 64.
 constexpr int kMostFractionBits = 60;
+constexpr int kMostBitsForThousands = 54;
+
+constexpr std::uint64_t powerOfTen(int exponent) {
+  return exponent == 0 ? 1 : 10 * powerOfTen(exponent - 1);
+}
 
 /// A value of at least 2^-8 and less than 2^53 as whole number and fraction.
 struct Parts {
@@ -28,12 +35,16 @@ struct Parts {
 
   std::uint64_t mask() const { return (std::uint64_t{1} << fractionBits) - 1; }
 
-  /// Takes the next decimal off the fraction.
-  std::uint64_t nextDecimal() {
-    fraction *= 10;
-    const std::uint64_t digit = fraction >> fractionBits;
-    fraction &= mask();
-    return digit;
+  /// Takes so many decimals off the fraction as the power of ten has zeros, in steps of a lower power.
+  template <std::uint64_t Power, std::uint64_t Step>
+  std::uint64_t take() {
+    std::uint64_t taken = 0;
+    for (std::uint64_t power = 1; power < Power; power *= Step) {
+      fraction *= Step;
+      taken = taken * Step + (fraction >> fractionBits);
+      fraction &= mask();
+    }
+    return taken;
   }
 
   /// Whether the rest of the fraction rounds a number up that ends in that digit.
@@ -52,17 +63,15 @@ struct Parts {
 }  // namespace
 
 // A document holds a time for every sample, and printf takes ten times as long.
-char* writeFixed(char* text, double value, int decimals) {
+template <int Decimals>
+char* writeFixed(char* text, double value) {
+  constexpr std::uint64_t power = powerOfTen(Decimals);
   Parts parts(value);
-  if (!parts.good) return text + std::snprintf(text, kFixedRoom, "%.*f", decimals, value);
-  std::uint64_t rest = 0;
-  std::uint64_t limit = 1;
-  for (int i = 0; i < decimals; ++i) {
-    rest = rest * 10 + parts.nextDecimal();
-    limit *= 10;
-  }
+  if (!parts.good) return text + std::snprintf(text, kFixedRoom, "%.*f", Decimals, value);
+  std::uint64_t rest =
+      parts.fractionBits <= kMostBitsForThousands ? parts.take<power, 1000>() : parts.take<power, 10>();
   if (parts.roundsUp(rest)) ++rest;
-  if (rest == limit) {
+  if (rest == power) {
     rest = 0;
     ++parts.whole;
   }
@@ -70,7 +79,11 @@ char* writeFixed(char* text, double value, int decimals) {
   if (std::signbit(value)) *text++ = '-';
   text = std::to_chars(text, text + kFixedRoom, parts.whole).ptr;
   *text++ = '.';
-  char* const end = text + decimals;
-  for (char* place = end; place != text; rest /= 10) *--place = static_cast<char>('0' + rest % 10);
-  return end;
+  char* place = text + Decimals;
+  while (place - text >= 2) place = putPair(place, rest);
+  if (place != text) *text = static_cast<char>('0' + rest);
+  return text + Decimals;
 }
+
+template char* writeFixed<kPointDecimals>(char*, double);
+template char* writeFixed<kDocumentDecimals>(char*, double);

@@ -14,8 +14,6 @@ namespace {
 constexpr char indentBuffer[] = "\n                                               ";
 static_assert(sizeof indentBuffer == 49);
 
-constexpr int kDefaultDecimals = 6;
-
 }  // namespace
 
 void JsomStringWriter::complain(const char* operation, const char* problem) const {
@@ -23,7 +21,7 @@ void JsomStringWriter::complain(const char* operation, const char* problem) cons
   std::fflush(stderr);
 }
 
-bool JsomStringWriter::beginValue(const char* operation) {
+bool JsomStringWriter::beginAnyValue(const char* operation) {
   if (inObject()) {
     complain(operation, "Invalid sequence.");
     return false;
@@ -120,10 +118,14 @@ void JsomStringWriter::appendDouble(double value, int precision) {
     const int length = std::snprintf(text, sizeof text, "%e", value);
     return _out.append({text, static_cast<std::size_t>(length)});
   }
-  if (precision < 0 || precision > kMostFixedDecimals) return _out.append(trimmedDecimals(value, precision));
-  const std::string_view decimals(text,
-                                  writeFixed(text, value, precision != 0 ? precision : kDefaultDecimals));
-  _out.append(precision != 0 ? trimmed(decimals, precision) : decimals);
+  if (precision == kDocumentDecimals) {
+    const std::string_view decimals(text, writeFixed<kDocumentDecimals>(text, value));
+    _out.append(trimmed(decimals, precision));
+  } else if (precision != 0) {
+    _out.append(trimmedDecimals(value, precision));
+  } else {
+    _out.append(std::string_view(text, writeFixed<kPointDecimals>(text, value)));
+  }
 }
 
 void JsomStringWriter::appendString(const std::string& text, bool raw) {

@@ -52,7 +52,14 @@ class JsomStringWriter {
   bool _whiteSpace = false;
 
  private:
-  bool beginValue(const char* operation);
+  /// Writes what stands ahead of a value. False, with a message, if there may be none.
+  bool beginValue(const char* operation) {
+    if (_state != ']' || _whiteSpace) return beginAnyValue(operation);
+    // Nearly all values of a document are further elements of compact arrays.
+    _out.append(',');
+    return true;
+  }
+  bool beginAnyValue(const char* operation);
   template <typename Number>
   void appendNumber(const char* operation, Number value);
   void startContainer(const char* operation, char bracket);

@@ -4,13 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "json/FixedDecimals.h"
 #include "run/Settings.h"
-
-namespace {
-
-constexpr int kDecimals = 9;
-
-}  // namespace
 
 PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace)
     : _includeLabels(includeLabels), _whiteSpace(whiteSpace) {}
@@ -67,7 +62,7 @@ void PerfJSONWriter::write(unsigned int value) {
 }
 
 void PerfJSONWriter::write(double value) {
-  _writer->appendDouble(value, kDecimals);
+  _writer->appendDouble(value, kDocumentDecimals);
 }
 
 void PerfJSONWriter::write(const std::string& value) {
@@ -95,7 +90,7 @@ void PerfJSONWriter::writeNamed(const char* label, unsigned short value) {
 
 void PerfJSONWriter::writeNamed(const char* label, double value) {
   _doLabel(label);
-  _writer->appendDouble(value, kDecimals);
+  _writer->appendDouble(value, kDocumentDecimals);
 }
 
 void PerfJSONWriter::writeNamed(const char* label, const char* value) {

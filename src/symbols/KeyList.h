@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <unordered_set>
 #include <vector>
 
@@ -11,5 +12,5 @@ class KeyList {
 
  private:
   std::vector<unsigned int> _keys;
-  std::unordered_set<unsigned int> _index;  ///< of the keys, once there are too many to look through
+  std::unique_ptr<std::unordered_set<unsigned int>> _index;  ///< once there are too many keys to look through
 };

@@ -127,7 +127,7 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
   auto* table = new SymbolTable(path, 0, 0);
   if (isRegular(path))
     if (const NmRun nm(path); nm.list() != nullptr) table->read(nm.list(), false);
-  return table->_elements.size() < kFewestUsefulSymbols ? nullptr : table;
+  return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
 SymbolTable* SymbolTable::findAndRead(const char* name) {

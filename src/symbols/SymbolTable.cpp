@@ -60,12 +60,19 @@ SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned l
   if (start > _highAddress) _highAddress = start;
   if (start < _lowAddress) _lowAddress = start;
   if (!_storage) _storage = std::make_unique<Storage>();
-  _elements.push_back(&_storage->symbols.emplace_back(_storage->names.keep(name), start, size, file, line));
-  return _elements.back();
+  SymbolTableElement& element =
+      _storage->symbols.emplace_back(_storage->names.keep(name), start, size, file, line);
+  _storage->ranges.push_back({start, start + element.size()});
+  return &element;
+}
+
+const std::deque<SymbolTableElement>& SymbolTable::elements() const {
+  static const std::deque<SymbolTableElement> none;
+  return _storage ? _storage->symbols : none;
 }
 
 SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
-  const int count = static_cast<int>(_elements.size());
+  const int count = static_cast<int>(elements().size());
   int low = 0;
   int high = count;
   int middle = count / 2;
@@ -73,12 +80,14 @@ SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
   // Recordings in the field were resolved this way, so the document must not change.
   if (middle == 0) return nullptr;
   while (low <= middle && middle <= high && middle < count) {
-    SymbolTableElement* element = _elements[static_cast<std::size_t>(middle)];
-    if (address < element->address()) {
+    const auto place = static_cast<std::size_t>(middle);
+    const Range& range = _storage->ranges[place];
+    if (address < range.start) {
       high = middle - 1;
     } else {
       low = middle + 1;
-      if (element->reaches(address)) return element;
+      // The boundary belongs to both neighbours.
+      if (address <= range.end) return &_storage->symbols[place];
     }
     middle = low + ((high - low) >> 1);
   }
@@ -86,8 +95,10 @@ SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
 }
 
 SymbolTableElement* SymbolTable::findElementLinear(unsigned long long address) const {
-  for (SymbolTableElement* element : _elements)
-    if (element->address() <= address && element->reaches(address)) return element;
+  if (!_storage) return nullptr;
+  for (std::size_t i = 0; i < _storage->ranges.size(); ++i)
+    if (_storage->ranges[i].start <= address && address <= _storage->ranges[i].end)
+      return &_storage->symbols[i];
   return nullptr;
 }
 
@@ -114,8 +125,8 @@ SymbolTable* SymbolTable::findExistingSymbolTable(const std::string& name) {
 }
 
 void SymbolTable::out(PerfJSONWriter& writer, unsigned int) const {
-  for (const SymbolTableElement* element : _elements)
-    if (element->used()) element->out(writer, 0);
+  for (const SymbolTableElement& element : elements())
+    if (element.used()) element.out(writer, 0);
 }
 
 void SymbolTable::outAll(PerfJSONWriter& writer) {
@@ -127,23 +138,23 @@ void SymbolTable::outAll(PerfJSONWriter& writer) {
 void SymbolTable::outKeys(PerfJSONWriter& writer) const {
   writer.writeArrayStart("smapkeys");
   writer.writeNamed("smapkeys2", 777U);
-  for (const SymbolTableElement* element : _elements)
-    if (element->used()) writer.writeNamed("smk", element->key());
+  for (const SymbolTableElement& element : elements())
+    if (element.used()) writer.writeNamed("smk", element.key());
   writer.writeArrayEnd();
 }
 
 void SymbolTable::show() const {
-  for (const SymbolTableElement* element : _elements) element->show();
+  for (const SymbolTableElement& element : elements()) element.show();
 }
 
 void SymbolTable::showAllUsed() const {
   if (_tableElement.used()) _tableElement.show();
   bool headShown = false;
-  for (const SymbolTableElement* element : _elements) {
-    if (!element->used()) continue;
+  for (const SymbolTableElement& element : elements()) {
+    if (!element.used()) continue;
     if (!headShown) std::printf("----------\n%s\n----------\n", _fileName.c_str());
     headShown = true;
-    element->show();
+    element.show();
   }
 }
 

@@ -92,7 +92,7 @@ class SymbolTable : public PerfFoundation {
 
   unsigned long long lowAddress() const { return _lowAddress; }
   unsigned long long highAddress() const { return _highAddress; }
-  const std::vector<SymbolTableElement*>& elements() const { return _elements; }
+  const std::deque<SymbolTableElement>& elements() const;
 
   static std::vector<std::string> _paths;
   static std::vector<SymbolTable*> _allSymbolTables;
@@ -100,9 +100,15 @@ class SymbolTable : public PerfFoundation {
   static SymbolTable* _syntheticSymTable;
 
  private:
+  struct Range {
+    unsigned long long start;
+    unsigned long long end;
+  };
+
   /// What holds the symbols and their names.
   struct Storage {
     std::deque<SymbolTableElement> symbols;
+    std::vector<Range> ranges;  ///< of the symbols, side by side for the search
     NameStore names;
   };
 
@@ -114,7 +120,6 @@ class SymbolTable : public PerfFoundation {
   std::string _fileName;
   SymbolTableElement _tableElement;   ///< stands for the table itself
   std::unique_ptr<Storage> _storage;  ///< null until there is a symbol
-  std::vector<SymbolTableElement*> _elements;
 };
 
 /// Sets baseName to what follows the last "/" of path, or to the whole of it.

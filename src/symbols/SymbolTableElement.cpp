@@ -36,8 +36,7 @@ unsigned int SymbolTableElement::markUsed(unsigned long long /*address*/) {
 }
 
 void SymbolTableElement::setMapKey(unsigned int key) {
-  if (!_mapKeys) _mapKeys = std::make_unique<KeyList>();
-  _mapKeys->add(key);
+  _mapKeys.add(key);
 }
 
 void SymbolTableElement::show() const {

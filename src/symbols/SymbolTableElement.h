@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -44,12 +43,7 @@ class SymbolTableElement {
   const FileNames* file() const { return _file; }
   unsigned int lineNumber() const { return _lineNumber; }
   /// In order of first use.
-  std::vector<unsigned int> mapKeys() const {
-    return _mapKeys ? _mapKeys->keys() : std::vector<unsigned int>();
-  }
-
-  /// Whether the address lies in the range, its end included: the boundary belongs to both neighbours.
-  bool reaches(unsigned long long address) const { return address <= _address + _size; }
+  const std::vector<unsigned int>& mapKeys() const { return _mapKeys.keys(); }
 
  private:
   std::string_view _name;
@@ -60,5 +54,5 @@ class SymbolTableElement {
   unsigned int _useCount = 0;
   unsigned int _key = 0;  ///< 0 until the first use, then from the counter that maps and symbols share
   bool _used = false;
-  std::unique_ptr<KeyList> _mapKeys;  ///< null until there is one
+  KeyList _mapKeys;
 };

@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int kPointDecimals = 6;
 /// Points have always been cut at this length.
 constexpr std::size_t kLongestPoint = 31;
 
@@ -59,8 +58,9 @@ void ChartEntry::openData() {
 }
 
 void ChartEntry::point(std::string_view separator, double time, unsigned int value) {
-  char text[kFixedRoom + 32] = "[";
-  char* end = writeFixed(text + 1, time, kPointDecimals);
+  char text[kFixedRoom + 32];
+  text[0] = '[';
+  char* end = writeFixed<kPointDecimals>(text + 1, time);
   end = std::copy(separator.begin(), separator.end(), end);
   end = std::to_chars(end, end + 16, value).ptr;
   *end++ = ']';

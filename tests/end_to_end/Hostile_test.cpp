@@ -1,5 +1,5 @@
-// Recordings made to hurt: each must end by the rules, in bounded time and memory, with a document that can be read
-// back.
+// Recordings made to hurt: each must end by the rules, in bounded time and memory, with a document that can
+// be read back.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -59,8 +59,9 @@ TEST_F(Hostile, NamesOfEveryLengthAndByte) {
   RecordingBuilder recording;
   std::string everyByte;
   for (int byte = 1; byte < 256; ++byte) everyByte += static_cast<char>(byte);
-  for (const std::string& name : {std::string(), std::string(200, 'x'), std::string(200, '/'), everyByte.substr(0, 128),
-                                  everyByte.substr(128), std::string("'; $(touch owned) `id` | \"\n")}) {
+  for (const std::string& name :
+       {std::string(), std::string(200, 'x'), std::string(200, '/'), everyByte.substr(0, 128),
+        everyByte.substr(128), std::string("'; $(touch owned) `id` | \"\n")}) {
     const std::string body = Bytes().u32(7).u32(7).append(name).str();  // without a NUL
     recording.record(3, body);
     recording.record(1, Bytes().u32(7).u32(7).u64(0x10000).u64(0x100).u64(0).append(name).str());
@@ -87,7 +88,8 @@ TEST_F(Hostile, EveryEventWithEveryCpuAndExtremeFields) {
 TEST_F(Hostile, TextsLocatedAtAndBeyondTheEnd) {
   TraceBuilder trace;
   for (const std::uint64_t place : {0U, 7U, 8U, 51U, 52U, 971U, 972U, 1023U, 1024U, 0xFFFFU})
-    for (const char* name : {"irq:irq_handler_entry", "kgsl:kgsl_rail", "kgsl:kgsl_clk", "kgsl:kgsl_issueibcmds"})
+    for (const char* name :
+         {"irq:irq_handler_entry", "kgsl:kgsl_rail", "kgsl:kgsl_clk", "kgsl:kgsl_issueibcmds"})
       trace.at(place, 0).add(name, Payload().u32(place | 0xFFFF0000).u32(place).u32(0).u32(0));
   for (std::size_t length = 0; length <= 8; ++length)
     trace.gpu("kgsl:kgsl_pwrlevel", std::string("kgsl-3d0").substr(0, length), 0, 450000000);
@@ -98,7 +100,8 @@ TEST_F(Hostile, MapsThatWrapOverlapOrAreEmpty) {
   constexpr std::uint64_t last = ~0ULL;
   RecordingBuilder recording;
   recording.comm(7, 7, "tool");
-  for (const std::uint64_t start : {std::uint64_t{0}, std::uint64_t{0x10000}, std::uint64_t{0x10080}, last - 15, last})
+  for (const std::uint64_t start :
+       {std::uint64_t{0}, std::uint64_t{0x10000}, std::uint64_t{0x10080}, last - 15, last})
     for (const std::uint64_t length : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{0x100}, last})
       for (const unsigned int tid : {7U, 8U}) recording.mmap(7, tid, start, length, "/app/tool");
   for (const std::uint64_t ip : {std::uint64_t{0}, std::uint64_t{0x10080}, std::uint64_t{0x90000000}, last})
@@ -112,14 +115,16 @@ TEST_F(Hostile, ThousandsOfMapsAndProcesses) {
     recording.mmap(7, 7, 0x50000000 - i * 64, 64, "/app/tool");
     recording.comm(i, i + i % 3, "task").sample({.ip = 0x60000000, .pid = i, .tid = i, .time = i});
   }
-  for (unsigned int i = 0; i < 10000; ++i) recording.sample({.ip = 0x50000000 - i * 64, .pid = 7, .tid = 7, .time = i});
+  for (unsigned int i = 0; i < 10000; ++i)
+    recording.sample({.ip = 0x50000000 - i * 64, .pid = 7, .tid = 7, .time = i});
   convertBothWays(recording);
 }
 
 TEST_F(Hostile, MapsOfPipesDevicesAndFolders) {
   ASSERT_EQ(mkfifo(_folder.path("root/app/pipe").c_str(), 0600), 0);  // to open it would wait for a writer
   RecordingBuilder recording;
-  for (const char* name : {"/app/pipe", "/dev/zero", "/dev/tty", "/app", "/", "", "//", "/app/tool/", "/app/../app/tool"})
+  for (const char* name :
+       {"/app/pipe", "/dev/zero", "/dev/tty", "/app", "/", "", "//", "/app/tool/", "/app/../app/tool"})
     recording.mmap(7, 7, 0x10000, 0x1000, name).sample({.ip = 0x10104, .pid = 7, .tid = 7, .time = 1});
   convertBothWays(recording);
 }
@@ -128,14 +133,16 @@ TEST_F(Hostile, BackTracesLongerThanTheirRecord) {
   RecordingBuilder recording;
   recording.mmap(7, 7, 0x10000, 0x1000, "/app/tool");
   for (const std::uint64_t count : {1ULL, 2ULL, 15ULL, 16ULL, 0xFFFFFFFFULL, ~0ULL})
-    recording.record(9, Bytes().u64(0x10004).u32(7).u32(7).u64(1).u32(0).u32(0).u64(1).u64(count).u64(0x10004).str());
+    recording.record(
+        9, Bytes().u64(0x10004).u32(7).u32(7).u64(1).u32(0).u32(0).u64(1).u64(count).u64(0x10004).str());
   convertBothWays(recording);
 }
 
 TEST_F(Hostile, TimesAtTheEdgesOnEveryScale) {
   TraceBuilder trace;
   trace.mmap(7, 7, 0x10000, 0x1000, "/app/tool");
-  for (const std::uint64_t time : {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, std::uint64_t{1}}) {
+  for (const std::uint64_t time :
+       {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, std::uint64_t{1}}) {
     trace.sample({.ip = 0x10004, .pid = 7, .tid = 7, .time = time});
     TracePoint point{.event = 20, .time = time, .cpu = 1, .pid = 7};
     trace.tracePoint(point, Payload().text("a", 16).u32(7).u32(0).u32(2).text("b", 16).u32(8).u32(0));
@@ -152,8 +159,8 @@ TEST_F(Hostile, TimesAtTheEdgesOnEveryScale) {
 }
 
 TEST_F(Hostile, EventNumbersAndTablesOfEverySize) {
-  for (const std::uint64_t number : {0ULL, 3999ULL, 4000ULL, 4001ULL, 0x7FFFFFFFULL, 0x80000000ULL, 0xFFFFFFFFULL,
-                                     0x100000000ULL, ~0ULL}) {
+  for (const std::uint64_t number : {0ULL, 3999ULL, 4000ULL, 4001ULL, 0x7FFFFFFFULL, 0x80000000ULL,
+                                     0xFFFFFFFFULL, 0x100000000ULL, ~0ULL}) {
     RecordingBuilder recording;
     recording.event(number, "sched:sched_switch").event(number / 2, std::string(64, 'x'));
     const Ending ending = _folder.runApart(recording.build(), {"-b", "5"});

@@ -11,21 +11,27 @@
 
 namespace {
 
+template <int Decimals>
 void expectLikePrintf(double value) {
-  for (const int decimals : {6, 9}) {
-    char text[kFixedRoom];
-    char expected[400];
-    std::snprintf(expected, sizeof expected, "%.*f", decimals, value);
-    ASSERT_EQ(std::string(text, writeFixed(text, value, decimals)), expected) << std::hexfloat << value;
-  }
+  char text[kFixedRoom];
+  char expected[400];
+  std::snprintf(expected, sizeof expected, "%.*f", Decimals, value);
+  ASSERT_EQ(std::string(text, writeFixed<Decimals>(text, value)), expected) << std::hexfloat << value;
+}
+
+void expectLikePrintf(double value) {
+  expectLikePrintf<kPointDecimals>(value);
+  expectLikePrintf<kDocumentDecimals>(value);
 }
 
 TEST(FixedDecimals, AreThoseOfPrintfAtTheEdges) {
   using limits = std::numeric_limits<double>;
-  for (const double value : {0.0, 0x1p-8, 0x1p-9, 0.5, 0.9999999995, 0.99999999949999, 9.9999995, 999999999.9999999995,
-                             0x1p52, 0x1p53, 0x1p53 - 1, 0x1p60, 1e16, 1e300, limits::min(), limits::denorm_min(),
-                             limits::max(), limits::infinity(), limits::quiet_NaN()})
-    for (const double neighbour : {value, std::nextafter(value, 0.0), std::nextafter(value, limits::infinity())}) {
+  for (const double value :
+       {0.0, 0x1p-8, 0x1p-9, 0.5, 0.9999999995, 0.99999999949999, 9.9999995, 999999999.9999999995, 0x1p52,
+        0x1p53, 0x1p53 - 1, 0x1p60, 1e16, 1e300, limits::min(), limits::denorm_min(), limits::max(),
+        limits::infinity(), limits::quiet_NaN()})
+    for (const double neighbour :
+         {value, std::nextafter(value, 0.0), std::nextafter(value, limits::infinity())}) {
       expectLikePrintf(neighbour);
       expectLikePrintf(-neighbour);
     }

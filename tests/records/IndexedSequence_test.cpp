@@ -17,7 +17,8 @@ TEST(IndexedSequence, HoldsWhatAVectorWould) {
       expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(place), i);
     }
     ASSERT_EQ(sequence.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) ASSERT_EQ(sequence[i], expected[i]) << spread << " " << i;
+    for (std::size_t i = 0; i < expected.size(); ++i)
+      ASSERT_EQ(sequence[i], expected[i]) << spread << " " << i;
   }
 }
 

@@ -51,12 +51,12 @@ std::string read(const std::string& list, bool kernel = false) {
   SymbolTable table;
   EXPECT_EQ(table.readFromFile(folder.path("list").c_str()), 0);
   std::string result;
-  for (const SymbolTableElement* element : table.elements()) {
+  for (const SymbolTableElement& element : table.elements()) {
     char numbers[64];
-    std::snprintf(numbers, sizeof numbers, "%llx+%llx ", element->address(), element->size());
-    result += numbers + std::string(element->name());
-    if (element->lineNumber() != 0)
-      result += " @" + element->file()->name() + ":" + std::to_string(element->lineNumber());
+    std::snprintf(numbers, sizeof numbers, "%llx+%llx ", element.address(), element.size());
+    result += numbers + std::string(element.name());
+    if (element.lineNumber() != 0)
+      result += " @" + element.file()->name() + ":" + std::to_string(element.lineNumber());
     result += "|";
   }
   return result;
