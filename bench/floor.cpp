@@ -145,8 +145,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   const Record header(bytes.data());
-  std::size_t place = header.at<std::uint64_t>(40);
-  const std::size_t end = place + header.at<std::uint64_t>(48);
+  auto place = static_cast<std::size_t>(header.at<std::uint64_t>(40));
+  const std::size_t end = place + static_cast<std::size_t>(header.at<std::uint64_t>(48));
   Block block(4 * bytes.size());
   std::uint64_t samples = 0;
   while (place < end) {

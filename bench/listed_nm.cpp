@@ -1,4 +1,5 @@
-// Stands in for nm where its own time is not to be measured: prints the list that lies beside a library, FILE.nm.
+// Stands in for nm where its own time is not to be measured: prints the list that lies beside a library,
+// FILE.nm.
 
 #include <fcntl.h>
 #include <unistd.h>

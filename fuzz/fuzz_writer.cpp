@@ -25,9 +25,10 @@ class Session {
     const std::size_t length = _text.size();
     _writer.end();
     if (_text.size() != length) std::abort();
-    if (_refused || _nulls || _text.empty()) return;
-    JSONData document;
     const std::string text(_text.text());
+    // A NUL comes from a string, or from the white space of a deep indent, and ends what the parser sees.
+    if (_refused || text.empty() || text.find('\0') != std::string::npos) return;
+    JSONData document;
     if (!document.setFromJsonStlString(text)) std::abort();
   }
 
@@ -37,7 +38,6 @@ class Session {
   std::string bytes() {
     std::string text(next() % 16, ' ');
     for (char& byte : text) byte = static_cast<char>(next());
-    _nulls = _nulls || text.find('\0') != std::string::npos;
     return text;
   }
 
@@ -54,8 +54,6 @@ class Session {
     perform(call & 15);
     // Every call but that of an empty finished value writes something, unless it is refused.
     if (_text.size() == before) _refused = true;
-    // White space makes deep indents, which have a NUL.
-    if (_text.text().substr(before).find('\0') != std::string_view::npos) _nulls = true;
     // Behind the root nothing separates what comes.
     _opened += opens(call & 15) && _text.size() != before ? 1 : 0;
     _opened -= closes(call & 15) && _text.size() != before ? 1 : 0;
@@ -105,7 +103,6 @@ class Session {
   TextBuffer _text;
   JsomStringWriter _writer{_text};
   bool _refused = false;
-  bool _nulls = false;
   bool _closed = false;
   int _opened = 0;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
+#include <cstddef>
 #include <cstring>
 
 /// The two decimal digits of each number below 100.
@@ -17,7 +17,7 @@ inline constexpr std::array<char, 200> kDigitPairs = [] {
 /// Puts the last two digits of the number ahead of the place, and takes them off.
 template <typename Number>
 char* putPair(char* place, Number& number) {
-  std::memcpy(place - 2, &kDigitPairs[2 * (number % 100)], 2);
+  std::memcpy(place - 2, kDigitPairs.data() + 2 * static_cast<std::size_t>(number % 100), 2);
   number /= 100;
   return place - 2;
 }

@@ -21,7 +21,7 @@ class AddressLookUps {
     std::size_t maps = 0;  ///< how many there were; the answer is good while there are no more
     // For an answer with a page only, as that stands under a map that depends on both.
     std::size_t processes = 0;                        ///< how many there were
-    AddressClass sampleClass = AddressClass::mapped;  ///< of the sample's own address
+    AddressClass sampleClass = AddressClass::kernel;  ///< of the sample's own address
     PerfRecordMMap* map = nullptr;
     SymbolTableElement* symbol = nullptr;  ///< in the map, if it has one at the address
     SymbolTableElement* page = nullptr;    ///< the synthetic symbol of an address that no map covers

@@ -62,7 +62,7 @@ if [ -x /bin/busybox ] && [ -d recordings ]; then
     chmod +x android/system/bin/nm
     cp "$zelconv" recordings/cpu-clock-g.data android/data/
     cp recordings/rootfs/in/* android/in/
-    run shell-of-android env PATH=/system/bin /bin/busybox chroot android \
+    run no-bin-sh env PATH=/system/bin /bin/busybox chroot android \
         /data/zelconv -b 1 -i /data/cpu-clock-g.data -o /data/out.json
     cp android/data/out.json "$out/android.json"
 fi
