@@ -17,22 +17,12 @@
 #include <string>
 #include <string_view>
 
+#include "LargeTrace.h"
+
 namespace {
 
 constexpr std::uint32_t kSample = 9;
 constexpr std::uint32_t kHighestCore = 16;
-
-// The numbers of make_large's events.
-enum Event : std::uint16_t {
-  kSwitch = 20,
-  kWakeup,
-  kIdle,
-  kFrequency,
-  kIrqEntry,
-  kIrqExit,
-  kSoftEntry,
-  kSoftExit
-};
 
 class Record {
  public:
@@ -100,11 +90,11 @@ void printSample(const Record& record, std::uint64_t key, Block& block) {
 }
 
 /// How many points a trace-point adds to the series of the document, as a rule.
-int pointsOf(std::uint16_t event) {
+int pointsOf(unsigned int event) {
   switch (event) {
     case kSwitch:
       return 3;
-    case kSoftEntry + 2:
+    case kGpuClock:
       return 5;
     default:
       return 1;

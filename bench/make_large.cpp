@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "LargeTrace.h"
 #include "PerfFile.h"
 
 namespace {
@@ -124,18 +125,6 @@ std::string field(const char* type, const char* name, unsigned int offset, unsig
   return std::string("\tfield:") + type + " " + name + ";\toffset:" + std::to_string(offset) +
          ";\tsize:" + std::to_string(size) + ";\tsigned:0;\n";
 }
-
-enum Event : unsigned int {
-  kSwitch = 20,
-  kWakeup,
-  kIdle,
-  kFrequency,
-  kIrqEntry,
-  kIrqExit,
-  kSoftEntry,
-  kSoftExit,
-  kGpuClock
-};
 
 std::vector<PerfFile::TracePoint> tracePoints() {
   const std::string one = field("u32", "state", 8, 4);

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -45,6 +46,10 @@ void runIsolated(const std::function<bool()>& run) {
     _exit(0);
   }
   int status = 0;
-  if (waitpid(child, &status, 0) != child || status != 0) std::abort();
+  pid_t ended = 0;
+  do {  // the fuzzer's own timer interrupts the wait now and then
+    ended = waitpid(child, &status, 0);
+  } while (ended < 0 && errno == EINTR);
+  if (ended != child || status != 0) std::abort();
   counters.takeOver();
 }

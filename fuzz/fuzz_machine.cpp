@@ -2,11 +2,11 @@
 // by the first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or
 // the kernel's symbols.
 
-#include <filesystem>
 #include <iterator>
+#include <memory>
 
 #include "Isolated.h"
-#include "Workshop.h"
+#include "WholeConversion.h"
 #include "support/TraceEvents.h"
 
 namespace {
@@ -14,14 +14,15 @@ namespace {
 struct Case {
   const char* file;
   std::vector<std::string> options;
+  const char* usual;  ///< what stands in the file while it is another's turn
 };
 
 const Case kCases[] = {
-    {"trace", {"-t", "-q"}},
-    {"plotx/activeCounters", {"-t", "-b5"}},
-    {"configx/cfgx-types.json", {"-t", "-b5"}},
-    {"softirqs", {"-t", "-b5"}},
-    {"kallsyms", {"-b5"}},
+    {"trace", {"-t", "-q"}, ""},
+    {"plotx/activeCounters", {"-t", "-b5"}, "11\n\n04\n13\n17\n18\n\n21\n22\n"},
+    {"configx/cfgx-types.json", {"-t", "-b5"}, "{}"},
+    {"softirqs", {"-t", "-b5"}, "CPU0\n TIMER: 1\n"},
+    {"kallsyms", {"-b5"}, "c0008000 T stext\nc0008100 T schedule\n"},
 };
 
 /// Something of each kind that the machine's files say more about.
@@ -39,22 +40,25 @@ void makeRecording(const std::string& path) {
   recording.save(path);
 }
 
+std::unique_ptr<Conversion> makeFolder() {
+  auto folder = std::make_unique<Conversion>();
+  for (const char* variable : {"ZELVIEW_CONFIG", "DOCUMENT_ROOT"})
+    folder->environment().set(variable, folder->path("."));
+  folder->environment().set("BUILD_TYPE", "release");
+  makeRecording(folder->path("perf.data"));
+  return folder;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Workshop workshop;
+  static const std::unique_ptr<Conversion> folder = makeFolder();
   if (size == 0) return 0;
   const Case& chosen = kCases[data[0] % std::size(kCases)];
   runIsolated([&] {
-    makeRecording(workshop.path("perf.data"));
-    workshop.write("plotx/activeCounters", "11\n\n04\n13\n17\n18\n\n21\n22\n");
-    workshop.write(chosen.file, textOf(data + 1, size - 1));
-    const bool good = workshop.convert(chosen.options);
-    std::filesystem::remove(workshop.path("configx/cfgx-types.json"));
-    std::filesystem::remove(workshop.path("trace"));
-    workshop.write("softirqs", "CPU0\n TIMER: 1\n");
-    workshop.write("kallsyms", "c0008000 T stext\nc0008100 T schedule\n");
-    return good;
+    for (const Case& each : kCases) folder->write(each.file, each.usual);
+    folder->write(chosen.file, textOf(data + 1, size - 1));
+    return convertWhole(*folder, chosen.options);
   });
   return 0;
 }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "Isolated.h"
-#include "Workshop.h"
+#include "WholeConversion.h"
 
 namespace {
 
@@ -23,13 +23,14 @@ std::vector<std::string> chosenOptions(std::uint8_t choice) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Workshop workshop;
+  static const Conversion folder;
   if (size < 2) return 0;
-  workshop.write("perf.data", textOf(data, size));
+  folder.kernelSymbols("c0008000 T stext\nc0008100 T schedule\nc0008200 t idle\nc000f000 T etext\n");
+  folder.write("perf.data", textOf(data, size));
   runIsolated([&] {
     setenv("kern_ver", (data[0] & 32) != 0 ? "3.4" : "3.10", 1);
     setenv("ARM64", (data[0] & 64) != 0 ? "y" : "n", 1);
-    return workshop.convert(chosenOptions(data[1]));
+    return convertWhole(folder, chosenOptions(data[1]));
   });
   return 0;
 }

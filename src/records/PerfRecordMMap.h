@@ -89,7 +89,7 @@ class PerfRecordMMap : public PerfRecord {
 
  private:
   struct SortedMap {
-    unsigned long long sortKey;
+    unsigned long long sortKey;  ///< of 16 bits each of pid and tid, and the start
     PerfRecordMMap* map;
   };
 

@@ -101,11 +101,11 @@ int SymbolTable::checkFile(const std::string& directory, const std::string& file
   if (file.empty() || file.front() != '/') result += '/';
   result += file;
   result.erase(0, result.find_first_not_of(' '));
-  if (isSpecial(result.c_str())) return access(result.c_str(), R_OK) == 0 ? 1 : 0;
-  const int fd = ::open(result.c_str(), O_RDONLY | O_CLOEXEC);
+  const bool special = isSpecial(result.c_str());
+  const int fd = special ? access(result.c_str(), R_OK) : ::open(result.c_str(), O_RDONLY | O_CLOEXEC);
   if (gVerbosity > 0) std::printf("checkFile %s=%d:%d\n", result.c_str(), fd, errno);
   if (fd < 0) return 0;
-  ::close(fd);
+  if (!special) ::close(fd);
   return 1;
 }
 

@@ -100,6 +100,7 @@ class SymbolTable : public PerfFoundation {
   static SymbolTable* _syntheticSymTable;
 
  private:
+  /// Of a symbol. Its end belongs to it, and to its neighbour as well.
   struct Range {
     unsigned long long start;
     unsigned long long end;
