@@ -51,11 +51,20 @@ class Maker {
     Case(_folder, "maps-among-samples", kProfile).save(amongSamples);
   }
 
-  void sharedSymbol() const {
+  /// Symbols that ever more maps use, in a program that has some: this one.
+  void sharedSymbols() const {
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe");
     RecordingBuilder recording;
-    for (unsigned int pid = 1; pid <= _count; ++pid) recording.mmap(pid, pid, 0xFFFFFF00, 256, "/lib/one.so");
-    for (unsigned int pid = 1; pid <= _count; ++pid) recording.sample(at(0xFFFFFF10, pid));
-    Case(_folder, "maps-of-every-process", kProfile).save(recording);
+    for (unsigned int i = 0; i < _count; ++i) {
+      const unsigned int pid = i / 4 + 1;
+      const std::uint64_t start = 0x40000000 + i % 4 * 0x200000;
+      recording.mmap(pid, pid, start, 0x100000, program);
+      PlainSample sample = at(start + 0x5000, pid);
+      for (std::uint64_t offset = 0x3000; offset < 0x9000; offset += 0x800)
+        sample.trace.push_back(start + offset);
+      recording.sample(sample);
+    }
+    Case(_folder, "symbols-in-every-map", kProfile).save(recording);
   }
 
   void files() const {
@@ -147,7 +156,7 @@ int main(int argc, char** argv) {
   }
   const Maker maker(argv[1], static_cast<unsigned int>(std::strtoul(argv[2], nullptr, 10)));
   maker.maps();
-  maker.sharedSymbol();
+  maker.sharedSymbols();
   maker.files();
   maker.samples();
   maker.events();

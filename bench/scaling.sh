@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Converts each case of two folders of make_worst, five times each, and prints the least times and their ratio:
+# Converts each case of two folders of make_worst, nine times each, and prints the least times and their ratio:
 # scaling.sh FOLDER LARGER_FOLDER
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -8,7 +8,7 @@ trap 'rm -f "$document"' EXIT
 
 milliseconds() { # the least time of converting a case
     local folder=$1 least=0 start time
-    for _ in 1 2 3 4 5; do
+    for _ in {1..9}; do
         start=${EPOCHREALTIME/./}
         # shellcheck disable=SC2046
         ZELVIEW_CONFIG=$folder DOCUMENT_ROOT=$folder "$top/build/release/examples/convert_for_machine" "$folder" \

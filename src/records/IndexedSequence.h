@@ -32,10 +32,12 @@ class IndexedSequence {
   static constexpr std::size_t kChunkSize = 1024;
 
   std::size_t chunkOf(std::size_t index) const {
-    if (_starts.size() == 1) return 0;
-    return static_cast<std::size_t>(std::upper_bound(_starts.begin(), _starts.end(), index) -
-                                    _starts.begin()) -
-           1;
+    // A search ends with many looks into one chunk.
+    if (index - _starts[_latest] >= _chunks[_latest].size()) {
+      const auto next = std::upper_bound(_starts.begin(), _starts.end(), index);
+      _latest = static_cast<std::size_t>(next - _starts.begin()) - 1;
+    }
+    return _latest;
   }
 
   void addChunk(std::size_t place, std::vector<Element> elements) {
@@ -56,4 +58,5 @@ class IndexedSequence {
   std::vector<std::vector<Element>> _chunks;
   std::vector<std::size_t> _starts;  ///< index of each chunk's first element
   std::size_t _size = 0;
+  mutable std::size_t _latest = 0;  ///< the chunk looked into last
 };
