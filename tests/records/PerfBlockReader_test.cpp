@@ -33,7 +33,7 @@ TEST(PerfBlockReader, AnswersAsDirectReadsDo) {
   std::mt19937 numbers(2);
   std::string bytes;
   while (bytes.size() < 600000) bytes += static_cast<char>(numbers());
-  for (const std::size_t size : {0, 1, 262144, 262145, 600000}) {
+  for (const std::size_t size : {0U, 1U, 262144U, 262145U, 600000U}) {
     folder.write("file", bytes.substr(0, size));
     PerfReader plain;
     PerfBlockReader inBlocks;
