@@ -46,7 +46,7 @@ echo "== bad surroundings"
 mkdir -p bin && for tool in sh cat; do ln -sf "$(command -v $tool)" bin/; done
 run no-nm env PATH="$here/bin" "$zelconv" -b 1 -i recordings/cpu-clock-g.data -o "$out/no-nm.json"
 mv /tmp /tmp.away
-run no-tmp "$zelconv" -b 1 -i recordings/cpu-clock-g.data -o "$out/no-tmp.json"
+run no-tmp "$zelconv" -b 1 -p "$here/recordings/rootfs" -i recordings/cpu-clock-g.data -o "$out/no-tmp.json"
 mv /tmp.away /tmp
 mkdir -p small && mount -t tmpfs -o size=8k tmpfs small
 run full-disk "$zelconv" -b 1 -i own.data -o small/full.json
