@@ -1,5 +1,6 @@
 #include "events/PerfRecordSampleEvent.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -31,6 +32,15 @@ unsigned int shownAddress(PerfRecordFunction function) {
   return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(function));
 }
 
+/// Keeps the table in the order of the names. Static constructors run in one of the linker's choosing, which
+/// a verbose run shall not show.
+void enter(std::vector<PerfNameToFunctionS>& table, const PerfNameToFunctionS& entry) {
+  const auto isBefore = [](const PerfNameToFunctionS& a, const PerfNameToFunctionS& b) {
+    return std::strcmp(a.name, b.name) < 0;
+  };
+  table.insert(std::upper_bound(table.begin(), table.end(), entry, isBefore), entry);
+}
+
 PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const char* tableName,
                           const char* name) {
   for (const PerfNameToFunctionS& entry : table) {
@@ -56,12 +66,12 @@ void PerfRecordSampleEvent::initVectors() {
 
 void PerfRecordSampleEvent::registerEvent(const char* name, PerfRecordFunction function) {
   if (gVerbosity > 0) std::printf("registerEvent %s:%x\n", name, shownAddress(function));
-  _nameAndFunction->push_back({name, function});
+  enter(*_nameAndFunction, {name, function});
 }
 
 void PerfRecordSampleEvent::registerEvent64(const char* name, PerfRecordFunction function) {
   if (gVerbosity > 0) std::printf("registerEvent64 %s:%x\n", name, shownAddress(function));
-  _nameAndFunction64->push_back({name, function});
+  enter(*_nameAndFunction64, {name, function});
 }
 
 PerfRecordFunction PerfRecordSampleEvent::findFunction(const char* name) {
