@@ -17,7 +17,7 @@ class PerCpu {
   }
 
   /// The place of the CPU, or null if it has none.
-  T* find(int cpu) { return cpu >= 0 && cpu < kPlaces ? &_places[static_cast<std::size_t>(cpu)] : nullptr; }
+  T* find(int cpu) { return placeOf(cpu) >= 0 ? &_places[static_cast<std::size_t>(cpu)] : nullptr; }
 
   /// The value of the CPU; that of a fresh place if it has none.
   T get(int cpu) { return find(cpu) != nullptr ? *find(cpu) : T{}; }

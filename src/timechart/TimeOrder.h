@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <vector>
 
 /// Sorts by the member `time`; elements of one time keep their order.
 ///
