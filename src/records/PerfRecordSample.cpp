@@ -90,10 +90,7 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
     if (record.ips(0) <= kLastInterruptAddress && gVerbosity > 0) std::puts("Not an interrupt");
     skip = 1;
   }
-  if (skip >= _depth) {
-    _depth = 0;
-    return;
-  }
+  if (skip >= _depth) return;
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
   std::array<TraceEntry, kDeepestTrace> entries;

@@ -47,8 +47,7 @@ SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned 
 }
 
 SymbolTable::~SymbolTable() {
-  if (_bypassDestructor) [[maybe_unused]]
-    Storage* leftToTheProcess = _storage.release();
+  if (_bypassDestructor) static_cast<void>(_storage.release());
 }
 
 void SymbolTable::enter(const std::string& name) {
