@@ -7,6 +7,7 @@
 
 #include "json/JSONData.h"
 #include "json/JsomStringWriter.h"
+#include "support/WholeText.h"
 
 namespace {
 
@@ -22,10 +23,9 @@ class Session {
   void run() {
     while (_data != _end && !_closed) step(*_data++);
     _writer.end();
-    const std::size_t length = _text.size();
+    const std::string text = wholeText(_text);
     _writer.end();
-    if (_text.size() != length) std::abort();
-    const std::string text(_text.text());
+    if (wholeText(_text) != text) std::abort();
     // A NUL comes from a string, or from the white space of a deep indent, and ends what the parser sees.
     if (_refused || text.empty() || text.find('\0') != std::string::npos) return;
     JSONData document;
@@ -33,6 +33,8 @@ class Session {
   }
 
  private:
+  std::size_t length() const { return wholeText(_text).size(); }
+
   std::uint8_t next() { return _data != _end ? *_data++ : std::uint8_t{0}; }
 
   std::string bytes() {
@@ -49,15 +51,15 @@ class Session {
   }
 
   void step(std::uint8_t call) {
-    const std::size_t before = _text.size();
+    const std::size_t before = length();
     _writer._whiteSpace = (call & 128) != 0;
     perform(call & 15);
     // Every call but that of an empty finished value writes something, unless it is refused.
-    if (_text.size() == before) _refused = true;
+    if (length() == before) _refused = true;
     // Behind the root nothing separates what comes.
-    _opened += opens(call & 15) && _text.size() != before ? 1 : 0;
-    _opened -= closes(call & 15) && _text.size() != before ? 1 : 0;
-    _closed = _opened == 0 && _text.size() != before;
+    _opened += opens(call & 15) && length() != before ? 1 : 0;
+    _opened -= closes(call & 15) && length() != before ? 1 : 0;
+    _closed = _opened == 0 && length() != before;
   }
 
   static bool opens(int call) { return call == 0 || call == 2; }
@@ -94,7 +96,7 @@ class Session {
       case 14:
         return next() % 2 != 0 ? _writer.appendNull() : _writer.appendString(nullptr, 0, false);
       default:
-        return _writer.appendJsonValue("[1,{\"a\":2},]", 12);
+        return _writer.appendJsonValue("[1,{\"a\":2},]");
     }
   }
 

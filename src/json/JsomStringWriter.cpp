@@ -144,8 +144,8 @@ void JsomStringWriter::appendNull() {
   if (beginValue("appendNull")) _out.append(std::string_view("null"));
 }
 
-void JsomStringWriter::appendJsonValue(const char* text, int length) {
-  if (beginValue("appendJsonValue")) write(text, length);
+void JsomStringWriter::appendJsonValue(std::string_view text) {
+  if (beginValue("appendJsonValue")) _out.append(text);
 }
 
 void JsomStringWriter::end() {

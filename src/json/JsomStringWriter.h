@@ -1,6 +1,8 @@
 #pragma once
 
+#include <concepts>
 #include <string>
+#include <string_view>
 
 #include "json/TextBuffer.h"
 
@@ -38,7 +40,13 @@ class JsomStringWriter {
   void appendBoolean(bool value);
   void appendNull();
   /// Finished JSON. Even an empty text counts as a value, comma included.
-  void appendJsonValue(const char* text, int length);
+  void appendJsonValue(std::string_view text);
+  /// What the function appends to the buffer.
+  template <typename Append>
+  requires std::invocable<Append, TextBuffer&>
+  void appendJsonValue(Append append) {
+    if (beginValue("appendJsonValue")) append(_out);
+  }
 
   /// Closes everything that is open; a label without a value gets null.
   void end();

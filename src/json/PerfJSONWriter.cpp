@@ -1,8 +1,10 @@
 #include "json/PerfJSONWriter.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "json/FixedDecimals.h"
 #include "run/Settings.h"
@@ -27,7 +29,7 @@ int PerfJSONWriter::open(const char* name) {
   if (name == nullptr) return -1;
   _fileName = name;
   _file = std::fopen(name, "w");
-  if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);  // one write takes the document
+  if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);  // the document comes in large pieces
   _openError = _file == nullptr ? errno : 0;
   _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
   _writer->_whiteSpace = _whiteSpace;
@@ -47,7 +49,10 @@ void PerfJSONWriter::close() {
 int PerfJSONWriter::_writeFile() {
   std::FILE* file = std::exchange(_file, nullptr);
   _document.append('\n');
-  const bool written = std::fwrite(_document.text().data(), 1, _document.size(), file) == _document.size();
+  const std::vector<std::string_view> pieces = _document.pieces();
+  const bool written = std::all_of(pieces.begin(), pieces.end(), [&](std::string_view piece) {
+    return std::fwrite(piece.data(), 1, piece.size(), file) == piece.size();
+  });
   const int writeError = written ? 0 : errno;
   const bool closed = std::fclose(file) == 0;
   return written && !closed ? errno : writeError;
@@ -108,6 +113,20 @@ void PerfJSONWriter::writeArrayEnd() {
   _writer->endArray();
 }
 
+void PerfJSONWriter::writePairs(const char* label, const char* firstLabel, const char* secondLabel,
+                                std::span<const NumberPair> pairs) {
+  if (!_includeLabels && !_whiteSpace)
+    return _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _pairs.append(pairs, out); });
+  writeArrayStart(label);
+  for (const NumberPair& pair : pairs) {
+    writeArrayStart(nullptr);
+    writeNamed(firstLabel, pair.first());
+    writeNamed(secondLabel, pair.second());
+    writeArrayEnd();
+  }
+  writeArrayEnd();
+}
+
 void PerfJSONWriter::writeStructStart() {
   _terminateLine();
   if (_includeLabels) _writer->startObject();
@@ -147,6 +166,6 @@ void PerfJSONWriter::_bufferJsonValue(std::string_view text) {
 }
 
 void PerfJSONWriter::_flushBuffer() {
-  _writer->appendJsonValue(_buffer.text().data(), static_cast<int>(_buffer.size()));
+  _writer->appendJsonValue([this](loomstat::TextBuffer& out) { out.append(_buffer); });
   _buffer.clear();
 }

@@ -2,10 +2,13 @@
 
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "json/JsomStringWriter.h"
+#include "json/NumberPair.h"
+#include "json/PairTexts.h"
 #include "json/TextBuffer.h"
 
 /// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
@@ -55,6 +58,10 @@ class PerfJSONWriter {
   void writeArrayStart(const char* label);
   void writeArrayEnd();
 
+  /// An array of arrays of two numbers each.
+  void writePairs(const char* label, const char* firstLabel, const char* secondLabel,
+                  std::span<const NumberPair> pairs);
+
   /// A record of its own line. Without labels it dissolves into bare values of the array around it.
   void writeStructStart();
   void writeStructEnd();
@@ -79,6 +86,7 @@ class PerfJSONWriter {
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
+  PairTexts _pairs;
   bool _includeLabels;
   bool _whiteSpace;
 };

@@ -1,30 +1,41 @@
 #include "json/TextBuffer.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <new>
+#include <utility>
 
 namespace loomstat {
 
-namespace {
-
-constexpr std::size_t kSmallestRoom = 1024;
-
-}  // namespace
-
-TextBuffer::~TextBuffer() {
-  std::free(_start);
+std::vector<std::string_view> TextBuffer::pieces() const {
+  std::vector<std::string_view> pieces;
+  for (const FullBlock& block : _full) pieces.push_back(block.text());
+  pieces.push_back(lastPiece());
+  return pieces;
 }
 
-void TextBuffer::grow(std::size_t more) {
-  const std::size_t length = size();
-  const std::size_t room =
-      std::max({2 * static_cast<std::size_t>(_limit - _start), length + more, kSmallestRoom});
-  auto* bytes = static_cast<char*>(std::realloc(_start, room));
-  if (bytes == nullptr) throw std::bad_alloc();
-  _start = bytes;
-  _end = bytes + length;
-  _limit = bytes + room;
+void TextBuffer::clear() {
+  _full.clear();
+  _end = _block.get();
+}
+
+void TextBuffer::append(const TextBuffer& text) {
+  for (const FullBlock& block : text._full) append(block.text());
+  append(text.lastPiece());
+}
+
+void TextBuffer::appendInPieces(std::string_view text) {
+  while (!text.empty()) {
+    makeRoom(1);
+    const std::string_view piece = text.substr(0, room());
+    append(piece);
+    text.remove_prefix(piece.size());
+  }
+}
+
+void TextBuffer::startBlock() {
+  if (const std::size_t size = lastPiece().size(); size != 0) _full.push_back({std::move(_block), size});
+  _block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+  _end = _block.get();
+  _limit = _end + kBlockSize;
 }
 
 }  // namespace loomstat

@@ -1,29 +1,33 @@
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "json/DigitPairs.h"
 
 namespace loomstat {
 
-/// A text under construction that can grow to the size of the largest document. Growing moves the pages of a
-/// large text instead of copying them where the C library can do so, and room that is not written to costs no
-/// memory.
+/// A text under construction that can grow to the size of the largest document. It lies in blocks, so that
+/// growing moves nothing and finds room in whatever memory has become free.
 class TextBuffer {
  public:
+  /// Small enough for the C library to give blocks out again as soon as they are released.
+  static constexpr std::size_t kBlockSize = 64 * 1024;
+
   TextBuffer() = default;
-  ~TextBuffer();
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
-  std::string_view text() const { return {_start, size()}; }
-  std::size_t size() const { return static_cast<std::size_t>(_end - _start); }
-  bool empty() const { return _end == _start; }
-  void clear() { _end = _start; }
+  /// The text, cut where a block ends. The last piece may be empty.
+  std::vector<std::string_view> pieces() const;
+  bool empty() const { return _full.empty() && _end == _block.get(); }
+  void clear();
 
   void append(char byte) {
     makeRoom(1);
@@ -31,10 +35,19 @@ class TextBuffer {
   }
 
   void append(std::string_view text) {
-    if (text.empty()) return;
-    makeRoom(text.size());
-    std::memcpy(_end, text.data(), text.size());
+    if (room() < text.size()) return appendInPieces(text);
+    std::copy(text.begin(), text.end(), _end);
     _end += text.size();
+  }
+
+  void append(const TextBuffer& text);
+
+  /// Appends so many bytes of the array. All of it is copied: a copy of one size is faster.
+  template <std::size_t Size>
+  void append(const std::array<char, Size>& text, std::size_t length) {
+    makeRoom(Size);
+    std::memcpy(_end, text.data(), Size);
+    _end += length;
   }
 
   /// Appends the number in decimal.
@@ -49,8 +62,7 @@ class TextBuffer {
     } else {
       *--start = static_cast<char>('0' + number);
     }
-    // What follows the digits goes along: a copy of one size is faster than one of just the digits.
-    std::memcpy(_end, start, kLongestNumber);
+    std::memcpy(_end, start, kLongestNumber);  // as above, with what follows the digits
     _end += end - start;
   }
 
@@ -64,14 +76,25 @@ class TextBuffer {
  private:
   static constexpr std::size_t kLongestNumber = 20;
 
-  void makeRoom(std::size_t size) {
-    if (static_cast<std::size_t>(_limit - _end) < size) grow(size);
-  }
-  void grow(std::size_t more);
+  struct FullBlock {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size;
 
-  char* _start = nullptr;
-  char* _end = nullptr;    ///< of the text
-  char* _limit = nullptr;  ///< of the room for it
+    std::string_view text() const { return {bytes.get(), size}; }
+  };
+
+  std::string_view lastPiece() const { return {_block.get(), static_cast<std::size_t>(_end - _block.get())}; }
+  std::size_t room() const { return static_cast<std::size_t>(_limit - _end); }
+  void makeRoom(std::size_t size) {
+    if (room() < size) startBlock();
+  }
+  void startBlock();
+  void appendInPieces(std::string_view text);
+
+  std::vector<FullBlock> _full;
+  std::unique_ptr<char[]> _block;  ///< the one being filled; null before the first
+  char* _end = nullptr;            ///< of the text in it
+  char* _limit = nullptr;          ///< of the room in it
 };
 
 }  // namespace loomstat

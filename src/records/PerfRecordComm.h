@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -27,7 +27,7 @@ class PerfRecordComm : public PerfRecord {
   /// other id does. Null if there is none: a known process with an unknown tid is not found.
   static PerfRecordComm* findProcessRecord(unsigned int pid, unsigned int tid);
 
-  static std::size_t count() { return _elements.size(); }
+  static std::uint32_t count() { return static_cast<std::uint32_t>(_elements.size()); }
 
   virtual void setName(std::string_view name);
   virtual void show() const;

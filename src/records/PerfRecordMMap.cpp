@@ -246,7 +246,7 @@ void PerfRecordMMap::addSample(PerfRecordSample* sample) {
 bool PerfRecordMMap::isGood(const AddressLookUps::Answer& answer, const PerfRecordSample& sample,
                             unsigned long long address) {
   if (answer.address != address || answer.pid != sample.pid || answer.tid != sample.tid) return false;
-  if (answer.map == nullptr || answer.maps != _allMaps.size()) return false;
+  if (answer.map == nullptr || answer.maps != mapCount()) return false;
   return answer.page == nullptr ||
          (answer.processes == PerfRecordComm::count() && answer.sampleClass == classOf(sample.getAddress()));
 }
@@ -254,16 +254,12 @@ bool PerfRecordMMap::isGood(const AddressLookUps::Answer& answer, const PerfReco
 /// Looks an address of the sample up, making a synthetic home for one that no map covers, and counts the
 /// uses.
 AddressLookUps::Answer PerfRecordMMap::lookUpAndUse(PerfRecordSample& sample, unsigned long long address) {
-  AddressLookUps::Answer answer = {address,
-                                   sample.pid,
-                                   sample.tid,
-                                   _allMaps.size(),
-                                   PerfRecordComm::count(),
-                                   classOf(sample.getAddress())};
+  AddressLookUps::Answer answer = {
+      address, sample.pid, sample.tid, mapCount(), PerfRecordComm::count(), classOf(sample.getAddress())};
   answer.map = findMap(address, sample.pid, sample.tid);
   if (answer.map == nullptr) {
     answer.map = createSyntheticMap(&sample, sample.pid, sample.tid, address);
-    if (answer.maps == _allMaps.size()) answer.page = SymbolTable::findSyntheticEntry(pageOf(address));
+    if (answer.maps == mapCount()) answer.page = SymbolTable::findSyntheticEntry(pageOf(address));
   }
   if (answer.map == nullptr) return answer;
   if (gVerbosity > 0) answer.map->showLookUp(address);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -104,6 +105,7 @@ class PerfRecordMMap : public PerfRecord {
   SymbolTableElement* useSymbolAt(unsigned long long address) const;
   void useSymbol(SymbolTableElement& symbol) const;
   void showLookUp(unsigned long long address) const;
+  static std::uint32_t mapCount() { return static_cast<std::uint32_t>(_allMaps.size()); }
   static bool isGood(const AddressLookUps::Answer& answer, const PerfRecordSample& sample,
                      unsigned long long address);
   static AddressLookUps::Answer lookUpAndUse(PerfRecordSample& sample, unsigned long long address);

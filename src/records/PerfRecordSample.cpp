@@ -17,7 +17,7 @@ double PerfRecordSample::_firstSampleTime = 0.0;
 unsigned long long PerfRecordSample::_lastSampleTime = 0;
 bool PerfRecordSample::_keepsSamples = true;
 unsigned long long PerfRecordSample::_runningIndex = 0;
-std::vector<PerfRecordSample*> PerfRecordSample::_allSamples;
+std::deque<PerfRecordSample*> PerfRecordSample::_allSamples;
 
 namespace {
 
@@ -67,7 +67,7 @@ PerfRecordSample::PerfRecordSample() {
 }
 
 PerfRecordSample::~PerfRecordSample() {
-  RecordArena::release(_trace, _depth * sizeof(TraceEntry));
+  RecordArena::release(_trace, _depth * sizeof(NumberPair));
 }
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
@@ -93,19 +93,18 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   if (skip >= _depth) return;
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
-  std::array<TraceEntry, kDeepestTrace> entries;
+  std::array<NumberPair, kDeepestTrace> entries;
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);
-    entries[i] = {static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(address >> 32),
-                  PerfRecordMMap::useAddress(*this, address)};
+    entries[i] = {address, PerfRecordMMap::useAddress(*this, address)};
   }
   if (address <= kLastStrayMarker) --_depth;
   keepTrace(entries.data());
 }
 
-void PerfRecordSample::keepTrace(const TraceEntry* entries) {
-  _trace = static_cast<TraceEntry*>(RecordArena::allocate(_depth * sizeof(TraceEntry)));
+void PerfRecordSample::keepTrace(const NumberPair* entries) {
+  _trace = static_cast<NumberPair*>(RecordArena::allocate(_depth * sizeof(NumberPair)));
   std::uninitialized_copy_n(entries, _depth, _trace);
 }
 
@@ -136,20 +135,16 @@ int PerfRecordSample::_out(PerfJSONWriter& writer) {
   writer.writeNamed("cpu", static_cast<unsigned int>(_cpu));
   writer.writeNamed("pidkey", _processRecord->getKey());
   writer.writeNamed("tid", tid);
-  writer.writeArrayStart("bt");
-  for (unsigned int i = 0; i < _depth; ++i) {
-    writer.writeArrayStart(nullptr);
-    writer.writeNamed("ip", _trace[i].address());
-    writer.writeNamed("mapkey", _trace[i].key);
-    writer.writeArrayEnd();
-  }
-  writer.writeArrayEnd();
+  writer.writePairs("bt", "ip", "mapkey", {_trace, _depth});
   writer.writeArrayEnd();
   return 0;
 }
 
 void PerfRecordSample::outAll(PerfJSONWriter& writer) {
   writeSection(writer, "samples", kColumns, [&] {
-    for (PerfRecordSample* sample : _allSamples) sample->out(writer);
+    for (; !_allSamples.empty(); _allSamples.pop_front()) {
+      RecordArena::releaseBlocksBefore(_allSamples.front());
+      _allSamples.front()->out(writer);
+    }
   });
 }

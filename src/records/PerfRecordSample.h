@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <deque>
 
+#include "json/NumberPair.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
 #include "records/RecordArena.h"
@@ -47,7 +48,8 @@ class PerfRecordSample : public PerfRecord {
   const char* getName() const override { return "sample"; }
   int _out(PerfJSONWriter& writer) override;
 
-  /// The section "samples", in the order of the recording.
+  /// The section "samples", in the order of the recording. The samples go as they are written, and leave
+  /// their memory to the document.
   static void outAll(PerfJSONWriter& writer);
 
   static double _firstSampleTime;  ///< seconds of the recording's clock; 0.0 until a sample sets it
@@ -56,21 +58,10 @@ class PerfRecordSample : public PerfRecord {
   static bool _keepsSamples;
 
  private:
-  /// Three words, so that it takes no more than them.
-  struct TraceEntry {
-    std::uint32_t lowAddress;
-    std::uint32_t highAddress;
-    std::uint32_t key;  ///< of the symbol or map at the address
-
-    unsigned long long address() const {
-      return static_cast<unsigned long long>(highAddress) << 32 | lowAddress;
-    }
-  };
-
-  void keepTrace(const TraceEntry* entries);
+  void keepTrace(const NumberPair* entries);
 
   static unsigned long long _runningIndex;  ///< the last sample number given
-  static std::vector<PerfRecordSample*> _allSamples;
+  static std::deque<PerfRecordSample*> _allSamples;
 
   std::uint8_t _depth = 0;  ///< how many entries _trace has
   std::uint8_t _cpu = 0;
@@ -78,5 +69,5 @@ class PerfRecordSample : public PerfRecord {
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
   PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never behind verifyKey
-  TraceEntry* _trace = nullptr;
+  NumberPair* _trace = nullptr;              ///< addresses, and the keys of the symbols or maps there
 };

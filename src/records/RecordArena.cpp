@@ -1,11 +1,13 @@
 #include "records/RecordArena.h"
 
-#include <algorithm>
-#include <new>
+#include <functional>
+
+#include "json/TextBuffer.h"
 
 namespace {
 
-constexpr std::size_t kBlockSize = 1 << 20;
+/// The document grows into the blocks that its samples leave.
+constexpr std::size_t kBlockSize = loomstat::TextBuffer::kBlockSize;
 constexpr std::size_t kAlignment = 8;
 
 std::size_t aligned(std::size_t size) {
@@ -17,8 +19,9 @@ std::size_t aligned(std::size_t size) {
 void* RecordArena::allocate(std::size_t size) {
   size = aligned(size);
   if (size > _left) {
-    _left = std::max(size, kBlockSize);
-    _free = static_cast<char*>(::operator new(_left));
+    _blocks.push_back(std::make_unique_for_overwrite<char[]>(kBlockSize));
+    _free = _blocks.back().get();
+    _left = kBlockSize;
   }
   char* piece = _free;
   _free += size;
@@ -31,4 +34,12 @@ void RecordArena::release(void* piece, std::size_t size) {
   if (static_cast<char*>(piece) + size != _free) return;
   _free -= size;
   _left += size;
+}
+
+void RecordArena::releaseBlocksBefore(const void* piece) {
+  const auto* const bytes = static_cast<const char*>(piece);
+  const auto holdsPiece = [bytes](const char* block) {
+    return !std::less<>()(bytes, block) && std::less<>()(bytes, block + kBlockSize);
+  };
+  while (!holdsPiece(_blocks.front().get())) _blocks.pop_front();
 }

@@ -195,6 +195,28 @@ TEST(ProfileDocument, KeepsFifteenEntriesOfABackTrace) {
             expected + "19,65536,5,0,0,4,7,[[65537,5,],]\n20,65536,5,0,0,4,7,[[65537,5,],[257,2,],]\n");
 }
 
+TEST(ProfileDocument, HoldsManySamplesInTheirOrder) {
+  Conversion conversion;
+  conversion.kernelSymbols("c0000000 T start\nfffff000 T end\n");  // with a gap in between, and no symbol
+  RecordingBuilder recording;
+  recording.comm(7, 7, "tool").mmap(7, 7, 0x10000, 0x1000, "/app/tool");
+  std::string expected;
+  for (std::uint64_t i = 1; i <= 3000; ++i) {
+    PlainSample sample{.ip = 0xC0000000 + i, .pid = 7, .tid = 7, .time = 1000000000 * i};
+    std::string trace;
+    for (std::uint64_t entry = 0; entry < 9; ++entry) {
+      // Of each three entries one is new, one has been there lately, and one takes all digits.
+      const std::uint64_t addresses[] = {0xC0000000 + 64 * i + entry, 0xC0000000 + entry, ~entry};
+      sample.trace.push_back(addresses[entry % 3]);
+      trace += "[" + std::to_string(sample.trace.back()) + ",3,],";
+    }
+    recording.sample(sample);
+    expected += std::to_string(i) + "," + std::to_string(sample.ip) + ",3," + std::to_string(i) + ",0,4,7,[" +
+                trace + "]\n";
+  }
+  EXPECT_EQ(rows(conversion.run(recording, {"-b", "0"}), "samples"), expected);
+}
+
 TEST(ProfileDocument, WithoutTheFirstInterruptReadsOneEntryTooFar) {
   Conversion conversion;
   RecordingBuilder recording;
