@@ -1,12 +1,11 @@
 #include "json/FixedDecimals.h"
 
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 
-#include "json/DigitPairs.h"
+#include "json/Digits.h"
 
 namespace {
 
@@ -77,7 +76,7 @@ char* writeFixed(char* text, double value) {
   }
 
   if (std::signbit(value)) *text++ = '-';
-  text = std::to_chars(text, text + kFixedRoom, parts.whole).ptr;
+  text = writeDigits(text, parts.whole);
   *text++ = '.';
   char* place = text + Decimals;
   while (place - text >= 2) place = putPair(place, rest);

@@ -15,7 +15,7 @@ class NumberPair {
   unsigned int second() const { return _second; }
 
  private:
-  std::uint32_t _firstLow = 0;
-  std::uint32_t _firstHigh = 0;
-  std::uint32_t _second = 0;
+  std::uint32_t _firstLow;
+  std::uint32_t _firstHigh;
+  std::uint32_t _second;
 };

@@ -1,17 +1,15 @@
 #include "json/PairTexts.h"
 
-#include <charconv>
+#include "json/Digits.h"
 
 void PairTexts::Text::write(unsigned long long first_, unsigned int second_) {
   first = first_;
   second = second_;
-  char* const start = bytes.data();
-  char* const limit = start + bytes.size();
-  char* end = start;
+  char* end = bytes.data();
   *end++ = '[';
-  end = std::to_chars(end, limit, first).ptr;
+  end = writeDigits(end, first);
   *end++ = ',';
-  end = std::to_chars(end, limit, second).ptr;
+  end = writeDigits(end, second);
   for (const char byte : {',', ']', ','}) *end++ = byte;
-  length = static_cast<std::uint8_t>(end - start);
+  length = static_cast<std::uint8_t>(end - bytes.data());
 }

@@ -33,9 +33,9 @@ void TextBuffer::appendInPieces(std::string_view text) {
 
 void TextBuffer::startBlock() {
   if (const std::size_t size = lastPiece().size(); size != 0) _full.push_back({std::move(_block), size});
-  _block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+  _block = BlockPool::take();
   _end = _block.get();
-  _limit = _end + kBlockSize;
+  _limit = _end + BlockPool::kBlockSize;
 }
 
 }  // namespace loomstat

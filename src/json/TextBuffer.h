@@ -4,12 +4,12 @@
 #include <concepts>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
-#include "json/DigitPairs.h"
+#include "json/Digits.h"
+#include "run/BlockPool.h"
 
 namespace loomstat {
 
@@ -17,9 +17,6 @@ namespace loomstat {
 /// growing moves nothing and finds room in whatever memory has become free.
 class TextBuffer {
  public:
-  /// Small enough for the C library to give blocks out again as soon as they are released.
-  static constexpr std::size_t kBlockSize = 64 * 1024;
-
   TextBuffer() = default;
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
@@ -52,18 +49,8 @@ class TextBuffer {
 
   /// Appends the number in decimal.
   void appendNumber(std::unsigned_integral auto number) {
-    makeRoom(kLongestNumber);
-    char digits[2 * kLongestNumber];
-    char* const end = digits + kLongestNumber;
-    char* start = end;
-    while (number >= 100) start = putPair(start, number);
-    if (number >= 10) {
-      start = putPair(start, number);
-    } else {
-      *--start = static_cast<char>('0' + number);
-    }
-    std::memcpy(_end, start, kLongestNumber);  // as above, with what follows the digits
-    _end += end - start;
+    makeRoom(kMostDigits);
+    _end = writeDigits(_end, number);
   }
 
   void appendNumber(std::signed_integral auto number) {
@@ -74,10 +61,8 @@ class TextBuffer {
   }
 
  private:
-  static constexpr std::size_t kLongestNumber = 20;
-
   struct FullBlock {
-    std::unique_ptr<char[]> bytes;
+    BlockPool::Block bytes;
     std::size_t size;
 
     std::string_view text() const { return {bytes.get(), size}; }
@@ -92,9 +77,9 @@ class TextBuffer {
   void appendInPieces(std::string_view text);
 
   std::vector<FullBlock> _full;
-  std::unique_ptr<char[]> _block;  ///< the one being filled; null before the first
-  char* _end = nullptr;            ///< of the text in it
-  char* _limit = nullptr;          ///< of the room in it
+  BlockPool::Block _block;  ///< the one being filled; null before the first
+  char* _end = nullptr;     ///< of the text in it
+  char* _limit = nullptr;   ///< of the room in it
 };
 
 }  // namespace loomstat

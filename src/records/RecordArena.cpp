@@ -2,12 +2,8 @@
 
 #include <functional>
 
-#include "json/TextBuffer.h"
-
 namespace {
 
-/// The document grows into the blocks that its samples leave.
-constexpr std::size_t kBlockSize = loomstat::TextBuffer::kBlockSize;
 constexpr std::size_t kAlignment = 8;
 
 std::size_t aligned(std::size_t size) {
@@ -19,9 +15,9 @@ std::size_t aligned(std::size_t size) {
 void* RecordArena::allocate(std::size_t size) {
   size = aligned(size);
   if (size > _left) {
-    _blocks.push_back(std::make_unique_for_overwrite<char[]>(kBlockSize));
+    _blocks.push_back(BlockPool::take());
     _free = _blocks.back().get();
-    _left = kBlockSize;
+    _left = BlockPool::kBlockSize;
   }
   char* piece = _free;
   _free += size;
@@ -39,7 +35,7 @@ void RecordArena::release(void* piece, std::size_t size) {
 void RecordArena::releaseBlocksBefore(const void* piece) {
   const auto* const bytes = static_cast<const char*>(piece);
   const auto holdsPiece = [bytes](const char* block) {
-    return !std::less<>()(bytes, block) && std::less<>()(bytes, block + kBlockSize);
+    return !std::less<>()(bytes, block) && std::less<>()(bytes, block + BlockPool::kBlockSize);
   };
   while (!holdsPiece(_blocks.front().get())) _blocks.pop_front();
 }

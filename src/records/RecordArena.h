@@ -2,7 +2,8 @@
 
 #include <cstddef>
 #include <deque>
-#include <memory>
+
+#include "run/BlockPool.h"
 
 /// Storage for what is kept of the records: one piece behind the other in large blocks, aligned to 8 bytes.
 class RecordArena {
@@ -17,7 +18,7 @@ class RecordArena {
   static void releaseBlocksBefore(const void* piece);
 
  private:
-  static inline std::deque<std::unique_ptr<char[]>> _blocks;  ///< in the order in which they were filled
-  static inline char* _free = nullptr;                        ///< the rest of the block in use
+  static inline std::deque<BlockPool::Block> _blocks;  ///< in the order in which they were filled
+  static inline char* _free = nullptr;                 ///< the rest of the block in use
   static inline std::size_t _left = 0;
 };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
+#include "json/Digits.h"
 #include "json/FixedDecimals.h"
 #include "json/PerfJSONWriter.h"
 
@@ -62,7 +62,7 @@ void ChartEntry::point(std::string_view separator, double time, unsigned int val
   text[0] = '[';
   char* end = writeFixed<kPointDecimals>(text + 1, time);
   end = std::copy(separator.begin(), separator.end(), end);
-  end = std::to_chars(end, end + 16, value).ptr;
+  end = writeDigits(end, value);
   *end++ = ']';
   _writer.writeJson(std::string_view(text, end).substr(0, kLongestPoint));
 }
