@@ -46,6 +46,9 @@ constexpr std::size_t digitCount(std::uint64_t number) {
 /// Writes the number in decimal, at most kMostDigits, and answers the end of the text.
 template <std::unsigned_integral Number>
 char* writeDigits(char* text, Number number) {
+  // A 32-bit processor divides larger numbers by a long routine.
+  if constexpr (sizeof number > sizeof(std::uint32_t))
+    if (number <= 0xFFFFFFFF) return writeDigits(text, static_cast<std::uint32_t>(number));
   char* const end = text + digitCount(number);
   char* place = end;
   while (number >= 100) place = putPair(place, number);

@@ -78,9 +78,10 @@ char* writeFixed(char* text, double value) {
   if (std::signbit(value)) *text++ = '-';
   text = writeDigits(text, parts.whole);
   *text++ = '.';
+  auto decimals = static_cast<std::uint32_t>(rest);
   char* place = text + Decimals;
-  while (place - text >= 2) place = putPair(place, rest);
-  if (place != text) *text = static_cast<char>('0' + rest);
+  while (place - text >= 2) place = putPair(place, decimals);
+  if (place != text) *text = static_cast<char>('0' + decimals);
   return text + Decimals;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include "json/NumberPair.h"
 #include "json/TextBuffer.h"
@@ -17,7 +18,7 @@ class PairTexts {
     out.append('[');
     for (const NumberPair& pair : pairs) {
       const Text& text = textOf(pair.first(), pair.second());
-      out.append(text.bytes, text.length);
+      out.append(std::string_view(text.bytes.data(), text.length));
     }
     out.append(']');
   }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstring>
@@ -33,19 +32,11 @@ class TextBuffer {
 
   void append(std::string_view text) {
     if (room() < text.size()) return appendInPieces(text);
-    std::copy(text.begin(), text.end(), _end);
+    copy(text, _end);
     _end += text.size();
   }
 
   void append(const TextBuffer& text);
-
-  /// Appends so many bytes of the array. All of it is copied: a copy of one size is faster.
-  template <std::size_t Size>
-  void append(const std::array<char, Size>& text, std::size_t length) {
-    makeRoom(Size);
-    std::memcpy(_end, text.data(), Size);
-    _end += length;
-  }
 
   /// Appends the number in decimal.
   void appendNumber(std::unsigned_integral auto number) {
@@ -67,6 +58,26 @@ class TextBuffer {
 
     std::string_view text() const { return {bytes.get(), size}; }
   };
+
+  /// Most texts are short, and a call of memcpy costs more than to copy one.
+  static void copy(std::string_view text, char* place) {
+    if (text.size() > 32) {
+      std::memcpy(place, text.data(), text.size());
+    } else {
+      copyEnds<16>(text, place) || copyEnds<8>(text, place) || copyEnds<4>(text, place) ||
+          copyEnds<2>(text, place) || copyEnds<1>(text, place);
+    }
+  }
+  /// Copies so many bytes from either end, which together are all of the text, unless it is shorter than
+  /// that.
+  template <std::size_t Size>
+  static bool copyEnds(std::string_view text, char* place) {
+    if (text.size() < Size) return false;
+    const std::size_t last = text.size() - Size;
+    std::memcpy(place, text.data(), Size);
+    std::memcpy(place + last, text.data() + last, Size);
+    return true;
+  }
 
   std::string_view lastPiece() const { return {_block.get(), static_cast<std::size_t>(_end - _block.get())}; }
   std::size_t room() const { return static_cast<std::size_t>(_limit - _end); }

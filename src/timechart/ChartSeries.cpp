@@ -3,5 +3,5 @@
 #include "timechart/TimeOrder.h"
 
 void ChartSeries::sort() {
-  sortByTime(_samples.begin(), _samples.end());
+  sortByTime(_samples);
 }

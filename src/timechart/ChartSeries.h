@@ -12,6 +12,10 @@ struct ChartEntryS {
 class ChartSeries {
  public:
   void add(double time, unsigned int value) { _samples.push_back({time, value}); }
+  /// Adds a sample that differs from the last one, or from 0.
+  void addChange(double time, unsigned int value) {
+    if (value != lastValue()) add(time, value);
+  }
   bool empty() const { return _samples.empty(); }
   /// The value that arrived last, or 0.
   unsigned int lastValue() const { return _samples.empty() ? 0 : _samples.back().value; }

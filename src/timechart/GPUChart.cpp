@@ -100,7 +100,7 @@ void GPUChart::sort() {
 void GPUChart::outPowerState(PerfJSONWriter& writer, std::size_t state) const {
   ChartSeries series;
   for (const ChartEntryS& sample : _powerState.samples())
-    series.add(sample.time, sample.value == state ? 1 : 0);
+    series.addChange(sample.time, sample.value == state ? 1 : 0);
   outSteps(writer, kPowerEntry, state, kPowerLooks[state], series);
 }
 

@@ -54,13 +54,13 @@ struct ProcessChart::Series {
     } else {
       setRunning(fact.cpu, fact.time, fact.status == kRunning ? 1 : 0);
       setRunning(fact.left, fact.time, 0);
-      waitCpu.add(fact.time, fact.status == kWoken ? 1 : 0);
-      waitIo.add(fact.time, fact.status == kBlocked ? 1 : 0);
+      waitCpu.addChange(fact.time, fact.status == kWoken ? 1 : 0);
+      waitIo.addChange(fact.time, fact.status == kBlocked ? 1 : 0);
     }
   }
 
   void setRunning(int cpu, double time, unsigned int value) {
-    if (ChartSeries* series = running.find(cpu); series != nullptr) series->add(time, value);
+    if (ChartSeries* series = running.find(cpu); series != nullptr) series->addChange(time, value);
   }
 
   bool hasIssues() const {
@@ -113,8 +113,8 @@ ProcessChart::Head ProcessChart::head(const Series& series) const {
 }
 
 void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
-  sortByTime(_facts.begin(), _facts.end());
-  sortByTime(_counters.begin(), _counters.end());
+  sortByTime(_facts);
+  sortByTime(_counters);
   Series series(_facts);
   const Head shared = head(series);
   for (int cpu = 0; cpu < series.running.kPlaces; ++cpu)
@@ -129,7 +129,7 @@ void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
 
 void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
                               const ChartSeries& series) const {
-  if (!hasChanges(series)) return;
+  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-r%d", _pid, cpu), "binary");
   entry.text("class", "proc:running").show(head.show).text("tip", chartText("Running on CPU %d", cpu));
@@ -137,7 +137,7 @@ void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
 }
 
 void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
-  if (!hasChanges(series)) return;
+  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-d", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for I/O").show(head.show);
@@ -145,7 +145,7 @@ void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const Cha
 }
 
 void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
-  if (!hasChanges(series)) return;
+  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-w", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for CPU").show(head.show);

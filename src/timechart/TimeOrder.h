@@ -1,20 +1,41 @@
 #pragma once
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
+#include <vector>
+
+/// Merges two neighbouring runs, [start, middle) and [middle, end), by the member `time`.
+template <typename Iterator, typename Element>
+void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Element>& scratch) {
+  constexpr auto isBefore = [](const Element& a, const Element& b) { return a.time < b.time; };
+  // What comes ahead of the whole other run stays where it is.
+  start = std::upper_bound(start, middle, *middle, isBefore);
+  scratch.assign(start, middle);
+  for (auto left = scratch.begin(); left != scratch.end(); ++start)
+    *start = middle != end && isBefore(*middle, *left) ? *middle++ : *left++;
+}
 
 /// Sorts by the member `time`; elements of one time keep their order.
 ///
-/// A recording holds the buffers of the CPUs in turns, so what comes from it is nearly in order: two sorted
-/// halves overlap only where they meet, and only there are they merged.
-template <typename Iterator>
-void sortByTime(Iterator first, Iterator last) {
-  constexpr auto isBefore = [](const auto& a, const auto& b) { return a.time < b.time; };
-  if (std::is_sorted(first, last, isBefore)) return;
-  const Iterator middle = first + (last - first) / 2;
-  sortByTime(first, middle);
-  sortByTime(middle, last);
-  if (!isBefore(*middle, *std::prev(middle))) return;
-  std::inplace_merge(std::upper_bound(first, middle, *middle, isBefore), middle,
-                     std::lower_bound(middle, last, *std::prev(middle), isBefore), isBefore);
+/// A recording holds the buffers of the CPUs in turns, so what comes from it are ascending runs that overlap
+/// little: they are merged two by two.
+template <typename Element>
+void sortByTime(std::vector<Element>& elements) {
+  const auto at = [&](std::size_t index) { return elements.begin() + static_cast<std::ptrdiff_t>(index); };
+  std::vector<std::size_t> ends;  // of the runs
+  for (std::size_t i = 1; i < elements.size(); ++i)
+    if (elements[i].time < elements[i - 1].time) ends.push_back(i);
+  ends.push_back(elements.size());
+
+  std::vector<Element> scratch;
+  while (ends.size() > 1) {
+    std::size_t start = 0;
+    std::size_t merged = 0;
+    for (std::size_t run = 0; run < ends.size(); run += 2) {
+      const std::size_t end = ends[std::min(run + 1, ends.size() - 1)];
+      if (ends[run] != end) mergeByTime(at(start), at(ends[run]), at(end), scratch);
+      ends[merged++] = start = end;
+    }
+    ends.resize(merged);
+  }
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -22,7 +23,7 @@ TEST(TimeOrder, SortsLikeAStableSortHoweverDisordered) {
       std::vector<Sample> expected = samples;
       std::stable_sort(expected.begin(), expected.end(),
                        [](const Sample& a, const Sample& b) { return a.time < b.time; });
-      sortByTime(samples.begin(), samples.end());
+      sortByTime(samples);
       EXPECT_EQ(samples, expected) << disorder << " " << count;
     }
 }
