@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <span>
@@ -46,6 +47,13 @@ class PerfJSONWriter {
   /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined
   /// by commas.
   void writeJson(std::string_view text);
+  /// The same for a text that the function writes, at most so many bytes: it gets the place and answers the
+  /// end.
+  template <typename Write>
+  void writeJson(std::size_t most, Write write) {
+    if (!_buffer.empty()) _buffer.append(',');
+    _buffer.append(most, write);
+  }
 
   /// A label and a value; without labels the value alone. A label is not escaped.
   void writeNamed(const char* label, unsigned long long value);

@@ -38,10 +38,16 @@ class TextBuffer {
 
   void append(const TextBuffer& text);
 
+  /// Appends what the function writes, at most so many bytes: it gets the place and answers the end.
+  template <typename Write>
+  void append(std::size_t most, Write write) {
+    makeRoom(most);
+    _end = write(_end);
+  }
+
   /// Appends the number in decimal.
   void appendNumber(std::unsigned_integral auto number) {
-    makeRoom(kMostDigits);
-    _end = writeDigits(_end, number);
+    append(kMostDigits, [number](char* place) { return writeDigits(place, number); });
   }
 
   void appendNumber(std::signed_integral auto number) {

@@ -16,6 +16,7 @@
 double PerfRecordSample::_firstSampleTime = 0.0;
 unsigned long long PerfRecordSample::_lastSampleTime = 0;
 bool PerfRecordSample::_keepsSamples = true;
+Arena PerfRecordSample::_arena;
 unsigned long long PerfRecordSample::_runningIndex = 0;
 std::deque<PerfRecordSample*> PerfRecordSample::_allSamples;
 
@@ -67,7 +68,7 @@ PerfRecordSample::PerfRecordSample() {
 }
 
 PerfRecordSample::~PerfRecordSample() {
-  RecordArena::release(_trace, _depth * sizeof(NumberPair));
+  _arena.release(_trace, _depth * sizeof(NumberPair));
 }
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
@@ -104,7 +105,7 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
 }
 
 void PerfRecordSample::keepTrace(const NumberPair* entries) {
-  _trace = static_cast<NumberPair*>(RecordArena::allocate(_depth * sizeof(NumberPair)));
+  _trace = static_cast<NumberPair*>(_arena.allocate(_depth * sizeof(NumberPair)));
   std::uninitialized_copy_n(entries, _depth, _trace);
 }
 
@@ -143,7 +144,7 @@ int PerfRecordSample::_out(PerfJSONWriter& writer) {
 void PerfRecordSample::outAll(PerfJSONWriter& writer) {
   writeSection(writer, "samples", kColumns, [&] {
     for (; !_allSamples.empty(); _allSamples.pop_front()) {
-      RecordArena::releaseBlocksBefore(_allSamples.front());
+      _arena.releaseBlocksBefore(_allSamples.front());
       _allSamples.front()->out(writer);
     }
   });

@@ -7,7 +7,7 @@
 #include "json/NumberPair.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
-#include "records/RecordArena.h"
+#include "run/Arena.h"
 
 class PerfRecordComm;
 class PerfRecordMMap;
@@ -27,8 +27,8 @@ class PerfRecordSample : public PerfRecord {
   ~PerfRecordSample() override;
 
   // Recordings hold millions of samples.
-  static void* operator new(std::size_t size) { return RecordArena::allocate(size); }
-  static void operator delete(void* sample, std::size_t size) { RecordArena::release(sample, size); }
+  static void* operator new(std::size_t size) { return _arena.allocate(size); }
+  static void operator delete(void* sample, std::size_t size) { _arena.release(sample, size); }
 
   /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells
   /// the latter.
@@ -60,6 +60,7 @@ class PerfRecordSample : public PerfRecord {
  private:
   void keepTrace(const NumberPair* entries);
 
+  static Arena _arena;                      ///< of all samples and their back-traces
   static unsigned long long _runningIndex;  ///< the last sample number given
   static std::deque<PerfRecordSample*> _allSamples;
 

@@ -19,9 +19,8 @@ constexpr std::array<IdleState, 4> kIdleStates = {{
 }};
 
 /// The end of every entry of a CPU.
-void finish(ChartEntry& entry, ChartColours colours, ChartSeries& series) {
-  series.sort();
-  entry.hints(colours).writeChanges(series);
+void finish(ChartEntry& entry, ChartColours colours, const ChartSeries& series) {
+  entry.hints(colours).writeChanges(series.inTimeOrder());
 }
 
 }  // namespace
@@ -77,7 +76,7 @@ void CPUChart::outFrequency(PerfJSONWriter& writer) {
 }
 
 void CPUChart::outIdle(PerfJSONWriter& writer, std::size_t state) {
-  ChartSeries& series = _idle[state];
+  const ChartSeries& series = _idle[state];
   if (series.empty()) return;
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-s-%d", _cpu, static_cast<int>(state)));

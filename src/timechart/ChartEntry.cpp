@@ -25,12 +25,6 @@ ChartColours cpuColours(int cpu) {
   return known ? colours[static_cast<std::size_t>(cpu)] : ChartColours{nullptr, nullptr};
 }
 
-bool hasChanges(const ChartSeries& series) {
-  const auto& samples = series.samples();
-  return std::any_of(samples.begin(), samples.end(),
-                     [](const ChartEntryS& sample) { return sample.value != 0; });
-}
-
 ChartEntry& ChartEntry::text(const char* key, const std::string& value) {
   if (!_started) _writer.writeStructStart();
   _started = true;
@@ -58,13 +52,14 @@ void ChartEntry::openData() {
 }
 
 void ChartEntry::point(std::string_view separator, double time, unsigned int value) {
-  char text[kFixedRoom + 32];
-  text[0] = '[';
-  char* end = writeFixed<kPointDecimals>(text + 1, time);
-  end = std::copy(separator.begin(), separator.end(), end);
-  end = writeDigits(end, value);
-  *end++ = ']';
-  _writer.writeJson(std::string_view(text, end).substr(0, kLongestPoint));
+  _writer.writeJson(kFixedRoom + separator.size() + kMostDigits + 2, [&](char* text) {
+    *text = '[';
+    char* end = writeFixed<kPointDecimals>(text + 1, time);
+    end = std::copy(separator.begin(), separator.end(), end);
+    end = writeDigits(end, value);
+    *end++ = ']';
+    return std::min(end, text + kLongestPoint);
+  });
 }
 
 void ChartEntry::closeData() {
@@ -72,16 +67,16 @@ void ChartEntry::closeData() {
   _writer.writeStructEnd();
 }
 
-void ChartEntry::writeAll(const ChartSeries& series) {
+void ChartEntry::writeAll(std::span<const ChartEntryS> samples) {
   openData();
-  for (const ChartEntryS& sample : series.samples()) point(kPointSeparator, sample.time, sample.value);
+  for (const ChartEntryS& sample : samples) point(kPointSeparator, sample.time, sample.value);
   closeData();
 }
 
-void ChartEntry::writeChanges(const ChartSeries& series, std::string_view separator) {
+void ChartEntry::writeChanges(std::span<const ChartEntryS> samples, std::string_view separator) {
   openData();
   unsigned int last = 0;
-  for (const ChartEntryS& sample : series.samples()) {
+  for (const ChartEntryS& sample : samples) {
     if (sample.value == last) continue;
     last = sample.value;
     point(separator, sample.time, sample.value);

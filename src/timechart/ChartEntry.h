@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -45,15 +46,12 @@ class ChartEntry {
   void closeData();
 
   /// Opens the data, writes every sample and closes the entry.
-  void writeAll(const ChartSeries& series);
+  void writeAll(std::span<const ChartEntryS> samples);
 
   /// The same with only the samples that differ from the one written before, from 0 on.
-  void writeChanges(const ChartSeries& series, std::string_view separator = kPointSeparator);
+  void writeChanges(std::span<const ChartEntryS> samples, std::string_view separator = kPointSeparator);
 
  private:
   PerfJSONWriter& _writer;
   bool _started = false;
 };
-
-/// Whether change-only output of the series has any point: whether it ever leaves 0.
-bool hasChanges(const ChartSeries& series);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <span>
 #include <vector>
+
+#include "timechart/ArrivalList.h"
 
 /// One sample of a chart.
 struct ChartEntryS {
@@ -8,22 +11,28 @@ struct ChartEntryS {
   unsigned int value;  ///< the series' value from this time on
 };
 
-/// A series of samples in order of arrival, until it is sorted for output.
+/// Samples in the order in which they are written.
+using ChartSamples = std::vector<ChartEntryS>;
+
+/// Adds a sample if it differs from the one before, or from 0.
+inline void addChange(ChartSamples& samples, double time, unsigned int value) {
+  if (value != (samples.empty() ? 0 : samples.back().value)) samples.push_back({time, value});
+}
+
+/// Whether the value ever leaves 0.
+bool hasChanges(std::span<const ChartEntryS> samples);
+
+/// A series of samples in order of arrival.
 class ChartSeries {
  public:
-  void add(double time, unsigned int value) { _samples.push_back({time, value}); }
-  /// Adds a sample that differs from the last one, or from 0.
-  void addChange(double time, unsigned int value) {
-    if (value != lastValue()) add(time, value);
-  }
+  void add(double time, unsigned int value) { _samples.add({time, value}); }
   bool empty() const { return _samples.empty(); }
   /// The value that arrived last, or 0.
-  unsigned int lastValue() const { return _samples.empty() ? 0 : _samples.back().value; }
+  unsigned int lastValue() const { return _samples.empty() ? 0 : _samples.last().value; }
 
-  /// By time; samples of one time keep their order.
-  void sort();
-  const std::vector<ChartEntryS>& samples() const { return _samples; }
+  /// Samples of one time keep their order.
+  ChartSamples inTimeOrder() const;
 
  private:
-  std::vector<ChartEntryS> _samples;
+  ArrivalList<ChartEntryS> _samples;
 };

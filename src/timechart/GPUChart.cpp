@@ -80,38 +80,30 @@ void GPUChart::addStatus(unsigned long long time, int status, unsigned int sub) 
 }
 
 void GPUChart::outGPUChart(PerfJSONWriter& writer) {
-  sort();
-  for (std::size_t state = 0; state < kPowerLooks.size(); ++state) outPowerState(writer, state);
-  outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency);
+  const ChartSamples states = _powerState.inTimeOrder();
+  for (std::size_t state = 0; state < kPowerLooks.size(); ++state) outPowerState(writer, state, states);
+  outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency.inTimeOrder());
   for (std::size_t kind = 0; kind < _irqs.size(); ++kind)
     outMarkers(writer, kInterruptEntry, kind, kInterruptLooks[kind], _irqs[kind]);
   for (std::size_t kind = 0; kind < _issue.size(); ++kind)
     outMarkers(writer, kIssueEntry, kind, kIssueLooks[kind], _issue[kind]);
 }
 
-void GPUChart::sort() {
-  for (ChartSeries& series : _issue) series.sort();
-  for (ChartSeries& series : _irqs) series.sort();
-  _powerState.sort();
-  _frequency.sort();
-}
-
 /// A core is in one power state at a time, so entering one leaves the others.
-void GPUChart::outPowerState(PerfJSONWriter& writer, std::size_t state) const {
-  ChartSeries series;
-  for (const ChartEntryS& sample : _powerState.samples())
-    series.addChange(sample.time, sample.value == state ? 1 : 0);
-  outSteps(writer, kPowerEntry, state, kPowerLooks[state], series);
+void GPUChart::outPowerState(PerfJSONWriter& writer, std::size_t state, const ChartSamples& states) const {
+  ChartSamples steps;
+  for (const ChartEntryS& sample : states) addChange(steps, sample.time, sample.value == state ? 1 : 0);
+  outSteps(writer, kPowerEntry, state, kPowerLooks[state], steps);
 }
 
 void GPUChart::outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
-                        const GpuSeriesLook& look, const ChartSeries& series) const {
-  if (hasChanges(series)) head(writer, kind, index, look).writeChanges(series);
+                        const GpuSeriesLook& look, const ChartSamples& samples) const {
+  if (hasChanges(samples)) head(writer, kind, index, look).writeChanges(samples);
 }
 
 void GPUChart::outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                           const GpuSeriesLook& look, const ChartSeries& series) const {
-  if (!series.empty()) head(writer, kind, index, look).writeAll(series);
+  if (!series.empty()) head(writer, kind, index, look).writeAll(series.inTimeOrder());
 }
 
 ChartEntry GPUChart::head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,

@@ -25,11 +25,10 @@ class GPUChart {
   void outGPUChart(PerfJSONWriter& writer);
 
  private:
-  void sort();
-  void outPowerState(PerfJSONWriter& writer, std::size_t state) const;
+  void outPowerState(PerfJSONWriter& writer, std::size_t state, const ChartSamples& states) const;
   /// A change-only series, unless it never leaves 0.
   void outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
-                const GpuSeriesLook& look, const ChartSeries& series) const;
+                const GpuSeriesLook& look, const ChartSamples& samples) const;
   /// A series of which every sample counts, unless it is empty.
   void outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                   const GpuSeriesLook& look, const ChartSeries& series) const;

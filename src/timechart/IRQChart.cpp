@@ -17,13 +17,12 @@ void IRQChart::outIRQChart(PerfJSONWriter& writer) {
 }
 
 void IRQChart::outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) {
-  ChartSeries& series = *_series.find(cpu);
+  const ChartSeries& series = *_series.find(cpu);
   if (series.empty()) return;
-  series.sort();
   ChartEntry entry(writer);
   entry.text("id", chartText("irq-%d-%d", _irq, cpu))
       .text("name", name)
       .text("treeId", chartText("%d_irq_root", _irq));
   entry.text("type", "binary").text("class", "irq").show(0).text("tip", chartText("Running on CPU %d", cpu));
-  entry.hints(cpuColours(cpu)).writeChanges(series);
+  entry.hints(cpuColours(cpu)).writeChanges(series.inTimeOrder());
 }

@@ -26,6 +26,13 @@ constexpr std::array<IssueLook, kIssueKinds> kIssueLooks = {{
     {"C2D Issue", {"#f660ab", "#f660ab"}},
 }};
 
+template <typename Element>
+std::vector<Element> inTimeOrder(const ArrivalList<Element>& list) {
+  std::vector<Element> elements = list.all();
+  sortByTime(elements);
+  return elements;
+}
+
 }  // namespace
 
 /// What all entries of a task share.
@@ -48,30 +55,31 @@ struct ProcessChart::Series {
 
   void take(const Fact& fact) {
     if (fact.status >= kIssue) {
-      issue[fact.status - kIssue].add(fact.time, fact.value);
+      issue[fact.status - kIssue].push_back({fact.time, fact.value});
     } else if (fact.status == kWaitsForGpu || fact.status == kGpuAnswered) {
-      waitGpu.add(fact.time, fact.status == kWaitsForGpu ? 1 : 0);
+      waitGpu.push_back({fact.time, fact.status == kWaitsForGpu ? 1U : 0U});
     } else {
       setRunning(fact.cpu, fact.time, fact.status == kRunning ? 1 : 0);
       setRunning(fact.left, fact.time, 0);
-      waitCpu.addChange(fact.time, fact.status == kWoken ? 1 : 0);
-      waitIo.addChange(fact.time, fact.status == kBlocked ? 1 : 0);
+      addChange(waitCpu, fact.time, fact.status == kWoken ? 1 : 0);
+      addChange(waitIo, fact.time, fact.status == kBlocked ? 1 : 0);
     }
   }
 
   void setRunning(int cpu, double time, unsigned int value) {
-    if (ChartSeries* series = running.find(cpu); series != nullptr) series->addChange(time, value);
+    if (ChartSamples* series = running.find(cpu); series != nullptr) addChange(*series, time, value);
   }
 
   bool hasIssues() const {
-    return std::any_of(issue.begin(), issue.end(), [](const ChartSeries& series) { return !series.empty(); });
+    return std::any_of(issue.begin(), issue.end(),
+                       [](const ChartSamples& series) { return !series.empty(); });
   }
 
-  PerCpu<ChartSeries> running;
-  ChartSeries waitCpu;
-  ChartSeries waitGpu;
-  ChartSeries waitIo;
-  std::array<ChartSeries, kIssueKinds> issue;
+  PerCpu<ChartSamples> running;
+  ChartSamples waitCpu;
+  ChartSamples waitGpu;
+  ChartSamples waitIo;
+  std::array<ChartSamples, kIssueKinds> issue;
 };
 
 ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
@@ -88,8 +96,8 @@ void ProcessChart::addStatus(unsigned long long time, unsigned int status, unsig
   const int cpu = static_cast<int>(cpuNumber);
   // Onto one CPU is off the one where the task was last seen: it never shows as running on two at once.
   const int left = status == kRunning ? TimechartManager::Instance()->pidMigratedFrom(_pid, cpu) : -1;
-  _facts.push_back({*x, static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(issueValue(sub)),
-                    PerCpu<ChartSeries>::placeOf(cpu), PerCpu<ChartSeries>::placeOf(left)});
+  _facts.add({*x, static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(issueValue(sub)),
+              PerCpu<int>::placeOf(cpu), PerCpu<int>::placeOf(left)});
 }
 
 void ProcessChart::addCounters(unsigned long long time, unsigned int cycles, const unsigned int* l1,
@@ -98,7 +106,7 @@ void ProcessChart::addCounters(unsigned long long time, unsigned int cycles, con
   if (!x) return;
   Counters counters = {*x, {cycles}};
   std::copy_n(l2, kL2Counters, std::copy_n(l1, kL1Counters, counters.values.begin() + 1));
-  _counters.push_back(counters);
+  _counters.add(counters);
 }
 
 void ProcessChart::addEvent(double time, unsigned int code, const std::string& name,
@@ -113,9 +121,7 @@ ProcessChart::Head ProcessChart::head(const Series& series) const {
 }
 
 void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
-  sortByTime(_facts);
-  sortByTime(_counters);
-  Series series(_facts);
+  Series series(inTimeOrder(_facts));
   const Head shared = head(series);
   for (int cpu = 0; cpu < series.running.kPlaces; ++cpu)
     outRunning(writer, shared, cpu, *series.running.find(cpu));
@@ -128,7 +134,7 @@ void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
 }
 
 void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
-                              const ChartSeries& series) const {
+                              const ChartSamples& series) const {
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-r%d", _pid, cpu), "binary");
@@ -136,7 +142,7 @@ void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
   entry.hints(cpuColours(cpu)).writeChanges(series, kRunningPointSeparator);
 }
 
-void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-d", _pid), "binary");
@@ -144,7 +150,7 @@ void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const Cha
   entry.hints({"#b0e0e6", "#b0e0e6"}).writeChanges(series);
 }
 
-void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-w", _pid), "binary");
@@ -153,7 +159,7 @@ void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const Ch
 }
 
 /// Unlike the other two, this one shows even if it never left 0.
-void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const {
+void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-g", _pid), "binary");
@@ -162,7 +168,7 @@ void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const Ch
 }
 
 void ProcessChart::outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind,
-                            const ChartSeries& series) const {
+                            const ChartSamples& series) const {
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-i%d", _pid, static_cast<int>(kind)), "marker");
@@ -185,26 +191,27 @@ void ProcessChart::outEvents(PerfJSONWriter& writer, const Head& head) const {
 void ProcessChart::outCounters(PerfJSONWriter& writer, const Head& head) const {
   if (_counters.empty()) return;
   const TimechartManager& manager = *TimechartManager::Instance();
+  const std::vector<Counters> counters = inTimeOrder(_counters);
   std::size_t index = 0;
-  outCounter(writer, head, index++, manager.getCounterName(0, 0));
+  outCounter(writer, head, counters, index++, manager.getCounterName(0, 0));
   for (unsigned int i = 0; i < kL1Counters; ++i)
-    outCounter(writer, head, index++, manager.getCounterName(1, i));
+    outCounter(writer, head, counters, index++, manager.getCounterName(1, i));
   for (unsigned int i = 0; i < kL2Counters; ++i)
-    outCounter(writer, head, index++, manager.getCounterName(2, i));
+    outCounter(writer, head, counters, index++, manager.getCounterName(2, i));
 }
 
 /// Each point pairs the time of the sample before it with a value, so that a delta reported when the task is
 /// switched out becomes a bar that begins where it was switched in. Of equal values the first two are
 /// written, and a closing point ends the last bar.
-void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, std::size_t index,
-                              const std::string& counterName) const {
+void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, const std::vector<Counters>& counters,
+                              std::size_t index, const std::string& counterName) const {
   if (counterName == TimechartManager::kUnusedCounter) return;
   ChartEntry entry(writer);
   bool started = false;
   double lastTime = 0.0;
   unsigned int last = 0;
   unsigned int beforeLast = 0;
-  for (const Counters& sample : _counters) {
+  for (const Counters& sample : counters) {
     const unsigned int value = sample.values[index];
     if (value != last || beforeLast != last) {
       if (!started) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "timechart/ArrivalList.h"
 #include "timechart/ChartEvents.h"
 #include "timechart/ChartSeries.h"
 #include "timechart/PerCpu.h"
@@ -68,19 +69,19 @@ class ProcessChart {
   };
 
   Head head(const Series& series) const;
-  void outRunning(PerfJSONWriter& writer, const Head& head, int cpu, const ChartSeries& series) const;
-  void outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
-  void outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
-  void outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSeries& series) const;
-  void outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind, const ChartSeries& series) const;
+  void outRunning(PerfJSONWriter& writer, const Head& head, int cpu, const ChartSamples& series) const;
+  void outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const;
+  void outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const;
+  void outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const;
+  void outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind, const ChartSamples& series) const;
   void outEvents(PerfJSONWriter& writer, const Head& head) const;
   void outCounters(PerfJSONWriter& writer, const Head& head) const;
-  void outCounter(PerfJSONWriter& writer, const Head& head, std::size_t index,
-                  const std::string& counterName) const;
+  void outCounter(PerfJSONWriter& writer, const Head& head, const std::vector<Counters>& counters,
+                  std::size_t index, const std::string& counterName) const;
   std::string counterTreeId(std::size_t index) const;
 
   int _pid;
-  std::vector<Fact> _facts;
-  std::vector<Counters> _counters;
+  ArrivalList<Fact> _facts;
+  ArrivalList<Counters> _counters;
   ChartEvents _events;
 };

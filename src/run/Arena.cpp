@@ -1,4 +1,4 @@
-#include "records/RecordArena.h"
+#include "run/Arena.h"
 
 #include <functional>
 
@@ -12,7 +12,7 @@ std::size_t aligned(std::size_t size) {
 
 }  // namespace
 
-void* RecordArena::allocate(std::size_t size) {
+void* Arena::allocate(std::size_t size) {
   size = aligned(size);
   if (size > _left) {
     _blocks.push_back(BlockPool::take());
@@ -25,14 +25,14 @@ void* RecordArena::allocate(std::size_t size) {
   return piece;
 }
 
-void RecordArena::release(void* piece, std::size_t size) {
+void Arena::release(void* piece, std::size_t size) {
   size = aligned(size);
   if (static_cast<char*>(piece) + size != _free) return;
   _free -= size;
   _left += size;
 }
 
-void RecordArena::releaseBlocksBefore(const void* piece) {
+void Arena::releaseBlocksBefore(const void* piece) {
   const auto* const bytes = static_cast<const char*>(piece);
   const auto holdsPiece = [bytes](const char* block) {
     return !std::less<>()(bytes, block) && std::less<>()(bytes, block + BlockPool::kBlockSize);
