@@ -25,6 +25,23 @@ char* putPair(char* place, Number& number) {
   return place - 2;
 }
 
+/// The three decimal digits of each number below 1000, and a byte that makes it four.
+inline constexpr std::array<char, 4000> kDigitTriples = [] {
+  std::array<char, 4000> triples{};
+  for (unsigned int number = 0; number < 1000; ++number) {
+    triples[4 * number] = static_cast<char>('0' + number / 100);
+    triples[4 * number + 1] = static_cast<char>('0' + number / 10 % 10);
+    triples[4 * number + 2] = static_cast<char>('0' + number % 10);
+  }
+  return triples;
+}();
+
+/// Writes the three digits, and a byte behind them that does not count. Answers the end of the digits.
+inline char* writeTriple(char* text, std::uint32_t number) {
+  std::memcpy(text, kDigitTriples.data() + 4 * static_cast<std::size_t>(number), 4);
+  return text + 3;
+}
+
 /// The most digits that a number has.
 inline constexpr std::size_t kMostDigits = 20;
 
@@ -49,6 +66,10 @@ char* writeDigits(char* text, Number number) {
   // A 32-bit processor divides larger numbers by a long routine.
   if constexpr (sizeof number > sizeof(std::uint32_t))
     if (number <= 0xFFFFFFFF) return writeDigits(text, static_cast<std::uint32_t>(number));
+  if (number < 10) {
+    *text = static_cast<char>('0' + number);
+    return text + 1;
+  }
   char* const end = text + digitCount(number);
   char* place = end;
   while (number >= 100) place = putPair(place, number);

@@ -1,5 +1,6 @@
 #include "json/FixedDecimals.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -14,10 +15,6 @@ constexpr int kExponentOfOne = 1023;
 /// As many bits as a fraction may have for its tenfold, or its thousandfold, to fit 64.
 constexpr int kMostFractionBits = 60;
 constexpr int kMostBitsForThousands = 54;
-
-constexpr std::uint64_t powerOfTen(int exponent) {
-  return exponent == 0 ? 1 : 10 * powerOfTen(exponent - 1);
-}
 
 /// A value of at least 2^-8 and less than 2^53 as whole number and fraction.
 struct Parts {
@@ -34,23 +31,26 @@ struct Parts {
 
   std::uint64_t mask() const { return (std::uint64_t{1} << fractionBits) - 1; }
 
-  /// Takes so many decimals off the fraction as the power of ten has zeros, in steps of a lower power.
-  template <std::uint64_t Power, std::uint64_t Step>
-  std::uint64_t take() {
-    std::uint64_t taken = 0;
-    for (std::uint64_t power = 1; power < Power; power *= Step) {
-      fraction *= Step;
-      taken = taken * Step + (fraction >> fractionBits);
-      fraction &= mask();
-    }
-    return taken;
+  /// Takes the next three decimals off the fraction.
+  std::uint32_t takeTriple() {
+    if (fractionBits <= kMostBitsForThousands) return take(1000);
+    std::uint32_t triple = 0;
+    for (int i = 0; i < 3; ++i) triple = 10 * triple + take(10);
+    return triple;
   }
 
-  /// Whether the rest of the fraction rounds a number up that ends in that digit.
-  bool roundsUp(std::uint64_t lastDigit) const {
+  std::uint32_t take(std::uint64_t power) {
+    fraction *= power;
+    const std::uint64_t taken = fraction >> fractionBits;
+    fraction &= mask();
+    return static_cast<std::uint32_t>(taken);
+  }
+
+  /// Whether the rest of the fraction rounds a number up that ends in those digits.
+  bool roundsUp(std::uint32_t lastDigits) const {
     if (fractionBits == 0) return false;
     const std::uint64_t half = std::uint64_t{1} << (fractionBits - 1);
-    return fraction > half || (fraction == half && lastDigit % 2 != 0);
+    return fraction > half || (fraction == half && lastDigits % 2 != 0);
   }
 
   bool good = false;
@@ -59,30 +59,33 @@ struct Parts {
   std::uint64_t fraction = 0;
 };
 
+/// Counts a number up by one that is cut into whole and decimals.
+template <std::size_t Triples>
+void countUp(std::uint64_t& whole, std::array<std::uint32_t, Triples>& triples) {
+  for (std::size_t i = Triples; i-- != 0;) {
+    if (++triples[i] != 1000) return;
+    triples[i] = 0;
+  }
+  ++whole;
+}
+
 }  // namespace
 
 // A document holds a time for every sample, and printf takes ten times as long.
 template <int Decimals>
 char* writeFixed(char* text, double value) {
-  constexpr std::uint64_t power = powerOfTen(Decimals);
+  static_assert(Decimals % 3 == 0);
   Parts parts(value);
   if (!parts.good) return text + std::snprintf(text, kFixedRoom, "%.*f", Decimals, value);
-  std::uint64_t rest =
-      parts.fractionBits <= kMostBitsForThousands ? parts.take<power, 1000>() : parts.take<power, 10>();
-  if (parts.roundsUp(rest)) ++rest;
-  if (rest == power) {
-    rest = 0;
-    ++parts.whole;
-  }
+  std::array<std::uint32_t, Decimals / 3> triples;
+  for (std::uint32_t& triple : triples) triple = parts.takeTriple();
+  if (parts.roundsUp(triples.back())) countUp(parts.whole, triples);
 
   if (std::signbit(value)) *text++ = '-';
   text = writeDigits(text, parts.whole);
   *text++ = '.';
-  auto decimals = static_cast<std::uint32_t>(rest);
-  char* place = text + Decimals;
-  while (place - text >= 2) place = putPair(place, decimals);
-  if (place != text) *text = static_cast<char>('0' + decimals);
-  return text + Decimals;
+  for (const std::uint32_t triple : triples) text = writeTriple(text, triple);
+  return text;
 }
 
 template char* writeFixed<kPointDecimals>(char*, double);

@@ -15,6 +15,7 @@
 class PairTexts {
  public:
   void append(std::span<const NumberPair> pairs, loomstat::TextBuffer& out) {
+    if (!_texts) _texts = std::make_unique<Texts>();
     out.append('[');
     for (const NumberPair& pair : pairs) {
       const Text& text = textOf(pair.first(), pair.second());
@@ -43,5 +44,5 @@ class PairTexts {
   static constexpr unsigned int kPlaceBits = 14;
   using Texts = std::array<Text, std::size_t{1} << kPlaceBits>;
 
-  std::unique_ptr<Texts> _texts = std::make_unique<Texts>();
+  std::unique_ptr<Texts> _texts;  ///< null before the first list
 };

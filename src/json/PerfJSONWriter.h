@@ -14,7 +14,7 @@
 
 /// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
 ///
-/// The document is built in memory and reaches the file in one piece, at close. The order of calls is:
+/// The document is built in memory and reaches the file as a whole, at close. The order of calls is:
 /// construct, open, any writes and switches, close. Nothing may be written before open.
 ///
 /// A non-empty array that is written element by element ends in a comma before its closing bracket, [1,2,]:

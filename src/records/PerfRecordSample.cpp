@@ -79,7 +79,8 @@ PerfRecord* PerfRecordSample::createInstance(char* record) {
 }
 
 void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
-  _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
+  // In a timechart only a verbose run speaks of the process.
+  if (_keepsSamples || gVerbosity > 0) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr && gVerbosity > 0)
     std::printf("Missing process p:%d t:%d\n", static_cast<int>(pid), static_cast<int>(tid));
   processTrace(record);

@@ -24,7 +24,7 @@ class ArrivalList {
   std::vector<Element> all() const {
     std::vector<Element> elements;
     elements.reserve(_room);
-    for (const Piece* piece = _first; piece != nullptr; piece = piece->next) {
+    for (Piece* piece = _first; piece != nullptr; piece = piece->next) {
       const Element* start = elementsOf(piece);
       elements.insert(elements.end(), start, piece == _last ? _end : start + piece->size);
     }
@@ -41,9 +41,7 @@ class ArrivalList {
   };
   static_assert(alignof(Element) <= 8);
 
-  static Element* elementsOf(const Piece* piece) {
-    return reinterpret_cast<Element*>(const_cast<Piece*>(piece) + 1);
-  }
+  static Element* elementsOf(Piece* piece) { return reinterpret_cast<Element*>(piece + 1); }
 
   void addPiece() {
     const std::size_t size = _last == nullptr ? kSmallestPiece : std::min(2 * _last->size, kLargestPiece);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "json/Digits.h"
 #include "json/FixedDecimals.h"
@@ -51,11 +52,12 @@ void ChartEntry::openData() {
   _writer.writeArrayStart("data");
 }
 
-void ChartEntry::point(std::string_view separator, double time, unsigned int value) {
-  _writer.writeJson(kFixedRoom + separator.size() + kMostDigits + 2, [&](char* text) {
+void ChartEntry::point(double time, unsigned int value, PointSeparator separator) {
+  _writer.writeJson(kFixedRoom + kMostDigits + std::strlen("[, ]"), [=](char* text) {
     *text = '[';
     char* end = writeFixed<kPointDecimals>(text + 1, time);
-    end = std::copy(separator.begin(), separator.end(), end);
+    *end++ = ',';
+    if (separator == PointSeparator::commaAndBlank) *end++ = ' ';
     end = writeDigits(end, value);
     *end++ = ']';
     return std::min(end, text + kLongestPoint);
@@ -69,17 +71,17 @@ void ChartEntry::closeData() {
 
 void ChartEntry::writeAll(std::span<const ChartEntryS> samples) {
   openData();
-  for (const ChartEntryS& sample : samples) point(kPointSeparator, sample.time, sample.value);
+  for (const ChartEntryS& sample : samples) point(sample.time, sample.value);
   closeData();
 }
 
-void ChartEntry::writeChanges(std::span<const ChartEntryS> samples, std::string_view separator) {
+void ChartEntry::writeChanges(std::span<const ChartEntryS> samples, PointSeparator separator) {
   openData();
   unsigned int last = 0;
   for (const ChartEntryS& sample : samples) {
     if (sample.value == last) continue;
     last = sample.value;
-    point(separator, sample.time, sample.value);
+    point(sample.time, sample.value, separator);
   }
   closeData();
 }

@@ -18,10 +18,9 @@ struct ChartColours {
 /// The colours of what runs on a CPU. CPUs from 4 up have none.
 ChartColours cpuColours(int cpu);
 
-/// What stands between a point's time and value; the viewer's parser is used to the blank in the one and not
-/// in the other.
-inline constexpr std::string_view kPointSeparator = ",";
-inline constexpr std::string_view kRunningPointSeparator = ", ";
+/// What stands between a point's time and value. The viewer's parser is used to the blank where a task runs,
+/// and nowhere else.
+enum class PointSeparator { comma, commaAndBlank };
 
 /// A short text with numbers in it, as printf makes it.
 template <typename... Numbers>
@@ -42,14 +41,14 @@ class ChartEntry {
   ChartEntry& hints(ChartColours colours);
 
   void openData();
-  void point(std::string_view separator, double time, unsigned int value);
+  void point(double time, unsigned int value, PointSeparator separator = PointSeparator::comma);
   void closeData();
 
   /// Opens the data, writes every sample and closes the entry.
   void writeAll(std::span<const ChartEntryS> samples);
 
   /// The same with only the samples that differ from the one written before, from 0 on.
-  void writeChanges(std::span<const ChartEntryS> samples, std::string_view separator = kPointSeparator);
+  void writeChanges(std::span<const ChartEntryS> samples, PointSeparator separator = PointSeparator::comma);
 
  private:
   PerfJSONWriter& _writer;

@@ -139,7 +139,7 @@ void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-r%d", _pid, cpu), "binary");
   entry.text("class", "proc:running").show(head.show).text("tip", chartText("Running on CPU %d", cpu));
-  entry.hints(cpuColours(cpu)).writeChanges(series, kRunningPointSeparator);
+  entry.hints(cpuColours(cpu)).writeChanges(series, PointSeparator::commaAndBlank);
 }
 
 void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
@@ -222,14 +222,14 @@ void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, const st
         entry.hints({"#232381", "#a3a3e6"}).openData();
         started = true;
       }
-      entry.point(kPointSeparator, lastTime, value);
+      entry.point(lastTime, value);
       beforeLast = last;
       last = value;
     }
     lastTime = sample.time;
   }
   if (!started) return;
-  entry.point(kPointSeparator, lastTime, 0);
+  entry.point(lastTime, 0);
   entry.closeData();
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <tuple>
 #include <vector>
 
 #include "json/PerfJSONWriter.h"
@@ -13,12 +12,6 @@ namespace {
 
 int gpuKey(int dimension, int device) {
   return static_cast<int>(static_cast<unsigned int>(dimension) * 10 + static_cast<unsigned int>(device));
-}
-
-template <typename Charts>
-typename Charts::mapped_type find(const Charts& charts, int key) {
-  const auto found = charts.find(key);
-  return found != charts.end() ? found->second : nullptr;
 }
 
 /// A chart and whether it was made just now.
@@ -50,35 +43,35 @@ void TimechartManager::init() {
 }
 
 ProcessChart* TimechartManager::getProcessChart(int pid) {
-  return find(_processCharts, pid);
+  return _processCharts.find(pid);
 }
 
 ProcessChart* TimechartManager::createProcessChart(int pid) {
-  return _processCharts[pid] = new ProcessChart(pid);
+  return _processCharts.add(pid, new ProcessChart(pid));
 }
 
 GPUChart* TimechartManager::getGPUChart(int dimension, int device) {
-  return find(_gpuCharts, gpuKey(dimension, device));
+  return _gpuCharts.find(gpuKey(dimension, device));
 }
 
 GPUChart* TimechartManager::createGPUChart(int dimension, int device) {
-  return _gpuCharts[gpuKey(dimension, device)] = new GPUChart(dimension, device);
+  return _gpuCharts.add(gpuKey(dimension, device), new GPUChart(dimension, device));
 }
 
 CPUChart* TimechartManager::getCPUChart(int cpu) {
-  return find(_cpuCharts, cpu);
+  return _cpuCharts.find(cpu);
 }
 
 CPUChart* TimechartManager::createCPUChart(int cpu) {
-  return _cpuCharts[cpu] = new CPUChart(cpu);
+  return _cpuCharts.add(cpu, new CPUChart(cpu));
 }
 
 IRQChart* TimechartManager::getIRQChart(int irq) {
-  return find(_irqCharts, irq);
+  return _irqCharts.find(irq);
 }
 
 IRQChart* TimechartManager::createIRQChart(int irq) {
-  return _irqCharts[irq] = new IRQChart(irq);
+  return _irqCharts.add(irq, new IRQChart(irq));
 }
 
 bool TimechartManager::addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu,
@@ -200,29 +193,23 @@ void TimechartManager::writeData(PerfJSONWriter& writer) {
 }
 
 void TimechartManager::outCPUCharts(PerfJSONWriter& writer) {
-  for (const auto& [cpu, chart] : _cpuCharts) chart->outCPUChart(writer);
+  for (const auto& [cpu, chart] : _cpuCharts.inOrder()) chart->outCPUChart(writer);
 }
 
 void TimechartManager::outGPUCharts(PerfJSONWriter& writer) {
-  for (const auto& [core, chart] : _gpuCharts) chart->outGPUChart(writer);
+  for (const auto& [core, chart] : _gpuCharts.inOrder()) chart->outGPUChart(writer);
 }
 
 void TimechartManager::outIRQCharts(PerfJSONWriter& writer) {
-  for (const auto& [irq, chart] : _irqCharts) chart->outIRQChart(writer);
+  for (const auto& [irq, chart] : _irqCharts.inOrder()) chart->outIRQChart(writer);
 }
 
-// One sort on two numbers, not a walk of the process tree: nesting the rows is the viewer's business.
+// One sort, not a walk of the process tree: nesting the rows is the viewer's business.
 void TimechartManager::outProcessCharts(PerfJSONWriter& writer) {
-  struct Row {
-    int ppid;
-    int pid;
-    ProcessChart* chart;
-  };
-  std::vector<Row> rows;
-  for (const auto& [pid, chart] : _processCharts) rows.push_back({chart->_ppid, pid, chart});
-  std::sort(rows.begin(), rows.end(),
-            [](const Row& a, const Row& b) { return std::tie(a.ppid, a.pid) < std::tie(b.ppid, b.pid); });
-  for (const Row& row : rows) row.chart->outProcessChart(writer);
+  auto charts = _processCharts.inOrder();
+  std::stable_sort(charts.begin(), charts.end(),
+                   [](const auto& a, const auto& b) { return a.second->_ppid < b.second->_ppid; });
+  for (const auto& [pid, chart] : charts) chart->outProcessChart(writer);
 }
 
 void TimechartManager::outEventChart(PerfJSONWriter& writer) const {

@@ -3,9 +3,9 @@
 #include <array>
 #include <map>
 #include <string>
-#include <unordered_map>
 
 #include "timechart/CPUChart.h"
+#include "timechart/ChartTable.h"
 #include "timechart/EventChart.h"
 #include "timechart/GPUChart.h"
 #include "timechart/IRQChart.h"
@@ -95,10 +95,10 @@ class TimechartManager {
 
   static TimechartManager* _instance;
 
-  std::map<int, GPUChart*> _gpuCharts;  ///< by dimension * 10 + device
-  std::unordered_map<int, ProcessChart*> _processCharts;
-  std::map<int, CPUChart*> _cpuCharts;
-  std::map<int, IRQChart*> _irqCharts;
+  ChartTable<GPUChart> _gpuCharts;  ///< by dimension * 10 + device
+  ChartTable<ProcessChart> _processCharts;
+  ChartTable<CPUChart> _cpuCharts;
+  ChartTable<IRQChart> _irqCharts;
   EventChart _eventChart;
   std::map<int, std::string> _irqNames;
   std::map<int, std::string> _sirqNames;
