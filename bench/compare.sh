@@ -4,7 +4,8 @@
 #
 # The start of a run, which is the kernel's table and nm, is what a recording with the same maps and no sample takes.
 # It is shown and, for the rates and ratios, taken off; a program that prints prepared lists stands in for nm, whose
-# own time is large and uneven. Documents go to memory, so that no disk plays a part. Times are medians of five runs, perf's of three.
+# own time is large and uneven. Documents go to memory, so that no disk plays a part, and are new ones: to delete the last
+# one is not a conversion's work. Times are medians of nine runs, perf's of five.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 cd "$top"
@@ -16,7 +17,7 @@ documents=$(mktemp -d -p /dev/shm)
 trap 'rm -rf "$results" "$documents"' EXIT
 
 measure() { # measure NAME RUNS COMMAND: leaves median, user and system seconds in the results
-    hyperfine --style none --warmup 1 --runs "$2" --export-json "$results/$1.json" "$3" >/dev/null 2>&1
+    hyperfine --style none --prepare "rm -f $documents/$1.json" --warmup 1 --runs "$2" --export-json "$results/$1.json" "$3" >/dev/null 2>&1
     /usr/bin/time -f %M -o "$results/$1.memory" sh -c "exec $3" >/dev/null 2>&1 || true
 }
 figure() { jq -r ".results[0].$2" "$results/$1.json"; }
@@ -34,12 +35,12 @@ compare() { # compare FILE OPTION PERF_COMMAND...: NAME=COMMAND each
     local file=$1 option=$2 program=build/release/zelconv entry
     shift 2
     printf '\n%s, %s records\n%-22s %10s %10s %10s %11s %12s\n' "$file" 1000000 "" wall user system memory document
-    measure start 5 "env PATH=$own_path $program $option -b 1 -i $bench/empty/$file -o $documents/start.json"
-    measure tenth 5 "env PATH=$own_path $program $option -b 1 -i $bench/tenth/$file -o $documents/tenth.json"
-    measure zelconv 5 "env PATH=$own_path $program $option -b 1 -i $bench/full/$file -o $documents/zelconv.json"
-    measure floor 5 "build/release/bench/floor $bench/full/$file $documents/floor.json"
+    measure start 9 "env PATH=$own_path $program $option -b 1 -i $bench/empty/$file -o $documents/start.json"
+    measure tenth 9 "env PATH=$own_path $program $option -b 1 -i $bench/tenth/$file -o $documents/tenth.json"
+    measure zelconv 9 "env PATH=$own_path $program $option -b 1 -i $bench/full/$file -o $documents/zelconv.json"
+    measure floor 9 "build/release/bench/floor $bench/full/$file $documents/floor.json"
     [ -z "$other" ] || measure other 3 "env PATH=$own_path $other $option -b 1 -i $bench/full/$file -o $documents/other.json"
-    for entry in "$@"; do measure "${entry%%=*}" 3 "${entry#*=}"; done
+    for entry in "$@"; do measure "${entry%%=*}" 5 "${entry#*=}"; done
 
     for entry in start tenth zelconv floor ${other:+other} "${@%%=*}"; do row "$entry" "$documents/$entry.json"; done
     local own bytes

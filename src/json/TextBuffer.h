@@ -38,7 +38,8 @@ class TextBuffer {
 
   void append(const TextBuffer& text);
 
-  /// Appends what the function writes, at most so many bytes: it gets the place and answers the end.
+  /// Appends what the function writes, at most so many bytes and a block: it gets the place and answers the
+  /// end.
   template <typename Write>
   void append(std::size_t most, Write write) {
     makeRoom(most);
