@@ -9,6 +9,7 @@
 
 #include "json/NumberPair.h"
 #include "json/TextBuffer.h"
+#include "run/Scatter.h"
 
 /// Writes lists of pairs as arrays without white space, [[first,second,],]. Lists name the same few pairs
 /// again and again, so the latest texts are kept.
@@ -36,7 +37,7 @@ class PairTexts {
 
   const Text& textOf(unsigned long long first, unsigned int second) {
     const std::uint64_t both = first ^ std::uint64_t{second} << 32;
-    Text& text = (*_texts)[static_cast<std::size_t>(both * 0x9E3779B97F4A7C15 >> (64 - kPlaceBits))];
+    Text& text = (*_texts)[scattered(both, kPlaceBits)];
     if (text.first != first || text.second != second || text.length == 0) text.write(first, second);
     return text;
   }

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "run/Scatter.h"
+
 class PerfRecordMMap;
 class SymbolTableElement;
 
@@ -31,7 +33,7 @@ class AddressLookUps {
   /// The place where the answer stands, if it is known.
   Answer& operator()(unsigned long long address, unsigned int pid, unsigned int tid) {
     const std::uint64_t key = address ^ std::uint64_t{pid} << 32 ^ std::uint64_t{tid} << 40;
-    return _answers[static_cast<std::size_t>(key * 0x9E3779B97F4A7C15 >> (64 - kPlaceBits))];
+    return _answers[scattered(key, kPlaceBits)];
   }
 
  private:
