@@ -161,7 +161,7 @@ void PerfJSONWriter::_terminateLine() {
 }
 
 void PerfJSONWriter::_bufferJsonValue(std::string_view text) {
-  if (!_buffer.empty()) _buffer.append(',');
+  _separateBuffered();
   _buffer.append(text);
 }
 

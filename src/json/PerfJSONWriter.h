@@ -51,7 +51,7 @@ class PerfJSONWriter {
   /// end.
   template <typename Write>
   void writeJson(std::size_t most, Write write) {
-    if (!_buffer.empty()) _buffer.append(',');
+    _separateBuffered();
     _buffer.append(most, write);
   }
 
@@ -84,6 +84,9 @@ class PerfJSONWriter {
  private:
   void _doLabel(const char* label);
   void _terminateLine();
+  void _separateBuffered() {
+    if (!_buffer.empty()) _buffer.append(',');
+  }
   void _bufferJsonValue(std::string_view text);
   void _flushBuffer();
   int _writeFile();

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <span>
 #include <string>
-#include <string_view>
 
 #include "timechart/ChartSeries.h"
 
