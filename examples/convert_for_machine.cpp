@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "run/MachineFiles.h"
+#include "base/MachineFiles.h"
 #include "run/profile.h"
 
 int main(int argc, char** argv) {

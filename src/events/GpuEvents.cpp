@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "base/TargetNumbers.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 #include "timechart/TimechartManager.h"
 
 namespace {

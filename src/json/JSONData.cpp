@@ -5,9 +5,9 @@
 #include <ostream>
 #include <utility>
 
+#include "base/TargetNumbers.h"
 #include "json/JSONParser.h"
 #include "json/JsonText.h"
-#include "run/TargetNumbers.h"
 
 namespace loomstat {
 

@@ -7,9 +7,9 @@
 #include <span>
 #include <string_view>
 
+#include "base/Scatter.h"
 #include "json/NumberPair.h"
 #include "json/TextBuffer.h"
-#include "run/Scatter.h"
 
 /// Writes lists of pairs as arrays without white space, [[first,second,],]. Lists name the same few pairs
 /// again and again, so the latest texts are kept.

@@ -7,8 +7,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/BlockPool.h"
 #include "json/Digits.h"
-#include "run/BlockPool.h"
 
 namespace loomstat {
 

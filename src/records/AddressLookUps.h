@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "run/Scatter.h"
+#include "base/Scatter.h"
 
 class PerfRecordMMap;
 class SymbolTableElement;

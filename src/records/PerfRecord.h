@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "records/PerfFoundation.h"
+#include "base/PerfFoundation.h"
 
 class PerfJSONWriter;
 

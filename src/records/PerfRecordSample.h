@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <deque>
 
+#include "base/Arena.h"
 #include "json/NumberPair.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
-#include "run/Arena.h"
 
 class PerfRecordComm;
 class PerfRecordMMap;

@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "records/PerfFoundation.h"
+#include "base/PerfFoundation.h"
+#include "base/TargetNumbers.h"
 #include "run/ErrorExit.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 #include "symbols/FileNames.h"
 
 namespace {

@@ -4,10 +4,10 @@
 
 #include <cstdio>
 
+#include "base/MachineFiles.h"
+#include "base/TargetNumbers.h"
 #include "records/PerfRecordSample.h"
-#include "run/MachineFiles.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 
 namespace {
 

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/MachineFiles.h"
+#include "base/TargetNumbers.h"
 #include "events/PerfRecordSampleEvent.h"
 #include "json/PerfJSONWriter.h"
 #include "records/PerfBlockReader.h"
@@ -13,10 +15,8 @@
 #include "records/PerfRecordMMap.h"
 #include "records/PerfRecordSample.h"
 #include "run/ErrorExit.h"
-#include "run/MachineFiles.h"
 #include "run/Options.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 #include "run/TimeBase.h"
 #include "symbols/FileNames.h"
 #include "symbols/SymbolTable.h"

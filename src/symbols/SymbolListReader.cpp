@@ -6,8 +6,8 @@
 #include <iterator>
 #include <map>
 
+#include "base/TargetNumbers.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 #include "symbols/FileNames.h"
 #include "symbols/SymbolTable.h"
 

@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "run/MachineFiles.h"
+#include "base/MachineFiles.h"
 #include "run/Settings.h"
 #include "run/TimeBase.h"
 #include "symbols/SymbolListReader.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "records/PerfFoundation.h"
+#include "base/PerfFoundation.h"
 #include "symbols/NameStore.h"
 #include "symbols/SymbolTableElement.h"
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "run/Arena.h"
+#include "base/Arena.h"
 
 /// Facts in order of arrival. A timechart has lists of any length by the thousand, so they grow by pieces of
 /// an arena that is theirs together: nothing is copied, and little lies idle.

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/LineReader.h"
+#include "base/MachineFiles.h"
 #include "json/JSOM.h"
-#include "run/LineReader.h"
-#include "run/MachineFiles.h"
 #include "run/Settings.h"
 #include "timechart/TimechartManager.h"
 

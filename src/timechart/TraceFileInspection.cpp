@@ -8,9 +8,9 @@
 #include <optional>
 #include <string>
 
-#include "run/LineReader.h"
-#include "run/MachineFiles.h"
-#include "run/TargetNumbers.h"
+#include "base/LineReader.h"
+#include "base/MachineFiles.h"
+#include "base/TargetNumbers.h"
 #include "timechart/TimechartManager.h"
 
 namespace {

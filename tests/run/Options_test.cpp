@@ -6,9 +6,9 @@
 #include <cmath>
 #include <limits>
 
-#include "records/PerfFoundation.h"
+#include "base/PerfFoundation.h"
+#include "base/TargetNumbers.h"
 #include "run/Settings.h"
-#include "run/TargetNumbers.h"
 #include "run/TimeBase.h"
 #include "symbols/FileNames.h"
 

@@ -11,7 +11,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "run/MachineFiles.h"
+#include "base/MachineFiles.h"
 #include "run/profile.h"
 
 namespace {

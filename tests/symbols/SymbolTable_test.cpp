@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "run/MachineFiles.h"
+#include "base/MachineFiles.h"
 #include "run/Settings.h"
 #include "support/Conversion.h"
 #include "symbols/FileNames.h"

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <deque>
 
-#include "run/BlockPool.h"
+#include "base/BlockPool.h"
 
 /// Storage for many small things that stay: one piece behind the other in blocks of the pool, aligned to 8
 /// bytes.

@@ -1,4 +1,4 @@
-#include "run/Arena.h"
+#include "base/Arena.h"
 
 #include <functional>
 

@@ -1,4 +1,4 @@
-#include "run/LineReader.h"
+#include "base/LineReader.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "run/BlockPool.h"
+#include "base/BlockPool.h"
 
 #include <sys/mman.h>
 

@@ -1,4 +1,4 @@
-#include "run/TargetNumbers.h"
+#include "base/TargetNumbers.h"
 
 #include <algorithm>
 #include <cmath>

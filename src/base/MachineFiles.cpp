@@ -1,0 +1,3 @@
+#include "base/MachineFiles.h"
+
+MachineFiles gMachineFiles;

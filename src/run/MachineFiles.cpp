@@ -1,3 +1,0 @@
-#include "run/MachineFiles.h"
-
-MachineFiles gMachineFiles;
