@@ -1,0 +1,37 @@
+/// What the headers of an ELF file say: enough to lay out its mappings and to tell it from another file of
+/// its name.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelkit {
+
+/// One PT_LOAD segment: bytes [offset, offset + fileSize) of the file become [address, address + fileSize).
+struct ElfSegment {
+  std::uint64_t offset = 0;
+  std::uint64_t address = 0;  ///< where the file itself would lie; symbol lists count from there
+  std::uint64_t fileSize = 0;
+  bool executable = false;
+};
+
+/// The header of an ELF file of either width and byte order.
+struct ElfFile {
+  bool positionIndependent = false;  ///< ET_DYN: a library or a PIE; false for ET_EXEC and ET_REL
+  bool wide = false;                 ///< 64-bit
+  std::uint16_t machine = 0;         ///< EM_ARM, EM_X86_64 ... of <elf.h>
+  std::string buildId;               ///< lower-case hexadecimal digits, empty if the file has none
+  std::vector<ElfSegment> segments;  ///< ascending by address
+
+  /// Returns the link address of a byte of the file, by the segment that maps it; an executable segment is
+  /// preferred, as two may share a page. Nothing if no segment holds the offset.
+  [[nodiscard]] std::optional<std::uint64_t> addressOf(std::uint64_t fileOffset) const;
+
+  /// Reads the headers. Throws std::runtime_error with "FILE: reason" if the file cannot be read or is no
+  /// ELF.
+  static ElfFile read(const std::string& path);
+};
+
+}  // namespace zelkit
