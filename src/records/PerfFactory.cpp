@@ -79,18 +79,27 @@ PerfRecord* PerfFactory::readNext(PerfReader& reader) {
 
   // A body cut short by the end of the file is still taken, over what the buffer held before.
   reader.read(_tmp + kHeaderSize, header.size - kHeaderSize);
-  if (header.type >= perfRecordFunctions.size()) {
-    showUnused("Overflow", header);
+  return create(header.type, header.size, _tmp);
+}
+
+PerfRecord* PerfFactory::create(std::uint32_t type, std::uint16_t size, char* bytes) {
+  if (type >= perfRecordFunctions.size()) {
+    showUnused("Overflow", {type, size});
     return nullptr;
   }
-  const PerfRecordFunction create = perfRecordFunctions[header.type].function;
-  if (create == nullptr) {
-    showUnused("Unknown", header);
+  const PerfRecordFunction function = perfRecordFunctions[type].function;
+  if (function == nullptr) {
+    showUnused("Unknown", {type, size});
     return nullptr;
   }
-  PerfRecord* record = create(_tmp);
-  if (record != nullptr) record->setFraming(header.type, header.size);
+  PerfRecord* record = function(bytes);
+  if (record != nullptr) record->setFraming(type, size);
   return record;
+}
+
+char* PerfFactory::buffer(int size) {
+  allocTmpBuffer(size);
+  return _tmp;
 }
 
 void PerfFactory::showStats() {

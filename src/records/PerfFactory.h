@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 class PerfReader;
 class PerfRecord;
@@ -33,6 +34,13 @@ class PerfFactory {
   ///
   /// A creation function gets the shared buffer with the body at offset 8 and must copy what it keeps.
   static PerfRecord* readNext(PerfReader& reader);
+
+  /// Gives a record to the creation function of its type; returns what that returns, or null for a type
+  /// without one. The bytes must lie in the shared buffer.
+  static PerfRecord* create(std::uint32_t type, std::uint16_t size, char* bytes);
+
+  /// Returns the shared record buffer, of that size at least.
+  static char* buffer(int size);
 
   static void showStats();
 

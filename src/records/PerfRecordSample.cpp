@@ -25,7 +25,7 @@ namespace {
 const PerfAddFactory sampleFactory(9, "sample", PerfRecordSample::createInstance);
 
 constexpr unsigned int kHighestCore = 16;
-constexpr unsigned int kDeepestTrace = 15;
+constexpr unsigned int kDeepestPossible = 255;
 constexpr unsigned long long kLastInterruptAddress = 0xFEFFFFFF;
 constexpr unsigned long long kLastStrayMarker = 0x100;
 
@@ -42,7 +42,7 @@ constexpr SectionColumn kColumns[] = {
 };
 
 std::uint8_t keptDepth(unsigned int nr) {
-  return static_cast<std::uint8_t>(nr == 1 ? 0 : std::min(nr, kDeepestTrace));
+  return static_cast<std::uint8_t>(nr == 1 ? 0 : std::min({nr, gDeepestTrace, kDeepestPossible}));
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   if (skip >= _depth) return;
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
-  std::array<NumberPair, kDeepestTrace> entries;
+  std::array<NumberPair, kDeepestPossible> entries;
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);

@@ -16,9 +16,9 @@ class PerfRecordMMap;
 /// Trace-point samples derive from it and have no back-trace.
 class PerfRecordSample : public PerfRecord {
  public:
-  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and 15 are kept at
-  /// most. Resolves the back-trace with the maps and processes known by now, and joins the list of all
-  /// samples.
+  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and
+  /// gDeepestTrace are kept at most. Resolves the back-trace with the maps and processes known by now, and
+  /// joins the list of all samples.
   PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid,
                    unsigned int tid, unsigned long long period, unsigned int nr,
                    const PerfRecordSampleS& record);

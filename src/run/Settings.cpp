@@ -20,6 +20,7 @@ bool gRmFirstInterrupt = false;
 bool gShowMarkers = false;
 bool gTimechartMode = false;
 bool gDoneProcessing = false;
+unsigned int gDeepestTrace = 15;
 
 bool is64 = false;
 int kern_ver = 304;

@@ -29,6 +29,9 @@ extern bool gRmFirstInterrupt;   ///< -I: pass over the first entry of every bac
 extern bool gShowMarkers;        ///< -m: write debug markers to the kernel's log
 extern bool gTimechartMode;      ///< -t: the timechart document instead of the profile document
 extern bool gDoneProcessing;     ///< ends the record walk when set
+/// How many entries of a back-trace are kept, 255 at most. No option sets it: viewers know 15, and programs
+/// that link the converter may ask for more.
+extern unsigned int gDeepestTrace;
 
 // The recorded kernel
 extern bool is64;                        ///< its trace-points have the layouts of a 64-bit kernel

@@ -52,19 +52,34 @@ void loadKernelSymbols() {
   SymbolTable::_kernelSymTable = kernel;
 }
 
-PerfRecordHeaderS readHeader(PerfReader& reader) {
-  PerfRecordHeaderS header{};
-  if (reader.read(reinterpret_cast<char*>(&header), sizeof header) <= 0) errorExit("Invalid In File", -1);
-  return header;
-}
+/// The recording that the options name.
+class RecordingFile : public RecordSource {
+ public:
+  void open() override {
+    if (_reader.open(inFileName.c_str()) == -1) errorExit("Bad In File Name", -1);
+  }
 
-void walkRecords(PerfReader& reader, const PerfRecordHeaderS& header) {
-  reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
-  // The size of the data section plays no part: the walk goes on to the end of the file.
-  while (reader.status() && !gDoneProcessing)
-    if (PerfRecord* record = PerfFactory::readNext(reader); record != nullptr && !record->isKept())
-      delete record;
-}
+  void walk() override {
+    const PerfRecordHeaderS header = readHeader();
+    PerfRecordSampleEvent::readEvents(_reader, header);
+    _reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
+    // The size of the data section plays no part: the walk goes on to the end of the file.
+    while (_reader.status() && !gDoneProcessing)
+      if (PerfRecord* record = PerfFactory::readNext(_reader); record != nullptr && !record->isKept())
+        delete record;
+  }
+
+  void close() override { _reader.close(); }
+
+ private:
+  PerfRecordHeaderS readHeader() {
+    PerfRecordHeaderS header{};
+    if (_reader.read(reinterpret_cast<char*>(&header), sizeof header) <= 0) errorExit("Invalid In File", -1);
+    return header;
+  }
+
+  PerfBlockReader _reader;
+};
 
 void writeDescription(PerfJSONWriter& writer, const char* chip) {
   writer.newElementStart("Description");
@@ -100,7 +115,11 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
 }  // namespace
 
 int profile(int argc, char** argv) {
-  PerfBlockReader reader;
+  RecordingFile recording;
+  return profile(argc, argv, recording);
+}
+
+int profile(int argc, char** argv, RecordSource& records) {
   const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start behind it
   const SymbolTable defaultTable;
   FileNames::createEmptyRef();
@@ -114,18 +133,16 @@ int profile(int argc, char** argv) {
   if (!gTimechartMode) loadKernelSymbols();
   SymbolTable::createSyntheticTable();
 
-  if (reader.open(inFileName.c_str()) == -1) errorExit("Bad In File Name", -1);
+  records.open();
   if (writer->open(outFileName.c_str()) == -1) errorExit("Bad Out File Name", -1);
-  const PerfRecordHeaderS header = readHeader(reader);
-  PerfRecordSampleEvent::readEvents(reader, header);
-  walkRecords(reader, header);
+  records.walk();
   if (gTimechartMode) {
     writeTimechartDocument(*writer);
   } else {
     writeProfileDocument(*writer);
   }
   writer->close();
-  reader.close();
+  records.close();
   closeMarkerFile();
   if (gVerbosity > 0) PerfFactory::showStats();
   return 0;

@@ -76,7 +76,7 @@ bool isSpecial(const char* path) {
 }  // namespace
 
 void SymbolTable::setPath(const std::string& path) {
-  _paths.assign(1, kNoDirectory);
+  _paths.assign(1, gMachineFiles.root.empty() ? kNoDirectory : gMachineFiles.root);
   std::size_t start = 0;
   while (start <= path.size()) {
     const std::size_t end = std::min(path.find(':', start), path.size());
@@ -130,12 +130,22 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
   return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
+SymbolTable* SymbolTable::readGivenList(const char* name) {
+  auto* table = new SymbolTable(name, 0, 0);
+  if (std::FILE* list = gMachineFiles.openSymbolList(name); list != nullptr) {
+    table->read(list, false);
+    std::fclose(list);
+  }
+  return table;
+}
+
 SymbolTable* SymbolTable::findAndRead(const char* name) {
   if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", name);
   if (SymbolTable* table = findExistingSymbolTable(name); table != nullptr) {
     if (gVerbosity > 0) std::printf("SymTab path found %s\n", name);
     return table;
   }
+  if (gMachineFiles.openSymbolList) return readGivenList(name);
   std::string baseName;
   stripPath(name, baseName);
   if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", baseName.c_str());

@@ -1,0 +1,84 @@
+// What a program that links the converter may change, and the command line may not.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "base/MachineFiles.h"
+#include "records/PerfFactory.h"
+#include "run/Settings.h"
+#include "run/profile.h"
+#include "support/Conversion.h"
+#include "symbols/SymbolTable.h"
+
+namespace {
+
+/// Gives the records of a recording to the engine without the framing that a file needs.
+class RecordsInMemory : public RecordSource {
+ public:
+  explicit RecordsInMemory(std::string records) : _records(std::move(records)) {}
+
+  void open() override {}
+  void walk() override {
+    for (std::size_t at = 0; at < _records.size();) {
+      std::uint32_t type = 0;
+      std::uint16_t size = 0;
+      std::memcpy(&type, &_records[at], sizeof type);
+      std::memcpy(&size, &_records[at + 6], sizeof size);
+      char* buffer = PerfFactory::buffer(2048);
+      std::memcpy(buffer, &_records[at], size);
+      PerfFactory::create(type, size, buffer);
+      at += size;
+    }
+  }
+  void close() override {}
+
+ private:
+  std::string _records;
+};
+
+std::FILE* listFor(const char* name) {
+  if (std::strcmp(name, "/a/libx.so") != 0) return nullptr;
+  static char list[] = "0 T start\tx.c:1\n100 T middle\n200 T end_\n";
+  return fmemopen(list, sizeof list - 1, "r");
+}
+
+TEST(LinkedProgram, BringsRecordsAndSymbolListsAndKeepsDeepTraces) {
+  Conversion conversion;
+  gMachineFiles.openSymbolList = listFor;
+  gDeepestTrace = 40;
+  RecordingBuilder recording;
+  recording.comm(7, 7, "tool");
+  recording.mmap(7, 7, 0x40000000, 0x300, "/a/libx.so").mmap(7, 7, 0x50000000, 0x300, "/b/libx.so");
+  recording.sample({.ip = 0x50000104,
+                    .pid = 7,
+                    .tid = 7,
+                    .time = 1500000000,
+                    .trace = std::vector<std::uint64_t>(41, 0x40000104)});
+  RecordsInMemory records(recording.data());
+  std::string output = conversion.path("out.json");
+  char* arguments[] = {const_cast<char*>("zelconv"), const_cast<char*>("-o"), output.data(), nullptr};
+  optind = 1;
+  ASSERT_EQ(profile(3, arguments, records), 0);
+  const std::string document = conversion.read("out.json");
+  EXPECT_EQ(rows(document, "functions"), "7,\"middle\",256,256,[5,]\n");
+  std::string entries;
+  for (int i = 0; i < 40; ++i) entries += "[1073742084,7,],";
+  // Two files of one name, of which only the first has a list.
+  EXPECT_NE(rows(document, "samples").find("1,1342177540,6,"), std::string::npos);
+  EXPECT_NE(rows(document, "samples").find("[" + entries + "]"), std::string::npos);
+}
+
+TEST(LinkedProgram, LooksForFilesBelowItsRootFirst) {
+  const Conversion folder;
+  folder.write("device/bin/sh", "");
+  gMachineFiles.root = folder.path("device");
+  SymbolTable::setPath("/");
+  int index = 0;
+  EXPECT_EQ(SymbolTable::findPathForFile("/bin/sh", index), folder.path("device/bin/sh"));
+  index = 0;
+  EXPECT_EQ(SymbolTable::findPathForFile("/bin/env", index), "");
+}
+
+}  // namespace
