@@ -18,6 +18,7 @@ unsigned long long gLastTimestampToProcess = 0xFFFFFFFFFFFFFFFF;
 unsigned int gVerbosity = 0;
 bool gRmFirstInterrupt = false;
 bool gShowMarkers = false;
+std::FILE* gMarkerFile = nullptr;
 bool gTimechartMode = false;
 bool gDoneProcessing = false;
 unsigned int gDeepestTrace = 15;

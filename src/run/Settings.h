@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 /// The program-wide settings. They are set before or during start-up, from the command line and the
@@ -27,6 +28,7 @@ extern unsigned long long gLastTimestampToProcess;   ///< nanoseconds of the rec
 extern unsigned int gVerbosity;  ///< diagnostics on standard output: 0 none, 1 most, 2 every read as well
 extern bool gRmFirstInterrupt;   ///< -I: pass over the first entry of every back-trace
 extern bool gShowMarkers;        ///< -m: write debug markers to the kernel's log
+extern std::FILE* gMarkerFile;   ///< the kernel's log, null until the first marker
 extern bool gTimechartMode;      ///< -t: the timechart document instead of the profile document
 extern bool gDoneProcessing;     ///< ends the record walk when set
 /// How many entries of a back-trace are kept, 255 at most. No option sets it: viewers know 15, and programs

@@ -13,8 +13,6 @@ namespace {
 
 constexpr unsigned long long kNanosecondsPerSecond = 1000000000;
 
-std::FILE* gMarkerFile = nullptr;
-
 double onLoomstatScale(double seconds) {
   const double scaled = asOnTarget(seconds * timestampScaler, seconds, timestampScaler);
   return asOnTarget(scaled + timestampOffset, scaled, timestampOffset);
@@ -23,11 +21,12 @@ double onLoomstatScale(double seconds) {
 }  // namespace
 
 void calcTimeConversion() {
-  std::FILE* file = std::fopen(gMachineFiles.uptime.c_str(), "r");
+  // Stays open, as it always has: it takes the lowest descriptor that is free. A run that was started without
+  // standard input would else get 0 for its recording, which PerfReader takes for a file that is not open.
+  std::FILE* file = std::fopen(gMachineFiles.uptime.c_str(), "re");
   if (file == nullptr) return;
   double uptime = 0.0;
   if (std::fscanf(file, "%lf", &uptime) != 1) uptime = 0.0;
-  std::fclose(file);
 
   timeval clock{};
   gettimeofday(&clock, nullptr);
@@ -74,16 +73,4 @@ double relativeToStart(double converted) {
 std::optional<double> selectedTime(double converted) {
   if (gSelectiveProcessing && (converted < gtodAtStart || converted > gtodAtStop)) return std::nullopt;
   return relativeToStart(converted);
-}
-
-void writeMarker(const char* text) {
-  if (!gShowMarkers) return;
-  if (gMarkerFile == nullptr) gMarkerFile = std::fopen(gMachineFiles.kernelLog.c_str(), "w");
-  if (gMarkerFile == nullptr) return;
-  std::fprintf(gMarkerFile, "zcv-%s\n", text);
-  std::fflush(gMarkerFile);
-}
-
-void closeMarkerFile() {
-  if (gMarkerFile != nullptr) std::fclose(gMarkerFile);
 }

@@ -27,9 +27,3 @@ double relativeToStart(double converted);
 
 /// The same, or nothing when the time lies outside the range that -s and -f selected.
 std::optional<double> selectedTime(double converted);
-
-/// Writes "zcv-" and the text as a line to the kernel's log. Does nothing without -m.
-void writeMarker(const char* text);
-
-/// Closes the kernel's log if writeMarker has opened it.
-void closeMarkerFile();

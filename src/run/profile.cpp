@@ -15,6 +15,7 @@
 #include "records/PerfRecordMMap.h"
 #include "records/PerfRecordSample.h"
 #include "run/ErrorExit.h"
+#include "run/KernelLog.h"
 #include "run/Options.h"
 #include "run/Settings.h"
 #include "run/TimeBase.h"
@@ -143,7 +144,7 @@ int profile(int argc, char** argv, RecordSource& records) {
   }
   writer->close();
   records.close();
-  closeMarkerFile();
+  closeKernelLog();
   if (gVerbosity > 0) PerfFactory::showStats();
   return 0;
 }

@@ -13,8 +13,8 @@
 #include <cstring>
 
 #include "base/MachineFiles.h"
-#include "run/Settings.h"
-#include "run/TimeBase.h"
+#include "run/KernelLog.h"
+include "run/Settings.h"
 #include "symbols/SymbolListReader.h"
 #include "symbols/SymbolTable.h"
 

@@ -1,0 +1,16 @@
+#include "base/OutputFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+int openOutputFile(const char* path) {
+  const int descriptor = ::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
+  const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int error = errno;
+  ::close(descriptor);
+  errno = error;
+  return moved;
+}
