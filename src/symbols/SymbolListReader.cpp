@@ -71,11 +71,11 @@ bool SymbolListReader::goesBackward() const {
   return _pending.address <= lastOrdered && _address < _pending.address;
 }
 
-/// Cuts the line end of the line just read: the last character of what now stands where the previous name
-/// stood.
+/// Cuts the line end of the line just read: the last character of the text from where the previous name
+/// began. A line that ends right there is an empty text, and the character before it is cut.
 void SymbolListReader::cutLineEnd() {
-  const std::size_t length = std::strlen(_pendingName);
-  if (length > 0) _pendingName[length - 1] = '\0';
+  char* const end = _pendingName + std::strlen(_pendingName);
+  end[-1] = '\0';
 }
 
 void SymbolListReader::takePending(char* name) {
@@ -102,13 +102,12 @@ void SymbolListReader::read() {
     if (_kernel && !_wide && _address <= kLastUserAddress) continue;
     if (std::strchr(VALID_SECTIONS, _type) == nullptr) continue;
     if (_hasPending && goesBackward()) return readUnsorted();
-    char* name = nameInLine();
+    if (_hasPending) cutLineEnd();
+    char* name = nameInLine();  // after the cut, which may take the end of a " T "
     if (name == nullptr) continue;
-    if (_hasPending) {
-      cutLineEnd();
+    if (_hasPending)
       _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file,
                         _pending.line);
-    }
     takePending(name);
   }
 }
@@ -124,13 +123,14 @@ void SymbolListReader::readUnsorted() {
     cutAt(name, '\t');
     names[_address] = name;
   }
+  const auto add = [this](const auto& symbol, unsigned long long size) {
+    _table.addElement(symbol.first, size, symbol.second, FileNames::_emptyRef, 0);
+  };
   for (auto entry = names.begin(); entry != names.end(); ++entry) {
     if (gVerbosity > 0) std::printf("%llx => %s\n", entry->first, entry->second.c_str());
-    const auto next = std::next(entry);
-    if (next != names.end()) {
-      _table.addElement(entry->first, next->first - entry->first, entry->second, FileNames::_emptyRef, 0);
-    } else if (entry->first != 0) {
-      _table.addElement(entry->first, 1, entry->second, FileNames::_emptyRef, 0);
-    }
+    if (entry == names.begin()) continue;
+    const auto previous = std::prev(entry);
+    add(*previous, entry->first - previous->first);
   }
+  if (const auto& last = *names.rbegin(); last.first != 0) add(last, 1);
 }

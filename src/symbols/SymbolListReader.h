@@ -11,9 +11,8 @@ class SymbolTable;
 /// successor.
 ///
 /// The symbols that come out are those that documents have always shown, odd ends included:
-/// - the last line is taken twice, as the end of the list shows only once a read has failed, so the last
-/// symbol has
-///   size 0; a last line without a line end loses its symbol;
+/// - the last line is processed twice, as the end of the list shows only after a read has failed, so the last
+///   symbol has size 0; a last line without a line end loses its symbol;
 /// - the first symbol keeps its line end in its name;
 /// - a list whose addresses go backward is read into a map instead from there on.
 class SymbolListReader {

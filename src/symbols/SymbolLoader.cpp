@@ -11,10 +11,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "base/MachineFiles.h"
 #include "run/KernelLog.h"
-include "run/Settings.h"
+#include "run/Settings.h"
 #include "symbols/SymbolListReader.h"
 #include "symbols/SymbolTable.h"
 
@@ -54,6 +55,11 @@ class NmRun {
   NmRun(const NmRun&) = delete;
   NmRun& operator=(const NmRun&) = delete;
 
+  /// Waits until nm begins its list or ends. As it sorts, it has said by then what it has to say of the file.
+  void await() const {
+    if (_list != nullptr) std::ungetc(std::fgetc(_list), _list);
+  }
+
   /// Null if there is none. A failure of nm leaves the list empty, and the search goes on elsewhere.
   std::FILE* list() const { return _list; }
 
@@ -67,10 +73,11 @@ bool isRegular(const char* path) {
   return stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Whether opening the file could do more than open it.
+/// Whether opening the file could do more than open it. A socket cannot be opened, so trying does no harm.
 bool isSpecial(const char* path) {
   struct stat status {};
-  return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+  return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) &&
+         !S_ISSOCK(status.st_mode);
 }
 
 }  // namespace
@@ -124,9 +131,11 @@ std::string SymbolTable::findPathForFile(const std::string& name, int& index) {
 SymbolTable* SymbolTable::generateAndRead(const char* path) {
   if (gVerbosity > 0) std::printf("SymbolTable:generateAndRead %s\n", path);
   writeMarker(path);
+  std::optional<NmRun> nm;
+  if (isRegular(path)) nm.emplace(path).await();
+  // After nm, so that the lines of a verbose run come after nm's own.
   auto* table = new SymbolTable(path, 0, 0);
-  if (isRegular(path))
-    if (const NmRun nm(path); nm.list() != nullptr) table->read(nm.list(), false);
+  if (nm && nm->list() != nullptr) table->read(nm->list(), false);
   return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 

@@ -135,6 +135,25 @@ Ending Conversion::runApart(const std::string& recording, const std::vector<std:
   return ending;
 }
 
+std::string printed(const std::function<void()>& act) {
+  std::FILE* text = std::tmpfile();
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(fileno(text), STDOUT_FILENO);
+    dup2(fileno(text), STDERR_FILENO);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    act();
+    _exit(0);
+  }
+  waitpid(child, nullptr, 0);
+  std::rewind(text);
+  std::string result;
+  for (int byte = std::fgetc(text); byte != EOF; byte = std::fgetc(text)) result += static_cast<char>(byte);
+  std::fclose(text);
+  return result;
+}
+
 std::string rows(const std::string& document, const std::string& section) {
   const std::size_t start = document.find("\"data\": [", document.find("\n \"" + section + "\": {"));
   if (start == std::string::npos) return "no such section";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,10 @@ class Conversion {
   std::string _realPath;
   ScopedEnvironment _environment;
 };
+
+/// What the function prints, standard output and standard error in the order of the writes. It runs in a
+/// child process.
+std::string printed(const std::function<void()>& act);
 
 /// The rows of a section of the profile document, a line each, less the brackets around them and the extra
 /// comma.

@@ -1,6 +1,13 @@
 #include "symbols/SymbolTable.h"
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
 
 #include "base/MachineFiles.h"
 #include "run/Settings.h"
@@ -90,9 +97,30 @@ TEST(SymbolList, LeavesALineEndThatNoPreviousNameReaches) {
             "1000+100 one\n|1100+100 x|1200+100 s\n|1300+0 t|");
 }
 
+TEST(SymbolList, CutsTheLineEndThatStandsRightBeforeThePreviousName) {
+  EXPECT_EQ(read("00001000 W foo T bar\n00002000 T abcde\n00003000 T second\n00004000 T third\n"),
+            "1000+1000 bar\n|2000+1000 abcde|3000+1000 second|4000+0 third|");
+}
+
+TEST(SymbolList, CutsTheLineEndBeforeItLooksForTheName) {
+  // A line as long as the reader takes at once has no line end, so the cut takes the blank of " T ".
+  const std::string fill(4095 - std::strlen("2000 W  T "), 'x');
+  EXPECT_EQ(read("1000 T one\n2000 W " + fill + " T cut off\n3000 T three\n"),
+            "1000+1000 one\n|2000+1000 " + fill + " T|3000+0 three|");
+}
+
 TEST(SymbolList, SortsAListThatGoesBackward) {
-  EXPECT_EQ(read("1000 T one\n2000 T two\n1800 T lost\n1400 T four\n1200 T three\tx.c:1\n"),
-            "1000+1000 one\n|1200+200 three|1400+c00 four\n|2000+1 two|");
+  const char* const list = "1000 T one\n2000 T two\n1800 T lost\n1400 T four\n1200 T three\tx.c:1\n";
+  EXPECT_EQ(read(list), "1000+1000 one\n|1200+200 three|1400+c00 four\n|2000+1 two|");
+  const std::string said = printed([&] {
+    gVerbosity = 1;
+    read(list);
+  });
+  EXPECT_EQ(said.substr(said.find("Unsorted")),
+            "Unsorted entries in SymbolTable\n1200 => three\n1400 => four\n\n"
+            "SYMB k:00000 a:00001200 l:00200 u00000 n:three\n2000 => two\n"
+            "SYMB k:00000 a:00001400 l:00c00 u00000 n:four\n\n"
+            "SYMB k:00000 a:00002000 l:00001 u00000 n:two\n");
 }
 
 TEST(SymbolList, GoesBackwardAtALineWithoutANameToo) {
@@ -123,6 +151,44 @@ TEST(SymbolTable, CutsTheSearchPathAndTriesEveryPlace) {
   index = 0;
   EXPECT_EQ(SymbolTable::findPathForFile("/elsewhere/liby.so", index), folder.path("root/liby.so"));
   EXPECT_EQ(SymbolTable::findPathForFile("/none.so", index), "");
+}
+
+TEST(SymbolTable, PassesOverASocketButNotAPipe) {
+  const Conversion folder;
+  SymbolTable::setPath(folder.path("root"));
+  folder.library("/libx.so", "");
+  folder.library("/deep/libx.so", "");
+  const std::string deep = folder.path("root/deep/libx.so");
+  std::filesystem::remove(deep);
+  const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  ASSERT_LT(deep.size(), sizeof address.sun_path);
+  std::strcpy(address.sun_path, deep.c_str());
+  ASSERT_EQ(bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  close(descriptor);
+  int index = 0;
+  EXPECT_EQ(SymbolTable::findPathForFile("/deep/libx.so", index), folder.path("root/libx.so"));
+  std::filesystem::remove(deep);
+  ASSERT_EQ(mkfifo(deep.c_str(), 0600), 0);
+  EXPECT_EQ(SymbolTable::findPathForFile("/deep/libx.so", index = 0), deep);
+}
+
+TEST(SymbolTable, SaysWhatItReadsAfterWhatNmSays) {
+  const Conversion folder;
+  folder.write("libx.so", "");
+  folder.write("bin/nm",
+               "#!/bin/sh\nsleep 0.05\necho nm: complaint >&2\nprintf '10 T aaaa\\n20 T bbbb\\n'\n");
+  const std::string said = printed([&] {
+    gVerbosity = 1;
+    SymbolTable::generateAndRead(folder.path("libx.so").c_str());
+  });
+  EXPECT_EQ(
+      said.substr(said.find('\n')),
+      "\nnm: complaint\nSYMB k:00000 a:00000000 l:00000 u00000 n:" + folder.path("libx.so") +
+          "\nSymtab adding " + folder.path("libx.so") +
+          "\nSymtab adding libx.so\n"
+          "SYMB k:00000 a:00000010 l:00010 u00000 n:aaaa\n\nSYMB k:00000 a:00000020 l:00000 u00000 n:bbbb\n");
 }
 
 TEST(SymbolTable, GoesOnSearchingBehindAFileWithoutSymbolsAndRemembersTheFailure) {
