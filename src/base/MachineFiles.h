@@ -1,8 +1,9 @@
 #pragma once
 
-#include <cstdio>
 #include <functional>
 #include <string>
+
+class SymbolTable;
 
 /// Paths of the files that the run reads from, or writes to, the machine it runs on.
 /// The program always uses the defaults; tests and programs that link the converter point them elsewhere.
@@ -15,10 +16,10 @@ struct MachineFiles {
   /// The folder below which programs and libraries are looked for first, such as a copy of the target's
   /// files. Empty: the machine's own root.
   std::string root;
-  /// Opens the symbol list of the file that a map names, in ascending order of address; null if there is
-  /// none. Every name then has a table of its own. Unset: the list that nm prints for the file on the search
-  /// path.
-  std::function<std::FILE*(const char* name)> openSymbolList;
+  /// Adds the symbols of the file that a map names, or of kernelSymbols, to its table, ascending by address.
+  /// Every name then has a table of its own. Unset: what nm prints for the file on the search path, and the
+  /// text of kernelSymbols.
+  std::function<void(const char* name, SymbolTable& table)> addSymbols;
 };
 
 extern MachineFiles gMachineFiles;

@@ -45,7 +45,12 @@ void readEnvironment() {
 void loadKernelSymbols() {
   SymbolTable::setPath(symPath);
   auto* kernel = new SymbolTable;
-  kernel->readFromFile(gMachineFiles.kernelSymbols.c_str());
+  const char* path = gMachineFiles.kernelSymbols.c_str();
+  if (gMachineFiles.addSymbols) {
+    gMachineFiles.addSymbols(path, *kernel);
+  } else {
+    kernel->readFromFile(path);
+  }
   gKernelStart = kernel->lowAddress();
   gKernelEnd = kernel->highAddress();
   // Behind the bounds, which the vector page must not widen.

@@ -139,22 +139,17 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
   return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
-SymbolTable* SymbolTable::readGivenList(const char* name) {
-  auto* table = new SymbolTable(name, 0, 0);
-  if (std::FILE* list = gMachineFiles.openSymbolList(name); list != nullptr) {
-    table->read(list, false);
-    std::fclose(list);
-  }
-  return table;
-}
-
 SymbolTable* SymbolTable::findAndRead(const char* name) {
   if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", name);
   if (SymbolTable* table = findExistingSymbolTable(name); table != nullptr) {
     if (gVerbosity > 0) std::printf("SymTab path found %s\n", name);
     return table;
   }
-  if (gMachineFiles.openSymbolList) return readGivenList(name);
+  if (gMachineFiles.addSymbols) {
+    auto* table = new SymbolTable(name, 0, 0);
+    gMachineFiles.addSymbols(name, *table);
+    return table;
+  }
   std::string baseName;
   stripPath(name, baseName);
   if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", baseName.c_str());

@@ -115,7 +115,6 @@ class SymbolTable : public PerfFoundation {
 
   void enter(const std::string& name);
   void read(std::FILE* list, bool kernel);
-  static SymbolTable* readGivenList(const char* name);
 
   unsigned long long _lowAddress = ~0ULL;  ///< lowest start so far
   unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end

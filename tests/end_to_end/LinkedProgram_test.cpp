@@ -38,19 +38,22 @@ class RecordsInMemory : public RecordSource {
   std::string _records;
 };
 
-std::FILE* listFor(const char* name) {
-  if (std::strcmp(name, "/a/libx.so") != 0) return nullptr;
-  static char list[] = "0 T start\tx.c:1\n100 T middle\n200 T end_\n";
-  return fmemopen(list, sizeof list - 1, "r");
+void addSymbols(const char* name, SymbolTable& table) {
+  const bool kernel = gMachineFiles.kernelSymbols == name;
+  if (!kernel && std::strcmp(name, "/a/libx.so") != 0) return;
+  const unsigned long long start = kernel ? 0xC0000000 : 0;
+  table.addElement(start, 0xFF, kernel ? "kernel_start" : "start", nullptr, 0);
+  table.addElement(start + 0x100, 0xFF, kernel ? "kernel_next" : "middle", nullptr, 0);
 }
 
 TEST(LinkedProgram, BringsRecordsAndSymbolListsAndKeepsDeepTraces) {
   Conversion conversion;
-  gMachineFiles.openSymbolList = listFor;
+  gMachineFiles.addSymbols = addSymbols;
   gDeepestTrace = 40;
   RecordingBuilder recording;
   recording.comm(7, 7, "tool");
   recording.mmap(7, 7, 0x40000000, 0x300, "/a/libx.so").mmap(7, 7, 0x50000000, 0x300, "/b/libx.so");
+  recording.sample({.ip = 0xC0000101, .pid = 7, .tid = 7, .time = 1});
   recording.sample({.ip = 0x50000104,
                     .pid = 7,
                     .tid = 7,
@@ -62,11 +65,12 @@ TEST(LinkedProgram, BringsRecordsAndSymbolListsAndKeepsDeepTraces) {
   optind = 1;
   ASSERT_EQ(profile(3, arguments, records), 0);
   const std::string document = conversion.read("out.json");
-  EXPECT_EQ(rows(document, "functions"), "7,\"middle\",256,256,[5,]\n");
+  EXPECT_EQ(rows(document, "functions"),
+            "8,\"kernel_next\",3221225728,255,[3,]\n7,\"middle\",256,255,[5,]\n");
   std::string entries;
   for (int i = 0; i < 40; ++i) entries += "[1073742084,7,],";
   // Two files of one name, of which only the first has a list.
-  EXPECT_NE(rows(document, "samples").find("1,1342177540,6,"), std::string::npos);
+  EXPECT_NE(rows(document, "samples").find("2,1342177540,6,"), std::string::npos);
   EXPECT_NE(rows(document, "samples").find("[" + entries + "]"), std::string::npos);
 }
 
