@@ -1,0 +1,66 @@
+/// What the readers of both kinds of documents share: the parser's events, with the depth at which they come.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace zelkit {
+
+enum class Container { kArray, kObject };
+
+/// A value of a document that is no container.
+struct Scalar {
+  enum class Kind { kNothing, kUnsigned, kNegative, kReal, kText };
+
+  static Scalar ofUnsigned(std::uint64_t value) {
+    return {Kind::kUnsigned, value, static_cast<double>(value), {}};
+  }
+  static Scalar ofSigned(std::int64_t value) {
+    return {value < 0 ? Kind::kNegative : Kind::kUnsigned,
+            static_cast<std::uint64_t>(value),
+            static_cast<double>(value),
+            {}};
+  }
+  static Scalar ofReal(double value) { return {Kind::kReal, 0, value, {}}; }
+  static Scalar ofText(std::string_view text) { return {Kind::kText, 0, 0.0, text}; }
+
+  bool isNumber() const { return kind != Kind::kNothing && kind != Kind::kText; }
+  bool isWord() const {
+    return kind == Kind::kUnsigned && integer <= std::numeric_limits<std::uint32_t>::max();
+  }
+
+  Kind kind = Kind::kNothing;
+  /// A negative number as its two's complement.
+  std::uint64_t integer = 0;
+  double real = 0.0;
+  std::string_view text;
+};
+
+/// Takes the events of one kind of document. The depth counts open containers: 1 is the root, whose keys are
+/// sections.
+class DocumentRows {
+ public:
+  virtual ~DocumentRows() = default;
+
+  virtual void section(std::string_view key) = 0;
+  virtual void key(int depth, std::string_view text) = 0;
+  /// `depth` counts the container that opens or closes.
+  virtual void open(int depth, Container container) = 0;
+  virtual void close(int depth) = 0;
+  virtual void scalar(int depth, const Scalar& value) = 0;
+
+  /// Returns what is wrong with the document; empty as long as nothing is.
+  const std::string& complaint() const { return _complaint; }
+
+ protected:
+  void complain(std::string reason) {
+    if (_complaint.empty()) _complaint = std::move(reason);
+  }
+
+ private:
+  std::string _complaint;
+};
+
+}  // namespace zelkit

@@ -1,0 +1,85 @@
+/// The names and places behind the keys of a profile document.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "document/DocumentVisitor.h"
+
+namespace zelkit {
+
+/// Gathers processes, libraries, files and functions as their rows come; the samples that follow refer to
+/// them by key.
+class ProfileTables : public DocumentVisitor {
+ public:
+  struct Process {
+    std::uint32_t pid = 0;
+    std::uint32_t tid = 0;
+    std::string name;
+  };
+  struct Library {
+    std::uint32_t pidKey = 0;
+    std::string name;
+    std::uint64_t start = 0;
+    std::uint64_t size = 0;
+  };
+  struct Function {
+    std::string name;
+    std::uint64_t start = 0;
+    std::uint64_t size = 0;
+    /// Keys of the libraries in which it was hit.
+    std::vector<std::uint32_t> libraryKeys;
+    std::string file;
+    std::uint32_t line = 0;
+  };
+
+  void process(const ProcessRow& row) override;
+  void library(const LibraryRow& row) override;
+  void file(const FileRow& row) override;
+  void function(const FunctionRow& row) override;
+
+  /// Forgets everything, for the next document.
+  void clear() { *this = {}; }
+
+  /// These return null for a key that the document does not have.
+  const Process* findProcess(std::uint32_t key) const;
+  const Library* findLibrary(std::uint32_t key) const;
+  const Function* findFunction(std::uint32_t key) const;
+
+  /// Returns the name to show for the key of a sample or of a back-trace entry: that of the function, or
+  /// "[in LIBRARY]" where only the library is known.
+  std::string frameName(std::uint32_t key) const;
+
+  /// Returns the library that holds the frame, or null. A function that was hit in several has the first of
+  /// them.
+  const Library* libraryOf(std::uint32_t key) const;
+
+  /// Whether the frame belongs to the kernel.
+  bool isKernel(std::uint32_t key) const;
+
+ private:
+  std::map<std::uint32_t, Process> _processes;
+  std::map<std::uint32_t, Library> _libraries;
+  std::map<std::uint32_t, Function> _functions;
+  /// Files come before the functions that they hold.
+  std::map<std::uint32_t, std::pair<std::string, std::uint32_t>> _sourceLines;
+};
+
+/// Hands the frames of a sample to `visit`, innermost first: its own key, then those of its back-trace.
+/// Context markers of the kernel (the addresses above -4096, enum perf_callchain_context) are no frames, and
+/// neither is the entry of the back-trace that repeats the sample's own address at its start.
+template <typename Visit>
+void forEachFrame(const SampleRow& sample, Visit visit) {
+  constexpr std::uint64_t kFirstContextMarker = ~std::uint64_t{4094};
+  visit(sample.mapKey);
+  bool atStart = true;
+  for (const TraceEntry& entry : sample.trace) {
+    if (entry.address >= kFirstContextMarker) continue;
+    if (!atStart || entry.address != sample.ip) visit(entry.key);
+    atStart = false;
+  }
+}
+
+}  // namespace zelkit

@@ -1,0 +1,44 @@
+/// Samples with equal stacks, counted together.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace zelkit {
+
+/// A prefix tree of stacks, from the root outward. Node 0 is the root; nodes are numbered in the order of
+/// arrival, so a parent comes before its children. Takes 24 bytes a node.
+class StackTree {
+ public:
+  using Node = std::uint32_t;
+  static constexpr Node kRoot = 0;
+
+  StackTree();
+
+  /// Returns the child of that node for the label, which it makes if there is none.
+  Node child(Node parent, std::uint64_t label);
+  void count(Node node) { ++_nodes[node].self; }
+
+  std::uint32_t size() const { return static_cast<std::uint32_t>(_nodes.size()); }
+  Node parent(Node node) const { return _nodes[node].parent; }
+  std::uint64_t label(Node node) const { return _nodes[node].label; }
+  /// Returns how many samples end at the node.
+  std::uint32_t self(Node node) const { return _nodes[node].self; }
+
+ private:
+  struct Entry {
+    std::uint64_t label = 0;
+    Node parent = kRoot;
+    std::uint32_t self = 0;
+  };
+
+  std::size_t slotOf(Node parent, std::uint64_t label) const;
+  void grow();
+
+  std::vector<Entry> _nodes;
+  /// Open addressing; 0 marks an empty slot, as the root is nobody's child.
+  std::vector<Node> _slots;
+  std::uint64_t _seed;
+};
+
+}  // namespace zelkit

@@ -1,0 +1,84 @@
+// Folded stacks, one line each: "process;outermost;...;innermost count". Semicolons separate, so names lose
+// theirs.
+
+#include <algorithm>
+#include <map>
+
+#include "document/ProfileTables.h"
+#include "document/StackTree.h"
+#include "document/exports/ExportFormat.h"
+
+namespace zelkit {
+
+namespace {
+
+class FoldedStacks : public Exporter {
+ public:
+  explicit FoldedStacks(OutputFile& output) : _output(output) {}
+
+  void process(const ProcessRow& row) override { _tables.process(row); }
+  void library(const LibraryRow& row) override { _tables.library(row); }
+  void function(const FunctionRow& row) override { _tables.function(row); }
+
+  void sample(const SampleRow& sample) override {
+    _frames.clear();
+    forEachFrame(sample, [&](std::uint32_t key) { _frames.push_back(key); });
+    StackTree::Node node = _tree.child(StackTree::kRoot, sample.pidKey);
+    for (std::size_t i = _frames.size(); i-- > 0;) node = _tree.child(node, _frames[i]);
+    _tree.count(node);
+  }
+
+  void documentEnd() override {
+    for (StackTree::Node node = 1; node < _tree.size(); ++node)
+      if (_tree.self(node) != 0) writeLine(node);
+    _tree = {};
+    _tables.clear();
+    _names.clear();
+  }
+
+  void finish() override {}
+
+ private:
+  void writeLine(StackTree::Node node) {
+    std::vector<StackTree::Node> path;
+    for (StackTree::Node at = node; at != StackTree::kRoot; at = _tree.parent(at)) path.push_back(at);
+    _line.clear();
+    for (std::size_t i = path.size(); i-- > 0;) {
+      _line += nameOf(path[i]);
+      _line += i == 0 ? ' ' : ';';
+    }
+    _line += std::to_string(_tree.self(node));
+    _line += '\n';
+    _output.write(_line);
+  }
+
+  const std::string& nameOf(StackTree::Node node) {
+    const bool isProcess = _tree.parent(node) == StackTree::kRoot;
+    const auto key = static_cast<std::uint32_t>(_tree.label(node));
+    const auto [place, isNew] = _names.try_emplace({isProcess, key});
+    if (isNew) {
+      const ProfileTables::Process* process = _tables.findProcess(key);
+      place->second = !isProcess ? _tables.frameName(key) : process != nullptr ? process->name : "[unknown]";
+      std::replace(place->second.begin(), place->second.end(), ';', ':');
+      std::replace_if(
+          place->second.begin(), place->second.end(), [](unsigned char byte) { return byte < 0x20; }, ' ');
+    }
+    return place->second;
+  }
+
+  OutputFile& _output;
+  ProfileTables _tables;
+  StackTree _tree;
+  std::vector<std::uint32_t> _frames;
+  std::map<std::pair<bool, std::uint32_t>, std::string> _names;
+  std::string _line;
+};
+
+const ExportFormat format("folded", "folded stacks, for flame graph scripts", {.profile = true},
+                          [](OutputFile& output) -> std::unique_ptr<Exporter> {
+                            return std::make_unique<FoldedStacks>(output);
+                          });
+
+}  // namespace
+
+}  // namespace zelkit
