@@ -1,0 +1,28 @@
+/** What the page and the Worker say to each other. One Worker reads one document. */
+
+import type { Profile } from './profile';
+import type { Timechart } from './timechart';
+
+export type ZelDocument = Profile | Timechart;
+
+/** A displacement of addresses: those of a process from `start` on were moved by zelkit. */
+export interface Displacement {
+  readonly pid: number;
+  readonly start: number;
+  readonly size: number;
+  readonly original: string;
+}
+
+/** Bytes of a document: a file, or the text of an element of the page (gzip in base64). */
+export interface Source {
+  readonly name: string;
+  readonly file?: Blob;
+  readonly base64?: string;
+}
+
+export type ToWorker = { type: 'open'; source: Source; layout: Source | null } | { type: 'cancel' };
+
+export type FromWorker =
+  | { type: 'progress'; bytes: number; total: number; picture: Profile | null }
+  | { type: 'document'; document: ZelDocument }
+  | { type: 'failed'; message: string };

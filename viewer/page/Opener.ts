@@ -1,0 +1,95 @@
+import type { FromWorker, Source, ToWorker, ZelDocument } from '../document/messages';
+import { ProfileModel } from '../model/ProfileModel';
+import { TimechartModel } from '../model/TimechartModel';
+import type { Reading, Store } from './store';
+
+/** The Worker's program, which the build puts here. */
+declare const WORKER_SOURCE: string;
+
+/** Reads documents in Workers and puts what comes of them into the store. */
+export class Opener {
+  private readonly workers = new Map<number, Worker>();
+  private readonly url = URL.createObjectURL(new Blob([WORKER_SOURCE], { type: 'text/javascript' }));
+  private nextId = 1;
+
+  constructor(private readonly store: Store) {}
+
+  /** Opens what was dropped or chosen together; a `.layout.json` belongs to the document of that name. */
+  openFiles(files: Iterable<File>): void {
+    this.openSources(Array.from(files, (file) => ({ name: file.name, file })));
+  }
+
+  /** Opens the documents that the page itself holds, see docs/viewer.md. */
+  openEmbedded(page: Document): void {
+    const slots = page.querySelectorAll<HTMLElement>('script[type="application/gzip;base64"]');
+    this.openSources(
+      Array.from(slots, (slot) => ({ name: slot.dataset.name ?? 'document', base64: slot.textContent ?? '' })),
+    );
+  }
+
+  /** Ends a reading; what was read by then is shown. */
+  cancel(id: number): void {
+    this.post(id, { type: 'cancel' });
+  }
+
+  private openSources(sources: readonly Source[]): void {
+    const layouts = new Map<string, Source>();
+    for (const source of sources) {
+      const base = /^(.*)\.layout\.json$/.exec(source.name);
+      if (base !== null) layouts.set(base[1], source);
+    }
+    for (const source of sources) {
+      if (source.name.endsWith('.layout.json')) continue;
+      this.open(source, layouts.get(source.name.replace(/\.gz$/, '')) ?? null);
+    }
+  }
+
+  private open(source: Source, layout: Source | null): void {
+    const id = this.nextId++;
+    const worker = new Worker(this.url);
+    this.workers.set(id, worker);
+    const total = source.file?.size ?? source.base64?.length ?? 0;
+    const reading: Reading = { id, name: source.name, bytes: 0, total, state: 'reading', message: '' };
+    this.store.set({ readings: [...this.store.state.readings, reading] });
+    worker.onmessage = (event: MessageEvent<FromWorker>) => this.receive(id, event.data);
+    worker.onerror = (event) => this.receive(id, { type: 'failed', message: `${source.name}: ${event.message}` });
+    this.post(id, { type: 'open', source, layout });
+  }
+
+  private post(id: number, message: ToWorker): void {
+    this.workers.get(id)?.postMessage(message);
+  }
+
+  private receive(id: number, message: FromWorker): void {
+    switch (message.type) {
+      case 'progress':
+        this.update(id, { bytes: message.bytes, total: message.total });
+        if (message.picture !== null) this.show(message.picture);
+        return;
+      case 'document': {
+        const damage = message.document.damage;
+        this.update(id, {
+          state: damage === null ? 'complete' : 'damaged',
+          message: damage === null ? '' : `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
+        });
+        this.show(message.document);
+        break;
+      }
+      case 'failed':
+        this.update(id, { state: 'failed', message: message.message });
+        break;
+    }
+    this.workers.get(id)?.terminate();
+    this.workers.delete(id);
+  }
+
+  private update(id: number, change: Partial<Reading>): void {
+    const readings = this.store.state.readings.map((reading) => (reading.id === id ? { ...reading, ...change } : reading));
+    this.store.set({ readings });
+  }
+
+  private show(document: ZelDocument): void {
+    if (document.kind === 'timechart') this.store.set({ timechart: new TimechartModel(document) });
+    else this.store.set({ profile: new ProfileModel(document) });
+  }
+}

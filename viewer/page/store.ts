@@ -1,0 +1,85 @@
+/** The one state of the page. Setters only mark; one commit a frame tells everyone. */
+
+import type { Filter } from '../model/filter';
+import type { ProfileModel } from '../model/ProfileModel';
+import type { TimechartModel } from '../model/TimechartModel';
+
+/** Seconds on the documents' common axis. */
+export interface Span {
+  readonly start: number;
+  readonly end: number;
+}
+
+/** A document that is being read, or what became of it. */
+export interface Reading {
+  readonly id: number;
+  readonly name: string;
+  readonly bytes: number;
+  readonly total: number;
+  readonly state: 'reading' | 'complete' | 'damaged' | 'failed';
+  readonly message: string;
+}
+
+export interface State {
+  readonly readings: readonly Reading[];
+  readonly profile: ProfileModel | null;
+  /** The profile that `profile` is compared with. */
+  readonly baseline: ProfileModel | null;
+  readonly timechart: TimechartModel | null;
+  /** The part of the time axis that is shown; null shows all of it. */
+  readonly visible: Span | null;
+  /** The selected span, threads, cores and text: what all figures are about. */
+  readonly filter: Filter;
+  /** Text that is highlighted. */
+  readonly search: string;
+  /** The place that the butterfly shows, or -1. */
+  readonly place: number;
+  /** Id of the view in the main panel. */
+  readonly panel: string;
+}
+
+type Listener = (state: State, changed: ReadonlySet<keyof State>) => void;
+
+export class Store {
+  private pending = new Set<keyof State>();
+  private frame = 0;
+  private readonly listeners: Listener[] = [];
+
+  constructor(private current: State) {}
+
+  get state(): State {
+    return this.current;
+  }
+
+  /** Replaces members of the state; views see it with the next frame. */
+  set(change: Partial<State>): void {
+    const next = { ...this.current, ...change };
+    for (const key of Object.keys(change) as (keyof State)[]) {
+      if (next[key] !== this.current[key]) this.pending.add(key);
+    }
+    if (this.pending.size === 0) return;
+    this.current = next;
+    this.schedule();
+  }
+
+  /** Has every view painted with the next frame, such as after a resize. */
+  refresh(): void {
+    for (const key of Object.keys(this.current) as (keyof State)[]) this.pending.add(key);
+    this.schedule();
+  }
+
+  onCommit(listener: Listener): void {
+    this.listeners.push(listener);
+  }
+
+  private schedule(): void {
+    if (this.frame === 0) this.frame = requestAnimationFrame(() => this.commit());
+  }
+
+  private commit(): void {
+    this.frame = 0;
+    const changed = this.pending;
+    this.pending = new Set();
+    for (const listener of this.listeners) listener(this.current, changed);
+  }
+}

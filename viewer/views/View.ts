@@ -1,0 +1,27 @@
+/** What every panel of the page is. */
+
+import type { State, Store } from '../page/store';
+
+export interface App {
+  readonly store: Store;
+  /** Tells screen readers, and the status line, what happened. */
+  announce(text: string): void;
+  /** Shows `lines` beside the pointer, as text; null hides them. */
+  tooltip(lines: readonly string[] | null, event?: MouseEvent): void;
+}
+
+export interface View {
+  /** Stands in the URL and in the element's id. */
+  readonly id: string;
+  readonly title: string;
+  /** `time` views stand above one another at the top; `detail` views share the rest of the page as tabs. */
+  readonly zone: 'time' | 'detail';
+  /** Whether the state holds something to show; views that return false are not listed. */
+  available(state: State): boolean;
+  /** Fills `host` once; it stays the view's own until the page closes. */
+  mount(host: HTMLElement, app: App): void;
+  /** Paints the committed state. `changed` names what differs since this view's last call; all after a resize. */
+  draw(state: State, changed: ReadonlySet<keyof State>): void;
+  /** Handles a key press while the view has the focus; returns whether it did. */
+  key(event: KeyboardEvent): boolean;
+}
