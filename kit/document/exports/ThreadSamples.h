@@ -1,0 +1,51 @@
+/// The samples of a profile by thread, with their stacks in one tree: what most formats are made of.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "document/ProfileTables.h"
+#include "document/StackTree.h"
+
+namespace zelkit {
+
+class ThreadSamples : public ProfileTables {
+ public:
+  /// One thread and its samples in the order of time: for each its time in seconds and the node of its stack.
+  struct Thread {
+    std::uint32_t pidKey = 0;
+    std::uint32_t tid = 0;
+    std::deque<double> times;
+    std::deque<StackTree::Node> nodes;
+  };
+
+  void sample(const SampleRow& row) override;
+
+  /// Puts the samples of each thread into the order of time; to be called once all have come.
+  void sort();
+
+  /// Returns the threads in the order of their first samples in the document.
+  const std::deque<Thread>& threads() const { return _threads; }
+  const StackTree& tree() const { return _tree; }
+  /// Returns the key of the function or library of a node; a node of the first level too is a frame.
+  static std::uint32_t frameKey(const StackTree& tree, StackTree::Node node) {
+    return static_cast<std::uint32_t>(tree.label(node));
+  }
+
+  /// Returns "NAME TID", or the number alone for a process that the document does not name.
+  std::string threadTitle(const Thread& thread) const;
+
+  void clear() { *this = {}; }
+
+ private:
+  StackTree _tree;
+  std::deque<Thread> _threads;
+  std::map<std::pair<std::uint32_t, std::uint32_t>, Thread*> _byId;
+  Thread* _latest = nullptr;
+  std::vector<std::uint32_t> _frames;
+};
+
+}  // namespace zelkit
