@@ -11,6 +11,7 @@
 std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction = nullptr;
 std::vector<PerfNameToFunctionS>* PerfRecordSampleEvent::_nameAndFunction64 = nullptr;
 EventTable* PerfRecordSampleEvent::_functions = nullptr;
+unsigned long long PerfRecordSampleEvent::_decoded = 0;
 
 namespace {
 
@@ -112,6 +113,7 @@ PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
   if (function == nullptr) return nullptr;
   auto* event = static_cast<PerfRecordSampleEvent*>(function(record));
   event->process(sample);
+  ++_decoded;
   return event;
 }
 

@@ -48,6 +48,9 @@ class PerfRecordSampleEvent : public PerfRecordSample {
   /// one.
   static PerfRecord* factoryCreate(char* record);
 
+  /// How many trace-point samples have been decoded.
+  static unsigned long long count() { return _decoded; }
+
  protected:
   /// What every decoder's factory does: null for a null record, the banner as a line at verbosity above 0, a
   /// decoder.
@@ -65,6 +68,7 @@ class PerfRecordSampleEvent : public PerfRecordSample {
   static std::vector<PerfNameToFunctionS>* _nameAndFunction;
   static std::vector<PerfNameToFunctionS>* _nameAndFunction64;
   static EventTable* _functions;
+  static unsigned long long _decoded;
 };
 
 /// Registers a decoder: every decoder's source holds one, named f.

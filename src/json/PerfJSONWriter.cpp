@@ -30,7 +30,7 @@ int PerfJSONWriter::open(const char* name) {
   _fileName = name;
   _file = std::fopen(name, "w");
   if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);  // the document comes in large pieces
-  _openError = _file == nullptr ? errno : 0;
+  _error = _openError = _file == nullptr ? errno : 0;
   _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
   _writer->_whiteSpace = _whiteSpace;
   return 0;
@@ -41,6 +41,7 @@ void PerfJSONWriter::close() {
   _writer->end();
   _writer->flush();
   const int error = _file != nullptr ? _writeFile() : std::exchange(_openError, 0);
+  if (error != 0) _error = error;
   if (error != 0 && gVerbosity > 0)
     std::printf("Document not written to %s: %s\n", _fileName.c_str(), std::strerror(error));
 }

@@ -55,6 +55,9 @@ class PerfJSONWriter {
     _buffer.append(most, write);
   }
 
+  /// The errno of what kept the document from its file, or 0: after open, and again after close.
+  int error() const { return _error; }
+
   /// A label and a value; without labels the value alone. A label is not escaped.
   void writeNamed(const char* label, unsigned long long value);
   void writeNamed(const char* label, unsigned int value);
@@ -94,6 +97,7 @@ class PerfJSONWriter {
   std::FILE* _file = nullptr;
   std::string _fileName;
   int _openError = 0;  ///< errno of an open that failed
+  int _error = 0;
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;

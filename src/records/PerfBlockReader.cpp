@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/RunWatcher.h"
+
 namespace {
 
 constexpr std::size_t kBlockSize = 256 * 1024;
@@ -43,6 +45,8 @@ bool PerfBlockReader::fetch(std::size_t size) {
     const ssize_t got = ::read(_fd, _block.get() + _end, kBlockSize - _end);
     if (got <= 0) return got == 0 || _end > 0;
     _end += static_cast<std::size_t>(got);
+    _offset += static_cast<std::size_t>(got);
+    if (RunWatcher::_current != nullptr) RunWatcher::_current->recordingRead(_offset);
   }
   return true;
 }

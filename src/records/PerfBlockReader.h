@@ -13,6 +13,7 @@ class PerfBlockReader : public PerfReader {
   int open(const char* name) override;
   int read(char* buffer, int size) override;
   void seek(int offset) override;
+  unsigned long long offset() const override { return _offset - available(); }
 
  private:
   std::size_t available() const { return _end - _place; }

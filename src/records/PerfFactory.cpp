@@ -11,6 +11,7 @@
 
 std::array<PerfFactory::RecordFunction, 16> PerfFactory::perfRecordFunctions;
 int PerfFactory::_lostBytes = 0;
+RecordLosses PerfFactory::_losses;
 char* PerfFactory::_tmp = nullptr;
 int PerfFactory::_tmpLen = 0;
 
@@ -49,6 +50,17 @@ bool scan(PerfReader& reader, RecordHeader& header, int& lostBytes) {
   return true;
 }
 
+/// The same, with an account of what is passed over.
+bool passOverDamage(PerfReader& reader, RecordHeader& header, int& lostBytes, RecordLosses& losses) {
+  const unsigned long long start = reader.offset() - kHeaderSize;
+  const bool isInData = start < losses.dataEnd;
+  if (isInData) losses.countRejected(header.type, header.size);
+  const bool found = scan(reader, header, lostBytes);
+  const unsigned long long end = reader.offset() - (found ? kHeaderSize : 0);
+  if (isInData) losses.bytes += std::min<unsigned long long>(end, losses.dataEnd) - start;
+  return found;
+}
+
 void showUnused(const char* kind, const RecordHeader& header) {
   if (gVerbosity > 0) std::printf("%s Type:%x len:%d(%x)\n", kind, header.type, header.size, header.size);
 }
@@ -75,11 +87,14 @@ PerfRecord* PerfFactory::readNext(PerfReader& reader) {
   if (!readHeader(reader, header)) return nullptr;
   // Ahead of any test: a damaged size may grow the buffer, to 65543 bytes at most.
   allocTmpBuffer(header.size + kHeaderSize);
-  if (!header.plausible() && !scan(reader, header, _lostBytes)) return nullptr;
+  if (!header.plausible() && !passOverDamage(reader, header, _lostBytes, _losses)) return nullptr;
 
   // A body cut short by the end of the file is still taken, over what the buffer held before.
   reader.read(_tmp + kHeaderSize, header.size - kHeaderSize);
-  return create(header.type, header.size, _tmp);
+  PerfRecord* record = create(header.type, header.size, _tmp);
+  if (record == nullptr && reader.offset() - header.size < _losses.dataEnd)
+    _losses.countPassedOver(header.type, _tmp, header.size);
+  return record;
 }
 
 PerfRecord* PerfFactory::create(std::uint32_t type, std::uint16_t size, char* bytes) {

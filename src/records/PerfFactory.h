@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "records/RecordLosses.h"
+
 class PerfReader;
 class PerfRecord;
 
@@ -43,6 +45,8 @@ class PerfFactory {
   static char* buffer(int size);
 
   static void showStats();
+
+  static RecordLosses _losses;
 
   static std::size_t tmpLength() { return static_cast<std::size_t>(_tmpLen); }
 

@@ -20,6 +20,7 @@ PerfReader::~PerfReader() {
 
 int PerfReader::open(const char* name) {
   if (name == nullptr) return -1;
+  _offset = 0;
   _fd = ::open(name, O_RDONLY | O_CLOEXEC);
   return _fd > 0 ? 0 : -1;
 }
@@ -33,6 +34,7 @@ int PerfReader::read(char* buffer, int size) {
   announceRead(size);
   if (_fd <= 0) return -1;
   _lastRead = static_cast<int>(::read(_fd, buffer, static_cast<std::size_t>(size)));
+  if (_lastRead > 0) _offset += static_cast<unsigned int>(_lastRead);
   return _lastRead;
 }
 
@@ -45,5 +47,5 @@ bool PerfReader::status() const {
 }
 
 void PerfReader::seek(int offset) {
-  if (_fd > 0) lseek(_fd, offset, SEEK_SET);
+  if (_fd > 0 && lseek(_fd, offset, SEEK_SET) >= 0) _offset = static_cast<unsigned int>(offset);
 }

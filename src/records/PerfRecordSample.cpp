@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include "events/PerfRecordSampleEvent.h"
 #include "json/DocumentSection.h"
@@ -12,6 +13,7 @@
 #include "records/PerfRecordMMap.h"
 #include "run/Settings.h"
 #include "run/TimeBase.h"
+#include "symbols/SymbolTable.h"
 
 double PerfRecordSample::_firstSampleTime = 0.0;
 unsigned long long PerfRecordSample::_lastSampleTime = 0;
@@ -120,6 +122,16 @@ void PerfRecordSample::verifyKey() {
 
 void PerfRecordSample::verifyKeys() {
   for (PerfRecordSample* sample : _allSamples) sample->verifyKey();
+}
+
+unsigned long long PerfRecordSample::countWithoutFunction() {
+  std::vector<bool> isFunction(std::size_t{PerfRecordMMap::_indexTotal} + 1);
+  for (const SymbolTable* table : SymbolTable::_allSymbolTables)
+    if (table != SymbolTable::_syntheticSymTable)
+      for (const SymbolTableElement& symbol : table->elements()) isFunction[symbol.key()] = symbol.key() != 0;
+  return static_cast<unsigned long long>(
+      std::count_if(_allSamples.begin(), _allSamples.end(),
+                    [&](const PerfRecordSample* sample) { return !isFunction[sample->_mapKey]; }));
 }
 
 void PerfRecordSample::show() {

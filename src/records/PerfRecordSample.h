@@ -41,6 +41,11 @@ class PerfRecordSample : public PerfRecord {
   void verifyKey();
   static void verifyKeys();
 
+  /// How many samples there have been, trace-points included.
+  static unsigned long long count() { return _runningIndex; }
+  /// After verifyKeys: how many samples' own addresses lie in no function that has a name.
+  static unsigned long long countWithoutFunction();
+
   bool isKept() const override { return _keepsSamples; }
   virtual void show();
   const char* perfRecordType() const override { return "sample"; }

@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "base/MachineFiles.h"
+#include "base/RunWatcher.h"
 #include "run/KernelLog.h"
 #include "run/Settings.h"
 #include "symbols/SymbolListReader.h"
@@ -38,12 +39,19 @@ class NmRun {
     const char* const argv[] = {"nm", "-nCg", path, nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
+    // Who watches is told what came of it, and does not want nm's own words in between, one line a library.
+    const bool isSilent = RunWatcher::_current != nullptr && gVerbosity == 0;
+    const int silence = isSilent ? ::open("/dev/null", O_WRONLY | O_CLOEXEC) : -1;
+    if (silence >= 0) posix_spawn_file_actions_adddup2(&actions, silence, STDERR_FILENO);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
     const int error =
         posix_spawnp(&_process, "nm", &actions, nullptr, const_cast<char* const*>(argv), environ);
     posix_spawn_file_actions_destroy(&actions);
     ::close(ends[1]);
+    if (silence >= 0) ::close(silence);
     _list = fdopen(ends[0], "r");
+    if (RunWatcher* const watcher = RunWatcher::_current; watcher != nullptr)
+      error == 0 ? watcher->nmStarted(path, ends[0]) : watcher->nmNotStarted(error);
     if (error == 0) return;
     _process = 0;
     if (gVerbosity > 0) std::fprintf(stderr, "nm: %s\n", std::strerror(error));
@@ -136,6 +144,8 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
   // After nm, so that the lines of a verbose run come after nm's own.
   auto* table = new SymbolTable(path, 0, 0);
   if (nm && nm->list() != nullptr) table->read(nm->list(), false);
+  if (nm && RunWatcher::_current != nullptr)
+    RunWatcher::_current->symbolsRead(path, table->elements().size());
   return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
@@ -158,6 +168,7 @@ SymbolTable* SymbolTable::findAndRead(const char* name) {
     return table;
   }
 
+  if (RunWatcher::_current != nullptr) RunWatcher::_current->symbolsWanted(name);
   int index = 0;
   std::string path = findPathForFile(name, index);
   if (path.empty()) return new SymbolTable(name, 0, 0);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+
+/// Is told what a run does while it goes on, so that somebody can be shown it. All calls come from the run's
+/// one thread and ought to return at once.
+class RunWatcher {
+ public:
+  virtual ~RunWatcher() = default;
+
+  /// The recording has been read up to that offset.
+  virtual void recordingRead(unsigned long long offset) = 0;
+
+  /// The symbols of a file that a map names are wanted for the first time.
+  virtual void symbolsWanted(const char* file) = 0;
+
+  /// nm runs over the file, and what it lists will come out of the descriptor.
+  virtual void nmStarted(const char* path, int list) = 0;
+  /// nm could not be run, for the reason that errno names.
+  virtual void nmNotStarted(int error) = 0;
+  /// So many symbols came of a file over which nm was to run.
+  virtual void symbolsRead(const char* path, std::size_t count) = 0;
+
+  static inline RunWatcher* _current = nullptr;  ///< null while nobody watches
+};

@@ -1,0 +1,90 @@
+#include "records/RecordLosses.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr std::uint32_t kLost = 2;
+constexpr std::uint32_t kSample = 9;
+constexpr std::uint32_t kLostSamples = 13;
+constexpr std::uint32_t kLastReadType = 16;
+constexpr std::uint16_t kHeaderSize = 8;
+constexpr std::uint16_t kLongestRecord = 256;
+
+constexpr std::string_view kKernelTypes[] = {
+    "",
+    "MMAP",
+    "LOST",
+    "COMM",
+    "EXIT",
+    "THROTTLE",
+    "UNTHROTTLE",
+    "FORK",
+    "READ",
+    "SAMPLE",
+    "MMAP2",
+    "AUX",
+    "ITRACE_START",
+    "LOST_SAMPLES",
+    "SWITCH",
+    "SWITCH_CPU_WIDE",
+    "NAMESPACES",
+    "KSYMBOL",
+    "BPF_EVENT",
+    "CGROUP",
+    "TEXT_POKE",
+    "AUX_OUTPUT_HW_ID",
+};
+
+constexpr std::uint32_t kFirstOfPerf = 64;
+constexpr std::string_view kTypesOfPerf[] = {
+    "HEADER_ATTR",
+    "HEADER_EVENT_TYPE",
+    "HEADER_TRACING_DATA",
+    "HEADER_BUILD_ID",
+    "FINISHED_ROUND",
+    "ID_INDEX",
+    "AUXTRACE_INFO",
+    "AUXTRACE",
+    "AUXTRACE_ERROR",
+    "THREAD_MAP",
+    "CPU_MAP",
+    "STAT_CONFIG",
+    "STAT",
+    "STAT_ROUND",
+    "EVENT_UPDATE",
+    "TIME_CONV",
+    "HEADER_FEATURE",
+    "COMPRESSED",
+    "FINISHED_INIT",
+    "COMPRESSED2",
+};
+static_assert(kFirstOfPerf + std::size(kTypesOfPerf) <= RecordLosses::kTypes);
+
+}  // namespace
+
+std::string_view recordTypeName(std::uint32_t type) {
+  if (type < std::size(kKernelTypes)) return kKernelTypes[type];
+  // What lies below the first of perf's own types wraps to a number above the last.
+  const std::uint32_t place = type - kFirstOfPerf;
+  return place < std::size(kTypesOfPerf) ? kTypesOfPerf[place] : std::string_view();
+}
+
+void RecordLosses::countRejected(std::uint32_t type, std::uint16_t size) {
+  if (type > kLastReadType) {
+    if (size >= kHeaderSize && !recordTypeName(type).empty()) ++passedOver[type];
+  } else if (type > 0 && size > kLongestRecord) {
+    ++longRecords;
+    if (type == kSample) ++longSamples;
+  }
+}
+
+void RecordLosses::countPassedOver(std::uint32_t type, const char* record, std::size_t size) {
+  ++passedOver[type];
+  // In LOST an id comes ahead of the number.
+  const std::size_t place = type == kLost ? 16 : 8;
+  std::uint64_t lost = 0;
+  if ((type != kLost && type != kLostSamples) || size < place + sizeof lost) return;
+  std::memcpy(&lost, record + place, sizeof lost);
+  lostByKernel += lost;
+}
