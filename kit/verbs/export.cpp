@@ -35,6 +35,10 @@ class ExportVerb : public Verb {
                    listOfFormats().c_str());
       return Status::kUsage;
     }
+    if (_documents.size() > 1 && !format->takesSeveral()) {
+      std::fprintf(stderr, "zelkit: %s holds one document\n", _format.c_str());
+      return Status::kUsage;
+    }
     OutputFile output(_output);
     const std::unique_ptr<Exporter> exporter = format->makeExporter(output);
     for (const std::string& name : _documents) take(name, *format, *exporter);
@@ -47,7 +51,7 @@ class ExportVerb : public Verb {
   void take(const std::string& name, const ExportFormat& format, Exporter& exporter) {
     FileSource source(name);
     exporter.documentStart(name);
-    const ReadOutcome outcome = readDocument(source, exporter);
+    const ReadOutcome outcome = exporter.read(source);
     if (!format.takes(outcome.kind))
       throw std::runtime_error(name + ": " + format.name() + " holds no " +
                                (outcome.kind == DocumentKind::kProfile ? "profile" : "timechart"));

@@ -13,6 +13,10 @@ namespace zelkit {
 /// Takes documents, one after the other, and writes them in a format. What streams is written as it comes.
 class Exporter : public DocumentVisitor {
  public:
+  /// Reads a document and takes its rows; a format that copies the document token by token reads in its own
+  /// way.
+  virtual ReadOutcome read(ByteSource& source) { return readDocument(source, *this); }
+
   /// A document begins; keys of the one before mean nothing in it. `name` is for titles.
   virtual void documentStart(const std::string& /*name*/) {}
   virtual void documentEnd() {}
@@ -29,6 +33,8 @@ class ExportFormat {
   struct Takes {
     bool profile = false;
     bool timechart = false;
+    /// Whether one file can hold more than one document.
+    bool several = false;
   };
 
   ExportFormat(const char* name, const char* description, Takes takes, Maker maker);
@@ -38,6 +44,7 @@ class ExportFormat {
   bool takes(DocumentKind kind) const {
     return kind == DocumentKind::kProfile ? _takes.profile : _takes.timechart;
   }
+  bool takesSeveral() const { return _takes.several; }
   std::unique_ptr<Exporter> makeExporter(OutputFile& output) const { return _maker(output); }
 
   /// Returns all formats in the order of their names.

@@ -74,7 +74,8 @@ class FoldedStacks : public Exporter {
   std::string _line;
 };
 
-const ExportFormat format("folded", "folded stacks, for flame graph scripts", {.profile = true},
+const ExportFormat format("folded", "folded stacks, for flame graph scripts",
+                          {.profile = true, .several = true},
                           [](OutputFile& output) -> std::unique_ptr<Exporter> {
                             return std::make_unique<FoldedStacks>(output);
                           });
