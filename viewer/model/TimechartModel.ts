@@ -1,6 +1,39 @@
 import type { Timechart } from '../document/timechart';
+import { Lane, laneTree } from './lanes';
+import { SpanUse, spanUse } from './span';
+import { Tasks } from './tasks';
+import { Track } from './tracks';
 
 /** A timechart document with what the views ask of it. */
 export class TimechartModel {
-  constructor(readonly timechart: Timechart) {}
+  readonly tracks: readonly Track[];
+  readonly tree: readonly Lane[];
+  readonly tasks: Tasks;
+  /** Time of the first and of the last point, in seconds. */
+  readonly start: number;
+  readonly end: number;
+
+  constructor(readonly timechart: Timechart) {
+    this.tracks = timechart.entries.map((entry) => new Track(entry));
+    this.tree = laneTree(this.tracks);
+    // Markers may stand on another time scale than the trace; they count only if there is nothing else.
+    const timed = this.tracks.filter((track) => track.entry.type !== 'events' && track.entry.times.length > 0);
+    const all = timed.length > 0 ? timed : this.tracks.filter((track) => track.entry.times.length > 0);
+    this.start = all.reduce((start, { entry }) => Math.min(start, entry.times[0]), Infinity);
+    this.end = all.reduce((end, { entry }) => Math.max(end, entry.times[entry.times.length - 1]), -Infinity);
+    if (all.length === 0) this.start = this.end = 0;
+    this.tasks = new Tasks(this.tracks, this.end);
+  }
+
+  /** Returns what happened within [start, end), as far as the document's time goes. */
+  use(start: number, end: number): SpanUse {
+    return spanUse(this.tracks, Math.max(start, this.start), Math.min(end, this.end));
+  }
+
+  /** Returns the texts of point `index` of a series of markers, or null. */
+  markerText({ entry }: Track, index: number): { name: string; detail: string } | null {
+    if (index >= entry.names.length) return null;
+    const { strings } = this.timechart;
+    return { name: strings[entry.names[index]], detail: strings[entry.details[index]] };
+  }
 }

@@ -1,0 +1,143 @@
+/** Returns how many of the ascending times from index `from` on are before `time`, or at it if `inclusive`. */
+function countUntil(times: Float64Array, time: number, inclusive: boolean, from: number): number {
+  let to = times.length;
+  while (from < to) {
+    const middle = (from + to) >>> 1;
+    const at = times[middle];
+    if (at < time || (inclusive && at === time)) from = middle + 1;
+    else to = middle;
+  }
+  return from;
+}
+
+/** Returns how many of the ascending times are at or before `time`; those below index `from` are known to be. */
+export const pointsUntil = (times: Float64Array, time: number, from = 0) => countUntil(times, time, true, from);
+
+/** Returns how many of the ascending times are before `time`. */
+export const pointsBefore = (times: Float64Array, time: number) => countUntil(times, time, false, 0);
+
+/** A stretch of time during which a step function was not 0, in seconds. */
+export interface Slice {
+  readonly start: number;
+  readonly end: number;
+}
+
+/**
+ * A step function: 0 before its first point, and each point holds until the next. The last one holds to the end of the
+ * document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
+ */
+export class Steps {
+  private readonly sums: Float64Array;
+
+  /** `times` are seconds, ascending. */
+  constructor(
+    readonly times: Float64Array,
+    readonly values: Float64Array,
+  ) {
+    const sums = new Float64Array(times.length);
+    for (let i = 1; i < times.length; ++i) {
+      sums[i] = sums[i - 1] + (values[i - 1] !== 0 ? times[i] - times[i - 1] : 0);
+    }
+    this.sums = sums;
+  }
+
+  /** Returns the value at `time`. */
+  valueAt(time: number): number {
+    const index = pointsUntil(this.times, time);
+    return index > 0 ? this.values[index - 1] : 0;
+  }
+
+  /** Returns the seconds of [start, end) during which the value was not 0. */
+  onTime(start: number, end: number): number {
+    if (!(end > start)) return 0;
+    return this.onUntil(pointsUntil(this.times, end), end) - this.onUntil(pointsUntil(this.times, start), start);
+  }
+
+  /** Sets each of `shares`, the pixels of [start, end), to the share of its time during which the value was not 0. */
+  shares(start: number, end: number, close: number, shares: Float32Array): void {
+    const { times } = this;
+    const pixel = (end - start) / shares.length;
+    let index = pointsUntil(times, start);
+    let before = this.onUntil(index, Math.min(start, close));
+    for (let x = 0; x < shares.length; ++x) {
+      const right = start + (x + 1) * pixel;
+      // Most pixels hold few points; a longer walk gives way to a binary search.
+      for (let walked = 0; index < times.length && times[index] <= right; ++index) {
+        if (++walked > 8) {
+          index = pointsUntil(times, right, index);
+          break;
+        }
+      }
+      const until = this.onUntil(index, Math.min(right, close));
+      shares[x] = Math.max(0, until - before) / pixel;
+      before = until;
+    }
+  }
+
+  /** Returns the stretch that covers `time`, or null if the value is 0 there. */
+  sliceAt(time: number, close: number): Slice | null {
+    const { times, values } = this;
+    let first = pointsUntil(times, time) - 1;
+    if (first < 0 || values[first] === 0) return null;
+    let last = first + 1;
+    while (first > 0 && values[first - 1] !== 0) --first;
+    while (last < times.length && values[last] !== 0) ++last;
+    const end = last < times.length ? times[last] : close;
+    return time < end ? { start: times[first], end } : null;
+  }
+
+  /** Returns the first stretch that starts after `time`, or null. */
+  sliceAfter(time: number, close: number): Slice | null {
+    for (let index = pointsUntil(this.times, time); index < this.times.length; ++index) {
+      const slice = this.sliceFrom(index, close);
+      if (slice !== null) return slice;
+    }
+    return null;
+  }
+
+  /** Returns the last stretch that starts before `time`, or null. */
+  sliceBefore(time: number, close: number): Slice | null {
+    for (let index = pointsBefore(this.times, time) - 1; index >= 0; --index) {
+      const slice = this.sliceFrom(index, close);
+      if (slice !== null) return slice;
+    }
+    return null;
+  }
+
+  /** Calls `visit` for each stretch of non-zero values within [start, end), cut to that span, in the order of time. */
+  forEachSlice(start: number, end: number, visit: (from: number, to: number) => void): void {
+    const { times, values } = this;
+    let from = start;
+    let on = false;
+    for (let i = Math.max(0, pointsUntil(times, start) - 1); i < times.length && times[i] < end; ++i) {
+      if (on === (values[i] !== 0)) continue;
+      const time = Math.max(start, times[i]);
+      if (on && time > from) visit(from, time);
+      from = time;
+      on = !on;
+    }
+    if (on && end > from) visit(from, end);
+  }
+
+  /** Returns how many stretches start within [start, end). */
+  startsWithin(start: number, end: number): number {
+    const { times, values } = this;
+    let count = 0;
+    for (let i = pointsBefore(times, start); i < times.length && times[i] < end; ++i) {
+      if (values[i] !== 0 && (i === 0 || values[i - 1] === 0)) ++count;
+    }
+    return count;
+  }
+
+  private sliceFrom(index: number, close: number): Slice | null {
+    if (this.values[index] === 0 || (index > 0 && this.values[index - 1] !== 0)) return null;
+    return this.sliceAt(this.times[index], close);
+  }
+
+  /** The on-time before `time`, which `count` points are at or before. */
+  private onUntil(count: number, time: number): number {
+    if (count === 0) return 0;
+    const since = time - this.times[count - 1];
+    return this.sums[count - 1] + (this.values[count - 1] !== 0 && since > 0 ? since : 0);
+  }
+}

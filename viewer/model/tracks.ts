@@ -1,0 +1,67 @@
+import type { Entry } from '../document/timechart';
+import { Steps } from './steps';
+
+/** On or off, a value, or moments. */
+export type Shape = 'state' | 'level' | 'marks';
+
+/** What a track tells of its subject. */
+export type Role =
+  | 'busy' | 'frequency' | 'idle' | 'gpu' | 'interrupt' | 'running' | 'waitIo' | 'waitCpu' | 'waitGpu' | 'counter'
+  | 'marks' | 'other';
+
+const rolesOfClass = new Map<string, Role>([
+  ['cpu:busy', 'busy'],
+  ['cpu:freq', 'frequency'],
+  ['cpu:idle', 'idle'],
+  ['gpu:power', 'gpu'],
+  ['gpu:freq', 'frequency'],
+  ['gpu:irq', 'marks'],
+  ['gpu:issue', 'marks'],
+  ['irq', 'interrupt'],
+  ['proc:running', 'running'],
+  ['proc:issue', 'marks'],
+  ['proc:events', 'marks'],
+  ['ctr:', 'counter'],
+]);
+
+/** The last letter of a wait's id tells what is waited for. */
+const rolesOfWait = new Map<string, Role>([
+  ['d', 'waitIo'],
+  ['w', 'waitCpu'],
+  ['g', 'waitGpu'],
+]);
+
+function roleOf({ id, class: kind }: Entry): Role {
+  return (kind === 'proc:wait' ? rolesOfWait.get(id.slice(-1)) : rolesOfClass.get(kind)) ?? 'other';
+}
+
+/** An entry of the document with what drawing and statistics need. */
+export class Track {
+  readonly shape: Shape;
+  readonly role: Role;
+  readonly steps: Steps;
+  /** The task, core or interrupt that the entry's id names; -1 if it names none. */
+  readonly subject: number;
+  /** The core of a core's own series, of a task's running time or of an interrupt; else -1. */
+  readonly cpu: number;
+  /** The greatest value. */
+  readonly peak: number;
+
+  constructor(readonly entry: Entry) {
+    this.shape = entry.type === 'binary' ? 'state' : entry.type === 'bar' ? 'level' : 'marks';
+    this.role = roleOf(entry);
+    this.steps = new Steps(entry.times, entry.values);
+    this.subject = numberIn(/^(?:cpu|irq|proc)-(\d+)-/, entry.id);
+    this.cpu = numberIn(/^(?:cpu-|irq-\d+-|proc-\d+-r)(\d+)/, entry.id);
+    this.peak = entry.values.reduce((peak, value) => Math.max(peak, value), 0);
+  }
+
+  get isCounter(): boolean {
+    return this.role === 'counter';
+  }
+}
+
+function numberIn(pattern: RegExp, text: string): number {
+  const found = pattern.exec(text);
+  return found === null ? -1 : Number(found[1]);
+}
