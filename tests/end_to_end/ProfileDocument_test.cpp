@@ -188,7 +188,7 @@ TEST(ProfileDocument, KeepsFifteenEntriesOfABackTrace) {
   for (unsigned int depth = 0; depth < 18; ++depth) {
     expected += std::to_string(depth + 1) + ",65536,5,0,0,4,7,[";
     for (unsigned int i = 0; i < std::min(depth, 15U) && depth != 1; ++i)
-      expected += "[" + std::to_string(0x10100 + i) + ",5,],";
+      expected.append("[").append(std::to_string(0x10100 + i)).append(",5,],");
     expected += "]\n";
   }
   EXPECT_EQ(samples,
@@ -208,7 +208,7 @@ TEST(ProfileDocument, HoldsManySamplesInTheirOrder) {
       // Of each three entries one is new, one has been there lately, and one takes all digits.
       const std::uint64_t addresses[] = {0xC0000000 + 64 * i + entry, 0xC0000000 + entry, ~entry};
       sample.trace.push_back(addresses[entry % 3]);
-      trace += "[" + std::to_string(sample.trace.back()) + ",3,],";
+      trace.append("[").append(std::to_string(sample.trace.back())).append(",3,],");
     }
     recording.sample(sample);
     expected += std::to_string(i) + "," + std::to_string(sample.ip) + ",3," + std::to_string(i) + ",0,4,7,[" +

@@ -28,8 +28,8 @@ std::string addresses(const std::string& row) {
   std::string result = row.substr(row.find(',') + 1);
   result.resize(result.find(','));
   for (std::size_t open = row.find("[["); open != std::string::npos; open = row.find(",[", open + 1))
-    result += " " + row.substr(row.find_first_of("0123456789", open),
-                               row.find(',', open + 2) - row.find_first_of("0123456789", open));
+    result.append(" ").append(row, row.find_first_of("0123456789", open),
+                              row.find(',', open + 2) - row.find_first_of("0123456789", open));
   return result;
 }
 
@@ -39,7 +39,7 @@ TEST(RealRecordings, CallGraphConvertsWithEveryBackTrace) {
   for (const RawRecord& record : rawRecords(readFile(file))) {
     if (record.type != kSample || record.bytes.size() > 256) continue;
     expected += std::to_string(record.u64(8));
-    for (const std::uint64_t address : expectedTrace(record)) expected += " " + std::to_string(address);
+    for (const std::uint64_t address : expectedTrace(record)) expected.append(" ").append(std::to_string(address));
     expected += "\n";
   }
   Conversion conversion;

@@ -20,7 +20,7 @@ std::string answers(PerfReader& reader, const std::string& file) {
     for (int i = 0; i < 400; ++i) {
       const int size = static_cast<int>(numbers() % 2047 + 1);
       const int got = reader.read(buffer, size);
-      all += "," + std::to_string(got) + (reader.status() ? "" : "!");
+      all.append(",").append(std::to_string(got)).append(reader.status() ? "" : "!");
       if (got > 0) all.append(buffer, static_cast<std::size_t>(got));
     }
   }
