@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelkit {
@@ -15,15 +16,22 @@ struct ElfSegment {
   std::uint64_t address = 0;  ///< where the file itself would lie; symbol lists count from there
   std::uint64_t fileSize = 0;
   bool executable = false;
+
+  bool operator==(const ElfSegment&) const = default;
 };
 
-/// The header of an ELF file of either width and byte order.
+/// The headers of an ELF file of either width and byte order.
 struct ElfFile {
   bool positionIndependent = false;  ///< ET_DYN: a library or a PIE; false for ET_EXEC and ET_REL
   bool wide = false;                 ///< 64-bit
   std::uint16_t machine = 0;         ///< EM_ARM, EM_X86_64 ... of <elf.h>
   std::string buildId;               ///< lower-case hexadecimal digits, empty if the file has none
-  std::vector<ElfSegment> segments;  ///< ascending by address
+  std::vector<ElfSegment> segments;  ///< in the order of the file, which is ascending by address
+
+  bool hasSymbolTable = false;  ///< .symtab: local functions have names as well
+  bool hasLines = false;        ///< .debug_line
+  std::string debugLink;        ///< file name in .gnu_debuglink, empty if there is none
+  std::uint32_t debugLinkCrc = 0;
 
   /// Returns the link address of a byte of the file, by the segment that maps it; an executable segment is
   /// preferred, as two may share a page. Nothing if no segment holds the offset.
@@ -33,5 +41,8 @@ struct ElfFile {
   /// ELF.
   static ElfFile read(const std::string& path);
 };
+
+/// Whether a build-id that a recording holds means a file's own: recordings pad short ones with zeros.
+bool sameBuildId(std::string_view recorded, std::string_view own);
 
 }  // namespace zelkit

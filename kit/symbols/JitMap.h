@@ -1,6 +1,7 @@
 /// Code that a program made while it ran, by the map that its runtime left: "perf-PID.map".
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 

@@ -15,37 +15,40 @@ namespace zelkit {
 struct FoundFile {
   std::string path;
   ElfFile elf;  ///< the headers of `path`
-  /// The separate debug file of the same build-id, or the only file there is besides; empty if there is none.
+  /// A file of the same build that holds more: a separate debug file or an unstripped copy. Empty if there is
+  /// none.
   std::string debugPath;
-  /// One line without a line end, such as "/lib/libc.so.6: build-id 12ab... differs from the recording's
-  /// 34cd...".
+  /// One line without a line end, such as "/lib/libc.so.6: build-id 12ab differs from the recording's 34cd in
+  /// ...".
   std::string refusal;
 
   [[nodiscard]] bool found() const { return !path.empty(); }
 };
 
-/// Looks a recorded path up below each root in turn: as it stands, then by its last component, then by
-/// build-id
-/// (".build-id/ab/cdef" with ".debug", "/elf" or "/debug" behind it, also below "usr/lib/debug"). Links are
-/// resolved as if the root were "/". Files of another build-id than the recorded one are passed over, and
-/// told if no other file is found. Separate debug files are searched by build-id, then by .gnu_debuglink and
-/// its checksum. When DEBUGINFOD_URLS is set and libdebuginfod is installed, what is still missing is asked
-/// for there.
+/// Looks a recorded path up below each root in turn: as it is, then by its last component, then by build-id
+/// (".build-id/ab/cdef", with "/elf" behind it in perf's own cache). Links are resolved as if the root were
+/// "/". Files of another build-id than the recorded one, or of another architecture, are passed over, and
+/// told if no other file is found.
+///
+/// What a stripped file lacks comes from another copy of the same build below a later root, or from its debug
+/// file: below each root "usr/lib/debug/.build-id/ab/cdef.debug", ".build-id/ab/cdef.debug" and
+/// ".build-id/ab/cdef/debug", or the name in .gnu_debuglink beside the file, in ".debug" beside it, below
+/// "usr/lib/debug" or in the root itself, if its checksum agrees. A debug file is also taken where the file
+/// itself is missing. When DEBUGINFOD_URLS is set, what is still missing is asked for there: only ask for
+/// files that samples touch.
 class SymbolFinder {
  public:
   /// `roots`: folders such as a capture's copy of the target, a folder of unstripped libraries, or "/".
-  explicit SymbolFinder(std::vector<std::string> roots) : _roots(std::move(roots)) {}
+  /// `architecture`: that of the recording as "uname -m" prints it, empty if it is not known.
+  explicit SymbolFinder(std::vector<std::string> roots, std::string architecture = {});
 
   /// Returns the outcome for a recorded path and build-id (hexadecimal; empty if it is not known). Each pair
   /// is searched once. The reference stays valid as long as the finder.
   const FoundFile& find(const std::string& recordedPath, const std::string& buildId);
 
-  [[nodiscard]] const std::vector<std::string>& roots() const { return _roots; }
-
  private:
-  [[nodiscard]] FoundFile search(const std::string& recordedPath, const std::string& buildId) const;
-
   std::vector<std::string> _roots;
+  std::string _architecture;
   std::map<std::pair<std::string, std::string>, FoundFile> _outcomes;
 };
 

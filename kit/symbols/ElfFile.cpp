@@ -1,0 +1,103 @@
+#include "symbols/ElfFile.h"
+
+#include <elfutils/libdwelf.h>
+#include <gelf.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+
+#include "symbols/CheckedFile.h"
+
+namespace zelkit {
+
+namespace {
+
+constexpr std::size_t kLongestBuildId = 64;
+
+std::string hexadecimal(const unsigned char* bytes, std::size_t size) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string text;
+  for (std::size_t i = 0; i < size; ++i) {
+    text += digits[bytes[i] >> 4];
+    text += digits[bytes[i] & 15];
+  }
+  return text;
+}
+
+void readSegments(Elf* elf, ElfFile& file) {
+  std::size_t count = 0;
+  if (elf_getphdrnum(elf, &count) != 0) return;
+  for (std::size_t i = 0; i < count; ++i) {
+    GElf_Phdr header;
+    if (gelf_getphdr(elf, static_cast<int>(i), &header) == nullptr || header.p_type != PT_LOAD) continue;
+    file.segments.push_back({.offset = header.p_offset,
+                             .address = header.p_vaddr,
+                             .fileSize = header.p_filesz,
+                             .executable = (header.p_flags & PF_X) != 0});
+  }
+}
+
+void readSections(Elf* elf, ElfFile& file) {
+  std::size_t names = 0;
+  if (elf_getshdrstrndx(elf, &names) != 0) return;
+  for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
+       section = elf_nextscn(elf, section)) {
+    GElf_Shdr header;
+    if (gelf_getshdr(section, &header) == nullptr || header.sh_type == SHT_NOBITS) continue;
+    if (header.sh_type == SHT_SYMTAB) file.hasSymbolTable = true;
+    const char* name = elf_strptr(elf, names, header.sh_name);
+    if (name == nullptr) continue;
+    if (std::string_view(name) == ".debug_line" || std::string_view(name) == ".zdebug_line")
+      file.hasLines = true;
+  }
+}
+
+void readNotes(Elf* elf, ElfFile& file) {
+  const void* id = nullptr;
+  const ssize_t size = dwelf_elf_gnu_build_id(elf, &id);
+  if (size > 0 && static_cast<std::size_t>(size) <= kLongestBuildId)
+    file.buildId = hexadecimal(static_cast<const unsigned char*>(id), static_cast<std::size_t>(size));
+  GElf_Word crc = 0;
+  if (const char* link = dwelf_elf_gnu_debuglink(elf, &crc); link != nullptr) {
+    file.debugLink = link;
+    file.debugLinkCrc = crc;
+  }
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> ElfFile::addressOf(std::uint64_t fileOffset) const {
+  std::optional<std::uint64_t> address;
+  for (const ElfSegment& segment : segments) {
+    if (fileOffset < segment.offset || fileOffset - segment.offset >= segment.fileSize) continue;
+    if (!address || segment.executable) address = segment.address + (fileOffset - segment.offset);
+  }
+  return address;
+}
+
+ElfFile ElfFile::read(const std::string& path) {
+  const Descriptor descriptor = openRegular(path);
+  elf_version(EV_CURRENT);
+  const std::unique_ptr<Elf, decltype(&elf_end)> elf(elf_begin(descriptor.number(), ELF_C_READ_MMAP, nullptr),
+                                                     elf_end);
+  GElf_Ehdr header;
+  if (elf == nullptr || elf_kind(elf.get()) != ELF_K_ELF || gelf_getehdr(elf.get(), &header) == nullptr)
+    throw std::runtime_error(path + ": not an ELF file");
+  ElfFile file;
+  file.positionIndependent = header.e_type == ET_DYN;
+  file.wide = header.e_ident[EI_CLASS] == ELFCLASS64;
+  file.machine = header.e_machine;
+  readSegments(elf.get(), file);
+  readSections(elf.get(), file);
+  readNotes(elf.get(), file);
+  return file;
+}
+
+bool sameBuildId(std::string_view recorded, std::string_view own) {
+  return !own.empty() && recorded.starts_with(own) &&
+         recorded.find_first_not_of('0', own.size()) == std::string_view::npos;
+}
+
+}  // namespace zelkit

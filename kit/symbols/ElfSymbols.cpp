@@ -1,0 +1,167 @@
+#include "symbols/ElfSymbols.h"
+
+#include <elfutils/libdwfl.h>
+#include <gelf.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "symbols/CheckedFile.h"
+#include "symbols/Demangler.h"
+#include "symbols/SourceLines.h"
+#include "symbols/SymbolListBuilder.h"
+
+namespace zelkit {
+
+namespace {
+
+/// A function as the symbol table has it.
+struct ElfFunction {
+  std::uint64_t address;
+  std::uint64_t size;
+  std::uint64_t limit;  ///< end of its section
+  std::uint64_t rank;
+  const char* name;  ///< mangled
+};
+
+/// libdwfl asks for the separate debug file, which has been found already.
+int giveDebugFile(Dwfl_Module*, void** userData, const char*, Dwarf_Addr, const char*, const char*, GElf_Word,
+                  char** foundName) {
+  const auto& path = *static_cast<const std::string*>(*userData);
+  if (path.empty()) return -1;
+  try {
+    Descriptor file = openRegular(path);
+    *foundName = strdup(path.c_str());
+    return file.release();
+  } catch (const std::runtime_error&) {
+    return -1;  // it has gone since it was found; the file itself still has symbols
+  }
+}
+
+constexpr Dwfl_Callbacks kCallbacks = {.find_elf = nullptr,
+                                       .find_debuginfo = giveDebugFile,
+                                       .section_address = dwfl_offline_section_address,
+                                       .debuginfo_path = nullptr};
+
+bool isMappingSymbol(std::string_view name) {
+  return name.size() > 1 && name[0] == '$' && std::strchr("adtx", name[1]) != nullptr &&
+         (name.size() == 2 || name[2] == '.' || name[1] == 'x');
+}
+
+/// What makes one of several names of a function the better one, the first difference counting: a size, not
+/// weak, global, fewer underscores in front, longer.
+std::uint64_t rankOf(const GElf_Sym& symbol, std::string_view name) {
+  const std::uint64_t binding = GELF_ST_BIND(symbol.st_info);
+  const std::size_t underscores = std::min<std::size_t>(name.find_first_not_of('_'), 255);
+  std::uint64_t rank = symbol.st_size != 0 ? 1 : 0;
+  rank = rank << 1 | (binding != STB_WEAK ? 1 : 0);
+  rank = rank << 1 | (binding == STB_GLOBAL ? 1 : 0);
+  rank = rank << 8 | (255 - underscores);
+  return rank << 32 | std::min<std::size_t>(name.size(), 0xFFFFFFFF);
+}
+
+bool isFunction(const GElf_Sym& symbol, std::string_view name) {
+  const unsigned type = GELF_ST_TYPE(symbol.st_info);
+  if (type != STT_FUNC && type != STT_GNU_IFUNC && type != STT_NOTYPE) return false;
+  return symbol.st_shndx != SHN_UNDEF && !name.empty() && !isMappingSymbol(name);
+}
+
+/// Where the executable section of a symbol ends, or nothing if it is in no such section.
+std::optional<std::uint64_t> codeLimit(Elf* elf, std::size_t section, std::uint64_t bias) {
+  GElf_Shdr header;
+  if (gelf_getshdr(elf_getscn(elf, section), &header) == nullptr) return {};
+  if ((header.sh_flags & SHF_EXECINSTR) == 0) return {};
+  return header.sh_addr + bias + header.sh_size;
+}
+
+/// The one file in a session of libdwfl, laid out at its own addresses.
+class Module {
+ public:
+  Module(const std::string& path, const std::string& debugPath)
+      : _debugPath(debugPath), _session(dwfl_begin(&kCallbacks), dwfl_end) {
+    Descriptor file = openRegular(path);
+    _module = dwfl_report_elf(_session.get(), path.c_str(), path.c_str(), file.number(), 0, true);
+    if (_module == nullptr) throw std::runtime_error(path + ": " + dwfl_errmsg(-1));
+    static_cast<void>(file.release());  // the session closes it
+    void** userData = nullptr;
+    dwfl_module_info(_module, &userData, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    *userData = &_debugPath;
+    dwfl_report_end(_session.get(), nullptr, nullptr);
+  }
+
+  [[nodiscard]] std::vector<ElfFunction> functions() {
+    std::vector<ElfFunction> functions;
+    const int count = dwfl_module_getsymtab(_module);
+    for (int i = 0; i < count; ++i) {
+      GElf_Sym symbol;
+      GElf_Addr address = 0;
+      GElf_Word section = 0;
+      Elf* elf = nullptr;
+      Dwarf_Addr bias = 0;
+      const char* name = dwfl_module_getsym_info(_module, i, &symbol, &address, &section, &elf, &bias);
+      if (name == nullptr || elf == nullptr || !isFunction(symbol, name)) continue;
+      const std::optional<std::uint64_t> limit = codeLimit(elf, section, bias);
+      if (!limit) continue;
+      if (isThumb(elf, symbol)) address -= 1;
+      functions.push_back({address, symbol.st_size, *limit, rankOf(symbol, name), name});
+    }
+    return functions;
+  }
+
+  void readLines(SourceLines& lines) {
+    Dwarf_Addr bias = 0;
+    if (Dwarf* information = dwfl_module_getdwarf(_module, &bias); information != nullptr)
+      lines.read(information, bias);
+  }
+
+ private:
+  /// Whether the lowest bit of the address says "Thumb code" instead of being part of it.
+  static bool isThumb(Elf* elf, const GElf_Sym& symbol) {
+    GElf_Ehdr header;
+    return gelf_getehdr(elf, &header) != nullptr && header.e_machine == EM_ARM &&
+           GELF_ST_TYPE(symbol.st_info) != STT_NOTYPE && (symbol.st_value & 1) != 0;
+  }
+
+  std::string _debugPath;
+  std::unique_ptr<Dwfl, decltype(&dwfl_end)> _session;
+  Dwfl_Module* _module = nullptr;
+};
+
+/// A name of .symtab may end with its version, "name@VERSION".
+std::string readableName(const char* name) {
+  const char* version = std::strchr(name, '@');
+  if (version == nullptr || version == name) return demangled(name);
+  return demangled(std::string(name, version).c_str());
+}
+
+}  // namespace
+
+SymbolList readElfSymbols(const std::string& path, const std::string& debugPath) {
+  Module module(path, debugPath);
+  const std::vector<ElfFunction> functions = module.functions();
+  std::vector<std::uint64_t> starts;
+  starts.reserve(functions.size());
+  for (const ElfFunction& function : functions) starts.push_back(function.address);
+  std::sort(starts.begin(), starts.end());
+  SourceLines lines(std::move(starts));
+  module.readLines(lines);
+
+  SymbolListBuilder builder;
+  for (const ElfFunction& function : functions) {
+    const SourceLines::Place place = lines.at(function.address);
+    builder.add({.address = function.address,
+                 .size = function.size,
+                 .name = readableName(function.name),
+                 .file = place.file,
+                 .line = place.line},
+                function.limit, function.rank);
+  }
+  return builder.build();
+}
+
+}  // namespace zelkit

@@ -1,0 +1,247 @@
+#include "symbols/SymbolFinder.h"
+
+#include <elf.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+#include "symbols/CheckedFile.h"
+#include "symbols/DebugInfod.h"
+
+namespace zelkit {
+
+namespace {
+
+/// Whether a mapping's name means a file at all.
+bool isFileName(std::string_view name) {
+  for (const std::string_view other :
+       {"[", "//", "/dev/", "/memfd:", "/SYSV", "/anon_hugepage", "anon_inode:"})
+    if (name.starts_with(other)) return false;
+  return !name.empty() && name.back() != '/';
+}
+
+std::string_view withoutDeletedMark(std::string_view name) {
+  return name.substr(0, name.rfind(" (deleted)"));
+}
+
+std::string_view folderOf(std::string_view path) {
+  const std::size_t slash = path.rfind('/');
+  return path.substr(0, slash == std::string_view::npos ? 0 : slash + 1);
+}
+
+/// Whether programs of the file's architecture run on such a machine. Unknown architectures run anything.
+bool runsOn(std::string_view architecture, std::uint16_t machine) {
+  if (architecture == "x86_64") return machine == EM_X86_64 || machine == EM_386;
+  if (architecture == "aarch64") return machine == EM_AARCH64 || machine == EM_ARM;
+  if (architecture.starts_with("arm")) return machine == EM_ARM;
+  if (architecture.size() == 4 && architecture.ends_with("86")) return machine == EM_386;
+  return true;
+}
+
+/// "ab/cdef" of a build-id, the form of the folders of links; empty for a build-id too short to have one.
+std::string linkName(const std::string& buildId) {
+  return buildId.size() > 2 ? buildId.substr(0, 2) + '/' + buildId.substr(2) : "";
+}
+
+/// How much a second file of a build adds to the first: lines weigh more than local names.
+int gain(const ElfFile& first, const ElfFile& second) {
+  return (second.hasLines && !first.hasLines ? 2 : 0) +
+         (second.hasSymbolTable && !first.hasSymbolTable ? 1 : 0);
+}
+
+bool isComplete(const ElfFile& file) {
+  return file.hasLines && file.hasSymbolTable;
+}
+
+/// Whether two files are of one build, as far as one can tell.
+bool sameBuild(const ElfFile& a, const ElfFile& b) {
+  if (a.machine != b.machine || a.wide != b.wide) return false;
+  if (!a.buildId.empty() || !b.buildId.empty()) return a.buildId == b.buildId;
+  return a.segments == b.segments;
+}
+
+bool hasChecksum(const std::string& path, std::uint32_t checksum) {
+  const std::string content = readWhole(path);
+  return crc32_z(0, reinterpret_cast<const Bytef*>(content.data()), content.size()) == checksum;
+}
+
+/// One search, and what it has met so far.
+class Search {
+ public:
+  Search(const std::vector<std::string>& roots, const std::string& architecture, const std::string& name,
+         const std::string& buildId)
+      : _roots(roots), _architecture(architecture), _name(name), _buildId(buildId) {}
+
+  FoundFile run() {
+    for (const std::string& root : _roots) lookBelow(root);
+    if (!_outcome.found() || !isComplete(_outcome.elf)) lookForDebugFiles();
+    if (!_outcome.found() || !hasEverything()) askServers();
+    if (!_outcome.found()) _outcome.refusal = refusal();
+    return std::move(_outcome);
+  }
+
+ private:
+  void lookBelow(const std::string& root) {
+    if (_outcome.found() && isComplete(_outcome.elf)) return;
+    consider(root, _name);
+    consider(root, _name.substr(folderOf(_name).size()));
+    const std::string link = linkName(_buildId);
+    if (link.empty()) return;
+    consider(root, ".build-id/" + link);
+    consider(root, ".build-id/" + link + "/elf");
+  }
+
+  /// Takes a file for the one that is looked for, or for what adds to it.
+  void consider(const std::string& root, const std::string& name) {
+    const std::optional<Candidate> candidate = open(resolveBelow(root, name));
+    if (!candidate) return;
+    if (!_outcome.found()) {
+      if (fits(*candidate)) take(*candidate);
+    } else if (sameBuild(_outcome.elf, candidate->elf)) {
+      add(*candidate);
+    }
+  }
+
+  void lookForDebugFiles() {
+    const std::string buildId =
+        _outcome.found() && !_outcome.elf.buildId.empty() ? _outcome.elf.buildId : _buildId;
+    const std::string link = linkName(buildId);
+    for (const std::string& root : _roots) {
+      if (!link.empty()) {
+        considerDebugFile(root, "usr/lib/debug/.build-id/" + link + ".debug");
+        considerDebugFile(root, ".build-id/" + link + ".debug");
+        considerDebugFile(root, ".build-id/" + link + "/debug");
+      }
+      if (_outcome.found() && !_outcome.elf.debugLink.empty()) lookForDebugLink(root);
+    }
+  }
+
+  /// A debug file found by build-id may stand for the file as well.
+  void considerDebugFile(const std::string& root, const std::string& name) {
+    const std::optional<Candidate> candidate = open(resolveBelow(root, name));
+    if (!candidate ||
+        !sameBuildId(_outcome.found() ? _outcome.elf.buildId : _buildId, candidate->elf.buildId))
+      return;
+    if (_outcome.found()) {
+      add(*candidate);
+    } else if (fits(*candidate)) {
+      take(*candidate);
+    }
+  }
+
+  void lookForDebugLink(const std::string& root) {
+    const std::string link = _outcome.elf.debugLink;
+    const std::string folder(folderOf(_name));
+    for (const std::string& name :
+         {folder + link, folder + ".debug/" + link, "usr/lib/debug/" + folder + link, link}) {
+      const std::optional<Candidate> candidate = open(resolveBelow(root, name));
+      if (!candidate || gain(_outcome.elf, candidate->elf) <= _gain) continue;
+      const bool sure = !_outcome.elf.buildId.empty() && _outcome.elf.buildId == candidate->elf.buildId;
+      if (sure || hasChecksum(candidate->path, _outcome.elf.debugLinkCrc)) add(*candidate);
+    }
+  }
+
+  void askServers() {
+    const std::string& buildId = _outcome.found() ? _outcome.elf.buildId : _buildId;
+    for (const auto kind : {DebugInfod::Kind::kDebugInformation, DebugInfod::Kind::kExecutable}) {
+      if (_outcome.found() && (kind == DebugInfod::Kind::kExecutable || hasEverything())) return;
+      const std::optional<Candidate> candidate = open(DebugInfod::find(buildId, kind));
+      if (!candidate) continue;
+      if (_outcome.found()) {
+        add(*candidate);
+      } else if (fits(*candidate)) {
+        take(*candidate);
+      }
+    }
+  }
+
+  struct Candidate {
+    std::string path;
+    ElfFile elf;
+  };
+
+  std::optional<Candidate> open(const std::string& path) {
+    if (path.empty() || path == _outcome.path || path == _outcome.debugPath) return {};
+    try {
+      return Candidate{path, ElfFile::read(path)};
+    } catch (const std::runtime_error& error) {
+      refuse(error.what());
+      return {};
+    }
+  }
+
+  /// Whether the file may be the recorded one; if not, the reason is kept.
+  bool fits(const Candidate& candidate) {
+    const ElfFile& elf = candidate.elf;
+    if (!runsOn(_architecture, elf.machine)) {
+      refuse(candidate.path + " is not for " + _architecture);
+      return false;
+    }
+    if (_buildId.empty() || sameBuildId(_buildId, elf.buildId)) return true;
+    refuse(candidate.path + " has " + (elf.buildId.empty() ? "no build-id" : "build-id " + elf.buildId) +
+           " instead of " + _buildId);
+    return false;
+  }
+
+  void take(const Candidate& candidate) {
+    _outcome.path = candidate.path;
+    _outcome.elf = candidate.elf;
+  }
+
+  void add(const Candidate& candidate) {
+    const int gained = gain(_outcome.elf, candidate.elf);
+    if (gained <= _gain) return;
+    _gain = gained;
+    _outcome.debugPath = candidate.path;
+    _debugFile = candidate.elf;
+  }
+
+  [[nodiscard]] bool hasEverything() const {
+    return (_outcome.elf.hasLines || _debugFile.hasLines) &&
+           (_outcome.elf.hasSymbolTable || _debugFile.hasSymbolTable);
+  }
+
+  void refuse(const std::string& reason) {
+    if (std::find(_reasons.begin(), _reasons.end(), reason) == _reasons.end()) _reasons.push_back(reason);
+  }
+
+  [[nodiscard]] std::string refusal() const {
+    std::string text = _name + ": ";
+    if (_reasons.empty()) text += _roots.empty() ? "no folder to look in" : "not found below";
+    const std::vector<std::string>& list = _reasons.empty() ? _roots : _reasons;
+    for (std::size_t i = 0; i < list.size(); ++i)
+      text += (i > 0 ? "; " : _reasons.empty() ? " " : "") + list[i];
+    return text;
+  }
+
+  const std::vector<std::string>& _roots;
+  const std::string& _architecture;
+  const std::string& _name;
+  const std::string& _buildId;
+  FoundFile _outcome;
+  ElfFile _debugFile;  ///< headers of _outcome.debugPath
+  int _gain = 0;       ///< what that file adds
+  std::vector<std::string> _reasons;
+};
+
+}  // namespace
+
+SymbolFinder::SymbolFinder(std::vector<std::string> roots, std::string architecture)
+    : _roots(std::move(roots)), _architecture(std::move(architecture)) {}
+
+const FoundFile& SymbolFinder::find(const std::string& recordedPath, const std::string& buildId) {
+  const auto [place, isNew] = _outcomes.try_emplace({recordedPath, buildId});
+  if (!isNew) return place->second;
+  const std::string name(withoutDeletedMark(recordedPath));
+  if (!isFileName(name)) {
+    place->second.refusal = recordedPath + ": not a file";
+  } else {
+    place->second = Search(_roots, _architecture, name, buildId).run();
+  }
+  return place->second;
+}
+
+}  // namespace zelkit

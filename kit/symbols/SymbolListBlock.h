@@ -1,0 +1,25 @@
+/// The parts of the block that SymbolList.h describes.
+#pragma once
+
+#include <cstdint>
+
+namespace zelkit {
+
+/// "zelsyms1" as a number: a block of another byte order or version does not have it.
+constexpr std::uint64_t kListMagic = 0x31736d79736c657a;
+
+struct ListHeader {
+  std::uint64_t magic;
+  std::uint64_t count;
+};
+
+struct ListEntry {
+  std::uint64_t address;
+  std::uint32_t size;
+  std::uint32_t name;
+  std::uint32_t file;
+  std::uint32_t line;
+};
+static_assert(sizeof(ListEntry) == 24);
+
+}  // namespace zelkit
