@@ -1,0 +1,33 @@
+/// Compressed bytes into an output file.
+#pragma once
+
+#include <zlib.h>
+
+#include <array>
+#include <string_view>
+
+#include "document/OutputFile.h"
+
+namespace zelkit {
+
+/// A gzip stream, RFC 1952. Throws std::runtime_error when memory or the file fails.
+class GzipOutput {
+ public:
+  explicit GzipOutput(OutputFile& output);
+  ~GzipOutput();
+  GzipOutput(const GzipOutput&) = delete;
+  GzipOutput& operator=(const GzipOutput&) = delete;
+
+  void write(std::string_view bytes) { compress(bytes, Z_NO_FLUSH); }
+  /// Ends the stream; nothing may be written after it.
+  void finish() { compress({}, Z_FINISH); }
+
+ private:
+  void compress(std::string_view bytes, int flush);
+
+  OutputFile& _output;
+  z_stream _stream{};
+  std::array<char, 65536> _block;
+};
+
+}  // namespace zelkit

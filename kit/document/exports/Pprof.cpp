@@ -1,0 +1,200 @@
+// pprof's profile.proto, gzipped: samples with equal stacks of one thread are one sample with a count.
+
+#include <cmath>
+#include <cstdlib>
+#include <protozero/pbf_builder.hpp>
+
+#include "document/LayoutFile.h"
+#include "document/exports/ExportFormat.h"
+#include "document/exports/GzipOutput.h"
+#include "document/exports/JsonOutput.h"
+#include "document/exports/ThreadSamples.h"
+
+namespace zelkit {
+
+namespace {
+
+/// Field numbers of the messages, github.com/google/pprof/proto/profile.proto.
+enum class Profile : protozero::pbf_tag_type {
+  kSampleType = 1,
+  kSample = 2,
+  kMapping = 3,
+  kLocation = 4,
+  kFunction = 5,
+  kStringTable = 6,
+  kDurationNanos = 10,
+};
+enum class ValueType : protozero::pbf_tag_type { kType = 1, kUnit = 2 };
+enum class Sample : protozero::pbf_tag_type { kLocationId = 1, kValue = 2, kLabel = 3 };
+enum class Label : protozero::pbf_tag_type { kKey = 1, kText = 2, kNumber = 3 };
+enum class Mapping : protozero::pbf_tag_type {
+  kId = 1,
+  kStart = 2,
+  kLimit = 3,
+  kFile = 5,
+  kHasFunctions = 7
+};
+enum class Location : protozero::pbf_tag_type { kId = 1, kMappingId = 2, kAddress = 3, kLine = 4 };
+enum class Line : protozero::pbf_tag_type { kFunctionId = 1, kLine = 2 };
+enum class Function : protozero::pbf_tag_type {
+  kId = 1,
+  kName = 2,
+  kSystemName = 3,
+  kFile = 4,
+  kStartLine = 5
+};
+
+/// Texts by their numbers; number 0 is the empty text, as the format wants it.
+class StringTable {
+ public:
+  StringTable() { numberOf(""); }
+
+  std::int64_t numberOf(const std::string& text) {
+    const auto [place, isNew] = _numbers.try_emplace(text, static_cast<std::int64_t>(_texts.size()));
+    if (isNew) _texts.push_back(&place->first);
+    return place->second;
+  }
+  const std::vector<const std::string*>& texts() const { return _texts; }
+
+ private:
+  std::map<std::string, std::int64_t> _numbers;
+  std::vector<const std::string*> _texts;
+};
+
+class Pprof : public Exporter {
+ public:
+  explicit Pprof(OutputFile& output) : _output(output) {}
+
+  void documentStart(const std::string& name) override { _layout = LayoutFile::beside(name); }
+  void description(std::string_view name, std::string_view value) override {
+    if (name == "duration") _duration = std::strtod(std::string(value).c_str(), nullptr);
+  }
+  void process(const ProcessRow& row) override { _samples.process(row); }
+  void library(const LibraryRow& row) override { _samples.library(row); }
+  void file(const FileRow& row) override { _samples.file(row); }
+  void function(const FunctionRow& row) override { _samples.function(row); }
+  void sample(const SampleRow& row) override { _samples.sample(row); }
+
+  void finish() override {
+    writeSampleType();
+    for (const ThreadSamples::Thread& thread : _samples.threads()) writeThread(thread);
+    if (_duration > 0.0) _profile.add_int64(Profile::kDurationNanos, std::llround(_duration * 1e9));
+    for (const std::string* text : _strings.texts())
+      _profile.add_string(Profile::kStringTable, validUtf8(*text));
+    GzipOutput compressed(_output);
+    compressed.write(_bytes);
+    compressed.finish();
+  }
+
+ private:
+  void writeSampleType() {
+    protozero::pbf_builder<ValueType> type(_profile, Profile::kSampleType);
+    type.add_int64(ValueType::kType, _strings.numberOf("samples"));
+    type.add_int64(ValueType::kUnit, _strings.numberOf("count"));
+  }
+
+  void writeThread(const ThreadSamples::Thread& thread) {
+    std::map<StackTree::Node, std::int64_t> counts;
+    for (const StackTree::Node node : thread.nodes) ++counts[node];
+    for (const auto& [node, count] : counts) {
+      std::vector<std::uint64_t> locations;
+      for (StackTree::Node at = node; at != StackTree::kRoot; at = _samples.tree().parent(at))
+        locations.push_back(locationOf(ThreadSamples::frameKey(_samples.tree(), at)));
+      protozero::pbf_builder<Sample> sample(_profile, Profile::kSample);
+      sample.add_packed_uint64(Sample::kLocationId, locations.begin(), locations.end());
+      sample.add_packed_int64(Sample::kValue, &count, &count + 1);
+      writeLabels(sample, thread);
+    }
+  }
+
+  void writeLabels(protozero::pbf_builder<Sample>& sample, const ThreadSamples::Thread& thread) {
+    const ProfileTables::Process* process = _samples.findProcess(thread.pidKey);
+    {
+      protozero::pbf_builder<Label> label(sample, Sample::kLabel);
+      label.add_int64(Label::kKey, _strings.numberOf("thread"));
+      label.add_int64(Label::kText, _strings.numberOf(_samples.threadTitle(thread)));
+    }
+    protozero::pbf_builder<Label> label(sample, Sample::kLabel);
+    label.add_int64(Label::kKey, _strings.numberOf("pid"));
+    label.add_int64(Label::kNumber, process == nullptr ? 0 : process->pid);
+  }
+
+  /// Returns the id of the frame's location, which it writes with its function when the frame is new.
+  std::uint64_t locationOf(std::uint32_t key) {
+    const auto [place, isNew] = _locations.try_emplace(key, _locations.size() + 1);
+    if (!isNew) return place->second;
+    const std::uint64_t id = place->second;
+    const ProfileTables::Library* library = _samples.libraryOf(key);
+    const std::uint64_t mapping = library == nullptr ? 0 : mappingOf(*library);
+    writeFunction(id, key);
+    protozero::pbf_builder<Location> location(_profile, Profile::kLocation);
+    location.add_uint64(Location::kId, id);
+    if (mapping != 0) location.add_uint64(Location::kMappingId, mapping);
+    location.add_uint64(Location::kAddress, addressOf(key, library));
+    protozero::pbf_builder<Line> line(location, Location::kLine);
+    line.add_uint64(Line::kFunctionId, id);
+    if (const auto* function = _samples.findFunction(key); function != nullptr && function->line != 0)
+      line.add_int64(Line::kLine, function->line);
+    return id;
+  }
+
+  void writeFunction(std::uint64_t id, std::uint32_t key) {
+    const std::int64_t name = _strings.numberOf(_samples.frameName(key));
+    protozero::pbf_builder<Function> function(_profile, Profile::kFunction);
+    function.add_uint64(Function::kId, id);
+    function.add_int64(Function::kName, name);
+    function.add_int64(Function::kSystemName, name);
+    const ProfileTables::Function* known = _samples.findFunction(key);
+    if (known == nullptr || known->file.empty()) return;
+    function.add_int64(Function::kFile, _strings.numberOf(known->file));
+    function.add_int64(Function::kStartLine, known->line);
+  }
+
+  std::uint64_t mappingOf(const ProfileTables::Library& library) {
+    const std::uint64_t start = originalStart(library);
+    const auto [place, isNew] = _mappings.try_emplace(&library, _mappings.size() + 1);
+    if (!isNew) return place->second;
+    protozero::pbf_builder<Mapping> mapping(_profile, Profile::kMapping);
+    mapping.add_uint64(Mapping::kId, place->second);
+    mapping.add_uint64(Mapping::kStart, start);
+    mapping.add_uint64(Mapping::kLimit, start + library.size);
+    mapping.add_int64(Mapping::kFile, _strings.numberOf(library.name));
+    // Keeps pprof from looking for the file to name the addresses itself.
+    mapping.add_bool(Mapping::kHasFunctions, true);
+    return place->second;
+  }
+
+  std::uint64_t originalStart(const ProfileTables::Library& library) const {
+    const ProfileTables::Process* process = _samples.findProcess(library.pidKey);
+    return _layout.original(process == nullptr ? 0 : process->pid, library.start);
+  }
+
+  /// Returns where the function begins in the process. Those of a library are relative to its map in the
+  /// document.
+  std::uint64_t addressOf(std::uint32_t key, const ProfileTables::Library* library) const {
+    const ProfileTables::Function* function = _samples.findFunction(key);
+    const std::uint64_t start = function == nullptr ? 0 : function->start;
+    if (library == nullptr) return start;
+    const bool isRelative = start - library->start > library->size;
+    return isRelative ? originalStart(*library) + start : start;
+  }
+
+  OutputFile& _output;
+  std::string _bytes;
+  protozero::pbf_builder<Profile> _profile{_bytes};
+  ThreadSamples _samples;
+  StringTable _strings;
+  LayoutFile _layout;
+  double _duration = 0.0;
+  std::map<std::uint32_t, std::uint64_t> _locations;
+  std::map<const ProfileTables::Library*, std::uint64_t> _mappings;
+};
+
+const ExportFormat format("pprof", "gzipped protocol buffer for pprof", {.profile = true},
+                          [](OutputFile& output) -> std::unique_ptr<Exporter> {
+                            return std::make_unique<Pprof>(output);
+                          });
+
+}  // namespace
+
+}  // namespace zelkit

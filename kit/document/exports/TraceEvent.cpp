@@ -1,0 +1,214 @@
+// The Trace Event format (Google's "Trace Event Format" document): what Perfetto's page and the browsers'
+// Performance panel open. Tasks are threads of their process; cores, GPU and interrupts are threads of
+// processes made for them.
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <set>
+
+#include "document/exports/ExportFormat.h"
+#include "document/exports/JsonOutput.h"
+
+namespace zelkit {
+
+namespace {
+
+constexpr double kMicrosecondsPerSecond = 1e6;
+
+/// Processes that no task has: numbers above those that Linux gives.
+enum MadeProcess : std::uint32_t { kCores = 1U << 30U, kGpu, kInterrupts, kMarkers };
+
+constexpr std::array<const char*, 4> kMadeNames = {"Cores", "GPU", "Interrupts", "Markers"};
+
+/// Stands for a thread that only this series is drawn in.
+constexpr std::uint32_t kOwnThread = 0;
+
+struct Track {
+  std::uint32_t pid = 0;
+  std::uint32_t tid = 0;
+  std::string process;
+  std::string thread;
+};
+
+/// Returns the number that begins at that place of the text; 0 if there is none.
+std::uint32_t numberAt(std::string_view text, std::size_t start) {
+  std::uint32_t number = 0;
+  if (start < text.size()) std::from_chars(text.data() + start, text.data() + text.size(), number);
+  return number;
+}
+
+/// Returns the task's parent out of "TASK_PARENT_proc_root", or the task itself if it has none.
+std::uint32_t parentIn(std::string_view treeId, std::uint32_t task) {
+  const std::string own = std::to_string(task) + "_";
+  const std::size_t found = treeId.find(own);
+  const std::string_view rest = found == std::string_view::npos ? "" : treeId.substr(found + own.size());
+  return rest.empty() || rest.starts_with("proc_root") ? task : numberAt(rest, 0);
+}
+
+/// Returns where the series is shown; ids are "cpu-N-...", "gpu-A-B-...", "irq-X-N", "proc-P-..." and "evt".
+/// Slices of one thread must nest, so only those of a task, which does one thing at a time, share theirs.
+Track trackOf(const SeriesHead& head) {
+  const std::string_view id = head.id;
+  if (!id.starts_with("proc-")) {
+    const bool isCore = id.starts_with("cpu-");
+    const bool isGpu = id.starts_with("gpu-");
+    const bool isInterrupt = id.starts_with("irq-");
+    const MadeProcess pid = isCore ? kCores : isGpu ? kGpu : isInterrupt ? kInterrupts : kMarkers;
+    return {pid, kOwnThread, kMadeNames[pid - kCores],
+            isInterrupt ? head.name + " " + std::string(id) : head.name};
+  }
+  const std::uint32_t task = numberAt(id, 5);
+  const std::uint32_t parent = parentIn(head.treeId, task);
+  return {parent, task, task == parent ? head.name : "process " + std::to_string(parent), head.name};
+}
+
+class TraceEvent : public Exporter {
+ public:
+  explicit TraceEvent(OutputFile& output) : _json(output) {
+    _json.startObject();
+    _json.member("displayTimeUnit", "ms");
+    _json.key("traceEvents");
+    _json.startArray();
+  }
+
+  void seriesStart(const SeriesHead& head) override {
+    _head = head;
+    _track = trackOf(head);
+    if (_track.tid == kOwnThread) _track.tid = ++_ownThreads;
+    _label = validUtf8(head.tip.empty() ? head.name : head.tip);
+    _class = validUtf8(head.chartClass);
+    _start.reset();
+    nameTrack();
+  }
+
+  void point(double time, double value) override {
+    if (_head.type == "bar") return counter(time, value);
+    if (_head.type == "marker") return instant(time);
+    if (value != 0.0 && !_start) _start = time;
+    if (value == 0.0 && _start) slice(time);
+  }
+
+  void event(const SeriesEvent& event) override {
+    begin("i", validUtf8(event.name), event.time);
+    _json.member("s", _track.pid == kMarkers ? "g" : "t");
+    _json.key("args");
+    _json.startObject();
+    _json.member("code", event.code);
+    _json.member("text", validUtf8(event.arguments));
+    _json.endObject();
+    _json.endObject();
+  }
+
+  /// A series that is on at its end has no closing point; a slice without an end is drawn to the end of the
+  /// trace.
+  void seriesEnd() override {
+    if (!_start) return;
+    begin("B", _label, *_start);
+    _json.endObject();
+  }
+
+  void finish() override {
+    _json.endArray();
+    _json.key("otherData");
+    _json.startObject();
+    _json.member("exporter", "zelkit");
+    _json.endObject();
+    _json.endObject();
+    _json.flush();
+  }
+
+ private:
+  void nameTrack() {
+    if (_named.insert({_track.pid, 0}).second) metadata("process_name", 0, validUtf8(_track.process));
+    // Counters have tracks of their own, by their names.
+    if (_head.type != "bar" && _named.insert({_track.pid, _track.tid}).second)
+      metadata("thread_name", _track.tid, validUtf8(_track.thread));
+  }
+
+  void metadata(const char* what, std::uint32_t tid, const std::string& name) {
+    _json.startObject();
+    _json.member("ph", "M");
+    _json.member("name", what);
+    _json.member("pid", _track.pid);
+    _json.member("tid", tid);
+    _json.key("args");
+    _json.startObject();
+    _json.member("name", name);
+    _json.endObject();
+    _json.endObject();
+  }
+
+  /// Opens an event; the caller adds to it and closes it.
+  void begin(const char* phase, const std::string& name, double time) {
+    _json.startObject();
+    _json.member("ph", phase);
+    _json.member("name", name);
+    _json.member("cat", _class);
+    _json.member("pid", _track.pid);
+    _json.member("tid", _track.tid);
+    _json.member("ts", microseconds(time));
+  }
+
+  static double microseconds(double seconds) {
+    // Points have microseconds at most; what comes below them is the error of the parse.
+    return std::round(seconds * kMicrosecondsPerSecond);
+  }
+
+  void slice(double end) {
+    begin("X", _label, *_start);
+    _json.member("dur", microseconds(end) - microseconds(*_start));
+    _json.endObject();
+    if (isWaitForCpu()) wakeUp(*_start, end);
+    _start.reset();
+  }
+
+  bool isWaitForCpu() const { return _head.id.starts_with("proc-") && _head.id.ends_with("-w"); }
+
+  /// Draws an arrow from the moment when something woke the task to the run that begins when its wait ends.
+  void wakeUp(double woken, double running) {
+    ++_flows;
+    begin("s", "wake-up", woken);
+    _json.member("id", _flows);
+    _json.endObject();
+    begin("f", "wake-up", running);
+    _json.member("id", _flows);
+    _json.member("bp", "e");
+    _json.endObject();
+  }
+
+  void counter(double time, double value) {
+    begin("C", _label == _head.name ? _label : validUtf8(_head.name) + " " + _label, time);
+    _json.key("args");
+    _json.startObject();
+    _json.member("value", value);
+    _json.endObject();
+    _json.endObject();
+  }
+
+  void instant(double time) {
+    begin("i", _label, time);
+    _json.member("s", "t");
+    _json.endObject();
+  }
+
+  JsonOutput _json;
+  SeriesHead _head;
+  Track _track;
+  std::string _label;
+  std::string _class;
+  std::optional<double> _start;
+  std::uint32_t _flows = 0;
+  std::uint32_t _ownThreads = 0;
+  std::set<std::pair<std::uint32_t, std::uint32_t>> _named;
+};
+
+const ExportFormat format("trace-event", "Trace Event JSON for Perfetto and the Performance panel",
+                          {.timechart = true}, [](OutputFile& output) -> std::unique_ptr<Exporter> {
+                            return std::make_unique<TraceEvent>(output);
+                          });
+
+}  // namespace
+
+}  // namespace zelkit
