@@ -1,7 +1,7 @@
 import type { FromWorker, Source, ToWorker, ZelDocument } from '../document/messages';
 import { ProfileModel } from '../model/ProfileModel';
 import { TimechartModel } from '../model/TimechartModel';
-import type { Reading, Store } from './store';
+import type { Reading, Store } from '../views/store';
 
 /** The Worker's program, which the build puts here. */
 declare const WORKER_SOURCE: string;

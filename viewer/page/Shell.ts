@@ -1,6 +1,6 @@
 import type { View } from '../views/View';
 import type { Opener } from './Opener';
-import type { State, Store } from './store';
+import type { State, Store } from '../views/store';
 
 /** The page's frame: opening, the zones of views, the status line. */
 export class Shell {

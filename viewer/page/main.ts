@@ -1,7 +1,7 @@
 import { everything } from '../model/filter';
 import { Opener } from './Opener';
 import { Shell } from './Shell';
-import { Store } from './store';
+import { Store } from '../views/store';
 import { views } from './views';
 
 const store = new Store({

@@ -1,6 +1,6 @@
 /** What every panel of the page is. */
 
-import type { State, Store } from '../page/store';
+import type { State, Store } from './store';
 
 export interface App {
   readonly store: Store;
