@@ -3,11 +3,11 @@
 #include <elfutils/libdwelf.h>
 #include <gelf.h>
 
-#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
 
+#include "symbols/BuildId.h"
 #include "symbols/CheckedFile.h"
 
 namespace zelkit {
@@ -15,16 +15,6 @@ namespace zelkit {
 namespace {
 
 constexpr std::size_t kLongestBuildId = 64;
-
-std::string hexadecimal(const unsigned char* bytes, std::size_t size) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < size; ++i) {
-    text += digits[bytes[i] >> 4];
-    text += digits[bytes[i] & 15];
-  }
-  return text;
-}
 
 void readSegments(Elf* elf, ElfFile& file) {
   std::size_t count = 0;
@@ -58,7 +48,7 @@ void readNotes(Elf* elf, ElfFile& file) {
   const void* id = nullptr;
   const ssize_t size = dwelf_elf_gnu_build_id(elf, &id);
   if (size > 0 && static_cast<std::size_t>(size) <= kLongestBuildId)
-    file.buildId = hexadecimal(static_cast<const unsigned char*>(id), static_cast<std::size_t>(size));
+    file.buildId = buildIdText(id, static_cast<std::size_t>(size));
   GElf_Word crc = 0;
   if (const char* link = dwelf_elf_gnu_debuglink(elf, &crc); link != nullptr) {
     file.debugLink = link;
@@ -93,11 +83,6 @@ ElfFile ElfFile::read(const std::string& path) {
   readSections(elf.get(), file);
   readNotes(elf.get(), file);
   return file;
-}
-
-bool sameBuildId(std::string_view recorded, std::string_view own) {
-  return !own.empty() && recorded.starts_with(own) &&
-         recorded.find_first_not_of('0', own.size()) == std::string_view::npos;
 }
 
 }  // namespace zelkit

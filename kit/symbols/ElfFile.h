@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace zelkit {
@@ -41,8 +40,5 @@ struct ElfFile {
   /// ELF.
   static ElfFile read(const std::string& path);
 };
-
-/// Whether a build-id that a recording holds means a file's own: recordings pad short ones with zeros.
-bool sameBuildId(std::string_view recorded, std::string_view own);
 
 }  // namespace zelkit

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "symbols/BuildId.h"
 #include "symbols/CheckedFile.h"
 #include "symbols/DebugInfod.h"
 
