@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 #include "json/Digits.h"
 
@@ -59,9 +60,26 @@ struct Parts {
   std::uint64_t fraction = 0;
 };
 
-/// Counts a number up by one that is cut into whole and decimals.
+/// The three decimal digits of each number below 1000, and a byte that makes it four.
+constexpr std::array<char, 4000> kDigitTriples = [] {
+  std::array<char, 4000> triples{};
+  for (std::size_t number = 0; number < 1000; ++number) {
+    triples[4 * number] = static_cast<char>('0' + number / 100);
+    triples[4 * number + 1] = static_cast<char>('0' + number / 10 % 10);
+    triples[4 * number + 2] = static_cast<char>('0' + number % 10);
+  }
+  return triples;
+}();
+
+/// Writes the three digits and returns their end. The fourth byte is scratch; `text` needs room for four.
+char* writeTriple(char* text, std::uint32_t number) {
+  std::memcpy(text, kDigitTriples.data() + std::size_t{4} * number, 4);
+  return text + 3;
+}
+
+/// Adds one unit in the last decimal, with carry.
 template <std::size_t Triples>
-void countUp(std::uint64_t& whole, std::array<std::uint32_t, Triples>& triples) {
+void addUnit(std::uint64_t& whole, std::array<std::uint32_t, Triples>& triples) {
   for (std::size_t i = Triples; i-- != 0;) {
     if (++triples[i] != 1000) return;
     triples[i] = 0;
@@ -79,7 +97,7 @@ char* writeFixed(char* text, double value) {
   if (!parts.good) return text + std::snprintf(text, kFixedRoom, "%.*f", Decimals, value);
   std::array<std::uint32_t, Decimals / 3> triples;
   for (std::uint32_t& triple : triples) triple = parts.takeTriple();
-  if (parts.roundsUp(triples.back())) countUp(parts.whole, triples);
+  if (parts.roundsUp(triples.back())) addUnit(parts.whole, triples);
 
   if (std::signbit(value)) *text++ = '-';
   text = writeDigits(text, parts.whole);

@@ -114,15 +114,15 @@ void PerfJSONWriter::writeArrayEnd() {
   _writer->endArray();
 }
 
-void PerfJSONWriter::writePairs(const char* label, const char* firstLabel, const char* secondLabel,
-                                std::span<const NumberPair> pairs) {
+void PerfJSONWriter::writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
+                                    std::span<const BackTraceEntry> entries) {
   if (!_includeLabels && !_whiteSpace)
-    return _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _pairs.append(pairs, out); });
+    return _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _backTraces.append(entries, out); });
   writeArrayStart(label);
-  for (const NumberPair& pair : pairs) {
+  for (const BackTraceEntry& entry : entries) {
     writeArrayStart(nullptr);
-    writeNamed(firstLabel, pair.first());
-    writeNamed(secondLabel, pair.second());
+    writeNamed(addressLabel, entry.address());
+    writeNamed(keyLabel, entry.key());
     writeArrayEnd();
   }
   writeArrayEnd();

@@ -7,9 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "json/BackTraceTexts.h"
 #include "json/JsomStringWriter.h"
-#include "json/NumberPair.h"
-#include "json/PairTexts.h"
 #include "json/TextBuffer.h"
 
 /// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
@@ -69,9 +68,9 @@ class PerfJSONWriter {
   void writeArrayStart(const char* label);
   void writeArrayEnd();
 
-  /// An array of arrays of two numbers each.
-  void writePairs(const char* label, const char* firstLabel, const char* secondLabel,
-                  std::span<const NumberPair> pairs);
+  /// Writes a back-trace as an array of arrays, each of an address and a key.
+  void writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
+                      std::span<const BackTraceEntry> entries);
 
   /// A record of its own line. Without labels it dissolves into bare values of the array around it.
   void writeStructStart();
@@ -101,7 +100,7 @@ class PerfJSONWriter {
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
-  PairTexts _pairs;
+  BackTraceTexts _backTraces;
   bool _includeLabels;
   bool _whiteSpace;
 };

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "base/BlockPool.h"
+#include "base/Memory.h"
 #include "json/Digits.h"
 
 namespace loomstat {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/Scatter.h"
+#include "base/FibonacciHash.h"
 
 class PerfRecordMMap;
 class SymbolTableElement;
@@ -33,7 +33,7 @@ class AddressLookUps {
   /// The place where the answer stands, if it is known.
   Answer& operator()(unsigned long long address, unsigned int pid, unsigned int tid) {
     const std::uint64_t key = address ^ std::uint64_t{pid} << 32 ^ std::uint64_t{tid} << 40;
-    return _answers[scattered(key, kPlaceBits)];
+    return _answers[fibonacciHash(key, kPlaceBits)];
   }
 
  private:

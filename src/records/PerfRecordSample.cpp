@@ -70,7 +70,7 @@ PerfRecordSample::PerfRecordSample() {
 }
 
 PerfRecordSample::~PerfRecordSample() {
-  _arena.release(_trace, _depth * sizeof(NumberPair));
+  _arena.release(_trace, _depth * sizeof(BackTraceEntry));
 }
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
@@ -97,7 +97,7 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   if (skip >= _depth) return;
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
-  std::array<NumberPair, kDeepestPossible> entries;
+  std::array<BackTraceEntry, kDeepestPossible> entries;
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);
@@ -107,8 +107,8 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   keepTrace(entries.data());
 }
 
-void PerfRecordSample::keepTrace(const NumberPair* entries) {
-  _trace = static_cast<NumberPair*>(_arena.allocate(_depth * sizeof(NumberPair)));
+void PerfRecordSample::keepTrace(const BackTraceEntry* entries) {
+  _trace = static_cast<BackTraceEntry*>(_arena.allocate(_depth * sizeof(BackTraceEntry)));
   std::uninitialized_copy_n(entries, _depth, _trace);
 }
 
@@ -149,7 +149,7 @@ int PerfRecordSample::_out(PerfJSONWriter& writer) {
   writer.writeNamed("cpu", static_cast<unsigned int>(_cpu));
   writer.writeNamed("pidkey", _processRecord->getKey());
   writer.writeNamed("tid", tid);
-  writer.writePairs("bt", "ip", "mapkey", {_trace, _depth});
+  writer.writeBackTrace("bt", "ip", "mapkey", {_trace, _depth});
   writer.writeArrayEnd();
   return 0;
 }

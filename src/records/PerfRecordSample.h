@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <deque>
 
-#include "base/Arena.h"
-#include "json/NumberPair.h"
+#include "base/Memory.h"
+#include "json/BackTraceTexts.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
 
@@ -63,7 +63,7 @@ class PerfRecordSample : public PerfRecord {
   static bool _keepsSamples;
 
  private:
-  void keepTrace(const NumberPair* entries);
+  void keepTrace(const BackTraceEntry* entries);
 
   static Arena _arena;                      ///< of all samples and their back-traces
   static unsigned long long _runningIndex;  ///< the last sample number given
@@ -75,5 +75,5 @@ class PerfRecordSample : public PerfRecord {
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
   PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never behind verifyKey
-  NumberPair* _trace = nullptr;              ///< addresses, and the keys of the symbols or maps there
+  BackTraceEntry* _trace = nullptr;
 };

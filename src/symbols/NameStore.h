@@ -1,17 +1,18 @@
 #pragma once
 
-#include <cstddef>
-#include <memory>
 #include <string_view>
-#include <vector>
 
-/// Keeps many short texts in few blocks. What it answers stays valid as long as the store.
+#include "base/Memory.h"
+
+/// Keeps many short texts in few blocks. The texts that it returns stay valid as long as the store.
 class NameStore {
  public:
-  std::string_view keep(std::string_view name);
+  /// Copies a name of at most BlockPool::kBlockSize bytes.
+  std::string_view keep(std::string_view name) {
+    char* const copy = static_cast<char*>(_arena.allocate(name.size(), 1));
+    return {copy, name.copy(copy, name.size())};
+  }
 
  private:
-  std::vector<std::unique_ptr<char[]>> _blocks;
-  char* _free = nullptr;  ///< the rest of the last block
-  std::size_t _left = 0;
+  Arena _arena;
 };

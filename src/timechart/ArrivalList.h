@@ -5,20 +5,31 @@
 #include <memory>
 #include <vector>
 
-#include "base/Arena.h"
+#include "base/Memory.h"
 
-/// Facts in order of arrival. A timechart has lists of any length by the thousand, so they grow by pieces of
-/// an arena that is theirs together: nothing is copied, and little lies idle.
+/// What all lists have in common, whatever their elements.
+class ArrivalListMemory {
+ protected:
+  static inline Arena _arena;
+};
+
+/// Append-only list. Grows by pieces of 4 to 128 elements of one arena, so growth copies nothing and
+/// thousands of short lists waste little.
 template <typename Element>
-class ArrivalList {
+class ArrivalList : ArrivalListMemory {
  public:
+  ArrivalList() = default;
+  // A copy would append to the same piece.
+  ArrivalList(const ArrivalList&) = delete;
+  ArrivalList& operator=(const ArrivalList&) = delete;
+
   void add(const Element& element) {
     if (_end == _limit) addPiece();
     std::construct_at(_end++, element);
   }
 
   bool empty() const { return _end == nullptr; }
-  /// The one that arrived last; there must be one.
+  /// The latest element; the list must not be empty.
   const Element& last() const { return _end[-1]; }
 
   std::vector<Element> all() const {
@@ -52,8 +63,6 @@ class ArrivalList {
     _end = elementsOf(piece);
     _limit = _end + size;
   }
-
-  static inline Arena _arena;
 
   Piece* _first = nullptr;
   Piece* _last = nullptr;

@@ -1,8 +1,8 @@
 #include "timechart/CPUChart.h"
 
 #include "json/PerfJSONWriter.h"
-#include "run/TimeBase.h"
 #include "timechart/ChartEntry.h"
+#include "timechart/ChartTime.h"
 
 namespace {
 
@@ -20,20 +20,20 @@ constexpr std::array<IdleState, 4> kIdleStates = {{
 
 /// The end of every entry of a CPU.
 void finish(ChartEntry& entry, ChartColours colours, const ChartSeries& series) {
-  entry.hints(colours).writeChanges(series.inTimeOrder());
+  entry.hints(colours).writeData(series.changes());
 }
 
 }  // namespace
 
-void CPUChart::addValue(unsigned long long time, int kind, int value) {
-  const auto x = selectedTime(doTimeConversion(time));
-  if (!x || kind < kBusy) return;
+void CPUChart::addValue(unsigned long long nanoseconds, int kind, int value) {
+  const auto time = chartTime(nanoseconds);
+  if (!time || kind < kBusy) return;
   if (kind == kBusy) {
-    _busy.add(*x, static_cast<unsigned int>(value));
+    _busy.add(*time, static_cast<unsigned int>(value));
   } else if (kind == kFrequency) {
-    _frequency.add(*x, static_cast<unsigned int>(value));
+    _frequency.add(*time, static_cast<unsigned int>(value));
   } else {
-    addIdle(*x, value);
+    addIdle(*time, value);
   }
 }
 
@@ -46,13 +46,13 @@ void CPUChart::addIdle(double time, int value) {
   }
 }
 
-void CPUChart::outCPUChart(PerfJSONWriter& writer) {
+void CPUChart::outCPUChart(PerfJSONWriter& writer) const {
   outBusy(writer);
   outFrequency(writer);
   for (std::size_t state = 0; state < _idle.size(); ++state) outIdle(writer, state);
 }
 
-void CPUChart::outBusy(PerfJSONWriter& writer) {
+void CPUChart::outBusy(PerfJSONWriter& writer) const {
   if (_busy.empty()) return;
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-b", _cpu)).text("name", chartText("CPU %d Busy", _cpu));
@@ -63,7 +63,7 @@ void CPUChart::outBusy(PerfJSONWriter& writer) {
   finish(entry, cpuColours(_cpu), _busy);
 }
 
-void CPUChart::outFrequency(PerfJSONWriter& writer) {
+void CPUChart::outFrequency(PerfJSONWriter& writer) const {
   if (_frequency.empty()) return;
   ChartEntry entry(writer);
   entry.text("id", chartText("cpu-%d-f", _cpu)).text("name", chartText("CPU %d Frequency", _cpu));
@@ -75,7 +75,7 @@ void CPUChart::outFrequency(PerfJSONWriter& writer) {
   finish(entry, cpuColours(_cpu), _frequency);
 }
 
-void CPUChart::outIdle(PerfJSONWriter& writer, std::size_t state) {
+void CPUChart::outIdle(PerfJSONWriter& writer, std::size_t state) const {
   const ChartSeries& series = _idle[state];
   if (series.empty()) return;
   ChartEntry entry(writer);

@@ -14,20 +14,20 @@ class CPUChart {
 
   explicit CPUChart(int cpu) : _cpu(cpu) {}
 
-  /// Time in nanoseconds, frequency in MHz. A kind below 40 stores nothing, one above 41 is about idling:
+  /// Adds a value; the frequency is in MHz. A kind below 40 stores nothing, one above 41 is about idling:
   /// value 1 to 4 enters the idle state below it, 0 leaves the one last entered.
-  void addValue(unsigned long long time, int kind, int value);
+  void addValue(unsigned long long nanoseconds, int kind, int value);
 
   /// The busy value that arrived last, or 0.
   int getBusyState() const { return static_cast<int>(_busy.lastValue()); }
 
-  void outCPUChart(PerfJSONWriter& writer);
+  void outCPUChart(PerfJSONWriter& writer) const;
 
  private:
   void addIdle(double time, int value);
-  void outBusy(PerfJSONWriter& writer);
-  void outFrequency(PerfJSONWriter& writer);
-  void outIdle(PerfJSONWriter& writer, std::size_t state);
+  void outBusy(PerfJSONWriter& writer) const;
+  void outFrequency(PerfJSONWriter& writer) const;
+  void outIdle(PerfJSONWriter& writer, std::size_t state) const;
 
   int _cpu;
   int _lastIdle = -1;  ///< the idle series last entered; -1 for none

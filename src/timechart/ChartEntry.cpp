@@ -69,19 +69,8 @@ void ChartEntry::closeData() {
   _writer.writeStructEnd();
 }
 
-void ChartEntry::writeAll(std::span<const ChartEntryS> samples) {
+void ChartEntry::writeData(std::span<const ChartEntryS> samples, PointSeparator separator) {
   openData();
-  for (const ChartEntryS& sample : samples) point(sample.time, sample.value);
-  closeData();
-}
-
-void ChartEntry::writeChanges(std::span<const ChartEntryS> samples, PointSeparator separator) {
-  openData();
-  unsigned int last = 0;
-  for (const ChartEntryS& sample : samples) {
-    if (sample.value == last) continue;
-    last = sample.value;
-    point(sample.time, sample.value, separator);
-  }
+  for (const ChartEntryS& sample : samples) point(sample.time, sample.value, separator);
   closeData();
 }

@@ -44,10 +44,7 @@ class ChartEntry {
   void closeData();
 
   /// Opens the data, writes every sample and closes the entry.
-  void writeAll(std::span<const ChartEntryS> samples);
-
-  /// The same with only the samples that differ from the one written before, from 0 on.
-  void writeChanges(std::span<const ChartEntryS> samples, PointSeparator separator = PointSeparator::comma);
+  void writeData(std::span<const ChartEntryS> samples, PointSeparator separator = PointSeparator::comma);
 
  private:
   PerfJSONWriter& _writer;

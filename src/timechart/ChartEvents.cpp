@@ -1,10 +1,10 @@
 #include "timechart/ChartEvents.h"
 
 #include "json/PerfJSONWriter.h"
-#include "run/TimeBase.h"
+#include "timechart/ChartTime.h"
 
-void ChartEvents::add(double time, unsigned int code, const std::string& name, const std::string& args) {
-  if (const auto x = selectedTime(doTimeConversion(time)); x) _events.push_back({*x, code, name, args});
+void ChartEvents::add(double seconds, unsigned int code, const std::string& name, const std::string& args) {
+  if (const auto time = chartTime(seconds); time) _events.push_back({*time, code, name, args});
 }
 
 void ChartEvents::writeData(PerfJSONWriter& writer) const {

@@ -16,8 +16,8 @@ struct EventEntryS {
 /// Trace markers in order of arrival; never sorted.
 class ChartEvents {
  public:
-  /// Takes a marker whose time is in seconds as the trace text has it, if it lies in the selected range.
-  void add(double time, unsigned int code, const std::string& name, const std::string& args);
+  /// Adds a marker whose time is in seconds as the trace text has it, if it is in the selected range.
+  void add(double seconds, unsigned int code, const std::string& name, const std::string& args);
   bool empty() const { return _events.empty(); }
   /// Writes the array "data" of an entry: time, code, name and arguments of each marker.
   void writeData(PerfJSONWriter& writer) const;

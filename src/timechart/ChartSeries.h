@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <vector>
 
 #include "timechart/ArrivalList.h"
@@ -14,13 +13,10 @@ struct ChartEntryS {
 /// Samples in the order in which they are written.
 using ChartSamples = std::vector<ChartEntryS>;
 
-/// Adds a sample if it differs from the one before, or from 0.
+/// Adds a sample if it differs from the one before it, or as the first from 0.
 inline void addChange(ChartSamples& samples, double time, unsigned int value) {
   if (value != (samples.empty() ? 0 : samples.back().value)) samples.push_back({time, value});
 }
-
-/// Whether the value ever leaves 0.
-bool hasChanges(std::span<const ChartEntryS> samples);
 
 /// A series of samples in order of arrival.
 class ChartSeries {
@@ -30,8 +26,10 @@ class ChartSeries {
   /// The value that arrived last, or 0.
   unsigned int lastValue() const { return _samples.empty() ? 0 : _samples.last().value; }
 
-  /// Samples of one time keep their order.
+  /// Returns the samples in order of time; those of one time keep their order.
   ChartSamples inTimeOrder() const;
+  /// Returns those of them that change the value, which is 0 before the first.
+  ChartSamples changes() const;
 
  private:
   ArrivalList<ChartEntryS> _samples;

@@ -1,35 +1,26 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
-/// The charts of one kind by their number, a null pointer for none. Records speak of the same few again and
-/// again, so those found last are at hand.
+/// The charts of one kind by their number.
 template <typename Chart>
 class ChartTable {
  public:
-  Chart* find(int number) {
-    Entry& latest = latestAt(number);
-    if (latest.second == nullptr || latest.first != number) {
-      const auto found = _charts.find(number);
-      latest = {number, found != _charts.end() ? found->second : nullptr};
-    }
-    return latest.second;
+  /// Returns the chart of that number, or null.
+  Chart* find(int number) const {
+    const auto found = _charts.find(number);
+    return found != _charts.end() ? found->second : nullptr;
   }
 
-  /// Takes the place of one that is there.
-  Chart* add(int number, Chart* chart) {
-    latestAt(number) = {number, chart};
-    return _charts[number] = chart;
-  }
+  /// Returns the chart, which replaces an existing one of that number.
+  Chart* add(int number, Chart* chart) { return _charts[number] = chart; }
 
   using Entry = std::pair<int, Chart*>;
 
-  /// Ascending by number.
+  /// Returns all charts, ascending by number.
   std::vector<Entry> inOrder() const {
     std::vector<Entry> entries(_charts.begin(), _charts.end());
     std::sort(entries.begin(), entries.end());
@@ -37,8 +28,5 @@ class ChartTable {
   }
 
  private:
-  Entry& latestAt(int number) { return _latest[static_cast<unsigned int>(number) % _latest.size()]; }
-
   std::unordered_map<int, Chart*> _charts;
-  std::array<Entry, 512> _latest{};  ///< by the low bits of the number
 };

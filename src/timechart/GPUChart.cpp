@@ -1,9 +1,9 @@
 #include "timechart/GPUChart.h"
 
 #include "json/PerfJSONWriter.h"
-#include "run/TimeBase.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/IssueValue.h"
+#include "timechart/ChartTime.h"
+#include "timechart/IssueKinds.h"
 
 /// How one series looks; a null tip is left out.
 struct GpuSeriesLook {
@@ -39,13 +39,6 @@ constexpr std::array<GpuSeriesLook, 3> kInterruptLooks = {{
     {nullptr, {"#812323", "#e6a3a3"}},
 }};
 
-constexpr std::array<GpuSeriesLook, 4> kIssueLooks = {{
-    {nullptr, {"#66ccff", "#66ccff"}},
-    {"GL", {"#00ff00", "#00ff00"}},
-    {"CL", {"#993CF3", "#993CF3"}},
-    {"C2D", {"#f660ab", "#f660ab"}},
-}};
-
 constexpr GpuEntryKind kPowerEntry = {"gpu-%d-%d-p%d", "GPU-%dD%d Power State", "power_GPU-%dD%d_kgsl_root",
                                       "binary", "gpu:power"};
 constexpr GpuEntryKind kFrequencyEntry = {"gpu-%d-%d-f", "GPU-%dD%d Frequency", "freq_GPU-%dD%d_kgsl_root",
@@ -65,28 +58,29 @@ ChartSeries* seriesOf(std::array<ChartSeries, Kinds>& series, int status, int fi
 
 }  // namespace
 
-void GPUChart::addStatus(unsigned long long time, int status, unsigned int sub) {
-  const auto x = selectedTime(doTimeConversion(time));
-  if (!x) return;
+void GPUChart::addStatus(unsigned long long nanoseconds, int status, unsigned int sub) {
+  const auto time = chartTime(nanoseconds);
+  if (!time) return;
   if (ChartSeries* issue = seriesOf(_issue, status, kIssue); issue != nullptr) {
-    issue->add(*x, issueValue(sub));
+    issue->add(*time, issueValue(sub));
   } else if (ChartSeries* irq = seriesOf(_irqs, status, kInterrupt); irq != nullptr) {
-    irq->add(*x, 1);
+    irq->add(*time, 1);
   } else if (status >= kPower && status < kPower + static_cast<int>(kPowerLooks.size())) {
-    _powerState.add(*x, static_cast<unsigned int>(status - kPower));
+    _powerState.add(*time, static_cast<unsigned int>(status - kPower));
   } else if (status == kFrequency) {
-    _frequency.add(*x, sub);
+    _frequency.add(*time, sub);
   }
 }
 
-void GPUChart::outGPUChart(PerfJSONWriter& writer) {
+void GPUChart::outGPUChart(PerfJSONWriter& writer) const {
   const ChartSamples states = _powerState.inTimeOrder();
   for (std::size_t state = 0; state < kPowerLooks.size(); ++state) outPowerState(writer, state, states);
-  outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency.inTimeOrder());
+  outSteps(writer, kFrequencyEntry, 0, kFrequencyLook, _frequency.changes());
   for (std::size_t kind = 0; kind < _irqs.size(); ++kind)
     outMarkers(writer, kInterruptEntry, kind, kInterruptLooks[kind], _irqs[kind]);
   for (std::size_t kind = 0; kind < _issue.size(); ++kind)
-    outMarkers(writer, kIssueEntry, kind, kIssueLooks[kind], _issue[kind]);
+    outMarkers(writer, kIssueEntry, kind, {kIssueKinds[kind].gpuTip, kIssueKinds[kind].colours},
+               _issue[kind]);
 }
 
 /// A core is in one power state at a time, so entering one leaves the others.
@@ -98,12 +92,12 @@ void GPUChart::outPowerState(PerfJSONWriter& writer, std::size_t state, const Ch
 
 void GPUChart::outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                         const GpuSeriesLook& look, const ChartSamples& samples) const {
-  if (hasChanges(samples)) head(writer, kind, index, look).writeChanges(samples);
+  if (!samples.empty()) head(writer, kind, index, look).writeData(samples);
 }
 
 void GPUChart::outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                           const GpuSeriesLook& look, const ChartSeries& series) const {
-  if (!series.empty()) head(writer, kind, index, look).writeAll(series.inTimeOrder());
+  if (!series.empty()) head(writer, kind, index, look).writeData(series.inTimeOrder());
 }
 
 ChartEntry GPUChart::head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,

@@ -18,18 +18,18 @@ class GPUChart {
 
   GPUChart(int dimension, int device) : _dimension(dimension), _device(device) {}
 
-  /// Time in nanoseconds. `sub` is the frequency in MHz, or 1 for an issue that ends a frame.
+  /// Adds a fact. `sub` is the frequency in MHz, or 1 for an issue that ends a frame.
   /// An unknown status stores nothing.
-  void addStatus(unsigned long long time, int status, unsigned int sub);
+  void addStatus(unsigned long long nanoseconds, int status, unsigned int sub);
 
-  void outGPUChart(PerfJSONWriter& writer);
+  void outGPUChart(PerfJSONWriter& writer) const;
 
  private:
   void outPowerState(PerfJSONWriter& writer, std::size_t state, const ChartSamples& states) const;
-  /// A change-only series, unless it never leaves 0.
+  /// Writes a change-only series, unless it is empty.
   void outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                 const GpuSeriesLook& look, const ChartSamples& samples) const;
-  /// A series of which every sample counts, unless it is empty.
+  /// Writes a series of which every sample counts, unless it is empty.
   void outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                   const GpuSeriesLook& look, const ChartSeries& series) const;
   ChartEntry head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,

@@ -1,22 +1,22 @@
 #include "timechart/IRQChart.h"
 
 #include "json/PerfJSONWriter.h"
-#include "run/TimeBase.h"
 #include "timechart/ChartEntry.h"
+#include "timechart/ChartTime.h"
 #include "timechart/TimechartManager.h"
 
-void IRQChart::addValue(unsigned long long time, int value, int cpu) {
-  const auto x = selectedTime(doTimeConversion(time));
+void IRQChart::addValue(unsigned long long nanoseconds, int value, int cpu) {
+  const auto time = chartTime(nanoseconds);
   ChartSeries* series = _series.find(cpu);
-  if (x && series != nullptr) series->add(*x, static_cast<unsigned int>(value));
+  if (time && series != nullptr) series->add(*time, static_cast<unsigned int>(value));
 }
 
-void IRQChart::outIRQChart(PerfJSONWriter& writer) {
+void IRQChart::outIRQChart(PerfJSONWriter& writer) const {
   const std::string name = TimechartManager::Instance()->getIRQName(_irq);
-  for (int cpu = 0; cpu < _series.kPlaces; ++cpu) outCpu(writer, name, cpu);
+  for (int cpu = 0; cpu < _series.kSlots; ++cpu) outCpu(writer, name, cpu);
 }
 
-void IRQChart::outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) {
+void IRQChart::outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) const {
   const ChartSeries& series = *_series.find(cpu);
   if (series.empty()) return;
   ChartEntry entry(writer);
@@ -24,5 +24,5 @@ void IRQChart::outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) 
       .text("name", name)
       .text("treeId", chartText("%d_irq_root", _irq));
   entry.text("type", "binary").text("class", "irq").show(0).text("tip", chartText("Running on CPU %d", cpu));
-  entry.hints(cpuColours(cpu)).writeChanges(series.inTimeOrder());
+  entry.hints(cpuColours(cpu)).writeData(series.changes());
 }

@@ -20,13 +20,13 @@ class IRQChart {
  public:
   explicit IRQChart(int irq) : _irq(irq) {}
 
-  /// Time in nanoseconds; value 1 on entry, 0 on exit.
-  void addValue(unsigned long long time, int value, int cpu);
+  /// Adds a value: 1 on entry, 0 on exit.
+  void addValue(unsigned long long nanoseconds, int value, int cpu);
 
-  void outIRQChart(PerfJSONWriter& writer);
+  void outIRQChart(PerfJSONWriter& writer) const;
 
  private:
-  void outCpu(PerfJSONWriter& writer, const std::string& name, int cpu);
+  void outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) const;
 
   int _irq;
   PerCpu<ChartSeries> _series;

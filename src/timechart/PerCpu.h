@@ -4,28 +4,30 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One value for each CPU that the system can tell apart. There are 16 places; a fact about any other CPU has
-/// none, and is dropped by whoever asks for it.
+/// One value for each CPU that the system can tell apart, which are 16. Other CPU numbers have no slot;
+/// callers drop such data.
 template <typename T>
 class PerCpu {
  public:
-  static constexpr int kPlaces = 16;
+  static constexpr int kSlots = 16;
 
-  /// The CPU's number if it has a place, else -1.
-  static std::int8_t placeOf(int cpu) {
-    return static_cast<std::int8_t>(cpu >= 0 && cpu < kPlaces ? cpu : -1);
-  }
+  /// Returns the CPU's number if it has a slot, else -1.
+  static std::int8_t slotOf(int cpu) { return static_cast<std::int8_t>(cpu >= 0 && cpu < kSlots ? cpu : -1); }
 
-  /// The place of the CPU, or null if it has none.
-  T* find(int cpu) { return placeOf(cpu) >= 0 ? &_places[static_cast<std::size_t>(cpu)] : nullptr; }
+  /// Returns the CPU's slot, or null if it has none.
+  T* find(int cpu) { return slotOf(cpu) >= 0 ? &_slots[static_cast<std::size_t>(cpu)] : nullptr; }
+  const T* find(int cpu) const { return slotOf(cpu) >= 0 ? &_slots[static_cast<std::size_t>(cpu)] : nullptr; }
 
-  /// The value of the CPU; that of a fresh place if it has none.
-  T get(int cpu) { return find(cpu) != nullptr ? *find(cpu) : T{}; }
+  /// Returns the CPU's value; that of a fresh slot if it has none.
+  T get(int cpu) const { return find(cpu) != nullptr ? *find(cpu) : T{}; }
 
   void set(int cpu, const T& value) {
-    if (T* place = find(cpu); place != nullptr) *place = value;
+    if (T* slot = find(cpu); slot != nullptr) *slot = value;
   }
 
+  auto begin() const { return _slots.begin(); }
+  auto end() const { return _slots.end(); }
+
  private:
-  std::array<T, kPlaces> _places{};
+  std::array<T, kSlots> _slots{};
 };

@@ -4,27 +4,13 @@
 
 #include "json/PerfJSONWriter.h"
 #include "records/PerfRecordComm.h"
-#include "run/TimeBase.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/IssueValue.h"
+#include "timechart/ChartTime.h"
+#include "timechart/IssueKinds.h"
 #include "timechart/TimeOrder.h"
 #include "timechart/TimechartManager.h"
 
 namespace {
-
-struct IssueLook {
-  const char* tip;
-  ChartColours colours;
-};
-
-constexpr std::size_t kIssueKinds = 4;
-
-constexpr std::array<IssueLook, kIssueKinds> kIssueLooks = {{
-    {"Issue", {"#66ccff", "#66ccff"}},
-    {"GL Issue", {"#00ff00", "#00ff00"}},
-    {"CL Issue", {"#993CF3", "#993CF3"}},
-    {"C2D Issue", {"#f660ab", "#f660ab"}},
-}};
 
 template <typename Element>
 std::vector<Element> inTimeOrder(const ArrivalList<Element>& list) {
@@ -57,7 +43,8 @@ struct ProcessChart::Series {
     if (fact.status >= kIssue) {
       issue[fact.status - kIssue].push_back({fact.time, fact.value});
     } else if (fact.status == kWaitsForGpu || fact.status == kGpuAnswered) {
-      waitGpu.push_back({fact.time, fact.status == kWaitsForGpu ? 1U : 0U});
+      waitedForGpu = true;
+      addChange(waitGpu, fact.time, fact.status == kWaitsForGpu ? 1 : 0);
     } else {
       setRunning(fact.cpu, fact.time, fact.status == kRunning ? 1 : 0);
       setRunning(fact.left, fact.time, 0);
@@ -78,8 +65,9 @@ struct ProcessChart::Series {
   PerCpu<ChartSamples> running;
   ChartSamples waitCpu;
   ChartSamples waitGpu;
+  bool waitedForGpu = false;
   ChartSamples waitIo;
-  std::array<ChartSamples, kIssueKinds> issue;
+  std::array<ChartSamples, kIssueKinds.size()> issue;
 };
 
 ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
@@ -89,22 +77,22 @@ ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
   _name = process->getName();
 }
 
-void ProcessChart::addStatus(unsigned long long time, unsigned int status, unsigned int cpuNumber,
+void ProcessChart::addStatus(unsigned long long nanoseconds, unsigned int status, unsigned int cpuNumber,
                              unsigned int sub) {
-  const auto x = selectedTime(doTimeConversion(time));
-  if (!x || (status > kGpuAnswered && status < kIssue) || status >= kIssue + kIssueKinds) return;
+  const auto time = chartTime(nanoseconds);
+  if (!time || (status > kGpuAnswered && status < kIssue) || status >= kIssue + kIssueKinds.size()) return;
   const int cpu = static_cast<int>(cpuNumber);
   // Onto one CPU is off the one where the task was last seen: it never shows as running on two at once.
   const int left = status == kRunning ? TimechartManager::Instance()->pidMigratedFrom(_pid, cpu) : -1;
-  _facts.add({*x, static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(issueValue(sub)),
-              PerCpu<int>::placeOf(cpu), PerCpu<int>::placeOf(left)});
+  _facts.add({*time, static_cast<std::uint8_t>(status), issueValue(sub), PerCpu<int>::slotOf(cpu),
+              PerCpu<int>::slotOf(left)});
 }
 
-void ProcessChart::addCounters(unsigned long long time, unsigned int cycles, const unsigned int* l1,
+void ProcessChart::addCounters(unsigned long long nanoseconds, unsigned int cycles, const unsigned int* l1,
                                const unsigned int* l2) {
-  const auto x = selectedTime(doTimeConversion(time));
-  if (!x) return;
-  Counters counters = {*x, {cycles}};
+  const auto time = chartTime(nanoseconds);
+  if (!time) return;
+  Counters counters = {*time, {cycles}};
   std::copy_n(l2, kL2Counters, std::copy_n(l1, kL1Counters, counters.values.begin() + 1));
   _counters.add(counters);
 }
@@ -120,15 +108,16 @@ ProcessChart::Head ProcessChart::head(const Series& series) const {
           series.hasIssues() || !_events.empty() ? 1U : 0U};
 }
 
-void ProcessChart::outProcessChart(PerfJSONWriter& writer) {
-  Series series(inTimeOrder(_facts));
+void ProcessChart::outProcessChart(PerfJSONWriter& writer) const {
+  const Series series(inTimeOrder(_facts));
   const Head shared = head(series);
-  for (int cpu = 0; cpu < series.running.kPlaces; ++cpu)
-    outRunning(writer, shared, cpu, *series.running.find(cpu));
+  int cpu = 0;
+  for (const ChartSamples& running : series.running) outRunning(writer, shared, cpu++, running);
   outWaitIo(writer, shared, series.waitIo);
   outWaitCpu(writer, shared, series.waitCpu);
-  outWaitGpu(writer, shared, series.waitGpu);
-  for (std::size_t kind = 0; kind < kIssueKinds; ++kind) outIssue(writer, shared, kind, series.issue[kind]);
+  if (series.waitedForGpu) outWaitGpu(writer, shared, series.waitGpu);
+  for (std::size_t kind = 0; kind < kIssueKinds.size(); ++kind)
+    outIssue(writer, shared, kind, series.issue[kind]);
   outEvents(writer, shared);
   outCounters(writer, shared);
 }
@@ -139,7 +128,7 @@ void ProcessChart::outRunning(PerfJSONWriter& writer, const Head& head, int cpu,
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-r%d", _pid, cpu), "binary");
   entry.text("class", "proc:running").show(head.show).text("tip", chartText("Running on CPU %d", cpu));
-  entry.hints(cpuColours(cpu)).writeChanges(series, PointSeparator::commaAndBlank);
+  entry.hints(cpuColours(cpu)).writeData(series, PointSeparator::commaAndBlank);
 }
 
 void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
@@ -147,7 +136,7 @@ void ProcessChart::outWaitIo(PerfJSONWriter& writer, const Head& head, const Cha
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-d", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for I/O").show(head.show);
-  entry.hints({"#b0e0e6", "#b0e0e6"}).writeChanges(series);
+  entry.hints({"#b0e0e6", "#b0e0e6"}).writeData(series);
 }
 
 void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
@@ -155,16 +144,15 @@ void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const Ch
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-w", _pid), "binary");
   entry.text("class", "proc:wait").text("tip", "Waiting for CPU").show(head.show);
-  entry.hints({"#f0c44c", "#f0e68c"}).writeChanges(series);
+  entry.hints({"#f0c44c", "#f0e68c"}).writeData(series);
 }
 
-/// Unlike the other two, this one shows even if it never left 0.
+/// Unlike the other two, this one is written even if it never left 0.
 void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
-  if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-g", _pid), "binary");
   entry.text("tip", "Waiting for GPU").text("class", "proc:wait").show(head.show);
-  entry.hints({"#db7093", "#db7093"}).writeChanges(series);
+  entry.hints({"#db7093", "#db7093"}).writeData(series);
 }
 
 void ProcessChart::outIssue(PerfJSONWriter& writer, const Head& head, std::size_t kind,
@@ -172,8 +160,8 @@ void ProcessChart::outIssue(PerfJSONWriter& writer, const Head& head, std::size_
   if (series.empty()) return;
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-i%d", _pid, static_cast<int>(kind)), "marker");
-  entry.text("class", "proc:issue").show(head.show).text("tip", kIssueLooks[kind].tip);
-  entry.hints(kIssueLooks[kind].colours).writeAll(series);
+  entry.text("class", "proc:issue").show(head.show).text("tip", kIssueKinds[kind].taskTip);
+  entry.hints(kIssueKinds[kind].colours).writeData(series);
 }
 
 void ProcessChart::outEvents(PerfJSONWriter& writer, const Head& head) const {

@@ -33,18 +33,18 @@ class ProcessChart {
   /// Name and parent come from the recording's process of that thread, if it is known by now.
   explicit ProcessChart(int pid);
 
-  /// Time in nanoseconds. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for
+  /// Adds a fact. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for
   /// an issue that ends a frame. An unknown status stores nothing.
-  void addStatus(unsigned long long time, unsigned int status, unsigned int cpu, unsigned int sub);
+  void addStatus(unsigned long long nanoseconds, unsigned int status, unsigned int cpu, unsigned int sub);
 
-  /// One sample of each counter series: the cycles, four of the first level, two of the second.
-  void addCounters(unsigned long long time, unsigned int cycles, const unsigned int* l1,
+  /// Adds a sample to each counter series: the cycles, four of the first level, two of the second.
+  void addCounters(unsigned long long nanoseconds, unsigned int cycles, const unsigned int* l1,
                    const unsigned int* l2);
 
-  /// A trace marker, its time in seconds as the trace text has it.
+  /// Adds a trace marker, its time in seconds as the trace text has it.
   void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);
 
-  void outProcessChart(PerfJSONWriter& writer);
+  void outProcessChart(PerfJSONWriter& writer) const;
 
   int _ppid;          ///< the parent, by which the viewer groups; the task itself while unknown
   std::string _name;  ///< may be empty
@@ -58,7 +58,7 @@ class ProcessChart {
     double time;          ///< seconds relative to gtodAtStart
     std::uint8_t status;  ///< see Status
     std::uint8_t value;   ///< of an issue
-    std::int8_t cpu;      ///< -1 for one without a place
+    std::int8_t cpu;      ///< -1 for one without a slot
     std::int8_t left;     ///< the CPU where the task was last seen and that it leaves, or -1
   };
 

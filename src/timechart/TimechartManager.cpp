@@ -42,7 +42,7 @@ void TimechartManager::init() {
   _counterStarted = {};
 }
 
-ProcessChart* TimechartManager::getProcessChart(int pid) {
+ProcessChart* TimechartManager::getProcessChart(int pid) const {
   return _processCharts.find(pid);
 }
 
@@ -50,7 +50,7 @@ ProcessChart* TimechartManager::createProcessChart(int pid) {
   return _processCharts.add(pid, new ProcessChart(pid));
 }
 
-GPUChart* TimechartManager::getGPUChart(int dimension, int device) {
+GPUChart* TimechartManager::getGPUChart(int dimension, int device) const {
   return _gpuCharts.find(gpuKey(dimension, device));
 }
 
@@ -58,7 +58,7 @@ GPUChart* TimechartManager::createGPUChart(int dimension, int device) {
   return _gpuCharts.add(gpuKey(dimension, device), new GPUChart(dimension, device));
 }
 
-CPUChart* TimechartManager::getCPUChart(int cpu) {
+CPUChart* TimechartManager::getCPUChart(int cpu) const {
   return _cpuCharts.find(cpu);
 }
 
@@ -66,7 +66,7 @@ CPUChart* TimechartManager::createCPUChart(int cpu) {
   return _cpuCharts.add(cpu, new CPUChart(cpu));
 }
 
-IRQChart* TimechartManager::getIRQChart(int irq) {
+IRQChart* TimechartManager::getIRQChart(int irq) const {
   return _irqCharts.find(irq);
 }
 
@@ -134,8 +134,8 @@ void TimechartManager::setLastPidForCpu(int pid, int cpu) {
   _lastPid.set(cpu, pid);
 }
 
-int TimechartManager::pidMigratedFrom(int pid, int cpu) {
-  for (int other = 0; other < _lastPid.kPlaces; ++other)
+int TimechartManager::pidMigratedFrom(int pid, int cpu) const {
+  for (int other = 0; other < _lastPid.kSlots; ++other)
     if (*_lastPid.find(other) == pid && other != cpu) return other;
   return -1;
 }
@@ -144,7 +144,7 @@ void TimechartManager::saveLastStateForCPU(int cpu) {
   if (const CPUChart* chart = getCPUChart(cpu); chart != nullptr) _lastState.set(cpu, chart->getBusyState());
 }
 
-int TimechartManager::getLastStateForCPU(int cpu) {
+int TimechartManager::getLastStateForCPU(int cpu) const {
   return _lastState.get(cpu);
 }
 
@@ -180,7 +180,7 @@ std::string TimechartManager::getCounterName(unsigned int group, unsigned int in
   return {};
 }
 
-void TimechartManager::writeData(PerfJSONWriter& writer) {
+void TimechartManager::writeData(PerfJSONWriter& writer) const {
   writer.writeStructStart();
   writer.writeArrayStart("entries");
   outCPUCharts(writer);
@@ -192,20 +192,20 @@ void TimechartManager::writeData(PerfJSONWriter& writer) {
   writer.writeStructEnd();
 }
 
-void TimechartManager::outCPUCharts(PerfJSONWriter& writer) {
+void TimechartManager::outCPUCharts(PerfJSONWriter& writer) const {
   for (const auto& [cpu, chart] : _cpuCharts.inOrder()) chart->outCPUChart(writer);
 }
 
-void TimechartManager::outGPUCharts(PerfJSONWriter& writer) {
+void TimechartManager::outGPUCharts(PerfJSONWriter& writer) const {
   for (const auto& [core, chart] : _gpuCharts.inOrder()) chart->outGPUChart(writer);
 }
 
-void TimechartManager::outIRQCharts(PerfJSONWriter& writer) {
+void TimechartManager::outIRQCharts(PerfJSONWriter& writer) const {
   for (const auto& [irq, chart] : _irqCharts.inOrder()) chart->outIRQChart(writer);
 }
 
 // One sort, not a walk of the process tree: nesting the rows is the viewer's business.
-void TimechartManager::outProcessCharts(PerfJSONWriter& writer) {
+void TimechartManager::outProcessCharts(PerfJSONWriter& writer) const {
   auto charts = _processCharts.inOrder();
   std::stable_sort(charts.begin(), charts.end(),
                    [](const auto& a, const auto& b) { return a.second->_ppid < b.second->_ppid; });

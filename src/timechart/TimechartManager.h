@@ -19,7 +19,7 @@ class PerfJSONWriter;
 /// process ends.
 ///
 /// Times of records are raw nanoseconds of the recording's clock; the charts convert them. The add operations
-/// answer true if they made the chart. A fact about a CPU that has no place is dropped, see PerCpu.
+/// answer true if they made the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
 class TimechartManager {
  public:
   static TimechartManager* Instance();
@@ -28,13 +28,13 @@ class TimechartManager {
   void init();
 
   // Finding, null for a chart that does not exist; and making one that does not.
-  ProcessChart* getProcessChart(int pid);
+  ProcessChart* getProcessChart(int pid) const;
   ProcessChart* createProcessChart(int pid);
-  GPUChart* getGPUChart(int dimension, int device);
+  GPUChart* getGPUChart(int dimension, int device) const;
   GPUChart* createGPUChart(int dimension, int device);
-  CPUChart* getCPUChart(int cpu);
+  CPUChart* getCPUChart(int cpu) const;
   CPUChart* createCPUChart(int cpu);
-  IRQChart* getIRQChart(int irq);
+  IRQChart* getIRQChart(int irq) const;
   IRQChart* createIRQChart(int irq);
 
   bool addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu, unsigned int sub);
@@ -53,9 +53,9 @@ class TimechartManager {
 
   void setLastPidForCpu(int pid, int cpu);
   /// The lowest other CPU on which the process was the last to be switched in, or -1.
-  int pidMigratedFrom(int pid, int cpu);
+  int pidMigratedFrom(int pid, int cpu) const;
   void saveLastStateForCPU(int cpu);
-  int getLastStateForCPU(int cpu);
+  int getLastStateForCPU(int cpu) const;
 
   // The first name of a number stands. Soft interrupts are named by their vector.
   void addIrqName(int irq, const std::string& name);
@@ -75,12 +75,12 @@ class TimechartManager {
   void finalizeChartData();
 
   /// Writes the whole timechart document: one flat array of entries.
-  void writeData(PerfJSONWriter& writer);
-  void outCPUCharts(PerfJSONWriter& writer);
-  void outGPUCharts(PerfJSONWriter& writer);
-  void outIRQCharts(PerfJSONWriter& writer);
+  void writeData(PerfJSONWriter& writer) const;
+  void outCPUCharts(PerfJSONWriter& writer) const;
+  void outGPUCharts(PerfJSONWriter& writer) const;
+  void outIRQCharts(PerfJSONWriter& writer) const;
   /// Ascending by parent, then by pid.
-  void outProcessCharts(PerfJSONWriter& writer);
+  void outProcessCharts(PerfJSONWriter& writer) const;
   void outEventChart(PerfJSONWriter& writer) const;
 
   /// The name of a counter that is not in use; its series are not written.

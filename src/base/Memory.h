@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+
+/// Memory in large blocks, for what grows with the recording. A block that is given back is the next one to
+/// be handed out: the document grows into what its samples leave.
+class BlockPool {
+ public:
+  static constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
+
+  struct Return {
+    void operator()(char* block) const noexcept;
+  };
+  /// Goes back to the pool by itself.
+  using Block = std::unique_ptr<char[], Return>;
+
+  /// Returns an uninitialised block of kBlockSize bytes.
+  static Block take();
+
+ private:
+  struct Returned {
+    Returned* next;
+  };
+
+  static void makeChunk();
+
+  static inline Returned* _returned = nullptr;  ///< list of the blocks given back, the latest first
+  static inline char* _chunk = nullptr;         ///< unused tail of the last chunk from the system
+  static inline std::size_t _left = 0;          ///< size of that tail
+};
+
+/// Bump allocator over BlockPool blocks, for many small long-lived objects.
+class Arena {
+ public:
+  Arena() = default;
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+
+  /// Allocates `size` bytes, BlockPool::kBlockSize at most. The alignment is a power of two.
+  void* allocate(std::size_t size, std::size_t alignment = 8);
+
+  /// Frees a piece of this arena, of the size that was asked for. Only the piece allocated last is given out
+  /// again; the memory of any other stays unused.
+  void release(void* piece, std::size_t size);
+
+  /// Returns all blocks to the pool that were filled before the one that holds the piece, which must be a
+  /// piece of this arena.
+  void releaseBlocksBefore(const void* piece);
+
+ private:
+  char* take(std::size_t size);
+  void startBlock();
+
+  std::deque<BlockPool::Block> _blocks;  ///< in the order in which they were filled
+  char* _free = nullptr;                 ///< unused tail of the last block
+  std::size_t _left = 0;                 ///< size of that tail
+};
