@@ -11,7 +11,7 @@ declare module 'node:assert/strict' {
     ok(value: unknown, message?: string): asserts value;
     match(text: string, pattern: RegExp, message?: string): void;
     throws(body: () => unknown, expected?: RegExp): void;
-    rejects(body: Promise<unknown>, expected?: RegExp): Promise<void>;
+    rejects(body: Promise<unknown>, expected?: RegExp, message?: string): Promise<void>;
     fail(message: string): never;
   }
   const assert: Assert;

@@ -1,9 +1,75 @@
 /** The Worker's entry: reads one document and posts it. */
 
-import type { FromWorker, ToWorker } from './messages';
+import { DocumentError } from './damage';
+import { DocumentReading } from './readDocument';
+import { LayoutFile } from './layoutFile';
+import type { FromWorker, Source, ToWorker, ZelDocument } from './messages';
+import { open } from './supply';
 
-const post = (message: FromWorker) => postMessage(message);
+/** Milliseconds until the first picture of a document, and how much longer each next one waits. */
+const firstPictureAfter = 60;
+const slowing = 1.7;
+
+let cancelled = false;
+
+const post = (message: FromWorker, transfer: Transferable[] = []) => postMessage(message, { transfer });
+
+async function read(source: Source, layoutSource: Source | null): Promise<void> {
+  const layout = layoutSource === null ? null : await readLayout(layoutSource);
+  const { supply, progress } = await open(source);
+  const started = performance.now();
+  let pictureAt = started + firstPictureAfter;
+  let taken = 0;
+  const reading = new DocumentReading(
+    source.name,
+    async () => {
+      if (cancelled) throw new DocumentError(taken, 'reading was stopped');
+      const now = performance.now();
+      let picture = null;
+      if (now >= pictureAt) {
+        picture = reading.picture();
+        pictureAt = now + (now - started) * (slowing - 1);
+      }
+      post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
+      const piece = await supply();
+      taken += piece?.length ?? 0;
+      return piece;
+    },
+    layout,
+  );
+  const document = await reading.read();
+  post({ type: 'document', document }, buffersOf(document));
+}
+
+async function readLayout(source: Source): Promise<LayoutFile> {
+  const { supply } = await open(source);
+  const pieces: Uint8Array[] = [];
+  for (let piece; (piece = await supply()) !== null; ) pieces.push(piece);
+  try {
+    return LayoutFile.parse(await new Blob(pieces).text());
+  } catch (error) {
+    throw new Error(`${source.name}: no layout file: ${error instanceof Error ? error.message : error}`);
+  }
+}
+
+/** Returns the memory of all columns, which moves to the page instead of being copied. */
+function buffersOf(document: ZelDocument): ArrayBuffer[] {
+  const buffers = new Set<ArrayBufferLike>();
+  const gather = (value: unknown) => {
+    if (ArrayBuffer.isView(value)) buffers.add(value.buffer);
+  };
+  const tables =
+    document.kind === 'profile' ? [document.places, document.samples, document.stacks] : document.entries;
+  for (const table of tables) Object.values(table).forEach(gather);
+  return [...buffers] as ArrayBuffer[];
+}
 
 onmessage = (event: MessageEvent<ToWorker>) => {
-  if (event.data.type === 'open') post({ type: 'failed', message: `${event.data.source.name}: cannot be read yet` });
+  const message = event.data;
+  if (message.type === 'cancel') cancelled = true;
+  else {
+    read(message.source, message.layout).catch((error: unknown) =>
+      post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
+    );
+  }
 };

@@ -1,0 +1,222 @@
+import { toAddress, toBigInt, hexadecimal } from './address';
+import type { Damage } from './damage';
+import type { LayoutFile } from './layoutFile';
+import { PlaceKind, type Places, type Process, type Profile, type Thread } from './profile';
+import { type Columns, cutKey, SampleColumns } from './SampleColumns';
+import { shownName } from './text';
+
+type Address = number | bigint;
+
+export interface ProcessRow extends Process {
+  readonly key: number;
+}
+
+export interface LibraryRow {
+  readonly key: number;
+  readonly process: number;
+  readonly name: string;
+  readonly start: Address;
+  readonly size: number;
+}
+
+export interface FileRow {
+  readonly name: string;
+  /** Pairs of a function's key and its line. */
+  readonly lines: readonly (readonly [number, number])[];
+}
+
+export interface FunctionRow {
+  readonly key: number;
+  readonly name: string;
+  readonly start: Address;
+  readonly size: number;
+  readonly libraries: readonly number[];
+}
+
+/** Key of the kernel's process in every document. */
+const kernelProcess = 1;
+/** A stretch of addresses that no mapping covers: the process's name and the first address. */
+const syntheticName = /^\{(.*)-([0-9a-f]{1,16})\}$/;
+/** Samples of the picture of a document that is still being read. */
+const pictureSamples = 20000;
+
+/** Gathers the rows of a profile document and makes columns of them. */
+export class ProfileBuilder {
+  chip = '';
+  startTime = 0;
+  readonly processes: ProcessRow[] = [];
+  readonly libraries: LibraryRow[] = [];
+  readonly files: FileRow[] = [];
+  readonly functions: FunctionRow[] = [];
+  readonly samples: SampleColumns;
+
+  constructor(
+    private readonly name: string,
+    private readonly layout: LayoutFile | null,
+  ) {
+    this.samples = new SampleColumns(layout?.depth ?? null);
+  }
+
+  /** Returns a small profile that stands for what was read so far. */
+  picture(): Profile {
+    return this.build(this.samples.sampled(pictureSamples), null);
+  }
+
+  finish(damage: Damage | null): Profile {
+    return this.build(this.samples.finish(), damage);
+  }
+
+  private build({ samples, stacks, weight }: Columns, damage: Damage | null): Profile {
+    const byKey = new Map(this.processes.map((row) => [row.key, row]));
+    const threads = this.samples.threads.map((thread) => this.thread(byKey, thread.process, thread.tid));
+    if (this.layout !== null) {
+      for (let i = 0; i < samples.count; ++i) {
+        this.layout.correct(threads[samples.threads[i]].pid, samples.addressHigh, samples.addressLow, i);
+      }
+    }
+    return {
+      kind: 'profile',
+      name: this.name,
+      chip: this.chip,
+      startTime: this.startTime,
+      processes: this.processes.map(({ pid, tid, name }) => ({ pid, tid, name: shownName(name) })),
+      threads,
+      files: this.files.map((file) => shownName(file.name)),
+      places: this.places(byKey, stacks.places),
+      samples,
+      stacks,
+      weight,
+      damage,
+    };
+  }
+
+  private thread(byKey: ReadonlyMap<number, ProcessRow>, key: number, tid: number): Thread {
+    const row = byKey.get(key);
+    if (row === undefined) return { process: -1, pid: 0, tid, name: `key ${key}` };
+    const own = row.tid === tid ? row : this.processes.find((other) => other.pid === row.pid && other.tid === tid);
+    return { process: this.processes.indexOf(row), pid: row.pid, tid, name: shownName((own ?? row).name) };
+  }
+
+  /** Returns the places that the keys in `references` name, and replaces each key by its place. */
+  private places(byKey: ReadonlyMap<number, ProcessRow>, references: Uint32Array): Places {
+    const used = new Set(references);
+    const table = new PlaceTable();
+    table.add(cutKey, 'cut off here: the callers are unknown', PlaceKind.Cut);
+    const kernels = new Set<number>();
+    for (const row of this.libraries) {
+      const kernel = row.process === kernelProcess && row.name === 'kernel';
+      if (kernel) kernels.add(row.key);
+      const process = byKey.get(row.process);
+      const start = process === undefined ? row.start : this.original(process.pid, row.start);
+      const synthetic = syntheticName.test(row.name);
+      const kind = synthetic ? PlaceKind.Synthetic : kernel ? PlaceKind.Kernel : PlaceKind.Unresolved;
+      table.addLibrary(row.key, shownName(row.name), kind, start, row.size);
+    }
+    const lines = this.lines();
+    const processOf = new Map(this.libraries.map((row) => [row.key, byKey.get(row.process)]));
+    for (const row of this.functions) {
+      if (!used.has(row.key)) continue;
+      const synthetic = syntheticName.exec(row.name);
+      const line = lines.get(row.key);
+      if (synthetic !== null) {
+        const pid = processOf.get(row.libraries.find((key) => !kernels.has(key)) ?? -1)?.pid;
+        const start = pid === undefined ? row.start : this.original(pid, row.start);
+        const { high, low } = toAddress(start);
+        const name = start === row.start ? row.name : `{${synthetic[1]}-${hexadecimal(high, low)}}`;
+        table.add(row.key, shownName(name), PlaceKind.Synthetic, start, row.size, null, line);
+        continue;
+      }
+      const kernel = row.libraries.some((key) => kernels.has(key));
+      const kind = kernel ? PlaceKind.Kernel : PlaceKind.User;
+      table.add(row.key, shownName(row.name), kind, row.start, row.size, row.libraries[0] ?? null, line);
+    }
+    for (const key of used) {
+      if (!table.has(key)) table.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
+    }
+    for (let node = 1; node < references.length; ++node) references[node] = table.place(references[node]);
+    return table.columns();
+  }
+
+  private lines(): Map<number, FileLine> {
+    const lines = new Map<number, FileLine>();
+    this.files.forEach((file, index) => {
+      for (const [key, line] of file.lines) lines.set(key, { file: index, line });
+    });
+    return lines;
+  }
+
+  private original(pid: number, address: Address): Address {
+    if (this.layout === null) return address;
+    const { high, low } = toAddress(address);
+    return this.layout.original(pid, toBigInt(high, low));
+  }
+}
+
+interface FileLine {
+  readonly file: number;
+  readonly line: number;
+}
+
+/** Numbers functions and libraries in one row. */
+class PlaceTable {
+  private readonly names: string[] = [];
+  private readonly kinds: number[] = [];
+  private readonly libraries: number[] = [];
+  private readonly lines: (FileLine | undefined)[] = [];
+  private readonly starts: Address[] = [];
+  private readonly sizes: number[] = [];
+  private readonly byKey = new Map<number, number>();
+  private readonly byName = new Map<string, number>();
+
+  has(key: number): boolean {
+    return this.byKey.has(key);
+  }
+
+  place(key: number): number {
+    return this.byKey.get(key) ?? 0;
+  }
+
+  add(
+    key: number,
+    name: string,
+    kind: PlaceKind,
+    start: Address = 0,
+    size = 0,
+    library: number | null = null,
+    line?: FileLine,
+  ): void {
+    const place = this.names.push(name) - 1;
+    this.kinds.push(kind);
+    this.libraries.push((library === null ? undefined : this.byKey.get(library)) ?? place);
+    this.lines.push(line);
+    this.starts.push(start);
+    this.sizes.push(size);
+    this.byKey.set(key, place);
+  }
+
+  /** A file that several processes map has a row for each in the document; here it is one place. */
+  addLibrary(key: number, name: string, kind: PlaceKind, start: Address, size: number): void {
+    const known = this.byName.get(name);
+    if (known !== undefined) {
+      this.byKey.set(key, known);
+      return;
+    }
+    this.byName.set(name, this.names.length);
+    this.add(key, name, kind, start, size);
+  }
+
+  columns(): Places {
+    const starts = this.starts.map(toAddress);
+    return {
+      count: this.names.length,
+      names: this.names,
+      kinds: Uint8Array.from(this.kinds),
+      libraries: Uint32Array.from(this.libraries),
+      files: Int32Array.from(this.lines, (line) => line?.file ?? -1),
+      lines: Uint32Array.from(this.lines, (line) => line?.line ?? 0),
+      startHigh: Uint32Array.from(starts, (start) => start.high),
+      startLow: Uint32Array.from(starts, (start) => start.low),
+      sizes: Float64Array.from(this.sizes),
+    };
+  }
+}

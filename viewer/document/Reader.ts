@@ -1,0 +1,101 @@
+import { DocumentError } from './damage';
+
+/** Thrown by a parser that ran past the bytes at hand; the unit is parsed again once there are more. */
+const needMore = new Error('more bytes are needed');
+
+/** Zero bytes behind the last byte: loops over digits and names stop there without looking at the end. */
+const padding = 16;
+
+/** Supplies the bytes of a document piece by piece; null at its end. */
+export type Supply = () => Promise<Uint8Array | null>;
+
+/**
+ * The bytes of a document, of which a window is in memory. Parsers are plain functions over `bytes` from `pos` on; a
+ * unit, such as a row, that is not complete in the window is parsed again from its start after the window has moved.
+ */
+export class Reader {
+  bytes = new Uint8Array(padding);
+  pos = 0;
+  /** Number of bytes in the window. */
+  end = 0;
+  /** Offset of the window in the document. */
+  private base = 0;
+  private ended = false;
+
+  constructor(private readonly supply: Supply) {}
+
+  /** Offset of the next byte in the document. */
+  get offset(): number {
+    return this.base + this.pos;
+  }
+
+  /** Returns what `parse` returns, with as many bytes as it takes. */
+  async unit<T>(parse: () => T): Promise<T> {
+    for (;;) {
+      const start = this.pos;
+      try {
+        return parse();
+      } catch (error) {
+        if (error !== needMore) throw error;
+        this.pos = start;
+        await this.refill();
+      }
+    }
+  }
+
+  /** Calls `parse` until it returns false: once a row, without a promise for each. */
+  async rows(parse: () => boolean): Promise<void> {
+    let start = this.pos;
+    for (;;) {
+      try {
+        do start = this.pos;
+        while (parse());
+        return;
+      } catch (error) {
+        if (error !== needMore) throw error;
+        this.pos = start;
+        await this.refill();
+      }
+    }
+  }
+
+  /** To be called at the end of the window: asks for more, or fails at the end of the document. */
+  runOut(): never {
+    if (this.ended) throw new DocumentError(this.base + this.end, 'the document is cut off');
+    throw needMore;
+  }
+
+  fail(reason: string): never {
+    throw new DocumentError(this.offset, reason);
+  }
+
+  /** Moves the window so that it starts at `pos` and holds at least twice the bytes that were not enough. */
+  private async refill(): Promise<void> {
+    const kept = this.end - this.pos;
+    const pieces: Uint8Array[] = [];
+    let added = 0;
+    while (added === 0 || added < kept) {
+      const piece = await this.supply();
+      if (piece === null) {
+        this.ended = true;
+        break;
+      }
+      pieces.push(piece);
+      added += piece.length;
+    }
+    const size = kept + added;
+    // The pieces' own memory would do for a window of one piece, but for the padding.
+    const window = this.bytes.length >= size + padding ? this.bytes : new Uint8Array(size + padding);
+    window.set(this.bytes.subarray(this.pos, this.end));
+    let at = kept;
+    for (const piece of pieces) {
+      window.set(piece, at);
+      at += piece.length;
+    }
+    window.fill(0, size, size + padding);
+    this.bytes = window;
+    this.base += this.pos;
+    this.pos = 0;
+    this.end = size;
+  }
+}

@@ -1,0 +1,196 @@
+import { finishStacks, grown, StackTable } from './StackTable';
+import type { Samples, Stacks } from './profile';
+import { timeOrder } from './timeOrder';
+
+/** Key of the node that stands for the callers which a document no longer holds; no key of a document is this high. */
+export const cutKey = 2 ** 32 - 1;
+
+/** Entries of a back-trace that a document keeps unless its layout file says otherwise. */
+const usualDepth = 15;
+
+/** A thread as samples name it: key of a process and number of the thread. */
+export interface ThreadKey {
+  readonly process: number;
+  readonly tid: number;
+}
+
+/** Samples and stacks as they come to be known, still by the document's keys. */
+export class SampleColumns {
+  count = 0;
+  readonly threads: ThreadKey[] = [];
+  /** Keys of the back-trace of the sample that is being read, innermost first. */
+  frames = new Uint32Array(64);
+
+  private times = new Float64Array(1 << 12);
+  private cores = new Uint16Array(1 << 12);
+  private sampleThreads = new Uint32Array(1 << 12);
+  private nodes = new Uint32Array(1 << 12);
+  private high = new Uint32Array(1 << 12);
+  private low = new Uint32Array(1 << 12);
+  private stacks = new StackTable();
+  private readonly threadIndex = new Map<number, Map<number, number>>();
+  /** The latest thread; most samples have the thread of one before them. */
+  private readonly recent = new Uint32Array(256).fill(cutKey);
+  private depth: number;
+  private cutNode = 0;
+
+  constructor(depth: number | null) {
+    this.depth = depth ?? usualDepth;
+  }
+
+  pushFrame(at: number, key: number): void {
+    if (at === this.frames.length) this.frames = grown(this.frames, 2 * at);
+    this.frames[at] = key;
+  }
+
+  /**
+   * Adds a sample. `frames` holds its first `depth` entries; `entries` is how many the document has, markers of
+   * contexts included; `own` says that the first one is the sample's own place, which `key` names.
+   */
+  add(
+    high: number,
+    low: number,
+    key: number,
+    time: number,
+    core: number,
+    process: number,
+    tid: number,
+    depth: number,
+    entries: number,
+    own: boolean,
+  ): void {
+    let node = entries >= this.depth ? this.cutRoot(entries) : 0;
+    const { frames, stacks } = this;
+    for (let i = depth - 1; i >= (own ? 1 : 0); --i) node = stacks.child(node, frames[i]);
+    node = stacks.child(node, key);
+
+    const at = this.count;
+    if (at === this.times.length) this.grow(2 * at);
+    this.times[at] = time;
+    this.cores[at] = core;
+    this.sampleThreads[at] = this.thread(process, tid);
+    this.nodes[at] = node;
+    this.high[at] = high;
+    this.low[at] = low;
+    this.count = at + 1;
+  }
+
+  /** Returns a picture of what is there: every n-th sample, so that there are at most `most` of them. */
+  sampled(most: number): Columns {
+    const step = Math.max(1, Math.ceil(this.count / most));
+    const count = Math.ceil(this.count / step);
+    const pick = <T extends Uint32Array | Float64Array | Uint16Array>(column: T): T => {
+      const picked = new (column.constructor as new (length: number) => T)(count);
+      for (let i = 0; i < count; ++i) picked[i] = column[i * step];
+      return picked;
+    };
+    const nodes = pick(this.nodes);
+    const kept = this.nodesAbove(nodes);
+    const position = new Map<number, number>();
+    kept.forEach((node, index) => position.set(node, index));
+    const parents = kept.map((node) => position.get(this.stacks.parent(node))!);
+    const keys = kept.map((node) => this.stacks.key(node));
+    return this.ordered(step, parents, keys, {
+      count,
+      times: pick(this.times),
+      cores: pick(this.cores),
+      threads: pick(this.sampleThreads),
+      stacks: nodes.map((node) => position.get(node)!),
+      addressHigh: pick(this.high),
+      addressLow: pick(this.low),
+    });
+  }
+
+  /** Returns everything, and gives up what only the reading needs. */
+  finish(): Columns {
+    const { parents, keys } = this.stacks.release();
+    const { count } = this;
+    return this.ordered(1, parents, keys, {
+      count,
+      times: this.times.subarray(0, count),
+      cores: this.cores.subarray(0, count),
+      threads: this.sampleThreads.subarray(0, count),
+      stacks: this.nodes.subarray(0, count),
+      addressHigh: this.high.subarray(0, count),
+      addressLow: this.low.subarray(0, count),
+    });
+  }
+
+  private ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
+    const order = timeOrder(samples.times);
+    if (order !== null) {
+      const columns = [samples.times, samples.cores, samples.threads, samples.stacks];
+      for (const column of [...columns, samples.addressHigh, samples.addressLow]) {
+        const before = column.slice();
+        for (let i = 0; i < order.length; ++i) column[i] = before[order[i]];
+      }
+    }
+    return { weight, samples, stacks: finishStacks(parents, keys, samples.stacks) };
+  }
+
+  /** Returns the nodes and all that stand above them, ascending. */
+  private nodesAbove(nodes: Uint32Array): Uint32Array {
+    const seen = new Set<number>([0]);
+    for (let node of nodes) {
+      for (; !seen.has(node); node = this.stacks.parent(node)) seen.add(node);
+    }
+    return Uint32Array.from(seen).sort();
+  }
+
+  /** Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more. */
+  private cutRoot(entries: number): number {
+    if (entries > this.depth) {
+      // The document keeps more than was known, so that nothing tells which back-traces were cut.
+      this.depth = Infinity;
+      if (this.cutNode !== 0) this.uncut();
+      return 0;
+    }
+    if (this.cutNode === 0) this.cutNode = this.stacks.child(0, cutKey);
+    return this.cutNode;
+  }
+
+  /** Moves what stands below the root of cut back-traces to the root. */
+  private uncut(): void {
+    const { stacks, cutNode } = this;
+    const merged = new StackTable();
+    const moved = new Uint32Array(stacks.count);
+    for (let node = 1; node < stacks.count; ++node) {
+      if (node !== cutNode) moved[node] = merged.child(moved[stacks.parent(node)], stacks.key(node));
+    }
+    for (let i = 0; i < this.count; ++i) this.nodes[i] = moved[this.nodes[i]];
+    this.stacks = merged;
+    this.cutNode = 0;
+  }
+
+  private thread(process: number, tid: number): number {
+    const slot = (tid ^ (process << 4)) & 255;
+    const latest = this.recent[slot];
+    if (latest !== cutKey && this.threads[latest].tid === tid && this.threads[latest].process === process) {
+      return latest;
+    }
+    let ofProcess = this.threadIndex.get(process);
+    if (ofProcess === undefined) this.threadIndex.set(process, (ofProcess = new Map()));
+    let index = ofProcess.get(tid);
+    if (index === undefined) {
+      index = this.threads.push({ process, tid }) - 1;
+      ofProcess.set(tid, index);
+    }
+    return (this.recent[slot] = index);
+  }
+
+  private grow(capacity: number): void {
+    this.times = grown(this.times, capacity);
+    this.cores = grown(this.cores, capacity);
+    this.sampleThreads = grown(this.sampleThreads, capacity);
+    this.nodes = grown(this.nodes, capacity);
+    this.high = grown(this.high, capacity);
+    this.low = grown(this.low, capacity);
+  }
+}
+
+/** What the samples of a document come to; `stacks.places` holds keys of the document. */
+export interface Columns {
+  readonly weight: number;
+  readonly samples: Samples;
+  readonly stacks: Stacks;
+}

@@ -1,0 +1,109 @@
+import type { Stacks } from './profile';
+
+/** Frames of one place with the same callers share a node; node 0 is the root. */
+export class StackTable {
+  count = 1;
+  private parents = new Uint32Array(1 << 12);
+  private keys = new Uint32Array(1 << 12);
+  private slots = new Uint32Array(1 << 13);
+  /** Keys come from the document, so that a fixed hash could be fed collisions. */
+  private readonly seed = (Math.random() * 2 ** 32) | 1;
+
+  parent(node: number): number {
+    return this.parents[node];
+  }
+
+  key(node: number): number {
+    return this.keys[node];
+  }
+
+  /** Returns the node of `key` below `parent`. */
+  child(parent: number, key: number): number {
+    const { slots, parents, keys } = this;
+    const mask = slots.length - 1;
+    let slot = this.hash(parent, key) & mask;
+    let node: number;
+    while ((node = slots[slot]) !== 0) {
+      if (parents[node] === parent && keys[node] === key) return node;
+      slot = (slot + 1) & mask;
+    }
+    return this.add(parent, key, slot);
+  }
+
+  private add(parent: number, key: number, slot: number): number {
+    const node = this.count++;
+    if (node === this.parents.length) {
+      this.parents = grown(this.parents, 2 * node);
+      this.keys = grown(this.keys, 2 * node);
+    }
+    this.parents[node] = parent;
+    this.keys[node] = key;
+    this.slots[slot] = node;
+    if (2 * this.count > this.slots.length) this.widen();
+    return node;
+  }
+
+  private widen(): void {
+    const mask = 2 * this.slots.length - 1;
+    // The old table is released before the new one is made: together they would be the peak of the memory.
+    this.slots = new Uint32Array(0);
+    const slots = new Uint32Array(mask + 1);
+    for (let node = 1; node < this.count; ++node) {
+      let slot = this.hash(this.parents[node], this.keys[node]) & mask;
+      while (slots[slot] !== 0) slot = (slot + 1) & mask;
+      slots[slot] = node;
+    }
+    this.slots = slots;
+  }
+
+  private hash(parent: number, key: number): number {
+    const mixed = Math.imul(parent ^ this.seed, 0x9e3779b1) ^ Math.imul(key, 0x85ebca6b);
+    const spread = Math.imul(mixed ^ (mixed >>> 15), this.seed);
+    return spread ^ (spread >>> 13);
+  }
+
+  /** Gives up the table of look-ups and returns the nodes' parents and keys. */
+  release(): { parents: Uint32Array; keys: Uint32Array } {
+    this.slots = new Uint32Array(0);
+    return { parents: this.parents.subarray(0, this.count), keys: this.keys.subarray(0, this.count) };
+  }
+}
+
+export function grown<T extends Uint32Array | Float64Array | Uint16Array>(column: T, capacity: number): T {
+  const larger = new (column.constructor as new (length: number) => T)(capacity);
+  larger.set(column as never);
+  return larger;
+}
+
+/** Adds the totals and the children of each node, the heaviest first, given the node of each sample. */
+export function finishStacks(parents: Uint32Array, places: Uint32Array, samples: Uint32Array): Stacks {
+  const count = parents.length;
+  const totals = new Uint32Array(count);
+  for (const node of samples) totals[node]++;
+  for (let node = count - 1; node > 0; --node) totals[parents[node]] += totals[node];
+
+  const firstChild = new Uint32Array(count + 1);
+  for (let node = 1; node < count; ++node) firstChild[parents[node] + 1]++;
+  for (let node = 0; node < count; ++node) firstChild[node + 1] += firstChild[node];
+  // From the last node down, so that the first entry of each stretch is reached as its end.
+  const children = new Uint32Array(Math.max(0, count - 1));
+  const next = firstChild.slice(1);
+  for (let node = count - 1; node > 0; --node) children[--next[parents[node]]] = node;
+  for (let node = 0; node < count; ++node) sortHeaviestFirst(children, firstChild[node], firstChild[node + 1], totals);
+  return { count, parents, places, totals, firstChild, children };
+}
+
+function sortHeaviestFirst(nodes: Uint32Array, start: number, end: number, totals: Uint32Array): void {
+  // A typed array's own sort costs a call; most nodes have few children.
+  if (end - start > 16) {
+    nodes.subarray(start, end).sort((a, b) => totals[b] - totals[a] || a - b);
+    return;
+  }
+  for (let i = start + 1; i < end; ++i) {
+    const node = nodes[i];
+    const total = totals[node];
+    let at = i;
+    for (; at > start && totals[nodes[at - 1]] < total; --at) nodes[at] = nodes[at - 1];
+    nodes[at] = node;
+  }
+}

@@ -1,0 +1,102 @@
+import { DocumentError, type Damage } from './damage';
+import { Byte, accept, expect, peek, readLabel } from './json';
+import type { LayoutFile } from './layoutFile';
+import type { ZelDocument } from './messages';
+import { ProfileBuilder } from './ProfileBuilder';
+import type { Profile } from './profile';
+import { Reader, type Supply } from './Reader';
+import { readProfile, readUnlabelledProfile } from './readProfile';
+import { readTimechart } from './readTimechart';
+import { TimechartBuilder } from './TimechartBuilder';
+
+/** A document that is being read: either kind, known from its first label. */
+export class DocumentReading {
+  private builder: ProfileBuilder | TimechartBuilder | null = null;
+  private readonly reader: Reader;
+
+  constructor(
+    private readonly name: string,
+    supply: Supply,
+    private readonly layout: LayoutFile | null = null,
+  ) {
+    this.reader = new Reader(supply);
+  }
+
+  /** Returns what a damaged document holds ahead of the damage. Throws an Error with a clear line for a wrong file. */
+  async read(): Promise<ZelDocument> {
+    let damage: Damage | null = null;
+    try {
+      await this.readKnown();
+    } catch (error) {
+      if (!(error instanceof DocumentError)) throw error;
+      if (this.builder === null) throw new Error(`${this.name}: ${error.message} at byte ${error.offset}`);
+      damage = { offset: error.offset, reason: error.message };
+    }
+    return this.builder!.finish(damage);
+  }
+
+  /** Returns a small profile that stands for what was read so far, or null if there is nothing to show yet. */
+  picture(): Profile | null {
+    return this.builder instanceof ProfileBuilder && this.builder.samples.count > 0 ? this.builder.picture() : null;
+  }
+
+  private async readKnown(): Promise<void> {
+    const { reader } = this;
+    await this.refuseOthers();
+    await reader.unit(() => expect(reader, Byte.OpenObject));
+    if (await reader.unit(() => accept(reader, Byte.CloseObject))) {
+      await readUnlabelledProfile(reader, this.profileBuilder());
+      return;
+    }
+    const label = await reader.unit(() => {
+      const start = reader.pos;
+      const first = readLabel(reader);
+      reader.pos = start;
+      return first;
+    });
+    if (label === 'entries') {
+      const builder = new TimechartBuilder(this.name);
+      this.builder = builder;
+      await readTimechart(reader, builder);
+    } else if (label === 'Description') {
+      await readProfile(reader, this.profileBuilder());
+    } else {
+      throw this.wrong(`its first label is "${label.slice(0, 40)}"`);
+    }
+    await this.expectEnd();
+  }
+
+  private profileBuilder(): ProfileBuilder {
+    const builder = new ProfileBuilder(this.name, this.layout);
+    this.builder = builder;
+    return builder;
+  }
+
+  /** Fails with the right line for files that people take for documents. */
+  private async refuseOthers(): Promise<void> {
+    const { reader } = this;
+    const first = await reader.unit(() => peek(reader));
+    if (first === Byte.OpenObject) return;
+    const head = String.fromCharCode(...reader.bytes.subarray(reader.pos, Math.min(reader.end, reader.pos + 8)));
+    if (head.startsWith('PERFILE2') || head.startsWith('PERFFILE')) {
+      throw new Error(`${this.name}: a recording, not a document; zelkit convert makes one of it`);
+    }
+    if (first === Byte.OpenArray) throw this.wrong('it starts with "[", as a timechart without labels, which holds no points');
+    throw this.wrong('it does not start with "{"');
+  }
+
+  private wrong(why: string): Error {
+    return new Error(`${this.name}: no document of zelconv: ${why}`);
+  }
+
+  private async expectEnd(): Promise<void> {
+    const { reader } = this;
+    let more = true;
+    try {
+      await reader.unit(() => peek(reader));
+    } catch {
+      more = false;
+    }
+    if (more) reader.fail('something follows the end of the document');
+  }
+}

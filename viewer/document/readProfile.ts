@@ -1,0 +1,88 @@
+import { Byte, type Value, accept, anotherElement, expect, firstElement, peek, readLabel, readValue } from './json';
+import type { ProfileBuilder } from './ProfileBuilder';
+import type { Reader } from './Reader';
+import { Row } from './Row';
+import { SampleRows } from './SampleRows';
+
+/** The sections in their order, which is all that tells them apart in a document without labels. */
+const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
+
+/** Reads a profile document from behind its opening brace, where its first label stands. */
+export async function readProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
+  do {
+    const label = await reader.unit(() => readLabel(reader));
+    if (sections.includes(label)) await readSection(reader, builder, label);
+    else if (label === 'Description') describe(builder, await reader.unit(() => readValue(reader)));
+    else reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
+  } while (await reader.unit(() => accept(reader, Byte.Comma)));
+  await reader.unit(() => expect(reader, Byte.CloseObject));
+}
+
+/**
+ * Reads a document that was written without labels: the outer object closed early, and the sections follow it one
+ * after the other.
+ */
+export async function readUnlabelledProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
+  for (const section of sections) await readSection(reader, builder, section);
+}
+
+function describe(builder: ProfileBuilder, value: Value): void {
+  if (typeof value !== 'object' || value === null || Array.isArray(value)) return;
+  const chip = value['Target Chip'];
+  const start = value['Start Time'];
+  if (typeof chip === 'string') builder.chip = chip;
+  if (typeof start === 'number') builder.startTime = start;
+}
+
+async function readSection(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
+  await reader.unit(() => expect(reader, Byte.OpenObject));
+  do {
+    const label = await reader.unit(() => readLabel(reader));
+    if (label === 'descriptions') await reader.unit(() => readValue(reader));
+    else if (label !== 'data') reader.fail(`"${label.slice(0, 40)}" is no part of a section`);
+    else if (await reader.unit(() => firstElement(reader))) await readRows(reader, builder, section);
+  } while (await reader.unit(() => accept(reader, Byte.Comma)));
+  await reader.unit(() => expect(reader, Byte.CloseObject));
+}
+
+function readRows(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
+  if (section === 'samples') {
+    const rows = new SampleRows(reader, builder.samples);
+    return reader.rows(() => rows.read());
+  }
+  const add = adders[section];
+  return reader.rows(() => {
+    peek(reader);
+    const start = reader.pos;
+    const value = readValue(reader);
+    const end = anotherElement(reader);
+    add(builder, new Row(reader, start, section, value));
+    return end;
+  });
+}
+
+const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
+  processes: (builder, row) =>
+    builder.processes.push({ key: row.whole(0), pid: row.whole(1), tid: row.whole(2), name: row.text(3) }),
+  libraries: (builder, row) =>
+    builder.libraries.push({
+      key: row.whole(0),
+      process: row.whole(1),
+      name: row.text(2),
+      start: row.address(3),
+      size: Number(row.address(4)),
+    }),
+  files: (builder, row) =>
+    builder.files.push({
+      name: row.text(1),
+      lines: row.list(2).map((entry) => [row.part(entry, 0), row.part(entry, 1)]),
+    }),
+  functions: (builder, row) =>
+    builder.functions.push({
+      key: row.whole(0),
+      name: row.text(1),
+      start: row.address(2),
+      size: Number(row.address(3)),
+      libraries: row.list(4).map((key) => row.checked(key)),
+    }),
+};
