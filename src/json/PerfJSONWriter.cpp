@@ -1,16 +1,16 @@
 #include "json/PerfJSONWriter.h"
 
-#include <algorithm>
-#include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <utility>
-#include <vector>
 
 #include "json/FixedDecimals.h"
 #include "run/Settings.h"
 
-PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace)
-    : _includeLabels(includeLabels), _whiteSpace(whiteSpace) {}
+PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace, bool isDocumentWriter)
+    : _bulkJson(isDocumentWriter ? _buffer : _single),
+      _includeLabels(includeLabels),
+      _whiteSpace(whiteSpace),
+      _isDocumentWriter(isDocumentWriter) {}
 
 PerfJSONWriter::~PerfJSONWriter() {
   PerfJSONWriter::close();
@@ -28,9 +28,7 @@ void PerfJSONWriter::setIncludeLabels(bool includeLabels) {
 int PerfJSONWriter::open(const char* name) {
   if (name == nullptr) return -1;
   _fileName = name;
-  _file = std::fopen(name, "w");
-  if (_file != nullptr) std::setvbuf(_file, nullptr, _IONBF, 0);  // the document comes in large pieces
-  _error = _openError = _file == nullptr ? errno : 0;
+  _error = _file.open(name);
   _writer = std::make_unique<loomstat::JsomStringWriter>(_document);
   _writer->_whiteSpace = _whiteSpace;
   return 0;
@@ -40,23 +38,12 @@ void PerfJSONWriter::close() {
   if (!_writer) return;
   _writer->end();
   _writer->flush();
-  const int error = _file != nullptr ? _writeFile() : std::exchange(_openError, 0);
-  if (error != 0) _error = error;
-  if (error != 0 && gVerbosity > 0)
-    std::printf("Document not written to %s: %s\n", _fileName.c_str(), std::strerror(error));
-}
-
-/// Writes the document and closes the file. Answers 0, or the errno of what failed.
-int PerfJSONWriter::_writeFile() {
-  std::FILE* file = std::exchange(_file, nullptr);
+  if (_isWritten) return;
+  _isWritten = true;
   _document.append('\n');
-  const std::vector<std::string_view> pieces = _document.pieces();
-  const bool written = std::all_of(pieces.begin(), pieces.end(), [&](std::string_view piece) {
-    return std::fwrite(piece.data(), 1, piece.size(), file) == piece.size();
-  });
-  const int writeError = written ? 0 : errno;
-  const bool closed = std::fclose(file) == 0;
-  return written && !closed ? errno : writeError;
+  if (_error == 0) _error = _file.write(_document.pieces());
+  if (_error != 0 && gVerbosity > 0)
+    std::printf("Document not written to %s: %s\n", _fileName.c_str(), std::strerror(_error));
 }
 
 void PerfJSONWriter::write(unsigned long long value) {
@@ -75,8 +62,8 @@ void PerfJSONWriter::write(const std::string& value) {
   _writer->appendString(value, false);
 }
 
-void PerfJSONWriter::writeJson(std::string_view text) {
-  _bufferJsonValue(text);
+void PerfJSONWriter::writeJson(const char* text) {
+  _bufferJsonValue(text, static_cast<int>(std::strlen(text)));
 }
 
 void PerfJSONWriter::writeNamed(const char* label, unsigned long long value) {
@@ -99,6 +86,10 @@ void PerfJSONWriter::writeNamed(const char* label, double value) {
   _writer->appendDouble(value, kDocumentDecimals);
 }
 
+void PerfJSONWriter::writeNamed(const char* label, char* value) {
+  PerfJSONWriter::writeNamed(label, const_cast<const char*>(value));
+}
+
 void PerfJSONWriter::writeNamed(const char* label, const char* value) {
   _doLabel(label);
   _writer->appendString(value, static_cast<int>(std::strlen(value)), false);
@@ -116,7 +107,7 @@ void PerfJSONWriter::writeArrayEnd() {
 
 void PerfJSONWriter::writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
                                     std::span<const BackTraceEntry> entries) {
-  if (!_includeLabels && !_whiteSpace)
+  if (_isDocumentWriter && !_includeLabels && !_whiteSpace)
     return _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _backTraces.append(entries, out); });
   writeArrayStart(label);
   for (const BackTraceEntry& entry : entries) {
@@ -161,12 +152,19 @@ void PerfJSONWriter::_terminateLine() {
   if (gReadable) _writer->writeChar('\n');
 }
 
-void PerfJSONWriter::_bufferJsonValue(std::string_view text) {
-  _separateBuffered();
-  _buffer.append(text);
+void PerfJSONWriter::_bufferJsonValue(const char* text, int length) {
+  _separate(_buffer);
+  _buffer.append({text, static_cast<std::size_t>(length)});
 }
 
 void PerfJSONWriter::_flushBuffer() {
   _writer->appendJsonValue([this](loomstat::TextBuffer& out) { out.append(_buffer); });
   _buffer.clear();
+}
+
+void PerfJSONWriter::_passBulkJsonOn() {
+  std::string text;
+  for (const std::string_view piece : _single.pieces()) text += piece;
+  _single.clear();
+  writeJson(text.c_str());
 }

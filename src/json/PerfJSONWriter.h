@@ -1,13 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "json/BackTraceTexts.h"
+#include "json/DocumentFile.h"
 #include "json/JsomStringWriter.h"
 #include "json/TextBuffer.h"
 
@@ -21,86 +21,107 @@
 class PerfJSONWriter {
  public:
   PerfJSONWriter() : PerfJSONWriter(true, true) {}
-  PerfJSONWriter(bool includeLabels, bool whiteSpace);
-  ~PerfJSONWriter();
+  PerfJSONWriter(bool includeLabels, bool whiteSpace) : PerfJSONWriter(includeLabels, whiteSpace, false) {}
+  virtual ~PerfJSONWriter();
   PerfJSONWriter(const PerfJSONWriter&) = delete;
   PerfJSONWriter& operator=(const PerfJSONWriter&) = delete;
 
-  /// Both take effect on the next token, in the middle of a container too.
-  void setWhiteSpace(bool whiteSpace);
-  void setIncludeLabels(bool includeLabels);
+  // A writer of another kind overrides what it wants to know of. The order of the operations is part of the
+  // interface.
 
-  /// Truncates the file. Answers 0, or -1 for a null name. A file that cannot be opened still gives 0; the
+  /// Both take effect on the next token, in the middle of a container too.
+  virtual void setWhiteSpace(bool whiteSpace);
+  virtual void setIncludeLabels(bool includeLabels);
+
+  /// Truncates the file. Returns 0, or -1 for a null name. A file that cannot be opened still gives 0; the
   /// run goes on and its document is lost at close.
-  int open(const char* name);
+  virtual int open(const char* name);
 
   /// Ends every open container and writes the document and a newline to the file. May be called again, to no
   /// effect.
-  void close();
+  virtual void close();
 
-  void write(unsigned long long value);
-  void write(unsigned int value);
-  void write(double value);  ///< up to nine decimals
-  void write(const std::string& value);
+  virtual void write(unsigned long long value);
+  virtual void write(unsigned int value);
+  virtual void write(double value);  ///< up to nine decimals
+  virtual void write(const std::string& value);
 
   /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined
   /// by commas.
-  void writeJson(std::string_view text);
-  /// The same for a text that the function writes, at most so many bytes: it gets the place and answers the
-  /// end.
-  template <typename Write>
-  void writeJson(std::size_t most, Write write) {
-    _separateBuffered();
-    _buffer.append(most, write);
-  }
+  virtual void writeJson(const char* text);
+
+  /// A label and a value; without labels the value alone. A label is not escaped.
+  virtual void writeNamed(const char* label, unsigned long long value);
+  virtual void writeNamed(const char* label, unsigned int value);
+  virtual void writeNamed(const char* label, unsigned short value);
+  virtual void writeNamed(const char* label, double value);
+  virtual void writeNamed(const char* label, char* value);
+  virtual void writeNamed(const char* label, const char* value);
+
+  /// A null label is left out.
+  virtual void writeArrayStart(const char* label);
+  virtual void writeArrayEnd();
+
+  /// Starts a record on a new line. Without labels no braces are written: its values become elements of the
+  /// enclosing array.
+  virtual void writeStructStart();
+  virtual void writeStructEnd();
+
+  /// An object, whatever the label switch says. A null label is left out.
+  virtual void newElementStart(const char* label);
+  virtual void newElementEnd();
+
+  /// An array of `count` numbers, each of them the count; the values are not read.
+  virtual void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
 
   /// The errno of what kept the document from its file, or 0: after open, and again after close.
   int error() const { return _error; }
 
-  /// A label and a value; without labels the value alone. A label is not escaped.
-  void writeNamed(const char* label, unsigned long long value);
-  void writeNamed(const char* label, unsigned int value);
-  void writeNamed(const char* label, unsigned short value);
-  void writeNamed(const char* label, double value);
-  void writeNamed(const char* label, const char* value);
+  // Bulk operations. They stand for calls of the operations above, which any writer but DocumentWriter gets.
 
-  /// A null label is left out.
-  void writeArrayStart(const char* label);
-  void writeArrayEnd();
+  /// The same as writeJson of the text that `write(char* out)` makes: at most `most` bytes, whose end it
+  /// returns.
+  template <typename Write>
+  void writeJson(std::size_t most, Write write) {
+    _separate(_bulkJson);
+    _bulkJson.append(most, write);
+    if (!_isDocumentWriter) _passBulkJsonOn();
+  }
 
   /// Writes a back-trace as an array of arrays, each of an address and a key.
   void writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
                       std::span<const BackTraceEntry> entries);
 
-  /// A record of its own line. Without labels it dissolves into bare values of the array around it.
-  void writeStructStart();
-  void writeStructEnd();
-
-  /// An object, whatever the label switch says. A null label is left out.
-  void newElementStart(const char* label);
-  void newElementEnd();
-
-  /// An array of `count` numbers, each of them the count; the values are not read.
-  void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
+ protected:
+  PerfJSONWriter(bool includeLabels, bool whiteSpace, bool isDocumentWriter);
 
  private:
   void _doLabel(const char* label);
   void _terminateLine();
-  void _separateBuffered() {
-    if (!_buffer.empty()) _buffer.append(',');
+  static void _separate(loomstat::TextBuffer& values) {
+    if (!values.empty()) values.append(',');
   }
-  void _bufferJsonValue(std::string_view text);
+  void _bufferJsonValue(const char* text, int length);
   void _flushBuffer();
-  int _writeFile();
+  void _passBulkJsonOn();
 
-  std::FILE* _file = nullptr;
+  DocumentFile _file;
   std::string _fileName;
-  int _openError = 0;  ///< errno of an open that failed
-  int _error = 0;
+  int _error = 0;  ///< see error
+  bool _isWritten = false;
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
+  loomstat::TextBuffer _single;     ///< one value on its way to writeJson of a derived writer
+  loomstat::TextBuffer& _bulkJson;  ///< where values that a function writes go: _buffer or _single
   BackTraceTexts _backTraces;
   bool _includeLabels;
   bool _whiteSpace;
+  const bool _isDocumentWriter;  ///< nobody overrides the operations, so bulk need not go through them
+};
+
+/// The writer of a run.
+class DocumentWriter final : public PerfJSONWriter {
+ public:
+  DocumentWriter(bool includeLabels, bool whiteSpace) : PerfJSONWriter(includeLabels, whiteSpace, true) {}
 };

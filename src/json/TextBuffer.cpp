@@ -26,7 +26,8 @@ void TextBuffer::appendInPieces(std::string_view text) {
   while (!text.empty()) {
     makeRoom(1);
     const std::string_view piece = text.substr(0, room());
-    append(piece);
+    std::memcpy(_end, piece.data(), piece.size());
+    _end += piece.size();
     text.remove_prefix(piece.size());
   }
 }

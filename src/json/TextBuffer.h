@@ -31,8 +31,8 @@ class TextBuffer {
   }
 
   void append(std::string_view text) {
-    if (room() < text.size()) return appendInPieces(text);
-    copy(text, _end);
+    if (text.size() > kLongestShort || room() < text.size()) return appendInPieces(text);
+    copyShort(text, _end);
     _end += text.size();
   }
 
@@ -67,13 +67,10 @@ class TextBuffer {
   };
 
   /// Most texts are short, and a call of memcpy costs more than to copy one.
-  static void copy(std::string_view text, char* place) {
-    if (text.size() > 32) {
-      std::memcpy(place, text.data(), text.size());
-    } else {
-      copyEnds<16>(text, place) || copyEnds<8>(text, place) || copyEnds<4>(text, place) ||
-          copyEnds<2>(text, place) || copyEnds<1>(text, place);
-    }
+  static constexpr std::size_t kLongestShort = 32;
+  static void copyShort(std::string_view text, char* place) {
+    copyEnds<16>(text, place) || copyEnds<8>(text, place) || copyEnds<4>(text, place) ||
+        copyEnds<2>(text, place) || copyEnds<1>(text, place);
   }
   /// Copies so many bytes from either end, which together are all of the text, unless it is shorter than
   /// that.

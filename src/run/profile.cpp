@@ -132,7 +132,7 @@ int profile(int argc, char** argv, RecordSource& records) {
 
   parseOptions(argc, argv);
   // Crossed on purpose: the option for white space steers the labels and the one for labels the white space.
-  auto* writer = new PerfJSONWriter(addJSONWhiteSpace, addJSONLabels);
+  auto* writer = new DocumentWriter(addJSONWhiteSpace, addJSONLabels);
   calcTimeConversion();
   readEnvironment();
   PerfRecordSample::_keepsSamples = !gTimechartMode;

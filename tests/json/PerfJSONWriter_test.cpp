@@ -4,6 +4,7 @@
 
 #include "run/Settings.h"
 #include "support/Conversion.h"
+#include "timechart/ChartEntry.h"
 
 namespace {
 
@@ -72,6 +73,59 @@ TEST(PerfJSONWriter, DissolvesRecordsWithoutLabels) {
   writer.writeNamed("quote\"", static_cast<unsigned short>(7));
   writer.close();
   EXPECT_EQ(folder.read("out"), "{\"data\":[\n1,1.5\n,2,1.5,[7,8]],\"counts\":[3,3,3],\"quote\"\":7}\n");
+}
+
+/// Notes which operations it is asked for, and does what PerfJSONWriter does.
+class NotingWriter : public PerfJSONWriter {
+ public:
+  using PerfJSONWriter::PerfJSONWriter;
+  using PerfJSONWriter::writeJson;
+  using PerfJSONWriter::writeNamed;
+  void writeArrayStart(const char* label) override {
+    noted += '[';
+    PerfJSONWriter::writeArrayStart(label);
+  }
+  void writeArrayEnd() override {
+    noted += ']';
+    PerfJSONWriter::writeArrayEnd();
+  }
+  void writeNamed(const char* label, unsigned long long value) override {
+    noted += 'l';
+    PerfJSONWriter::writeNamed(label, value);
+  }
+  void writeNamed(const char* label, unsigned int value) override {
+    noted += 'i';
+    PerfJSONWriter::writeNamed(label, value);
+  }
+  void writeJson(const char* text) override {
+    noted += text;
+    PerfJSONWriter::writeJson(text);
+  }
+
+  std::string noted;
+};
+
+/// Writes a back-trace and a series of one point.
+std::string bulk(PerfJSONWriter& writer) {
+  const Conversion folder;
+  writer.open(folder.path("out").c_str());
+  writer.setIncludeLabels(false);
+  writer.writeArrayStart(nullptr);
+  const BackTraceEntry entries[] = {{5, 6}, {7, 8}};
+  writer.writeBackTrace("bt", "ip", "mapkey", entries);
+  ChartEntry(writer).point(1.5, 9);
+  writer.writeArrayEnd();
+  writer.close();
+  return folder.read("out");
+}
+
+TEST(PerfJSONWriter, GivesADerivedWriterEveryCall) {
+  NotingWriter derived(true, false);
+  DocumentWriter own(true, false);
+  const char* const document = "[[[5,6,],[7,8,],],[1.500000,9]]\n";
+  EXPECT_EQ(bulk(derived), document);
+  EXPECT_EQ(derived.noted, "[[[li][li]][1.500000,9]]");
+  EXPECT_EQ(bulk(own), document);
 }
 
 TEST(PerfJSONWriter, GoesOnWithoutAFileAndSaysWhyOnlyWhenAsked) {

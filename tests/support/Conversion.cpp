@@ -111,7 +111,8 @@ int Conversion::runProgram(const std::vector<std::string>& arguments) const {
   return profile(static_cast<int>(words.size()), argv.data());
 }
 
-Ending Conversion::runApart(const std::string& recording, const std::vector<std::string>& arguments) const {
+Ending Conversion::runApart(const std::string& recording, const std::vector<std::string>& arguments,
+                            const std::function<void()>& prepare) const {
   constexpr unsigned int mostSeconds = 20;
   write("perf.data", recording);
   std::vector<std::string> all = {"-i", path("perf.data"), "-o", path("out"), "-p", path("root")};
@@ -121,6 +122,7 @@ Ending Conversion::runApart(const std::string& recording, const std::vector<std:
   if (child == 0) {
     alarm(mostSeconds);
     if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(99);
+    prepare();
     // An exception must end this process, as it ends the program, and not reach the test's own handler.
     [&]() noexcept { _exit(runProgram(all)); }();
   }
@@ -128,7 +130,8 @@ Ending Conversion::runApart(const std::string& recording, const std::vector<std:
   rusage usage{};
   wait4(child, &status, 0, &usage);
   Ending ending;
-  ending.endedWell = WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == 255);
+  ending.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  ending.endedWell = ending.status == 0 || ending.status == 255;
   ending.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
   ending.aborted = ending.signal == SIGABRT;
   ending.peakMegabytes = usage.ru_maxrss / 1024;

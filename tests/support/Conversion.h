@@ -29,6 +29,7 @@ struct Ending {
   bool endedWell = false;  ///< or with the message for an unusable file
   bool aborted = false;    ///< by an exception that nobody caught
   int signal = 0;
+  int status = 0;  ///< of its exit
   long peakMegabytes = 0;
 };
 
@@ -61,8 +62,11 @@ class Conversion {
   std::string runFile(const std::string& file, const std::vector<std::string>& arguments = {});
   /// Runs the program with just these arguments; answers its exit status.
   int runProgram(const std::vector<std::string>& arguments) const;
-  /// Converts the bytes of a recording in a process of its own, which speaks to nobody, to the file "out".
-  Ending runApart(const std::string& recording, const std::vector<std::string>& arguments) const;
+  /// Converts the bytes of a recording to the file "out", in a child process with standard output discarded.
+  /// The child calls `prepare` first.
+  Ending runApart(
+      const std::string& recording, const std::vector<std::string>& arguments,
+      const std::function<void()>& prepare = [] {}) const;
 
  private:
   std::string _folder;
