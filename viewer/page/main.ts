@@ -1,4 +1,5 @@
 import { everything } from '../model/filter';
+import { followFragment } from './fragment';
 import { Opener } from './Opener';
 import { Shell } from './Shell';
 import { Store } from '../views/store';
@@ -14,7 +15,12 @@ const store = new Store({
   search: '',
   place: -1,
   panel: 'flame',
+  lanes: { folded: new Set(), hidden: new Set(), pinned: new Set() },
+  cursor: null,
+  run: null,
+  mark: null,
 });
+followFragment(store);
 const opener = new Opener(store);
 new Shell(document.body, store, opener, views);
 opener.openEmbedded(document);

@@ -8,6 +8,8 @@ export interface App {
   announce(text: string): void;
   /** Shows `lines` beside the pointer, as text; null hides them. */
   tooltip(lines: readonly string[] | null, event?: MouseEvent): void;
+  /** Shows a line over all time views where the pointer is; null hides it. */
+  hover(time: number | null): void;
 }
 
 export interface View {
@@ -24,4 +26,13 @@ export interface View {
   draw(state: State, changed: ReadonlySet<keyof State>): void;
   /** Handles a key press while the view has the focus; returns whether it did. */
   key(event: KeyboardEvent): boolean;
+  /** Moves to the next (1) or previous (-1) match of the state's search; returns what it is, or null without one. */
+  find?(direction: 1 | -1): string | null;
+  /** What it shows of the selection, as rows of cells; the first row names the columns. */
+  table?(): readonly (readonly string[])[];
+  /** The selected samples as folded stacks. */
+  folded?(): string;
+  /** What it shows, as a vector picture and as pixels. */
+  svg?(): string;
+  canvas?(): HTMLCanvasElement;
 }

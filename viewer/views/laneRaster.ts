@@ -31,8 +31,10 @@ interface Band {
 }
 
 const heights = { states: 13, overlap: 4, level: 17, marks: 6, texts: 13 };
+/** A row of marks alone is as high as the words of its label. */
+const onlyMarks = 13;
 const headingHeight = 17;
-const margin = 4;
+export const margin = 4;
 
 /** Returns the bands of a row, from top to bottom; heights are in pixels of the page. */
 export function bandsOf(lane: Lane): Band[] {
@@ -49,7 +51,8 @@ export function bandsOf(lane: Lane): Band[] {
     else if (track.role === 'waitGpu') overlap.tracks.push(track);
     else states.tracks.push(track);
   }
-  return [texts, marks, states, overlap, level].filter((band) => band.tracks.length > 0);
+  const bands = [texts, marks, states, overlap, level].filter((band) => band.tracks.length > 0);
+  return bands.length === 1 && bands[0] === marks ? [{ ...marks, height: onlyMarks }] : bands;
 }
 
 /** Returns the height of a row in pixels of the page. */

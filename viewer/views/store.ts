@@ -1,13 +1,15 @@
 /** The one state of the page. Setters only mark; one commit a frame tells everyone. */
 
+import type { Extent } from '../model/axis';
 import type { Filter } from '../model/filter';
+import type { LaneChoice } from '../model/lanes';
 import type { ProfileModel } from '../model/ProfileModel';
+import type { Run } from '../model/tasks';
 import type { TimechartModel } from '../model/TimechartModel';
 
-/** Seconds on the documents' common axis. */
-export interface Span {
-  readonly start: number;
-  readonly end: number;
+export interface Cursor {
+  readonly lane: string;
+  readonly time: number;
 }
 
 /** A document that is being read, or what became of it. */
@@ -27,7 +29,7 @@ export interface State {
   readonly baseline: ProfileModel | null;
   readonly timechart: TimechartModel | null;
   /** The part of the time axis that is shown; null shows all of it. */
-  readonly visible: Span | null;
+  readonly visible: Extent | null;
   /** The selected span, threads, cores and text: what all figures are about. */
   readonly filter: Filter;
   /** Text that is highlighted. */
@@ -36,6 +38,14 @@ export interface State {
   readonly place: number;
   /** Id of the view in the main panel. */
   readonly panel: string;
+  /** Rows of the timechart that are folded, hidden or pinned. */
+  readonly lanes: LaneChoice;
+  /** Where the keyboard stands in the timechart: a row's path and a time; null before its first use. */
+  readonly cursor: Cursor | null;
+  /** The selected run of a task, whose span and thread the filter holds; null if something else is selected. */
+  readonly run: Run | null;
+  /** A moment to measure from, or null. */
+  readonly mark: number | null;
 }
 
 type Listener = (state: State, changed: ReadonlySet<keyof State>) => void;

@@ -52,7 +52,7 @@ test('a value shows the least and the greatest of each column', () => {
 
 test('moments are one column each, and those of the second kind are higher', () => {
   const marks = track('gpu-3-0-i1', 'gpu:issue', 'x_root', [[1, 1], [1.01, 1], [5, 2]], { type: 'marker', white: '#ff0000' });
-  near(paint(10, { start: 0, end: 10 }, marks).area.get(0xff0000), [0, 3, 0, 0, 0, 6, 0, 0, 0, 0]);
+  near(paint(10, { start: 0, end: 10 }, marks).area.get(0xff0000), [0, 6.5, 0, 0, 0, 13, 0, 0, 0, 0]);
 });
 
 test('rows without points and spans beside them stay empty', () => {

@@ -1,0 +1,48 @@
+import { button, element } from '../views/dom';
+
+/** What the page can be told by keys and pointer, in the order of the help. */
+const sections: readonly (readonly [string, readonly (readonly [string, string])[]])[] = [
+  [
+    'Page',
+    [
+      ['O', 'open documents'],
+      ['1 … 9', 'show that view'],
+      ['/', 'search; Enter and N find the next match, Shift+N the previous one'],
+      ['Z', 'undo the last selection'],
+      ['Escape', 'select everything'],
+      ['C, Shift+C', 'copy the view as a table, the samples as folded stacks'],
+      ['Tab', 'go to the next part of the page'],
+    ],
+  ],
+  [
+    'Time',
+    [
+      ['W, S', 'zoom in, out; also Ctrl and the wheel'],
+      ['A, D', 'move left, right; also Shift and the wheel, or Shift and a drag'],
+      ['drag', 'select a span; a double click shows it'],
+      ['F, 0', 'show the selection, show all'],
+    ],
+  ],
+  [
+    'Timechart rows',
+    [
+      ['↑, ↓', 'go to the row above, below'],
+      ['←, →', 'go to the row’s previous, next point in time; with Shift, select up to it'],
+      ['Enter, click', 'select what the row shows there: a run of a task with its samples'],
+      ['[, ]', 'select the previous, next run of the task'],
+      ['M', 'measure from here'],
+      ['Space, P, H, U', 'fold, pin, hide a row; show the hidden ones'],
+    ],
+  ],
+];
+
+/** Returns the dialog that lists keys and gestures. */
+export function helpDialog(): HTMLDialogElement {
+  const dialog = element('dialog', { class: 'help', 'aria-label': 'Keys and help' });
+  for (const [title, keys] of sections) {
+    const rows = keys.map(([key, meaning]) => element('tr', {}, element('th', { scope: 'row' }, element('kbd', {}, key)), element('td', {}, meaning)));
+    dialog.append(element('h2', {}, title), element('table', {}, element('tbody', {}, ...rows)));
+  }
+  dialog.append(button('Close', 'Close the help (Escape)', () => dialog.close()));
+  return dialog;
+}
