@@ -2,6 +2,7 @@ import type { Damage } from './damage';
 import type { Entry, Timechart } from './timechart';
 import { grown } from './StackTable';
 import { shownName } from './text';
+import { timeOrder } from './timeOrder';
 
 /** Everything of an entry but its points. */
 export interface Head {
@@ -79,7 +80,7 @@ export class TimechartBuilder {
       const next = this.ranges[index + 1];
       const end = next?.first ?? this.first;
       const endText = next?.firstText ?? this.firstText;
-      return {
+      return inOrder({
         ...head,
         name: shownName(head.name),
         tip: shownName(head.tip),
@@ -88,7 +89,7 @@ export class TimechartBuilder {
         names: this.names.subarray(firstText, endText),
         details: this.details.subarray(firstText, endText),
         exact,
-      };
+      });
     });
     return { kind: 'timechart', name: this.name, entries, strings: this.strings, damage };
   }
@@ -101,4 +102,20 @@ export class TimechartBuilder {
     }
     return index;
   }
+}
+
+/** Puts an entry's points in the order of time: the list of all markers stands in the order of the trace. */
+function inOrder(entry: Entry): Entry {
+  const order = timeOrder(entry.times);
+  if (order === null) return entry;
+  for (const column of [entry.times, entry.values, entry.names, entry.details]) {
+    if (column.length === order.length) column.set(Array.from(order, (from) => column[from]));
+  }
+  if (entry.exact === null) return entry;
+  const exact = new Map<number, bigint>();
+  order.forEach((from, to) => {
+    const value = entry.exact!.get(from);
+    if (value !== undefined) exact.set(to, value);
+  });
+  return { ...entry, exact };
 }

@@ -15,7 +15,7 @@ export interface Entry {
   /** The hints: `#rrggbb` on a white and on a black background, or empty. */
   readonly white: string;
   readonly black: string;
-  /** Seconds. */
+  /** Seconds, ascending. */
   readonly times: Float64Array;
   /** Value of each point; for `events` its code. */
   readonly values: Float64Array;

@@ -1,4 +1,4 @@
-import { button, element, shownName } from '../views/dom';
+import { button, element, shortName } from '../views/dom';
 import type { Reading, State, Store } from '../views/store';
 import { axisWidth, brushOf, describeSpan, gutter, setBrush, shownExtent, timeKey } from '../views/timeAxis';
 import type { App, View } from '../views/View';
@@ -170,12 +170,12 @@ export class Shell implements App {
 
   private drawReadings(readings: readonly Reading[]): void {
     const chips = readings.map(({ id, name, bytes, total, state, message }) => {
-      const chip = element('span', { class: `reading ${state}` }, state === 'failed' || state === 'damaged' ? shownName(message) : shownName(name));
+      const chip = element('span', { class: `reading ${state}` }, state === 'failed' || state === 'damaged' ? shortName(message) : shortName(name));
       if (state === 'reading') {
         const done = total > 0 ? bytes / total : 0;
         chip.append(
-          element('progress', { max: '1', value: String(done), 'aria-label': `Reading ${shownName(name)}` }),
-          button('✕', `Stop reading ${shownName(name)}`, () => this.opener.cancel(id)),
+          element('progress', { max: '1', value: String(done), 'aria-label': `Reading ${shortName(name)}` }),
+          button('✕', `Stop reading ${shortName(name)}`, () => this.opener.cancel(id)),
         );
       }
       return chip;
@@ -289,7 +289,7 @@ export class Shell implements App {
     for (const view of views) {
       const match = state.search === '' ? null : view.find?.(direction) ?? null;
       if (match === null) continue;
-      this.found.textContent = shownName(match);
+      this.found.textContent = shortName(match);
       return;
     }
     this.found.textContent = state.search === '' ? '' : 'no match';

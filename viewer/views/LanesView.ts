@@ -4,7 +4,7 @@ import { pointsBefore, pointsUntil, Slice } from '../model/steps';
 import type { TimechartModel } from '../model/TimechartModel';
 import type { Track } from '../model/tracks';
 import type { State } from './store';
-import { button, element, fitCanvas, isDark, shownName } from './dom';
+import { button, element, fitCanvas, isDark, shortName } from './dom';
 import { laneHeight, paintLane, Picture, Pixels } from './laneRaster';
 import { CanvasWriter, writeTexts } from './laneTexts';
 import { selectRun } from './runs';
@@ -183,10 +183,10 @@ export class LanesView implements View {
           id: `lane-${lane.path}`,
           'aria-level': String(lane.depth + 1),
           'aria-selected': String(lane.path === current),
-          title: shownName(lane.label),
+          title: shortName(lane.label),
         },
         element('span', { class: 'fold', 'aria-hidden': 'true' }, lane.children.length === 0 ? '' : folded ? '▸' : '▾'),
-        element('span', { class: 'lane-name' }, shownName(lane.label)),
+        element('span', { class: 'lane-name' }, shortName(lane.label)),
         button(pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)', () => this.toggle('pinned', lane), { tabindex: '-1' }),
         button('✕', 'Hide (H)', () => this.toggle('hidden', lane), { tabindex: '-1' }),
       );
@@ -261,18 +261,18 @@ export class LanesView implements View {
     const model = state.timechart!;
     const shown = shownExtent(state);
     const pixel = (shown.end - shown.start) / this.width;
-    const lines = [shownName(lane.label)];
+    const lines = [shortName(lane.label)];
     for (const track of lane.tracks) lines.push(...this.describeTrack(model, track, time, pixel));
     const busy = lane.tracks.find(({ role }) => role === 'busy');
     const run = busy === undefined ? null : model.tasks.runOnCore(busy.cpu, time);
-    if (run !== null) lines.push(`${shownName(run.label)} for ${formatDuration(run.end - run.start)}`);
+    if (run !== null) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
     lines.push(formatTime(time) + (state.mark === null ? '' : `, ${formatDuration(time - state.mark)} from the mark`));
     return lines;
   }
 
   private describeTrack(model: TimechartModel, track: Track, time: number, pixel: number): string[] {
     const { entry, steps, shape } = track;
-    const name = shownName(entry.tip || entry.name);
+    const name = shortName(entry.tip || entry.name);
     if (shape === 'state') {
       const slice = steps.sliceAt(time, model.end);
       if (slice !== null) return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
@@ -284,7 +284,7 @@ export class LanesView implements View {
     const to = pointsUntil(steps.times, time + 3 * pixel);
     const texts = Array.from({ length: Math.min(5, to - from) }, (_, i) => {
       const text = model.markerText(track, from + i);
-      return text === null ? `${name}: ${steps.values[from + i]}` : `${shownName(text.name)} ${shownName(text.detail)}`;
+      return text === null ? `${name}: ${steps.values[from + i]}` : `${shortName(text.name)} ${shortName(text.detail)}`;
     });
     return to - from > 5 ? [...texts, `and ${to - from - 5} more`] : texts;
   }
@@ -384,7 +384,7 @@ export class LanesView implements View {
     const added = !chosen.delete(path);
     if (added) chosen.add(path);
     this.choose({ [what]: chosen });
-    this.app.announce(`${shownName(label)}: ${added ? what : `no longer ${what}`}`);
+    this.app.announce(`${shortName(label)}: ${added ? what : `no longer ${what}`}`);
   }
 
   private choose(change: Partial<LaneChoice>): void {

@@ -1,7 +1,7 @@
 import { formatShare } from '../model/axis';
 import type { SpanUse, TaskUse } from '../model/span';
 import type { TimechartModel } from '../model/TimechartModel';
-import { button, element, shownName } from './dom';
+import { button, element, shortName } from './dom';
 import { describeRun, selectRun } from './runs';
 import type { State } from './store';
 import { brushOf, describeSpan, showTime, spanOf } from './timeAxis';
@@ -73,20 +73,20 @@ function sections(use: SpanUse): [string, readonly Cells[]][] {
   const length = use.end - use.start;
   const share = (seconds: number) => (length > 0 ? formatShare(seconds / length) : '');
   const counters = [...use.counters.keys()];
-  const cores = use.cores.map(({ label, busy, longestGap }) => [shownName(label), milliseconds(busy), share(busy), milliseconds(longestGap)]);
+  const cores = use.cores.map(({ label, busy, longestGap }) => [shortName(label), milliseconds(busy), share(busy), milliseconds(longestGap)]);
   const tasks = use.tasks.map((task) => taskCells(task, share, counters));
-  const interrupts = use.interrupts.map(({ label, count, seconds }) => [shownName(label), String(count), milliseconds(seconds), share(seconds)]);
+  const interrupts = use.interrupts.map(({ label, count, seconds }) => [shortName(label), String(count), milliseconds(seconds), share(seconds)]);
   const all: [string, readonly Cells[]][] = [
     ['Cores', [['Core', 'Busy, ms', 'Share', 'Longest gap, ms'], ...cores]],
     [
       `Tasks: ${use.switches} switches`,
       [
-        ['Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches', 'Longest gap, ms', ...counters.map(shownName)],
+        ['Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches', 'Longest gap, ms', ...counters.map(shortName)],
         ...tasks,
       ],
     ],
     ['Interrupts', [['Interrupt', 'Count', 'Time, ms', 'Share'], ...interrupts]],
-    ['Counters', [['Counter', 'Sum'], ...[...use.counters].map(([name, sum]) => [shownName(name), whole(sum)])]],
+    ['Counters', [['Counter', 'Sum'], ...[...use.counters].map(([name, sum]) => [shortName(name), whole(sum)])]],
   ];
   return all.filter(([, rows]) => rows.length > 1);
 }
@@ -95,7 +95,7 @@ function taskCells(task: TaskUse, share: (seconds: number) => string, counters: 
   const { label, running, waitCpu, waitIo, waitGpu, switches, longestGap } = task;
   const sums = counters.map((name) => (task.counters.has(name) ? whole(task.counters.get(name)!) : ''));
   const waits = [waitCpu, waitIo, waitGpu].map(milliseconds);
-  return [shownName(label), milliseconds(running), share(running), ...waits, String(switches), milliseconds(longestGap), ...sums];
+  return [shortName(label), milliseconds(running), share(running), ...waits, String(switches), milliseconds(longestGap), ...sums];
 }
 
 const whole = (sum: number) => Math.round(sum).toLocaleString('en');

@@ -24,13 +24,9 @@ export function button(label: string, title: string, press: () => void, more: At
 
 const longest = 300;
 
-/** Returns a name fit for one line: control and direction marks are shown as such, and a long one loses its middle. */
-export function shownName(name: string): string {
-  const short = name.length <= longest ? name : `${name.slice(0, longest - 60)}…${name.slice(-59)}`;
-  return short.replace(/[\u0000-\u001f\u007f-\u009f\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff]/g, (mark) =>
-    mark < ' ' ? String.fromCharCode(0x2400 + mark.charCodeAt(0)) : '\ufffd',
-  );
-}
+/** Returns a name of bearable length: a longer one loses its middle. Readers of documents have made it visible. */
+export const shortName = (name: string): string =>
+  name.length <= longest ? name : `${name.slice(0, longest - 60)}…${name.slice(-59)}`;
 
 /** Returns whether the page is dark. */
 export const isDark = () => matchMedia('(prefers-color-scheme: dark)').matches;

@@ -4,7 +4,7 @@ import type { Lane } from '../model/lanes';
 import { pointsBefore } from '../model/steps';
 import type { TimechartModel } from '../model/TimechartModel';
 import type { Track } from '../model/tracks';
-import { shownName } from './dom';
+import { shortName } from './dom';
 import { bandsOf, colourOf, margin, Picture } from './laneRaster';
 
 /** The task that the kernel runs when there is none. */
@@ -42,9 +42,12 @@ function writeTasks(writer: Writer, model: TimechartModel, track: Track, middle:
     if (run.task === idleTask) return;
     const left = Math.max(0, (run.start - shown.start) / pixel);
     const right = Math.min(width, (run.end - shown.start) / pixel);
-    if (right - left >= leastRoom * scale) writer.text(shownName(run.label), left + 3 * scale, middle, right - left - 6 * scale, colour);
+    if (right - left >= leastRoom * scale) writer.text(taskName(run.label), left + 3 * scale, middle, right - left - 6 * scale, colour);
   });
 }
+
+/** A task's label is its number and its name; the name alone has more room. */
+const taskName = (label: string) => shortName(label.replace(/^\d+ - (?=.)/, ''));
 
 /** Writes a marker's name after its moment, as far as the next one. */
 function writeMarkers(writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
@@ -58,7 +61,7 @@ function writeMarkers(writer: Writer, model: TimechartModel, track: Track, middl
     const right = next < times.length ? Math.min(width, (times[next] - shown.start) / pixel) : width;
     const text = model.markerText(track, i);
     if (text !== null && right - left >= leastRoom * scale) {
-      const words = shownName(text.detail === '' ? text.name : `${text.name} ${text.detail}`);
+      const words = shortName(text.detail === '' ? text.name : `${text.name} ${text.detail}`);
       writer.text(words, left + 4 * scale, middle, right - left - 8 * scale, picture.dark ? 0xe6e6e6 : 0x222222);
     }
     // Moments without room are skipped by columns, not one by one.

@@ -2,12 +2,12 @@
 
 import { formatDuration, formatShare, formatTime } from '../model/axis';
 import type { Run, Tasks } from '../model/tasks';
-import { shownName } from './dom';
+import { shortName } from './dom';
 import type { App } from './View';
 
 /** Returns the lines that tell a run: which task, since when, and what it waited for before. */
 export function describeRun(tasks: Tasks, run: Run): string[] {
-  const lines = [`${shownName(run.label)} ran on CPU ${run.cpu} for ${formatDuration(run.end - run.start)}, from ${formatTime(run.start)} to ${formatTime(run.end)}`];
+  const lines = [`${shortName(run.label)} ran on CPU ${run.cpu} for ${formatDuration(run.end - run.start)}, from ${formatTime(run.start)} to ${formatTime(run.end)}`];
   const wait = tasks.waitBefore(run);
   if (wait === null) return [...lines, 'its first run'];
   const parts = [

@@ -9,8 +9,8 @@ const text = `
 ${entry('cpu-0-b', 'binary', '[0.000100,1],[0.000150,0]')}
 ,${entry('empty', 'bar', '')}
 ,${entry('proc-1-r0', 'binary', '[0.000001, 1],[2.500000, 0],')}
-,${entry('ctr', 'bar', '[-1.000001,18446744073709551615],[5000000000.123456,0]')}
-,${entry('evt', 'events', '[0.5,3,"na\\nme","a\x07",],[1,4,"name","",],')}
+,${entry('ctr', 'bar', '[5000000000.123456,0],[-1.000001,18446744073709551615]')}
+,${entry('evt', 'events', '[1,4,"name","",],[0.5,3,"na\\nme","a\x07",],')}
 ,]}`;
 
 const shown = (document: Awaited<ReturnType<typeof readTimechart>>) =>
@@ -19,7 +19,7 @@ const shown = (document: Awaited<ReturnType<typeof readTimechart>>) =>
     return [id, show, tip, white, black, [...times], [...values], [...names].map(string), [...details].map(string)];
   });
 
-test('entries become columns', async () => {
+test('entries become columns in the order of time', async () => {
   const document = await readTimechart(text);
   const colours = [1, 'x', '#000000', '#ffffff'];
   assert.deepEqual(shown(document), [

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { Lane, laneTree, visibleLanes } from '../../../viewer/model/lanes';
-import { track } from '../support/tracks';
+import { track } from '../tracks';
 
 const none = new Set<string>();
 const points: [number, number][] = [[1, 1]];
@@ -17,6 +17,7 @@ const tree = laneTree([
   track('cpu-0-s-0', 'cpu:idle', 's_0_cpu_root', points, { name: 'CPU 0 Idle State', show: 1 }),
   track('cpu-0-s-2', 'cpu:idle', 's_0_cpu_root', points, { name: 'CPU 0 Idle State', show: 1 }),
   track('irq-29-0', 'irq', '29_irq_root', points, { name: 'timer' }),
+  track('irq-1001-0', 'irq', '1001_irq_root', points, { name: 'TIMER' }),
   track('proc-9-r0', 'proc:running', '9_proc_root', points, { name: '9 - idle child' }),
   track('proc-12-r0', 'proc:running', '12_10_proc_root', points, { name: '12 - thread', show: 1 }),
   track('proc-10-r1', 'proc:running', '10_proc_root', points, { name: '10 - game', show: 1 }),
@@ -30,7 +31,7 @@ test('tasks lie under their processes and shown rows come first', () => {
     'Cores 0', ' CPU 0 Busy 1', '  CPU 0 Frequency 1', '  CPU 0 Idle State 2',
     'Tasks 0', ' 10 - game 1', '  12 - thread 1', '  cycles 1', ' 9 - idle child 1', ' 30 0', '  31 - orphan 1',
     'FTrace Events 1',
-    'Interrupts 0', ' timer 1',
+    'Interrupts 0', ' 29 - timer 1', ' soft 1 - TIMER 1',
   ]);
 });
 

@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { counted, spanUse } from '../../../viewer/model/span';
 import { Tasks } from '../../../viewer/model/tasks';
-import { track } from '../support/tracks';
+import { track } from '../tracks';
 
 // Task 11 runs on core 0, sleeps for I/O, waits for a core, runs on core 1; task 0 is the idle one.
 const tracks = [

@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { laneTree } from '../../../viewer/model/lanes';
 import { laneHeight, paintLane, Surface } from '../../../viewer/views/laneRaster';
-import { track } from '../support/tracks';
+import { track } from '../tracks';
 
 /** Keeps how much of each column each colour covers, in pixels. */
 class Ledger implements Surface {
