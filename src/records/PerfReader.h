@@ -32,7 +32,7 @@ class PerfReader {
   /// What the verbose run says of a read, and the warning about a size that no record has.
   static void announceRead(int size);
 
-  int _fd = 0;        ///< 0 before open, and taken as "not open"
-  int _lastRead = 0;  ///< result of the latest read that reached the operating system
+  int _fd = 0;                     ///< 0 before open, and taken as "not open"
+  int _lastRead = 0;               ///< result of the latest read that reached the operating system
   unsigned long long _offset = 0;  ///< in the file, of what the operating system gives next
 };

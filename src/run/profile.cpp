@@ -1,5 +1,8 @@
 #include "run/profile.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +21,7 @@
 #include "run/KernelLog.h"
 #include "run/Options.h"
 #include "run/Settings.h"
+#include "run/TerminalReport.h"
 #include "run/TimeBase.h"
 #include "symbols/FileNames.h"
 #include "symbols/SymbolTable.h"
@@ -61,18 +65,25 @@ void loadKernelSymbols() {
 /// The recording that the options name.
 class RecordingFile : public RecordSource {
  public:
+  explicit RecordingFile(TerminalReport& report) : _report(report) {}
+
   void open() override {
-    if (_reader.open(inFileName.c_str()) == -1) errorExit("Bad In File Name", -1);
+    _report.inspectFiles();
+    if (_reader.open(inFileName.c_str()) == 0) return;
+    _report.tellUnreadable(errno);
+    errorExit("Bad In File Name", -1);
   }
 
   void walk() override {
     const PerfRecordHeaderS header = readHeader();
     PerfRecordSampleEvent::readEvents(_reader, header);
+    _report.watch();
     _reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
     // The size of the data section plays no part: the walk goes on to the end of the file.
     while (_reader.status() && !gDoneProcessing)
       if (PerfRecord* record = PerfFactory::readNext(_reader); record != nullptr && !record->isKept())
         delete record;
+    _report.stopWatching();
   }
 
   void close() override { _reader.close(); }
@@ -80,10 +91,13 @@ class RecordingFile : public RecordSource {
  private:
   PerfRecordHeaderS readHeader() {
     PerfRecordHeaderS header{};
-    if (_reader.read(reinterpret_cast<char*>(&header), sizeof header) <= 0) errorExit("Invalid In File", -1);
-    return header;
+    const int count = _reader.read(reinterpret_cast<char*>(&header), sizeof header);
+    if (count > 0) return header;
+    _report.tellUnreadable(count < 0 ? errno : 0);
+    errorExit("Invalid In File", -1);
   }
 
+  TerminalReport& _report;
   PerfBlockReader _reader;
 };
 
@@ -98,11 +112,12 @@ void writeDescription(PerfJSONWriter& writer, const char* chip) {
   writer.newElementEnd();
 }
 
-void writeProfileDocument(PerfJSONWriter& writer) {
+void writeProfileDocument(PerfJSONWriter& writer, TerminalReport& report) {
   writer.newElementStart(nullptr);
   writeDescription(writer, std::getenv("CHIP"));
   // Ahead of all sections: it may still make maps and symbols.
   PerfRecordSample::verifyKeys();
+  report.countSamples();
   PerfRecordComm::outAll(writer);
   PerfRecordMMap::outAll(writer);
   FileNames::outAll(writer);
@@ -118,19 +133,13 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
   manager->writeData(writer);
 }
 
-}  // namespace
-
-int profile(int argc, char** argv) {
-  RecordingFile recording;
-  return profile(argc, argv, recording);
-}
-
-int profile(int argc, char** argv, RecordSource& records) {
+int convert(int argc, char** argv, RecordSource& records, TerminalReport& report) {
   const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start behind it
   const SymbolTable defaultTable;
   FileNames::createEmptyRef();
 
   parseOptions(argc, argv);
+  if (optind < argc) report.tellIgnored({argv + optind, argv + argc});
   // Crossed on purpose: the option for white space steers the labels and the one for labels the white space.
   auto* writer = new DocumentWriter(addJSONWhiteSpace, addJSONLabels);
   calcTimeConversion();
@@ -141,15 +150,31 @@ int profile(int argc, char** argv, RecordSource& records) {
 
   records.open();
   if (writer->open(outFileName.c_str()) == -1) errorExit("Bad Out File Name", -1);
+  report.tellUnwritable(writer->error());
   records.walk();
   if (gTimechartMode) {
     writeTimechartDocument(*writer);
   } else {
-    writeProfileDocument(*writer);
+    writeProfileDocument(*writer, report);
   }
   writer->close();
+  report.tellUnwritable(writer->error());
+  report.summarize();
   records.close();
   closeKernelLog();
   if (gVerbosity > 0) PerfFactory::showStats();
   return 0;
+}
+
+}  // namespace
+
+int profile(int argc, char** argv) {
+  TerminalReport report(TerminalReport::isTerminal());
+  RecordingFile recording(report);
+  return convert(argc, argv, recording, report);
+}
+
+int profile(int argc, char** argv, RecordSource& records) {
+  TerminalReport silence(false);
+  return convert(argc, argv, records, silence);
 }

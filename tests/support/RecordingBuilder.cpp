@@ -5,7 +5,17 @@
 namespace {
 
 constexpr std::size_t kFileHeaderSize = 104;
-constexpr std::size_t kAttributesSize = 80;
+constexpr std::size_t kAttributeSize = 80;
+
+// PERF_SAMPLE_* bits of the two layouts that are read.
+constexpr std::uint64_t kPlainFields = 0x1A7;
+constexpr std::uint64_t kTracePointFields = 0x4C7;
+
+std::string attributeEntry(unsigned int type, std::uint64_t config, std::uint64_t sampleType) {
+  Bytes entry;
+  entry.u32(type).u32(kAttributeSize - 16).u64(config).u64(1).u64(sampleType);
+  return entry.text("", kAttributeSize - entry.str().size()).str();
+}
 
 }  // namespace
 
@@ -110,13 +120,52 @@ RecordingBuilder& RecordingBuilder::bytes(const std::string& bytes) {
   return *this;
 }
 
+RecordingBuilder& RecordingBuilder::attribute(unsigned int type, std::uint64_t config,
+                                              std::uint64_t sampleType) {
+  _attributes.append(attributeEntry(type, config, sampleType));
+  return *this;
+}
+
+RecordingBuilder& RecordingBuilder::feature(unsigned int bit, const std::string& content) {
+  _features.push_back({bit, content});
+  return *this;
+}
+
+RecordingBuilder& RecordingBuilder::textFeature(unsigned int bit, const std::string& text) {
+  return feature(bit, Bytes().u32(64).text(text, 64).str());
+}
+
+RecordingBuilder& RecordingBuilder::dataSize(std::uint64_t size) {
+  _dataSize = size;
+  return *this;
+}
+
 std::string RecordingBuilder::build() const {
-  const std::size_t dataOffset = kFileHeaderSize + kAttributesSize + _events.str().size();
+  const bool isTrace = !_events.str().empty();
+  const std::string attributes =
+      !_attributes.str().empty()
+          ? _attributes.str()
+          : attributeEntry(isTrace ? 2 : 1, 0, isTrace ? kTracePointFields : kPlainFields);
+  const std::size_t dataOffset = kFileHeaderSize + attributes.size() + _events.str().size();
+  std::uint64_t featureBits = 0;
+  for (const Feature& feature : _features) featureBits |= std::uint64_t{1} << feature.bit;
   Bytes file;
-  file.append("PERFFILE").u64(kFileHeaderSize).u64(kAttributesSize);
-  file.u64(kFileHeaderSize).u64(kAttributesSize).u64(dataOffset).u64(_data.str().size());
-  file.text("", kFileHeaderSize - file.str().size()).text("", kAttributesSize);
-  return file.append(_events.str()).append(_data.str()).str();
+  file.append("PERFFILE").u64(kFileHeaderSize).u64(kAttributeSize);
+  file.u64(kFileHeaderSize)
+      .u64(attributes.size())
+      .u64(dataOffset)
+      .u64(_dataSize.value_or(_data.str().size()));
+  file.u64(0).u64(0).u64(featureBits).text("", kFileHeaderSize - file.str().size());
+  file.append(attributes).append(_events.str()).append(_data.str());
+
+  // The places of the feature sections, and then what lies there.
+  std::size_t place = file.str().size() + 16 * _features.size();
+  for (const Feature& feature : _features) {
+    file.u64(place).u64(feature.content.size());
+    place += feature.content.size();
+  }
+  for (const Feature& feature : _features) file.append(feature.content);
+  return file.str();
 }
 
 void RecordingBuilder::save(const std::string& path) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,16 @@ class RecordingBuilder {
   /// From here on trace-points have the common header of that kernel: 304 for 3.4, 310 for 3.10.
   RecordingBuilder& kernel(int version);
   RecordingBuilder& tracePoint(const TracePoint& point, const Payload& payload);
+  /// An event of the attribute section, as perf_event_attr has it; the first one replaces the event that a
+  /// recording has without: a plain one, or with an event table a trace-point, of the fields that are read.
+  RecordingBuilder& attribute(unsigned int type, std::uint64_t config, std::uint64_t sampleType);
+  /// A feature section by the number of its bit, in ascending order.
+  RecordingBuilder& feature(unsigned int bit, const std::string& content);
+  /// The same for one that holds a text.
+  RecordingBuilder& textFeature(unsigned int bit, const std::string& text);
+  /// Size of the data section as the header has it, in place of the true one.
+  RecordingBuilder& dataSize(std::uint64_t size);
+
   /// A record of any type; its body follows the header of 8 bytes.
   RecordingBuilder& record(unsigned int type, const std::string& body);
   /// Anything, as it stands.
@@ -88,7 +99,15 @@ class RecordingBuilder {
  private:
   std::size_t payloadStart() const { return _kernel < 310 ? 12 : 8; }
 
+  struct Feature {
+    unsigned int bit;
+    std::string content;
+  };
+
   int _kernel = 304;
   Bytes _events;
+  Bytes _attributes;
+  std::vector<Feature> _features;
+  std::optional<std::uint64_t> _dataSize;
   Bytes _data;
 };

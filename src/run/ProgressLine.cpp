@@ -1,0 +1,40 @@
+#include "run/ProgressLine.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr std::chrono::milliseconds kBetween(100);
+constexpr std::size_t kUsualWidth = 80;
+
+std::size_t terminalWidth() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsualWidth;
+}
+
+}  // namespace
+
+int ProgressLine::due() const {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(_next - Clock::now());
+  return static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+}
+
+void ProgressLine::show(const std::string& text) {
+  // A line that fills the last column would go on in the next.
+  std::string line = text.substr(0, terminalWidth() - 1);
+  const std::size_t length = line.size();
+  if (length < _shown) line.append(_shown - length, ' ');
+  std::fprintf(stderr, "\r%s", line.c_str());
+  _shown = length;
+  _next = Clock::now() + kBetween;
+}
+
+void ProgressLine::clear() {
+  // Blanks, as not every terminal knows a command for it.
+  if (_shown > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(_shown), "");
+  _shown = 0;
+}
