@@ -5,8 +5,9 @@
 
 namespace zelkit {
 
-/// "zelsyms1" as a number: a block of another byte order or version does not have it.
-constexpr std::uint64_t kListMagic = 0x31736d79736c657a;
+/// "zelsyms2" as a number. A block of another byte order does not have it, nor one that was made by other
+/// rules: the number grows with them.
+constexpr std::uint64_t kListMagic = 0x32736d79736c657a;
 
 struct ListHeader {
   std::uint64_t magic;

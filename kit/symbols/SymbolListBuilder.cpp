@@ -13,53 +13,57 @@ constexpr std::uint64_t kLargestFunction = std::uint64_t{64} << 20;
 constexpr std::uint64_t kLargestPiece = std::uint64_t{1} << 20;
 constexpr std::size_t kMostText = 0xFFFFFFFF;
 
-void append(std::string& bytes, const auto& value) {
-  bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
-}
-
 }  // namespace
 
 /// Cuts overlapping functions into the pieces of a block. The functions come in ascending order.
 class SymbolListBuilder::Pieces {
  public:
-  explicit Pieces(std::string& block) : _block(block) {}
+  /// Writes everything up to the address, which is not before that of an earlier call. Returns whether a
+  /// function that has begun goes on there.
+  bool advanceTo(std::uint64_t address) {
+    while (_done < address && hasOpen()) writePiece(address);
+    _done = address;
+    return hasOpen();
+  }
 
-  /// Whether a function that has begun covers the address.
-  bool covers(std::uint64_t address) {
-    while (!_open.empty() && _open.back().end <= address) _open.pop_back();
+  /// Opens a function. Everything up to its address must be written.
+  void begin(const Entry& function) { _open.push_back(function); }
+
+  [[nodiscard]] const std::vector<ListEntry>& all() const { return _pieces; }
+
+ private:
+  /// Whether a function covers what comes next. The last one is then the innermost of those.
+  bool hasOpen() {
+    while (!_open.empty() && _open.back().end <= _done) _open.pop_back();
     return !_open.empty();
   }
 
-  /// Writes what the open functions cover up to the start of this one, and opens it.
-  void begin(const Entry& function) {
-    writeTo(function.address);
-    _done = function.address;
-    _open.push_back(function);
-  }
-
-  void finish() { writeTo(kNoLimit); }
-
-  [[nodiscard]] std::uint64_t count() const { return _count; }
-
- private:
-  void writeTo(std::uint64_t address) {
-    while (_done < address && covers(_done)) {
-      const Entry& innermost = _open.back();
-      const std::uint64_t end = std::min({innermost.end, address, _done + kLargestPiece});
-      append(_block, ListEntry{.address = _done,
-                               .size = static_cast<std::uint32_t>(end - _done),
-                               .name = innermost.name,
-                               .file = innermost.file,
-                               .line = innermost.line});
-      ++_count;
-      _done = end;
+  void writePiece(std::uint64_t limit) {
+    const Entry& innermost = _open.back();
+    const std::uint64_t size = std::min(std::min(innermost.end, limit) - _done, kLargestPiece);
+    if (continuesLast(innermost, size)) {
+      _pieces.back().size += static_cast<std::uint32_t>(size);
+    } else {
+      _pieces.push_back({.address = _done,
+                         .size = static_cast<std::uint32_t>(size),
+                         .name = innermost.name,
+                         .file = innermost.file,
+                         .line = innermost.line});
     }
+    _done += size;
   }
 
-  std::string& _block;
+  /// Whether nothing came between the last piece and the next one of the same function.
+  [[nodiscard]] bool continuesLast(const Entry& function, std::uint64_t size) const {
+    if (_pieces.empty()) return false;
+    const ListEntry& last = _pieces.back();
+    return last.name == function.name && last.address + last.size == _done &&
+           last.size + size <= kLargestPiece;
+  }
+
+  std::vector<ListEntry> _pieces;
   std::vector<Entry> _open;  ///< the outermost first
   std::uint64_t _done = 0;   ///< the pieces up to here are written
-  std::uint64_t _count = 0;
 };
 
 void SymbolListBuilder::add(const Symbol& symbol, std::uint64_t limit, std::uint64_t rank) {
@@ -100,20 +104,23 @@ void SymbolListBuilder::keepBestOfEachAddress() {
 
 SymbolList SymbolListBuilder::build() {
   keepBestOfEachAddress();
-  std::string block;
-  append(block, ListHeader{.magic = kListMagic, .count = 0});
-  Pieces pieces(block);
+  Pieces pieces;
   for (std::size_t i = 0; i < _entries.size(); ++i) {
     Entry& entry = _entries[i];
+    const bool isInside = pieces.advanceTo(entry.address);
     if (entry.end == entry.address) {
-      if (pieces.covers(entry.address)) continue;
+      if (isInside) continue;
       entry.end = i + 1 < _entries.size() ? std::min(entry.limit, _entries[i + 1].address) : entry.limit;
     }
     pieces.begin(entry);
   }
-  pieces.finish();
-  const ListHeader header{.magic = kListMagic, .count = pieces.count()};
-  block.replace(0, sizeof header, reinterpret_cast<const char*>(&header), sizeof header);
+  pieces.advanceTo(kNoLimit);
+  const std::vector<ListEntry>& entries = pieces.all();
+  const ListHeader header{.magic = kListMagic, .count = entries.size()};
+  std::string block;
+  block.reserve(sizeof header + entries.size() * sizeof(ListEntry) + _texts.size());
+  block.append(reinterpret_cast<const char*>(&header), sizeof header);
+  block.append(reinterpret_cast<const char*>(entries.data()), entries.size() * sizeof(ListEntry));
   block += _texts;
   *this = {};
   return SymbolList::fromBytes(std::move(block));

@@ -1,0 +1,39 @@
+// A program to make symbol lists of. The tests know the names and lines of its functions.
+
+namespace fixture {
+
+__attribute__((noinline)) static int hidden(int value) {  // line 5
+  return value * 3;
+}
+
+struct Shape {
+  int sides;
+  __attribute__((noinline)) int twice(int value) const { return hidden(value) * sides; }  // line 11
+};
+
+}  // namespace fixture
+
+extern "C" __attribute__((noinline)) int plain_name(int value) {  // line 16
+  return fixture::Shape{value}.twice(2);
+}
+
+// A function of unknown size, data marks as on ARM, and a gap that belongs to nobody.
+asm(R"(
+  .text
+  .type unsized, %function
+unsized:
+$a:
+  nop
+  nop
+  .balign 64
+  .type after_gap, %function
+after_gap:
+$d.1:
+  nop
+  .size after_gap, . - after_gap
+  .skip 60, 0
+)");
+
+int main(int count, char**) {
+  return plain_name(count);
+}
