@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kReadAhead = 256 * 1024;
+constexpr std::size_t kReadAhead = std::size_t{256} * 1024;
 
 [[noreturn]] void fail(const std::string& path, const std::string& reason) {
   throw std::runtime_error(path + ": " + reason);

@@ -7,7 +7,7 @@ namespace zelkit {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 256 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
 constexpr char kEnd = '\0';
 
 constexpr bool needsEscape(char byte) {

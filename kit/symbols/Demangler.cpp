@@ -9,7 +9,7 @@ namespace zelkit {
 
 namespace {
 
-constexpr std::size_t kLongestName = 16 * 1024;
+constexpr std::size_t kLongestName = std::size_t{16} * 1024;
 
 /// What the demangler has written so far.
 struct Output {

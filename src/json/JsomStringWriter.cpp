@@ -164,14 +164,14 @@ void JsomStringWriter::writeChar(char byte) {
 
 void JsomStringWriter::pushState(char state) {
   if (_state != 0) _stack += static_cast<char>(_state);
-  _state = state;
+  _state = static_cast<unsigned char>(state);
 }
 
 void JsomStringWriter::popState() {
   if (_stack.empty()) {
     _state = 0;
   } else {
-    _state = _stack.back();
+    _state = static_cast<unsigned char>(_stack.back());
     _stack.pop_back();
   }
 }

@@ -26,7 +26,7 @@ namespace {
 constexpr const char* kNoDirectory = " ";
 
 constexpr std::size_t kFewestUsefulSymbols = 2;
-constexpr std::size_t kReadAhead = 64 * 1024;
+constexpr std::size_t kReadAhead = std::size_t{64} * 1024;
 
 /// One run of nm over a file, and what it prints. Mangled names are demangled, only external symbols are
 /// listed, and they come in numeric order. No shell sees the file's name, and the list passes through a pipe:

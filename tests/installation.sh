@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# Installs a build into empty folders, once with CMake and once from its .deb, and uses what is there:
+# installation.sh BUILD PACKAGE.deb
+set -euo pipefail
+build=$(cd "$1" && pwd)
+package=$(realpath "$2")
+top=$(cd "$(dirname "$0")/.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+    echo "installation: $*"
+    exit 1
+}
+
+# check PREFIX: the programs convert and read back, and their manual pages and documents are there
+check() {
+    local prefix=$1 program
+    export PATH=$prefix/bin:$PATH
+    hash -r
+    for program in zelconv zelconv-for-machine zelconv-hottest-functions zelconv-cpu-load; do
+        [ "$(command -v $program)" = "$prefix/bin/$program" ] || fail "$program is not in $prefix/bin"
+        zcat "$prefix/share/man/man1/$program.1.gz" | grep -q "^\.Os \"zelconv $version\"$" ||
+            fail "the manual page of $program does not give the version $version"
+    done
+    for file in copyright changelog.gz changelog.Debian.gz README.md docs/profile-document.md; do
+        [ -s "$prefix/share/doc/zelconv/$file" ] || fail "there is no $file"
+    done
+    zelconv-for-machine "$top/examples/machine" -b 5 -p "$build/examples" -i "$build/examples/profile.data" \
+        -o "$work/profile.json"
+    zelconv-hottest-functions "$work/profile.json" >"$work/hottest"
+    grep -q 'pick_pear' "$work/hottest" || fail "the hottest functions lack pick_pear"
+    zelconv-for-machine "$top/examples/machine" -t -q -b 2 -i "$build/examples/timechart.data" \
+        -o "$work/timechart.json"
+    zelconv-cpu-load "$work/timechart.json" >"$work/load"
+    grep -q '^CPU 0' "$work/load" || fail "the load lacks CPU 0"
+    (cd "$work" && zelconv -h >help && grep -q perf.data help) || fail "zelconv -h does not print its help"
+}
+
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+[ -n "$version" ] || fail "$build names no version"
+
+DESTDIR=$work/cmake cmake --install "$build" --prefix /opt/zelconv >/dev/null
+(check "$work/cmake/opt/zelconv")
+echo "cmake --install: $(find "$work/cmake" -type f | wc -l) files, they work"
+
+mkdir -p "$work/root/var/lib/dpkg"
+touch "$work/root/var/lib/dpkg/status"
+dpkg_in_root() {
+    dpkg --root="$work/root" --log=/dev/null --force-not-root --force-depends --force-script-chrootless "$@"
+}
+dpkg_in_root --install "$package" >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not install"; }
+[ "$(dpkg-query --admindir="$work/root/var/lib/dpkg" -Wf '${Version}' zelconv)" = "$version-1" ] ||
+    fail "the package has another version than $version-1"
+(check "$work/root/usr")
+echo "$(basename "$package"): $(find "$work/root/usr" -type f | wc -l) files, they work"
+dpkg_in_root --purge zelconv >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not remove"; }
+[ ! -e "$work/root/usr" ] || fail "the removed package left $(find "$work/root/usr" | tail -1)"
