@@ -1,13 +1,13 @@
-// Builds the page, one file without requests: node build.mjs OUTPUT
+// Builds the page, one file without requests: node build.mjs OUTPUT [DOCUMENT...]; the page opens the documents in it at once
 import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
-import { dirname, join } from 'node:path';
+import { basename, dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { gzipSync } from 'node:zlib';
 
 const room = dirname(fileURLToPath(import.meta.url));
-const output = process.argv[2];
+const [output, ...documents] = process.argv.slice(2);
 
 function bundle(entry, ...options) {
   const command = [join(room, entry), '--bundle', '--minify', '--format=iife', '--target=es2022', '--charset=utf8'];
@@ -25,6 +25,12 @@ const style = bundle('page/page.css');
 const parts = { SCRIPT: script, STYLE: style, SCRIPT_HASH: hash(script), STYLE_HASH: hash(style) };
 const page = readFileSync(join(room, 'page/page.html'), 'utf8').replace(/@([A-Z_]+)@/g, (_, part) => parts[part]);
 
+const quoted = (text) => text.replace(/[&"<>]/g, (character) => `&#${character.charCodeAt(0)};`);
+const held = documents.map((path) => {
+  const content = gzipSync(readFileSync(path)).toString('base64');
+  return `<script type="application/gzip;base64" data-name="${quoted(basename(path))}">${content}</script>\n`;
+});
+
 mkdirSync(dirname(output), { recursive: true });
-writeFileSync(output, page);
+writeFileSync(output, page.replace('<!--documents-->', () => held.join('')));
 console.log(`${output}: ${Buffer.byteLength(page)} bytes, ${gzipSync(page, { level: 9 }).length} compressed`);

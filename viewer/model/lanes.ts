@@ -86,14 +86,8 @@ function laneOf(branch: Branch, depth: number, root: string): Lane {
 function labelOf(branch: Branch, depth: number, tracks: readonly Track[]): string {
   const first = tracks[0];
   if (first === undefined) return depth === 0 ? rootLabels.get(branch.part) ?? branch.part : branch.part;
-  if (first.role === 'interrupt') return `${interruptNumber(first.subject)} - ${first.entry.name}`;
-  return first.isCounter ? first.entry.tip : first.entry.name;
+  return first.isCounter ? first.entry.tip : first.label;
 }
-
-/** Soft interrupts have the numbers from here on. */
-const firstSoft = 1000;
-
-const interruptNumber = (id: number) => (id < firstSoft ? String(id) : `soft ${id - firstSoft}`);
 
 /** What a person chose to see, by the paths of lanes. */
 export interface LaneChoice {

@@ -62,7 +62,7 @@ export function spanUse(all: readonly Track[], start: number, end: number): Span
     if (role === 'busy') {
       cores.push({ label: entry.name, cpu, busy: steps.onTime(start, end), longestGap: longestGap([track], start, end) });
     } else if (role === 'interrupt') {
-      const use = interrupts.get(subject) ?? { label: entry.name, count: 0, seconds: 0 };
+      const use = interrupts.get(subject) ?? { label: track.label, count: 0, seconds: 0 };
       use.count += steps.startsWithin(start, end);
       use.seconds += steps.onTime(start, end);
       interrupts.set(subject, use);

@@ -35,6 +35,9 @@ function roleOf({ id, class: kind }: Entry): Role {
   return (kind === 'proc:wait' ? rolesOfWait.get(id.slice(-1)) : rolesOfClass.get(kind)) ?? 'other';
 }
 
+/** Soft interrupts have the numbers from here on. */
+const firstSoft = 1000;
+
 /** An entry of the document with what drawing and statistics need. */
 export class Track {
   readonly shape: Shape;
@@ -54,6 +57,13 @@ export class Track {
     this.subject = numberIn(/^(?:cpu|irq|proc)-(\d+)-/, entry.id);
     this.cpu = numberIn(/^(?:cpu-|irq-\d+-|proc-\d+-r)(\d+)/, entry.id);
     this.peak = entry.values.reduce((peak, value) => Math.max(peak, value), 0);
+  }
+
+  /** The entry's name; interrupts of one name are told apart by their numbers, as tasks are. */
+  get label(): string {
+    if (this.role !== 'interrupt') return this.entry.name;
+    const number = this.subject < firstSoft ? this.subject : `soft ${this.subject - firstSoft}`;
+    return `${number} - ${this.entry.name}`;
   }
 
   get isCounter(): boolean {

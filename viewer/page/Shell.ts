@@ -189,6 +189,12 @@ export class Shell implements App {
       event.preventDefault();
       if (event.dataTransfer !== null) this.opener.openFiles(event.dataTransfer.files);
     });
+    // A menu closes once something is chosen, here or elsewhere.
+    body.addEventListener('click', (event) => {
+      for (const menu of body.querySelectorAll<HTMLDetailsElement>('details.menu[open]')) {
+        if (!(event.target as Element).matches('summary')) menu.open = false;
+      }
+    });
     body.addEventListener('keydown', (event) => {
       if (this.help.open || !this.key(event)) return;
       event.preventDefault();

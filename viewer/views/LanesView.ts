@@ -5,9 +5,10 @@ import type { TimechartModel } from '../model/TimechartModel';
 import type { Track } from '../model/tracks';
 import type { State } from './store';
 import { button, element, fitCanvas, isDark, shortName } from './dom';
-import { laneHeight, paintLane, Picture, Pixels } from './laneRaster';
-import { CanvasWriter, writeTexts } from './laneTexts';
+import { laneHeight, paintLane, Picture, Pixels, Surface } from './laneRaster';
+import { CanvasWriter, Writer, writeTexts } from './laneTexts';
 import { selectRun } from './runs';
+import { SvgPicture } from './SvgPicture';
 import { axisWidth, gutter, setBrush, showTime, shownExtent, timeGestures } from './timeAxis';
 import type { App, View } from './View';
 
@@ -96,6 +97,24 @@ export class LanesView implements View {
     return this.base;
   }
 
+  svg(): string {
+    const { state } = this.app.store;
+    const model = state.timechart!;
+    const colours = groundColours();
+    const picture = new SvgPicture(gutter + this.width, this.host.clientHeight, colours.ground);
+    const lanes: Picture = { shown: shownExtent(state), close: model.end, width: this.width, scale: 1, dark: isDark() };
+    const shifted: Surface & Writer = {
+      box: (left, right, top, bottom, colour) => picture.box(gutter + left, gutter + right, top, bottom, colour),
+      text: (text, x, ...rest) => picture.text(text, gutter + x, ...rest),
+    };
+    for (const { lane, top, height } of this.placed) {
+      picture.text(shortName(lane.label), 8 + lane.depth * 12, top + height / 2, gutter - 20, colours.text);
+      paintLane(shifted, lane, top, lanes);
+      writeTexts(shifted, model, lane, top, lanes);
+    }
+    return picture.toString();
+  }
+
   /** The keys of the rows; the help lists them. */
   private readonly actions: Readonly<Record<string, (cursor: PlacedCursor, event: KeyboardEvent) => void>> = {
     ArrowDown: (cursor) => this.step(cursor, 1),
@@ -152,7 +171,7 @@ export class LanesView implements View {
     if (this.pixels === null || this.pixels.width !== width || this.pixels.height !== height) this.pixels = new Pixels(width, height);
     const { pixels } = this;
     const dark = isDark();
-    const ground = dark ? 0x16181c : 0xffffff;
+    const { ground, line } = groundColours();
     const picture: Picture = { shown: shownExtent(state), close: model.end, width, scale, dark };
     pixels.clear(ground);
     // The rest is painted first: pinned rows cover what is scrolled below them.
@@ -161,7 +180,7 @@ export class LanesView implements View {
       const bottom = Math.round((row.top + row.height) * scale);
       if (row.pinned) pixels.box(0, width, top, bottom, ground);
       paintLane(pixels, row.lane, top, picture);
-      pixels.box(0, width, bottom - 1, bottom, dark ? 0x24272c : 0xeef0f3);
+      pixels.box(0, width, bottom - 1, bottom, line);
     }
     const context = this.base.getContext('2d', { alpha: false })!;
     context.putImageData(pixels.image, 0, 0);
@@ -397,6 +416,10 @@ interface PlacedCursor {
   readonly lane: Lane;
   readonly time: number;
 }
+
+/** Colours of the page that are painted rather than styled; page.css has the same. */
+const groundColours = () =>
+  isDark() ? { ground: 0x16181c, line: 0x24272c, text: 0xe4e6ea } : { ground: 0xffffff, line: 0xeef0f3, text: 0x1c1f24 };
 
 /** Returns the task that a row shows, if it shows one. */
 const taskOf = (lane: Lane): number | undefined => lane.tracks.find(({ entry }) => entry.id.startsWith('proc-'))?.subject;

@@ -22,7 +22,7 @@ const tracks = [
 test('a span tells what cores tasks and interrupts did', () => {
   const use = spanUse(tracks, 1.5, 8);
   assert.deepEqual(use.cores.map(({ cpu, busy, longestGap }) => [cpu, busy, longestGap]), [[0, 2.5, 2], [1, 1, 3]]);
-  assert.deepEqual(use.interrupts, [{ label: 'irq-29-0', count: 2, seconds: 0.75 }]);
+  assert.deepEqual(use.interrupts, [{ label: '29 - irq-29-0', count: 2, seconds: 0.75 }]);
   assert.deepEqual(use.tasks.map(({ task, running, switches }) => [task, running, switches]), [[11, 2.5, 2], [0, 3, 1]]);
   const [task] = use.tasks;
   assert.deepEqual([task.waitIo, task.waitCpu, task.waitGpu, task.longestGap], [1, 1.5, 0, 2]);

@@ -1,0 +1,68 @@
+// A browser with the page in it, and what tests ask of both.
+import { execFileSync } from 'node:child_process';
+import { mkdirSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import { join, resolve } from 'node:path';
+import { pathToFileURL } from 'node:url';
+import { after, before } from 'node:test';
+
+const root = resolve(import.meta.dirname ?? new URL('.', import.meta.url).pathname, '../../..');
+const { chromium } = createRequire(join(root, 'build/viewer/package.json'))('playwright-core');
+
+export const page = join(root, 'build/viewer/viewer.html');
+export const documents = join(root, 'build/viewer/documents');
+const pictures = join(root, 'out/viewer');
+
+let browser;
+let pages = [];
+
+/** Starts the browser before a file's tests and ends it after them. */
+export function useBrowser() {
+  before(async () => {
+    const executablePath = execFileSync('which', ['chromium'], { encoding: 'utf8' }).trim();
+    // Chromium's own sandbox needs a user other than root.
+    browser = await chromium.launch({ executablePath, args: process.getuid() === 0 ? ['--no-sandbox'] : [] });
+  });
+  after(async () => await browser?.close());
+}
+
+/** Opens the page in a window of its own; `complaints` holds what went wrong there, and any request that it made. */
+export async function openPage({ fragment = '', file = page, ...options } = {}) {
+  const context = await browser.newContext({ viewport: { width: 1280, height: 720 }, ...options });
+  const opened = await context.newPage();
+  opened.complaints = [];
+  opened.on('pageerror', (error) => opened.complaints.push(error.message));
+  opened.on('console', (message) => message.type() === 'error' && opened.complaints.push(message.text()));
+  opened.on('request', (request) => {
+    if (!/^(blob|data):/.test(request.url()) && !request.url().startsWith(pathToFileURL(file).href)) opened.complaints.push(request.url());
+  });
+  await opened.goto(pathToFileURL(file).href + fragment);
+  return opened;
+}
+
+/** Opens files in the page and waits until all are read. */
+export async function openDocuments(opened, ...files) {
+  await opened.setInputFiles('input[type=file]', files);
+  await opened.locator('.reading').nth(files.length - 1).waitFor();
+  await opened.waitForFunction(() => document.querySelector('.reading.reading') === null || document.querySelectorAll('.reading progress').length === 0);
+  await frame(opened);
+}
+
+/** Waits until what was done is drawn. */
+export const frame = (opened) => opened.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+
+/** Returns a table of the page as rows of texts, found by its caption. */
+export const tableOf = (opened, caption) =>
+  opened.evaluate((wanted) => {
+    const table = [...document.querySelectorAll('table')].find((candidate) => candidate.caption?.textContent.startsWith(wanted));
+    return table === undefined ? null : [...table.rows].map((row) => [...row.cells].map((cell) => cell.textContent));
+  }, caption);
+
+/** Keeps a picture of the page for a person to look at. */
+export async function keepPicture(opened, name) {
+  mkdirSync(pictures, { recursive: true });
+  await opened.screenshot({ path: join(pictures, `${name}.png`) });
+}
+
+/** Returns what one of the example programs prints about a document. */
+export const example = (program, file) => execFileSync(join(root, 'build/dev/examples', program), [file], { encoding: 'utf8' });
