@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// A sequence with access by index into which one can insert anywhere: it lies in chunks, so that an
-/// insertion moves a chunk's elements and not all that follow.
+/// A sequence with access by index and insertion anywhere. It is stored in chunks, so that an insertion moves
+/// the elements of a chunk and not all that follow.
 template <typename Element>
 class IndexedSequence {
  public:
@@ -17,7 +17,20 @@ class IndexedSequence {
     return _chunks[chunk][index - _starts[chunk]];
   }
 
-  /// Inserts ahead of the element at the index, or at the end.
+  /// Returns the index of the first element for which the predicate is false, or the size. The predicate must
+  /// be true for a first part of the sequence and false for the rest.
+  template <typename Predicate>
+  std::size_t partitionPoint(Predicate predicate) const {
+    const auto chunk = std::partition_point(_chunks.begin(), _chunks.end(), [&](const auto& elements) {
+      return !elements.empty() && predicate(elements.back());
+    });
+    if (chunk == _chunks.end()) return _size;
+    const auto element = std::partition_point(chunk->begin(), chunk->end(), predicate);
+    return _starts[static_cast<std::size_t>(chunk - _chunks.begin())] +
+           static_cast<std::size_t>(element - chunk->begin());
+  }
+
+  /// Inserts before the element at the index, or at the end.
   void insert(std::size_t index, const Element& element) {
     if (_chunks.empty()) addChunk(0, {});
     const std::size_t chunk = chunkOf(index);
@@ -32,7 +45,7 @@ class IndexedSequence {
   static constexpr std::size_t kChunkSize = 1024;
 
   std::size_t chunkOf(std::size_t index) const {
-    // A search ends with many looks into one chunk.
+    // A search ends with many looks into one chunk. An index before its start wraps to a huge number.
     if (index - _starts[_latest] >= _chunks[_latest].size()) {
       const auto next = std::upper_bound(_starts.begin(), _starts.end(), index);
       _latest = static_cast<std::size_t>(next - _starts.begin()) - 1;
@@ -40,11 +53,12 @@ class IndexedSequence {
     return _latest;
   }
 
-  void addChunk(std::size_t place, std::vector<Element> elements) {
-    const auto offset = static_cast<std::ptrdiff_t>(place);
-    _starts.insert(_starts.begin() + offset, place == 0 ? 0 : _starts[place - 1] + _chunks[place - 1].size());
+  void addChunk(std::size_t position, std::vector<Element> elements) {
+    const auto offset = static_cast<std::ptrdiff_t>(position);
+    _starts.insert(_starts.begin() + offset,
+                   position == 0 ? 0 : _starts[position - 1] + _chunks[position - 1].size());
     _chunks.insert(_chunks.begin() + offset, std::move(elements));
-    _chunks[place].reserve(kChunkSize);
+    _chunks[position].reserve(kChunkSize);
   }
 
   void split(std::size_t chunk) {

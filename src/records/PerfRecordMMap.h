@@ -1,12 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "records/AddressLookUps.h"
-#include "records/IndexedSequence.h"
+#include "records/AddressCache.h"
+#include "records/MapIndex.h"
 #include "records/PerfRecord.h"
 
 class PerfRecordComm;
@@ -14,15 +13,14 @@ class PerfRecordSample;
 class SymbolTable;
 class SymbolTableElement;
 
-/// One memory mapping of one process: an address range and the file behind it. The class answers what code an
+/// One memory mapping of one process: an address range and the file behind it. The class knows what code an
 /// address belongs to.
 ///
 /// Body of PERF_RECORD_MMAP in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), start (16, 8),
 /// length (24, 8), page offset (32, 8), file name (40, NUL-terminated).
 ///
-/// Addresses fall into three classes on the 32-bit target: the kernel's, above gKernelStart; the stack's,
-/// 0xB0000001 to 0xBEFFFFFF; and mapped ones, which are searched for. A range includes the address behind its
-/// last one.
+/// Kernel and stack have a standing map each, see AddressClass; the maps of a recording are searched for all
+/// other addresses. A range includes the address after its last one.
 class PerfRecordMMap : public PerfRecord {
  public:
   /// All 0 and null but for the key.
@@ -33,35 +31,40 @@ class PerfRecordMMap : public PerfRecord {
 
   static PerfRecord* createInstance(char* record);
 
-  /// The map that covers the address, or null. The tid is not looked at: where a process has maps from
-  /// several threads, the search may miss one.
+  /// Returns the map that covers the address, or null. The tid is not looked at, see MapIndex.
   static PerfRecordMMap* findMap(unsigned long long address, unsigned int pid, unsigned int tid);
   /// The same for the sample's own address; marks the symbol there as used.
   static PerfRecordMMap* findMap(PerfRecordSample* sample);
-  /// Any map of the sample's process, or null.
+  /// Returns any map of the sample's process, or null; for an address of the kernel or the stack their map.
   static PerfRecordMMap* findPidMap(PerfRecordSample* sample);
 
-  /// A home for an address that no map covers, by 64 KiB units: a made-up symbol below a map of the process
-  /// if it has any, else a map of its own. Addresses of the first unit go to the lost-and-found map. Null
-  /// only while there is not even that.
+  /// Creates a synthetic home for the 64 KiB page of an address that no map covers: a symbol under a map of
+  /// the process if it has any, else a map. Addresses of the first page go to the lost-and-found map. Returns
+  /// the map; null only while there is not even that one.
   static PerfRecordMMap* createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
                                             unsigned long long address);
 
-  /// Finds the map of an address in a back-trace of the sample, or makes a synthetic one, and counts one use
-  /// of it and of the symbol there. Answers the key of the symbol or else of the map; 0 if there is no map.
-  static unsigned int useAddress(PerfRecordSample& sample, unsigned long long address);
-  /// The same for the sample's own address, which counts two uses of the symbol.
-  static unsigned int useOwnAddress(PerfRecordSample& sample);
+  /// Resolves an address of a back-trace, of a sample whose own address is of the given class, and counts one
+  /// use of the map and of the symbol there. An address without a map gets a synthetic home. Returns the key
+  /// of the symbol or else of the map; 0 if there is no map.
+  static unsigned int resolveCaller(const CodeAddress& caller, AddressClass sampleClass);
+  /// The same for a sample's own address, which counts two uses of the symbol if a map covers it.
+  static unsigned int resolveSample(const CodeAddress& sample);
 
   using PerfRecord::getKey;
-  /// The key of the symbol at the address, which becomes used, or else of the map.
+  /// Returns the key of the symbol at the address, which becomes used, or else of the map.
   virtual unsigned int getKey(unsigned long long address);
 
   /// Marks the symbol at the sample's address as used.
   void addSample(PerfRecordSample* sample);
 
-  /// -1 for another pid, 2 for another tid, 1 for an address outside the range, 0 for a match.
-  int checkRange(unsigned long long address, unsigned int pid, unsigned int tid) const;
+  /// Returns -1 for another pid, 2 for another tid unless that is 0, 1 for an address outside the range, 0
+  /// for a match.
+  int checkRange(unsigned long long address, unsigned int pid_, unsigned int tid_) const {
+    if (pid != pid_) return -1;
+    if (tid_ != 0 && tid != tid_) return 2;
+    return address < _start || address > _start + _length ? 1 : 0;
+  }
 
   /// Looks up the process, unless it is known already.
   void addProcessRef();
@@ -89,31 +92,23 @@ class PerfRecordMMap : public PerfRecord {
   static PerfRecordMMap* _stackMap;
 
  private:
-  struct SortedMap {
-    unsigned long long sortKey;  ///< of 16 bits each of pid and tid, and the start
-    PerfRecordMMap* map;
-  };
-
-  template <typename Matches>
-  static PerfRecordMMap* searchMaps(unsigned int pid, unsigned long long sought, unsigned long long keyBits,
-                                    Matches matches);
   static void buildStandingMaps();
-  static PerfRecordMMap* standingMap(std::string_view name, unsigned long long start,
-                                     unsigned long long length, unsigned int pidKey, SymbolTable* symbols);
-  void enterSorted();
-  SymbolTableElement* symbolAt(unsigned long long address) const;
+  static PerfRecordMMap* makeStandingMap(std::string_view name, unsigned long long start,
+                                         unsigned long long length, unsigned int pidKey,
+                                         SymbolTable* symbols);
+  static PerfRecordMMap* findPidMap(unsigned int pid, AddressClass addressClass);
+  static const Resolution& resolve(const CodeAddress& code, AddressClass sampleClass);
+  static Resolution lookUp(const CodeAddress& code, AddressClass sampleClass);
+  static Resolution makeHome(const CodeAddress& code, AddressClass sampleClass);
+  static void countPageUse(const Resolution& resolution);
+  static unsigned int keyOf(const Resolution& resolution);
+  void link(SymbolTableElement& symbol) const;
+  SymbolTableElement* linkSymbolAt(unsigned long long address) const;
   SymbolTableElement* useSymbolAt(unsigned long long address) const;
-  void useSymbol(SymbolTableElement& symbol) const;
   void showLookUp(unsigned long long address) const;
-  static std::uint32_t mapCount() { return static_cast<std::uint32_t>(_allMaps.size()); }
-  static bool isGood(const AddressLookUps::Answer& answer, const PerfRecordSample& sample,
-                     unsigned long long address);
-  static AddressLookUps::Answer lookUpAndUse(PerfRecordSample& sample, unsigned long long address);
-  static const AddressLookUps::Answer& use(PerfRecordSample& sample, unsigned long long address);
-  static unsigned int keyOf(const AddressLookUps::Answer& answer);
 
-  static std::vector<PerfRecordMMap*> _allMaps;   ///< in order of construction
-  static IndexedSequence<SortedMap> _sortedMaps;  ///< ascending by sort key
+  static std::vector<PerfRecordMMap*> _allMaps;  ///< in order of construction
+  static MapIndex _sortedMaps;
 
   unsigned long long _start = 0;
   unsigned long long _length = 0;

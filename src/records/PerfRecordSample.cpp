@@ -98,10 +98,11 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
   // the depth covers. Viewers have always been given it.
   std::array<BackTraceEntry, kDeepestPossible> entries;
+  const AddressClass ownClass = classOf(_ip);
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);
-    entries[i] = {address, PerfRecordMMap::useAddress(*this, address)};
+    entries[i] = {address, PerfRecordMMap::resolveCaller({address, pid, tid}, ownClass)};
   }
   if (address <= kLastStrayMarker) --_depth;
   keepTrace(entries.data());
@@ -117,7 +118,7 @@ void PerfRecordSample::verifyKey() {
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, 0);
   if (_processRecord == nullptr) _processRecord = &PerfRecordComm::_lostAndFound;
-  _mapKey = PerfRecordMMap::useOwnAddress(*this);
+  _mapKey = PerfRecordMMap::resolveSample({_ip, pid, tid});
 }
 
 void PerfRecordSample::verifyKeys() {

@@ -18,8 +18,6 @@ namespace {
 std::unordered_map<std::string, SymbolTable*> _symbolTables;
 std::unordered_map<unsigned long long, SymbolTableElement*> _synthetics;
 
-constexpr unsigned long long kSyntheticUnit = 0xFFFF;
-
 constexpr SectionColumn kColumns[] = {
     {"key", "key for this symbol"},
     {"name", "name of this symbol"},
@@ -114,7 +112,7 @@ SymbolTableElement* SymbolTable::addSyntheticEntry(unsigned long long address, u
 }
 
 SymbolTableElement* SymbolTable::findSyntheticEntry(unsigned long long address) {
-  const auto found = _synthetics.find(address & ~kSyntheticUnit);
+  const auto found = _synthetics.find(pageOf(address));
   return found != _synthetics.end() ? found->second : nullptr;
 }
 

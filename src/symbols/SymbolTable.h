@@ -13,6 +13,14 @@
 class FileNames;
 class PerfJSONWriter;
 
+/// What one synthetic symbol covers.
+inline constexpr unsigned long long kPageSize = 0x10000;
+
+/// Returns the start of the page that holds the address.
+constexpr unsigned long long pageOf(unsigned long long address) {
+  return address & ~(kPageSize - 1);
+}
+
 /// The symbols of one program, library or kernel, in the order in which they were added, which for a sorted
 /// list is ascending by address. Tables live until the process ends and are shared by all maps of the same
 /// file.

@@ -22,9 +22,6 @@ class SymbolTableElement {
   /// Counts one use; the first also tells the file. Answers the key.
   unsigned int markUsed(unsigned long long address);
 
-  /// Counts a further use of a symbol that is used already.
-  void countUse() { ++_useCount; }
-
   /// Notes the key of a map that used this symbol, each once, in order of first use.
   void setMapKey(unsigned int key);
 

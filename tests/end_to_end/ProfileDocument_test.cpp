@@ -160,6 +160,7 @@ TEST(ProfileDocument, LooksAnAddressWithoutAMapUpAnewWhereTheAnswerMayDiffer) {
   sample(0x10004, 9);
   recording.comm(9, 9, "late");
   sample(0x10004, 9);
+  sample(0x10004, 7);
   recording.mmap(7, 7, 0x90000000, 0x1000, "/app/new");
   sample(0x10004, 7);
   EXPECT_EQ(rows(conversion.run(recording, {"-b", "5"}), "samples"),
@@ -169,7 +170,8 @@ TEST(ProfileDocument, LooksAnAddressWithoutAMapUpAnewWhereTheAnswerMayDiffer) {
             "4,2952790020,4,1.5,0,4,7,[[2415919108,4,],[2415919108,4,],]\n"
             "5,65540,7,1.5,0,5,9,[[2415919108,2,],[2415919108,2,],]\n"
             "6,65540,7,1.5,0,5,9,[[2415919108,7,],[2415919108,7,],]\n"
-            "7,65540,5,1.5,0,4,7,[[2415919108,8,],[2415919108,8,],]\n");
+            "7,65540,5,1.5,0,4,7,[[2415919108,5,],[2415919108,5,],]\n"
+            "8,65540,5,1.5,0,4,7,[[2415919108,8,],[2415919108,8,],]\n");
 }
 
 TEST(ProfileDocument, KeepsFifteenEntriesOfABackTrace) {

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "base/FibonacciHash.h"
+#include "records/AddressClass.h"
+
+class PerfRecordMMap;
+class SymbolTableElement;
+
+/// An address that a thread's code ran at or returns to.
+struct CodeAddress {
+  unsigned long long address = 0;
+  unsigned int pid = 0;
+  unsigned int tid = 0;
+
+  bool operator==(const CodeAddress&) const = default;
+};
+
+/// What an address resolves to.
+struct Resolution {
+  PerfRecordMMap* map = nullptr;
+  SymbolTableElement* symbol = nullptr;  ///< in the map; null if it has none at the address
+  SymbolTableElement* page = nullptr;    ///< the synthetic symbol under the map, for an unmapped address
+  bool unmapped = false;                 ///< no map covers the address, so this is a synthetic home
+};
+
+/// What a resolution follows from beside the address and the thread.
+struct ResolutionBasis {
+  std::uint32_t maps = 0;                           ///< how many there are
+  std::uint32_t processes = 0;                      ///< how many there are
+  AddressClass sampleClass = AddressClass::kernel;  ///< of the address of the sample that asks
+};
+
+/// Direct-mapped cache of address resolutions, keyed by address, pid and tid: samples ask for the same few
+/// addresses again and again.
+///
+/// A further map makes every entry stale. A further process, and a sample of another class, make those stale
+/// that lead to a page: the map above it depends on both.
+class AddressCache {
+ public:
+  /// Returns the resolution that was stored for the address, or null if there is none or it is stale.
+  const Resolution* find(const CodeAddress& code, const ResolutionBasis& now) const {
+    const Entry& entry = _entries[slotOf(code)];
+    return entry.code == code && isCurrent(entry, now) ? &entry.resolution : nullptr;
+  }
+
+  /// Stores a resolution, which replaces another one in its slot. Returns the one stored, which is valid
+  /// until the next call.
+  const Resolution& store(const CodeAddress& code, const ResolutionBasis& basis,
+                          const Resolution& resolution) {
+    Entry& entry = _entries[slotOf(code)];
+    entry = {code, basis, resolution};
+    return entry.resolution;
+  }
+
+ private:
+  static constexpr unsigned int kSlotBits = 16;
+
+  /// Fills a cache line of the processor, so that a look-up costs no more than one.
+  struct alignas(64) Entry {
+    CodeAddress code;
+    ResolutionBasis basis;
+    Resolution resolution;  ///< without a map in an empty slot
+  };
+
+  static std::size_t slotOf(const CodeAddress& code) {
+    return fibonacciHash(code.address ^ std::uint64_t{code.pid} << 32 ^ std::uint64_t{code.tid} << 40,
+                         kSlotBits);
+  }
+
+  static bool isCurrent(const Entry& entry, const ResolutionBasis& now) {
+    if (entry.resolution.map == nullptr || entry.basis.maps != now.maps) return false;
+    return entry.resolution.page == nullptr ||
+           (entry.basis.processes == now.processes && entry.basis.sampleClass == now.sampleClass);
+  }
+
+  std::array<Entry, std::size_t{1} << kSlotBits> _entries;
+};
