@@ -9,9 +9,9 @@
 
 std::vector<PerfRecordComm*> PerfRecordComm::_elements;
 unsigned int PerfRecordComm::_runningPidKey = 0;
-std::unordered_map<unsigned long long, PerfRecordComm*> PerfRecordComm::_mapOfPidTids;
-std::unordered_map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfPid;
-std::unordered_map<unsigned int, PerfRecordComm*> PerfRecordComm::_mapOfTid;
+PerfRecordComm::Table PerfRecordComm::_mapOfPidTids;
+PerfRecordComm::Table PerfRecordComm::_mapOfPid;
+PerfRecordComm::Table PerfRecordComm::_mapOfTid;
 
 // In this order, behind the tables that they enter: the kernel has key 1, the lost-and-found process key 2.
 PerfRecordComm PerfRecordComm::_kernelArea(0, 0, "kernel");
@@ -28,12 +28,12 @@ constexpr SectionColumn kColumns[] = {
     {"name", "Name of the process with the pid and tid"},
 };
 
-unsigned long long bothIds(unsigned int pid, unsigned int tid) {
-  return static_cast<unsigned long long>(pid) << 32 | tid;
+std::uint64_t bothIds(unsigned int pid, unsigned int tid) {
+  return std::uint64_t{pid} << 32 | tid;
 }
 
-template <typename Key>
-PerfRecordComm* find(const std::unordered_map<Key, PerfRecordComm*>& table, Key key) {
+template <typename Table>
+PerfRecordComm* find(const Table& table, std::uint64_t key) {
   const auto found = table.find(key);
   return found != table.end() ? found->second : nullptr;
 }

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/KeyHash.h"
 #include "records/PerfRecord.h"
 
 /// A process or thread that the recording mentions, and the tables in which everybody else finds one.
@@ -44,10 +45,10 @@ class PerfRecordComm : public PerfRecord {
  private:
   static std::vector<PerfRecordComm*> _elements;
   static unsigned int _runningPidKey;  ///< the last key given
-  static std::unordered_map<unsigned long long, PerfRecordComm*>
-      _mapOfPidTids;  ///< pid in the upper half, tid in the lower
-  static std::unordered_map<unsigned int, PerfRecordComm*> _mapOfPid;
-  static std::unordered_map<unsigned int, PerfRecordComm*> _mapOfTid;
+  using Table = std::unordered_map<std::uint64_t, PerfRecordComm*, KeyHash>;
+  static Table _mapOfPidTids;  ///< pid in the upper half of the key, tid in the lower
+  static Table _mapOfPid;
+  static Table _mapOfTid;
 
   std::string _name;
 };

@@ -50,13 +50,16 @@ PerfRecordMMap::PerfRecordMMap() {
 PerfRecordMMap::PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned long long start,
                                unsigned long long length, unsigned long long /*pageOffset*/,
                                std::string_view name)
-    : PerfRecord(pid_, tid_), _start(start), _length(length), _fileName(withoutDeletedMark(name)) {
+    : PerfRecord(pid_, tid_),
+      _start(start),
+      _length(length),
+      _fileName(SymbolTable::sharedName(withoutDeletedMark(name))) {
   // Here and no earlier: the kernel map takes its bounds and symbols from what start-up has found.
   if (_lostAndFound == nullptr) buildStandingMaps();
   key = ++_indexTotal;
   if (start >= kLibraryStart && start < gKernelStart) _symbolBase = start;
   addProcessRef();
-  findMoreSymbols(_fileName.c_str());
+  findMoreSymbols(_fileName);
   if (gVerbosity > 0) PerfRecordMMap::show();
   _allMaps.push_back(this);
   _sortedMaps.insert(this);
@@ -77,7 +80,7 @@ PerfRecordMMap* PerfRecordMMap::makeStandingMap(std::string_view name, unsigned 
                                                 unsigned long long length, unsigned int pidKey,
                                                 SymbolTable* symbols) {
   auto* map = new PerfRecordMMap;
-  map->_fileName = name;
+  map->setName(name);
   map->_start = start;
   map->_length = length;
   map->_pidKey = pidKey;
@@ -257,7 +260,7 @@ void PerfRecordMMap::findMoreSymbols(const char* name) {
 }
 
 void PerfRecordMMap::setName(std::string_view name) {
-  _fileName = name;
+  _fileName = SymbolTable::sharedName(name);
 }
 
 void PerfRecordMMap::show() const {
@@ -270,7 +273,7 @@ int PerfRecordMMap::_out(PerfJSONWriter& writer) {
   writer.writeArrayStart(nullptr);
   writer.writeNamed("key", key);
   writer.writeNamed("pidkey", _pidKey);
-  writer.writeNamed("name", _fileName.c_str());
+  writer.writeNamed("name", _fileName);
   writer.writeNamed("startAddress", _start);
   writer.writeNamed("sectionSize", _length);
   writer.writeArrayEnd();

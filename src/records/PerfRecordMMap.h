@@ -80,7 +80,7 @@ class PerfRecordMMap : public PerfRecord {
   const char* perfRecordType() const override { return "mmap"; }
   unsigned int getLen() const override { return static_cast<unsigned int>(_length); }
   unsigned long long getAddress() const override { return _start; }
-  const char* getName() const override { return _fileName.c_str(); }
+  const char* getName() const override { return _fileName; }
   int _out(PerfJSONWriter& writer) override;
 
   /// The section "libraries": the standing maps, then the maps that samples used.
@@ -113,7 +113,7 @@ class PerfRecordMMap : public PerfRecord {
   unsigned long long _start = 0;
   unsigned long long _length = 0;
   unsigned long long _symbolBase = 0;  ///< what the file's symbol addresses are relative to
-  std::string _fileName;
+  const char* _fileName = "";          ///< kept by SymbolTable
   unsigned int _pidKey = 0;
   unsigned int _useCount = 0;  ///< references from samples; a map without any is not written
   PerfRecordComm* _processRecord = nullptr;

@@ -13,6 +13,6 @@ void KeyList::add(unsigned int key) {
     if (std::find(_keys.begin(), _keys.end(), key) == _keys.end()) _keys.push_back(key);
     return;
   }
-  if (!_index) _index = std::make_unique<std::unordered_set<unsigned int>>(_keys.begin(), _keys.end());
+  if (!_index) _index = std::make_unique<Index>(_keys.begin(), _keys.end());
   if (_index->insert(key).second) _keys.push_back(key);
 }

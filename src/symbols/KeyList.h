@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/KeyHash.h"
 /// Keys in the order of their first mention, each once.
 class KeyList {
  public:
@@ -11,6 +12,8 @@ class KeyList {
   const std::vector<unsigned int>& keys() const { return _keys; }
 
  private:
+  using Index = std::unordered_set<unsigned int, KeyHash>;
+
   std::vector<unsigned int> _keys;
-  std::unique_ptr<std::unordered_set<unsigned int>> _index;  ///< once there are too many keys to look through
+  std::unique_ptr<Index> _index;  ///< once there are too many keys to look through
 };

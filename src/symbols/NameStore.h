@@ -7,10 +7,12 @@
 /// Keeps many short texts in few blocks. The texts that it returns stay valid as long as the store.
 class NameStore {
  public:
-  /// Copies a name of at most BlockPool::kBlockSize bytes.
+  /// Copies a name of less than BlockPool::kBlockSize bytes. A NUL follows the copy.
   std::string_view keep(std::string_view name) {
-    char* const copy = static_cast<char*>(_arena.allocate(name.size(), 1));
-    return {copy, name.copy(copy, name.size())};
+    char* const copy = static_cast<char*>(_arena.allocate(name.size() + 1, 1));
+    const std::size_t size = name.copy(copy, name.size());
+    copy[size] = '\0';
+    return {copy, size};
   }
 
  private:

@@ -171,7 +171,7 @@ SymbolTable* SymbolTable::findAndRead(const char* name) {
   if (RunWatcher::_current != nullptr) RunWatcher::_current->symbolsWanted(name);
   int index = 0;
   std::string path = findPathForFile(name, index);
-  if (path.empty()) return new SymbolTable(name, 0, 0);
+  if (path.empty()) return emptyTable(name);
   while (true) {
     if (gVerbosity > 0) std::printf("SymbolTable:findAndRead %s\n", path.c_str());
     SymbolTable* table = generateAndRead(path.c_str());

@@ -1,8 +1,11 @@
 #include "symbols/SymbolTable.h"
 
 #include <cstdio>
+#include <cstring>
+#include <map>
 #include <unordered_map>
 
+#include "base/KeyHash.h"
 #include "json/DocumentSection.h"
 #include "json/PerfJSONWriter.h"
 #include "run/Settings.h"
@@ -15,8 +18,12 @@ SymbolTable* SymbolTable::_syntheticSymTable = nullptr;
 
 namespace {
 
-std::unordered_map<std::string, SymbolTable*> _symbolTables;
-std::unordered_map<unsigned long long, SymbolTableElement*> _synthetics;
+/// Tables by the name of their file, and by its base name. Null for a name without a table so far.
+std::map<std::string_view, SymbolTable*> _symbolTables;
+std::unordered_map<std::uint64_t, SymbolTableElement*, KeyHash> _synthetics;
+
+/// The texts of the names above.
+NameStore fileNames;
 
 constexpr SectionColumn kColumns[] = {
     {"key", "key for this symbol"},
@@ -33,23 +40,45 @@ SymbolTable::SymbolTable() : _fileName("default"), _tableElement(_fileName, 0, 0
   enter(_fileName);
 }
 
+const char* SymbolTable::sharedName(std::string_view name) {
+  const auto found = _symbolTables.find(name);
+  if (found != _symbolTables.end()) return found->first.data();
+  const std::string_view kept = fileNames.keep(name);
+  _symbolTables.emplace(kept, nullptr);
+  return kept.data();
+}
+
 SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned long long size)
-    : _fileName(name), _tableElement(_fileName, address, size, nullptr, 0) {
+    : _fileName(sharedName(name)), _tableElement(_fileName, address, size, nullptr, 0) {
   _allSymbolTables.push_back(this);
-  enter(_fileName);
-  if (gVerbosity > 0) std::printf("Symtab adding %s\n", name);
-  std::string baseName;
-  if (stripPath(_fileName, baseName) == 0) return;
-  enter(baseName);
-  if (gVerbosity > 0) std::printf("Symtab adding %s\n", baseName.c_str());
+  enterWithBaseName(_fileName);
+}
+
+SymbolTable* SymbolTable::emptyTable(const char* name) {
+  static SymbolTable* shared = nullptr;
+  // A verbose run tells of every table.
+  if (shared == nullptr || gVerbosity > 0) return shared = new SymbolTable(name, 0, 0);
+  shared->enterWithBaseName(sharedName(name));
+  return shared;
 }
 
 SymbolTable::~SymbolTable() {
   if (_bypassDestructor) static_cast<void>(_storage.release());
 }
 
-void SymbolTable::enter(const std::string& name) {
-  _symbolTables.emplace(name, this);
+/// Registers the table under a name that it does not copy, unless another table has that already.
+void SymbolTable::enter(const char* name) {
+  SymbolTable*& table = _symbolTables[name];
+  if (table == nullptr) table = this;
+}
+
+void SymbolTable::enterWithBaseName(const char* name) {
+  enter(name);
+  if (gVerbosity > 0) std::printf("Symtab adding %s\n", name);
+  const char* const slash = std::strrchr(name, '/');
+  if (slash == nullptr) return;
+  enter(slash + 1);
+  if (gVerbosity > 0) std::printf("Symtab adding %s\n", slash + 1);
 }
 
 SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned long long size,
@@ -149,7 +178,7 @@ void SymbolTable::showAllUsed() const {
   bool headShown = false;
   for (const SymbolTableElement& element : elements()) {
     if (!element.used()) continue;
-    if (!headShown) std::printf("----------\n%s\n----------\n", _fileName.c_str());
+    if (!headShown) std::printf("----------\n%s\n----------\n", _fileName);
     headShown = true;
     element.show();
   }

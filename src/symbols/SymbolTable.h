@@ -55,6 +55,9 @@ class SymbolTable : public PerfFoundation {
   /// The symbol made up for the unit, or null.
   static SymbolTableElement* findSyntheticEntry(unsigned long long address);
 
+  /// Returns the text of a file's name, which is kept once for all its maps and tables and stays valid.
+  static const char* sharedName(std::string_view name);
+
   static SymbolTable* findExistingSymbolTable(const std::string& name);
 
   /// Rows of the used symbols. The number is not read.
@@ -121,14 +124,16 @@ class SymbolTable : public PerfFoundation {
     NameStore names;
   };
 
-  void enter(const std::string& name);
+  void enter(const char* name);
+  void enterWithBaseName(const char* name);
+  static SymbolTable* emptyTable(const char* name);
   void read(std::FILE* list, bool kernel);
 
   unsigned long long _lowAddress = ~0ULL;  ///< lowest start so far
   unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end
-  std::string _fileName;
-  SymbolTableElement _tableElement;   ///< stands for the table itself
-  std::unique_ptr<Storage> _storage;  ///< null until there is a symbol
+  const char* _fileName;                   ///< shared, see sharedName
+  SymbolTableElement _tableElement;        ///< stands for the table itself
+  std::unique_ptr<Storage> _storage;       ///< null until there is a symbol
 };
 
 /// Sets baseName to what follows the last "/" of path, or to the whole of it.

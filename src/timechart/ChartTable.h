@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/KeyHash.h"
 /// The charts of one kind by their number.
 template <typename Chart>
 class ChartTable {
@@ -28,5 +29,5 @@ class ChartTable {
   }
 
  private:
-  std::unordered_map<int, Chart*> _charts;
+  std::unordered_map<int, Chart*, KeyHash> _charts;
 };
