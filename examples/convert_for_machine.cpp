@@ -11,7 +11,7 @@
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::fprintf(stderr, "usage: convert_for_machine FOLDER [zelconv options]\n");
+    std::fprintf(stderr, "usage: zelconv-for-machine FOLDER [zelconv options]\n");
     return 2;
   }
   const std::string folder = argv[1];

@@ -31,11 +31,14 @@ Load loadOf(JSOM points) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fprintf(stderr, "usage: cpu_load FILE\n");
+    std::fprintf(stderr, "usage: zelconv-cpu-load FILE\n");
     return 2;
   }
   JSOM document;
-  if (!document.fromFile(argv[1]).found()) return 1;
+  if (!document.fromFile(argv[1]).found()) {
+    std::fprintf(stderr, "%s: cannot read the document %s\n", argv[0], argv[1]);
+    return 1;
+  }
   JSOM entries = document["entries"];
   std::map<std::string, int> classes;
   for (int i = 0; i < entries.size(); ++i) {

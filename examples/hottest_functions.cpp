@@ -24,39 +24,53 @@ JSOM rowsOf(JSOM& document, const char* section) {
   return document[section]["data"];
 }
 
-void addNames(std::map<long long, std::string>& names, JSOM rows, int nameColumn) {
-  for (int i = 0; i < rows.size(); ++i)
-    names[rows[i][kKey].longValue(0)] = rows[i][nameColumn].stringValue(JSOM::EMPTY_STRING);
+/// What samples count for: functions by name; for those without a function, libraries and the 64 KiB around
+/// an address that no library covers, both shown as "[in PLACE]". All of them share their keys.
+std::map<long long, std::string> labelsByKey(JSOM& document) {
+  std::map<long long, std::string> labels;
+  JSOM libraries = rowsOf(document, "libraries");
+  for (int i = 0; i < libraries.size(); ++i)
+    labels[libraries[i][kKey].longValue(0)] =
+        "[in " + libraries[i][kLibraryName].stringValue(JSOM::EMPTY_STRING) + "]";
+  JSOM functions = rowsOf(document, "functions");
+  for (int i = 0; i < functions.size(); ++i) {
+    const std::string name = functions[i][kFunctionName].stringValue(JSOM::EMPTY_STRING);
+    // The first symbol of a list keeps its line end in its name.
+    labels[functions[i][kKey].longValue(0)] =
+        name.starts_with('{') ? "[in " + name + "]" : name.substr(0, name.find('\n'));
+  }
+  return labels;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fprintf(stderr, "usage: hottest_functions FILE\n");
+    std::fprintf(stderr, "usage: zelconv-hottest-functions FILE\n");
     return 2;
   }
   JSOM document;
-  if (!document.fromFile(argv[1]).found()) return 1;
+  if (!document.fromFile(argv[1]).found()) {
+    std::fprintf(stderr, "%s: cannot read the document %s\n", argv[0], argv[1]);
+    return 1;
+  }
   for (const char* section : {"processes", "libraries", "files", "functions", "samples"})
     std::printf("%-10s %6d\n", section, rowsOf(document, section).size());
 
-  // A sample's key names a function, or a library where no function was found; the two share their numbers.
-  std::map<long long, std::string> names;
-  addNames(names, rowsOf(document, "libraries"), kLibraryName);
-  addNames(names, rowsOf(document, "functions"), kFunctionName);
-  std::map<long long, int> hits;
+  const std::map<long long, std::string> labels = labelsByKey(document);
+  std::map<std::string, int> hits;
   JSOM samples = rowsOf(document, "samples");
-  for (int i = 0; i < samples.size(); ++i) ++hits[samples[i][kSampleMapKey].longValue(0)];
+  for (int i = 0; i < samples.size(); ++i) {
+    const auto label = labels.find(samples[i][kSampleMapKey].longValue(0));
+    ++hits[label == labels.end() ? "[unknown]" : label->second];
+  }
 
-  std::vector<std::pair<long long, int>> hottest(hits.begin(), hits.end());
+  std::vector<std::pair<std::string, int>> hottest(hits.begin(), hits.end());
   std::stable_sort(hottest.begin(), hottest.end(),
                    [](const auto& a, const auto& b) { return a.second > b.second; });
   if (hottest.size() > kShown) hottest.resize(kShown);
   std::printf("\n%8s %7s  %s\n", "samples", "share", "function");
-  for (const auto& [key, count] : hottest)
-    // The first symbol of a list keeps its line end in its name.
-    std::printf("%8d %6.1f%%  %s\n", count, 100.0 * count / samples.size(),
-                names[key].substr(0, names[key].find('\n')).c_str());
+  for (const auto& [label, count] : hottest)
+    std::printf("%8d %6.1f%%  %s\n", count, 100.0 * count / samples.size(), label.c_str());
   return 0;
 }

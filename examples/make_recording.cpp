@@ -21,6 +21,9 @@ constexpr std::uint64_t kExecutableStart = 0x10000;
 constexpr std::uint64_t kKernelAddress = 0xC0012340;
 constexpr std::uint64_t kHeapAddress = 0x2A004560;  // between the maps: code made at run time, say
 constexpr int kSamples = 600;
+/// Samples are inside of functions, the smallest of which has five bytes: one on a first byte counts for the
+/// function before.
+constexpr std::uint64_t kInside = 1;
 
 /// The address of a function by the start of its name as nm shows it.
 std::uint64_t addressOf(const std::string& function, const std::string& file) {
@@ -37,7 +40,7 @@ std::uint64_t addressOf(const std::string& function, const std::string& file) {
   return address;
 }
 
-/// A little random numbers, the same on every machine.
+/// Random numbers, the same on every machine.
 class Dice {
  public:
   unsigned int roll(unsigned int sides) {
@@ -59,7 +62,7 @@ int main(int argc, char** argv) {
   const std::string executable = argv[2];
   const std::string library = argv[3];
 
-  // Hot ones stand several times.
+  // Hot ones are listed several times.
   std::vector<std::uint64_t> code;
   for (const char* function :
        {"pick_apple", "pick_apple", "pick_apple", "pick_pear", "pick_pear", "walk_rows", "main"})
@@ -81,14 +84,14 @@ int main(int argc, char** argv) {
   for (unsigned int i = 0; i < kSamples; ++i) {
     const unsigned int pid = i % 3 == 2 ? 200 : 100;
     PlainSample sample;
-    sample.ip = code[dice.roll(static_cast<unsigned int>(code.size()))] + dice.roll(4);
+    sample.ip = code[dice.roll(static_cast<unsigned int>(code.size()))] + kInside + dice.roll(4);
     sample.pid = pid;
     sample.tid = pid + i % 3 % 2;
     sample.time = 5000000000 + i * 1000000ULL;
     sample.cpu = i % 2;
     for (unsigned int depth = 0; depth < i % 21; ++depth)
       sample.trace.push_back(depth == 0 ? sample.ip
-                                        : code[dice.roll(static_cast<unsigned int>(code.size()))]);
+                                        : code[dice.roll(static_cast<unsigned int>(code.size()))] + kInside);
     recording.sample(sample);
   }
   recording.save(argv[1]);

@@ -8,7 +8,7 @@ one=$(cd "$1" && pwd)
 other=$(cd "$2" && pwd)
 shift 2
 runner=("$@")
-recordings=$top/../shared/recordings
+recordings=${ZELCONV_RECORDINGS:-$top/../shared/recordings}
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -35,7 +35,7 @@ options=("-b 5" "-b 5 -l" "-b 5 -W -R" "-b 5 -l -W" "-b 5 -L -w -R" "-r" "-z" "-
     "-r -s -1 -f 99999999999999999999" "-b 2147483648 -v 0x7" "-b 5 -d -v 2147483648" "-b 5 -v -99999999999 -D" "-b 5 -v 4294967296")
 environments=("kern_ver=3.4" "kern_ver=6.1 ARM64=y" "kern_ver=99999999999.99999999999" "kern_ver=-2147483649.7")
 
-# Where code and data lie, and descriptors, are the build's own.
+# Addresses of code and data, and descriptors, are the build's own.
 comparable() { sed -E 's/ st:[^ ]+//; s/func:[0-9a-f]+/func/; s/^(checkFile .*)=.*/\1/'; }
 
 convert() { # convert RESULT COMMAND...: leaves RESULT.json, if there is a document, and RESULT.out with status and output

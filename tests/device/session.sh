@@ -45,9 +45,13 @@ done
 echo "== bad surroundings"
 mkdir -p bin && for tool in sh cat; do ln -sf "$(command -v $tool)" bin/; done
 run no-nm env PATH="$here/bin" "$zelconv" -b 1 -i recordings/cpu-clock-g.data -o "$out/no-nm.json"
+# The device gets its /tmp back however this ends, also when the connection to it breaks.
+give_tmp_back() { [ ! -d /tmp.away ] || mv /tmp.away /tmp; }
+trap give_tmp_back EXIT
+trap 'exit 1' HUP INT TERM
 mv /tmp /tmp.away
 run no-tmp "$zelconv" -b 1 -p "$here/recordings/rootfs" -i recordings/cpu-clock-g.data -o "$out/no-tmp.json"
-mv /tmp.away /tmp
+give_tmp_back
 mkdir -p small && mount -t tmpfs -o size=8k tmpfs small
 run full-disk "$zelconv" -b 1 -i own.data -o small/full.json
 run full-disk-verbose "$zelconv" -b 1 -v 1 -i own.data -o small/full.json

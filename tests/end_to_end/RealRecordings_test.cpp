@@ -39,7 +39,8 @@ TEST(RealRecordings, CallGraphConvertsWithEveryBackTrace) {
   for (const RawRecord& record : rawRecords(readFile(file))) {
     if (record.type != kSample || record.bytes.size() > 256) continue;
     expected += std::to_string(record.u64(8));
-    for (const std::uint64_t address : expectedTrace(record)) expected.append(" ").append(std::to_string(address));
+    for (const std::uint64_t address : expectedTrace(record))
+      expected.append(" ").append(std::to_string(address));
     expected += "\n";
   }
   Conversion conversion;
