@@ -1,0 +1,140 @@
+import type { Profile, Stacks } from '../document/profile';
+import { everything, type Filter } from './filter';
+import type { Tree } from './tree';
+
+/** The samples that a filter lets through, and what each node of the stacks weighs with them. */
+export class Selection implements Tree {
+  readonly places: Uint32Array;
+  readonly parents: Uint32Array;
+  readonly totals: Uint32Array;
+  readonly bounds: Uint32Array;
+  readonly childStart: Uint32Array;
+  readonly childEnd: Uint32Array;
+  readonly children: Uint32Array;
+  /** Number of samples. */
+  readonly count: number;
+  private selfTimes: Uint32Array | null = null;
+
+  constructor(
+    readonly profile: Profile,
+    readonly filter: Filter,
+    /** Memory for the totals, which a selection that nobody uses any more can hand on. */
+    totals = new Uint32Array(profile.stacks.count),
+  ) {
+    const { stacks } = profile;
+    this.places = stacks.places;
+    this.parents = stacks.parents;
+    this.bounds = stacks.totals;
+    this.childStart = stacks.firstChild;
+    this.childEnd = stacks.firstChild.subarray(1);
+    this.children = stacks.children;
+    if (isEverything(filter)) {
+      this.totals = stacks.totals;
+    } else {
+      this.totals = totals.fill(0);
+      this.countSamples(totals);
+      sumUp(stacks, totals);
+    }
+    this.count = this.totals[0] ?? 0;
+  }
+
+  expand(): void {
+    // All children are there from the start.
+  }
+
+  /** Samples of each node that were taken in the node's own place. */
+  get selves(): Uint32Array {
+    if (this.selfTimes === null) {
+      const { parents } = this;
+      const selves = this.totals.slice();
+      for (let node = selves.length - 1; node > 0; --node) selves[parents[node]] -= this.totals[node];
+      this.selfTimes = selves;
+    }
+    return this.selfTimes;
+  }
+
+  /** Calls `visit` with the index of each selected sample. */
+  forEachSample(visit: (index: number) => void): void {
+    const { profile, filter } = this;
+    const { times, cores, threads, stacks } = profile.samples;
+    const [first, end] = sampleRange(profile, filter.start, filter.end);
+    const keptCores = filter.cores === null ? null : marked(filter.cores, 0x10000);
+    const keptThreads = filter.threads === null ? null : marked(filter.threads, profile.threads.length);
+    const keptNodes = filter.text === '' ? null : nodesWithText(profile, filter.text);
+    const { slices } = filter;
+    let slice = 0;
+    for (let i = first; i < end; ++i) {
+      if (keptCores !== null && keptCores[cores[i]] === 0) continue;
+      if (keptThreads !== null && keptThreads[threads[i]] === 0) continue;
+      if (keptNodes !== null && keptNodes[stacks[i]] === 0) continue;
+      if (slices !== null) {
+        while (slice < slices.length && slices[slice + 1] <= times[i]) slice += 2;
+        if (slice >= slices.length) break;
+        if (times[i] < slices[slice]) continue;
+      }
+      visit(i);
+    }
+  }
+
+  private countSamples(totals: Uint32Array): void {
+    const { stacks } = this.profile.samples;
+    const { cores, threads, text, slices, start, end } = this.filter;
+    if (cores !== null || threads !== null || text !== '' || slices !== null) {
+      this.forEachSample((index) => totals[stacks[index]]++);
+      return;
+    }
+    const [from, to] = sampleRange(this.profile, start, end);
+    for (let i = from; i < to; ++i) totals[stacks[i]]++;
+  }
+}
+
+export function isEverything(filter: Filter): boolean {
+  const { start, end, cores, threads, text, slices } = filter;
+  const untimed = start === everything.start && end === everything.end;
+  return untimed && cores === null && threads === null && text === '' && slices === null;
+}
+
+/** Adds the weight of each node to all that stand above it. */
+export function sumUp(stacks: Pick<Stacks, 'parents'>, totals: Uint32Array): void {
+  const { parents } = stacks;
+  // A subtree without samples costs a look only.
+  for (let node = totals.length - 1; node > 0; --node) if (totals[node] !== 0) totals[parents[node]] += totals[node];
+}
+
+/** Returns the first sample at or after `start` and the first at or after `end`. */
+export function sampleRange({ samples }: Profile, start: number, end: number): [number, number] {
+  const first = firstAtOrAfter(samples.times, start);
+  return [first, Math.max(first, firstAtOrAfter(samples.times, end))];
+}
+
+function firstAtOrAfter(times: Float64Array, time: number): number {
+  let from = 0;
+  let to = times.length;
+  while (from < to) {
+    const middle = (from + to) >>> 1;
+    if (times[middle] < time) from = middle + 1;
+    else to = middle;
+  }
+  return from;
+}
+
+function marked(members: ReadonlySet<number>, size: number): Uint8Array {
+  const marks = new Uint8Array(size);
+  for (const member of members) marks[member] = 1;
+  return marks;
+}
+
+/** Returns a mark for each place whose name contains the text; capital letters count only where the text has some. */
+export function placesWithText({ places }: Profile, text: string): Uint8Array {
+  const exact = text !== text.toLowerCase();
+  return Uint8Array.from(places.names, (name) => Number((exact ? name : name.toLowerCase()).includes(text)));
+}
+
+/** Returns a mark for each node whose stack, from the root down to it, has a place with the text. */
+export function nodesWithText(profile: Profile, text: string): Uint8Array {
+  const matches = placesWithText(profile, text);
+  const { count, parents, places } = profile.stacks;
+  const marks = new Uint8Array(count);
+  for (let node = 1; node < count; ++node) marks[node] = marks[parents[node]] | matches[places[node]];
+  return marks;
+}

@@ -1,0 +1,67 @@
+/** Colours of places: the kind gives the hue, the library and the function a shade of it. */
+
+import { PlaceKind, type Places } from '../document/profile';
+
+const shades = 6;
+
+interface Hue {
+  readonly hue: number;
+  readonly saturation: number;
+  /** How far the shades differ, in degrees of hue. */
+  readonly spread: number;
+}
+
+const hues: Record<PlaceKind, Hue> = {
+  [PlaceKind.Kernel]: { hue: 205, saturation: 60, spread: 14 },
+  [PlaceKind.User]: { hue: 18, saturation: 78, spread: 38 },
+  [PlaceKind.Unresolved]: { hue: 220, saturation: 6, spread: 0 },
+  [PlaceKind.Synthetic]: { hue: 285, saturation: 38, spread: 10 },
+  [PlaceKind.Cut]: { hue: 0, saturation: 0, spread: 0 },
+};
+
+export const kindNames: Record<PlaceKind, string> = {
+  [PlaceKind.Kernel]: 'kernel',
+  [PlaceKind.User]: 'program or library',
+  [PlaceKind.Unresolved]: 'no function known',
+  [PlaceKind.Synthetic]: 'no mapping known',
+  [PlaceKind.Cut]: 'cut off',
+};
+
+/** A palette and the index into it for each place; boxes of one colour are painted together. */
+export interface PlaceColours {
+  readonly palette: readonly string[];
+  readonly indices: Uint8Array;
+}
+
+const palettes = new Map<boolean, readonly string[]>();
+
+function palette(dark: boolean): readonly string[] {
+  let colours = palettes.get(dark);
+  if (colours === undefined) {
+    colours = Object.values(hues).flatMap(({ hue, saturation, spread }) =>
+      Array.from({ length: shades }, (_, shade) => {
+        const part = shade / (shades - 1);
+        const lightness = dark ? 34 + 8 * part : 80 - 9 * part;
+        const strength = dark ? saturation * 0.62 : saturation;
+        return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
+      }),
+    );
+    palettes.set(dark, colours);
+  }
+  return colours;
+}
+
+/** The colour of a kind by itself, for legends and tables. */
+export const kindColour = (kind: PlaceKind, dark: boolean): string => palette(dark)[kind * shades + 2];
+
+export function placeColours({ kinds, libraries, count }: Places, dark: boolean): PlaceColours {
+  const indices = new Uint8Array(count);
+  for (let place = 0; place < count; ++place) {
+    const mixed = Math.imul(libraries[place] + 1, 0x9e3779b1) >>> 0;
+    const own = Math.imul(place + 1, 0x85ebca6b) >>> 0;
+    // Functions of one library are close to each other.
+    const shade = (((mixed >>> 28) % (shades - 1)) + ((own >>> 16) & 1)) % shades;
+    indices[place] = kinds[place] * shades + shade;
+  }
+  return { palette: palette(dark), indices };
+}
