@@ -1,5 +1,5 @@
 import type { Profile } from '../document/profile';
-import type { Filter } from './filter';
+import { everything, type Filter } from './filter';
 import { type Grouping, groupings } from './groupings';
 import { placesWithText, Selection } from './Selection';
 
@@ -9,6 +9,7 @@ export class ProfileModel {
   readonly end: number;
   private latest: Selection | null = null;
   private readonly made = new Map<string, Grouping>();
+  private texted: Filter = everything;
   private searched: { readonly text: string; readonly matches: Uint8Array } | null = null;
 
   constructor(readonly profile: Profile) {
@@ -23,6 +24,12 @@ export class ProfileModel {
     return this.latest;
   }
 
+  /** Returns the filter that has this text only. */
+  textFilter(text: string): Filter {
+    if (this.texted.text !== text) this.texted = { ...everything, text };
+    return this.texted;
+  }
+
   /** Returns one of `groupings` for this profile. */
   grouping(id: string): Grouping {
     let grouping = this.made.get(id);
@@ -35,5 +42,19 @@ export class ProfileModel {
     if (search === '') return null;
     if (this.searched?.text !== search) this.searched = { text: search, matches: placesWithText(this.profile, search) };
     return this.searched.matches;
+  }
+
+  /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
+  matchedSamples(filter: Filter, search: string): number | null {
+    const matches = this.matches(search);
+    if (matches === null) return null;
+    const { parents, places, totals } = this.selection(filter);
+    const inside = new Uint8Array(places.length);
+    let samples = 0;
+    for (let node = 1; node < places.length; ++node) {
+      inside[node] = inside[parents[node]] | matches[places[node]];
+      if (inside[node] === 1 && inside[parents[node]] === 0) samples += totals[node];
+    }
+    return samples;
   }
 }

@@ -38,6 +38,10 @@ export class Selection implements Tree {
     this.count = this.totals[0] ?? 0;
   }
 
+  get isEverything(): boolean {
+    return this.totals === this.bounds;
+  }
+
   expand(): void {
     // All children are there from the start.
   }

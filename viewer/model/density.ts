@@ -1,38 +1,67 @@
 import type { Profile } from '../document/profile';
-import { sampleRange } from './Selection';
+import { sampleRange, type Selection } from './Selection';
 
-/** Samples in each pixel of the time line, one row for each core or thread. */
-export interface Density {
-  readonly rows: number;
-  readonly columns: number;
-  /** counts[row * columns + column]. */
-  readonly counts: Uint32Array;
-  /** The most that any pixel of a row has. */
-  readonly most: Uint32Array;
+/** The rows of a time line: a core or a thread each. */
+export interface TimeRow {
+  readonly kind: 'core' | 'thread';
+  /** Number of the core, or index of the thread. */
+  readonly subject: number;
+  readonly samples: number;
 }
 
-/** Counts the samples of [start, end) by `rowOf`, the row of each core or thread. */
+/** Returns the cores in their order, then the threads, those with most samples first. */
+export function timeRows({ samples, threads }: Profile): TimeRow[] {
+  const byCore = new Map<number, number>();
+  const byThread = new Uint32Array(threads.length);
+  for (let i = 0; i < samples.count; ++i) {
+    byThread[samples.threads[i]]++;
+    byCore.set(samples.cores[i], (byCore.get(samples.cores[i]) ?? 0) + 1);
+  }
+  const cores = [...byCore].sort(([a], [b]) => a - b);
+  const busiest = Array.from(byThread, (count, subject) => ({ kind: 'thread' as const, subject, samples: count }));
+  busiest.sort((a, b) => b.samples - a.samples);
+  return [...cores.map(([subject, count]) => ({ kind: 'core' as const, subject, samples: count })), ...busiest];
+}
+
+/** Samples in each pixel of some rows: counts[row * columns + column]. */
+export interface Density {
+  readonly columns: number;
+  readonly all: Uint32Array;
+  /** Those of the selection only. */
+  readonly selected: Uint32Array;
+}
+
+/** Counts the samples of [start, end) in the given rows, all of them and the selected ones. */
 export function density(
-  profile: Profile,
-  subjects: Uint16Array | Uint32Array,
-  rowOf: Int32Array,
-  rows: number,
+  selection: Selection,
+  rows: readonly TimeRow[],
   start: number,
   end: number,
   columns: number,
 ): Density {
-  const counts = new Uint32Array(rows * columns);
-  const { times } = profile.samples;
+  const { profile } = selection;
+  const { times, cores, threads } = profile.samples;
+  const rowOfCore = new Int32Array(0x10000).fill(-1);
+  const rowOfThread = new Int32Array(profile.threads.length).fill(-1);
+  rows.forEach(({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row * columns));
   const scale = columns / (end - start);
+  const counter = (counts: Uint32Array) => (i: number) => {
+    const column = Math.min(columns - 1, ((times[i] - start) * scale) | 0);
+    const core = rowOfCore[cores[i]];
+    const thread = rowOfThread[threads[i]];
+    if (core >= 0) counts[core + column]++;
+    if (thread >= 0) counts[thread + column]++;
+  };
+  const all = new Uint32Array(rows.length * columns);
+  const count = counter(all);
   // The last sample belongs to the last pixel of a time line that ends with it.
   const [first, last] = sampleRange(profile, start, end >= times[times.length - 1] ? Infinity : end);
-  for (let i = first; i < last; ++i) {
-    const row = rowOf[subjects[i]];
-    if (row >= 0) counts[row * columns + Math.min(columns - 1, ((times[i] - start) * scale) | 0)]++;
-  }
-  const most = new Uint32Array(rows);
-  for (let row = 0; row < rows; ++row) {
-    for (let at = row * columns; at < (row + 1) * columns; ++at) if (counts[at] > most[row]) most[row] = counts[at];
-  }
-  return { rows, columns, counts, most };
+  for (let i = first; i < last; ++i) count(i);
+  if (selection.isEverything) return { columns, all, selected: all };
+  const selected = new Uint32Array(all.length);
+  const countSelected = counter(selected);
+  selection.forEachSample((i) => {
+    if (i >= first && i < last) countSelected(i);
+  });
+  return { columns, all, selected };
 }

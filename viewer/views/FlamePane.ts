@@ -82,7 +82,7 @@ export class FlamePane {
     this.scroll = 0;
   }
 
-  draw(): void {
+  readonly draw = (): void => {
     const { tree } = this;
     if (tree === null) return;
     this.width = this.stage.clientWidth;
@@ -96,7 +96,7 @@ export class FlamePane {
     this.paint(context);
     this.placeMark(this.chosenMark, this.chosen === 0 ? -1 : this.boxOf(this.chosen));
     this.hoverMark.hidden = true;
-  }
+  };
 
   /** Goes to the next (1) or previous (-1) node that the search is for; returns what it is. */
   find(direction: 1 | -1): string | null {
@@ -151,6 +151,11 @@ export class FlamePane {
         return true;
     }
     return false;
+  }
+
+  /** Calls `visit` for each node that has a box, a parent ahead of its children. */
+  forEachBox(visit: (node: number) => void): void {
+    for (let i = 0; i < this.boxes.count; ++i) visit(this.boxes.nodes[i]);
   }
 
   /** Returns the picture as SVG. */
@@ -280,7 +285,7 @@ export class FlamePane {
     const y = this.top(depth);
     if (y < 0 || y + rowHeight > this.height) this.scroll = Math.max(0, depth * rowHeight - this.height / 2);
     this.app.announce(this.look.describe(node).join(', '));
-    this.app.store.refresh();
+    this.app.store.repaint(this.draw);
     return true;
   }
 
@@ -288,7 +293,7 @@ export class FlamePane {
     this.focus = node;
     this.start = 0;
     this.end = 1;
-    this.app.store.refresh();
+    this.app.store.repaint(this.draw);
   }
 
   /** Zooms about a pixel. */
@@ -297,19 +302,19 @@ export class FlamePane {
     const at = this.start + (x / this.width) * (this.end - this.start);
     this.start = Math.min(Math.max(0, at - (x / this.width) * length), 1 - length);
     this.end = this.start + length;
-    this.app.store.refresh();
+    this.app.store.repaint(this.draw);
   }
 
   private pan(pixels: number): void {
     const length = this.end - this.start;
     this.start = Math.min(Math.max(0, this.start + (pixels / this.width) * length), 1 - length);
     this.end = this.start + length;
-    this.app.store.refresh();
+    this.app.store.repaint(this.draw);
   }
 
   private scrollBy(pixels: number): void {
     this.scroll = Math.max(0, this.scroll + (this.upward ? -pixels : pixels));
-    this.app.store.refresh();
+    this.app.store.repaint(this.draw);
   }
 
   /** Index of a node's box, or -1. */

@@ -54,6 +54,7 @@ export class Store {
   private pending = new Set<keyof State>();
   private frame = 0;
   private readonly listeners: Listener[] = [];
+  private readonly repaints = new Set<() => void>();
 
   constructor(private current: State) {}
 
@@ -78,6 +79,12 @@ export class Store {
     this.schedule();
   }
 
+  /** Calls `paint` once with the next frame: for what a view keeps to itself, such as a zoom of its own. */
+  repaint(paint: () => void): void {
+    this.repaints.add(paint);
+    this.schedule();
+  }
+
   onCommit(listener: Listener): void {
     this.listeners.push(listener);
   }
@@ -90,6 +97,9 @@ export class Store {
     this.frame = 0;
     const changed = this.pending;
     this.pending = new Set();
-    for (const listener of this.listeners) listener(this.current, changed);
+    if (changed.size > 0) for (const listener of this.listeners) listener(this.current, changed);
+    const repaints = [...this.repaints];
+    this.repaints.clear();
+    for (const paint of repaints) paint();
   }
 }
