@@ -144,10 +144,10 @@ export class CallTreeView implements View {
     selfCell.textContent = self === 0 ? '' : `${formatCount(self)}  ${formatShare(self / whole)}`;
     const children = this.hasChildren(node);
     const twisty = element('span', { class: 'twisty' }, children ? (this.opened.has(node) ? '▾' : '▸') : '');
+    twisty.style.marginLeft = `${Math.min(depth, 60) * 13}px`;
     const swatch = element('i', { class: 'swatch' });
     swatch.style.background = kindColour(kind, isDark());
     nameCell.replaceChildren(twisty, swatch, shortName(name));
-    nameCell.style.paddingLeft = `${Math.min(depth, 60) * 13}px`;
     detailCell.textContent = shortName(detail);
     row.setAttribute('aria-level', String(depth + 1));
     if (children) row.setAttribute('aria-expanded', String(this.opened.has(node)));

@@ -16,8 +16,11 @@ const hues: Record<PlaceKind, Hue> = {
   [PlaceKind.User]: { hue: 18, saturation: 78, spread: 38 },
   [PlaceKind.Unresolved]: { hue: 220, saturation: 6, spread: 0 },
   [PlaceKind.Synthetic]: { hue: 285, saturation: 38, spread: 10 },
-  [PlaceKind.Cut]: { hue: 0, saturation: 0, spread: 0 },
+  [PlaceKind.Cut]: { hue: 45, saturation: 9, spread: 0 },
 };
+/** Cut back-traces stand out from all places, so that nobody takes their end for a beginning. */
+const cutDarkening = 22;
+const cutLightening = 16;
 
 export const kindNames: Record<PlaceKind, string> = {
   [PlaceKind.Kernel]: 'kernel',
@@ -33,23 +36,29 @@ export interface PlaceColours {
   readonly indices: Uint8Array;
 }
 
-const palettes = new Map<boolean, readonly string[]>();
+const palettes = new Map<boolean, string[]>();
 
+/** Returns the shades of all kinds, and the colour of what is no place. */
 function palette(dark: boolean): readonly string[] {
   let colours = palettes.get(dark);
   if (colours === undefined) {
-    colours = Object.values(hues).flatMap(({ hue, saturation, spread }) =>
+    colours = Object.values(hues).flatMap(({ hue, saturation, spread }, kind) =>
       Array.from({ length: shades }, (_, shade) => {
         const part = shade / (shades - 1);
-        const lightness = dark ? 34 + 8 * part : 80 - 9 * part;
+        const cut = kind !== PlaceKind.Cut ? 0 : dark ? cutLightening : -cutDarkening;
+        const lightness = (dark ? 34 + 8 * part : 80 - 9 * part) + cut;
         const strength = dark ? saturation * 0.62 : saturation;
         return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
       }),
     );
+    colours.push(dark ? '#2c3037' : '#e4e7ec');
     palettes.set(dark, colours);
   }
   return colours;
 }
+
+/** Index of the colour of what is no place, such as "all samples". */
+export const noPlace = shades * Object.keys(hues).length;
 
 /** The colour of a kind by itself, for legends and tables. */
 export const kindColour = (kind: PlaceKind, dark: boolean): string => palette(dark)[kind * shades + 2];

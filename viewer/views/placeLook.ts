@@ -5,7 +5,7 @@ import type { Tree } from '../model/tree';
 import { formatShare } from '../model/axis';
 import { isDark, shortName } from './dom';
 import type { FlameLook } from './FlamePane';
-import { kindNames, placeColours } from './placeColours';
+import { kindNames, noPlace, placeColours } from './placeColours';
 
 /** Returns a number of samples, in groups of three digits. */
 export const formatCount = (count: number): string => Math.round(count).toLocaleString('en');
@@ -25,7 +25,7 @@ export function placeLook(model: ProfileModel, tree: Tree, selection: Selection,
   return {
     palette,
     name: nameOf,
-    colour: (node) => indices[tree.places[node]],
+    colour: (node) => (node === 0 && tree.places[0] === 0 ? noPlace : indices[tree.places[node]]),
     matches: (node) => matches && node !== 0 && matches[tree.places[node]] === 1,
     describe(node) {
       const name = shortName(nameOf(node));
