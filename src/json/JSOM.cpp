@@ -15,6 +15,7 @@ namespace loomstat {
 JSOM JSOM::JERROR{JSOM::Invalid{}};
 const JSOM JSOM::BLANK;
 const std::string JSOM::EMPTY_STRING;
+int JSOM::defaultPrecision = 4;
 
 namespace {
 

@@ -91,7 +91,7 @@ class JSOM {
   static JSOM JERROR;       ///< the invalid handle
   static const JSOM BLANK;  ///< a handle on nothing yet
   static const std::string EMPTY_STRING;
-  static constexpr int defaultPrecision = 4;  ///< of a number that becomes a string
+  static int defaultPrecision;  ///< decimals of a number that becomes a string, 4 unless changed
 
  private:
   enum class Kind { blank, node, pendingText, pendingString, pendingIndex, invalid };

@@ -257,4 +257,35 @@ bool JSONData::setFromJsonStlString(const std::string& text) {
   return setFromJsonString(cursor);
 }
 
+bool JSONData::fetchNextType(const char*& cursor, unsigned short& type, bool& comma, bool& colon, bool& end) {
+  TextCursor text(cursor);
+  return JSONParser<TextCursor>(text).fetchNextType(type, comma, colon, end);
+}
+
+bool JSONData::fetchNextType(std::istream& stream, unsigned short& type, bool& comma, bool& colon,
+                             bool& end) {
+  StreamCursor cursor(stream);
+  return JSONParser<StreamCursor>(cursor).fetchNextType(type, comma, colon, end);
+}
+
+bool JSONData::parseJsonString(const char*& cursor, std::string& out) {
+  TextCursor text(cursor);
+  return JSONParser<TextCursor>(text).parseJsonString(out);
+}
+
+bool JSONData::parseJsonString(std::istream& stream, std::string& out) {
+  StreamCursor cursor(stream);
+  return JSONParser<StreamCursor>(cursor).parseJsonString(out);
+}
+
+bool JSONData::parseJsonNumberIntoSelf(const char*& cursor) {
+  TextCursor text(cursor);
+  return JSONParser<TextCursor>(text).parseJsonNumberIntoSelf(*this);
+}
+
+bool JSONData::parseJsonNumberIntoSelf(std::istream& stream) {
+  StreamCursor cursor(stream);
+  return JSONParser<StreamCursor>(cursor).parseJsonNumberIntoSelf(*this);
+}
+
 }  // namespace loomstat

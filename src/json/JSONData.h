@@ -96,6 +96,18 @@ struct JSONData {
   bool setFromStream(std::istream& stream);
   bool setFromJsonStlString(const std::string& text);
 
+  /// Skips white space and comments and classifies the next token, which stays unread. False at the end of
+  /// the text and for a byte that begins no token. A comma and a colon leave `type` as it is.
+  static bool fetchNextType(const char*& cursor, unsigned short& type, bool& comma, bool& colon, bool& end);
+  static bool fetchNextType(std::istream& stream, unsigned short& type, bool& comma, bool& colon, bool& end);
+  /// Parses a string in double quotes.
+  static bool parseJsonString(const char*& cursor, std::string& out);
+  static bool parseJsonString(std::istream& stream, std::string& out);
+  /// Parses an optional minus, digits, and optionally a point and further digits. Integers wrap at 64 bits. A
+  /// failure leaves the node as it was.
+  bool parseJsonNumberIntoSelf(const char*& cursor);
+  bool parseJsonNumberIntoSelf(std::istream& stream);
+
   void addReference() { ++_refCount; }
   /// Gives one reference back; the last one destroys the node.
   static void release(JSONData* node);

@@ -82,7 +82,8 @@ void JSONData::appendStream(std::ostream& stream) const {
     if (_type == kObject) {
       std::string key;
       quoteJsonString(*getKeyAtIndex(i), key);
-      stream << key << ':';
+      key += ':';
+      stream.write(key.data(), static_cast<std::streamsize>(key.size()));
     }
     getByIndex(i)->appendStream(stream);
   }

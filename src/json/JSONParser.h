@@ -78,15 +78,15 @@ class JSONParser {
   /// Parses one value into the node; what follows it is not looked at.
   bool parse(JSONData& node);
 
-  /// Parses an optional minus, digits, and optionally a point and further digits. Integers wrap at 64 bits.
-  /// A failure leaves the node as it was.
+  // The steps, see the operations of JSONData of the same names.
+  bool fetchNextType(unsigned short& type, bool& comma, bool& colon, bool& end);
+  bool parseJsonString(std::string& out);
   bool parseJsonNumberIntoSelf(JSONData& node);
 
  private:
   bool fail(const char* message);
-  bool fetchNextType();
+  bool fetchNextType() { return fetchNextType(_type, _comma, _colon, _end); }
   bool skipComment();
-  bool parseJsonString(std::string& out);
   bool appendEscape(std::string& out);
   bool appendCodePoint(std::string& out);
   bool parseFraction(JSONData& node, double value, bool negative);
@@ -126,11 +126,9 @@ bool JSONParser<Cursor>::fail(const char* message) {
   return false;
 }
 
-/// Skips white space and comments and classifies the next token, which stays unread. False at the end of the
-/// text and for a byte that begins no token.
 template <typename Cursor>
-bool JSONParser<Cursor>::fetchNextType() {
-  _comma = _colon = _end = false;
+bool JSONParser<Cursor>::fetchNextType(unsigned short& type, bool& comma, bool& colon, bool& end) {
+  comma = colon = end = false;
   char byte = 0;
   while (true) {
     if (!_cursor.next(byte)) return false;
@@ -143,34 +141,34 @@ bool JSONParser<Cursor>::fetchNextType() {
   _cursor.back();
   switch (byte) {
     case '"':
-      _type = JSONData::kString;
+      type = JSONData::kString;
       return true;
     case 't':
     case 'f':
-      _type = JSONData::kBoolean;
+      type = JSONData::kBoolean;
       return true;
     case 'n':
-      _type = JSONData::kNull;
+      type = JSONData::kNull;
       return true;
     case '{':
     case '}':
-      _type = JSONData::kObject;
-      _end = byte == '}';
+      type = JSONData::kObject;
+      end = byte == '}';
       return true;
     case '[':
     case ']':
-      _type = JSONData::kArray;
-      _end = byte == ']';
+      type = JSONData::kArray;
+      end = byte == ']';
       return true;
     case ',':
-      _comma = true;
+      comma = true;
       return true;
     case ':':
-      _colon = true;
+      colon = true;
       return true;
     default:
       if (byte != '+' && byte != '-' && (byte < '0' || byte > '9')) return false;
-      _type = JSONData::kLong;
+      type = JSONData::kLong;
       return true;
   }
 }

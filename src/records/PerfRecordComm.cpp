@@ -6,6 +6,7 @@
 #include "records/PerfFactory.h"
 #include "records/RecordView.h"
 #include "run/Settings.h"
+#include "symbols/SymbolTable.h"
 
 std::vector<PerfRecordComm*> PerfRecordComm::_elements;
 unsigned int PerfRecordComm::_runningPidKey = 0;
@@ -77,6 +78,10 @@ PerfRecordComm* PerfRecordComm::findProcessRecord(unsigned int pid, unsigned int
   if (PerfRecordComm* exact = find(_mapOfPidTids, bothIds(pid, tid)); exact != nullptr) return exact;
   if (pid != 0 && tid != 0) return nullptr;
   return pid != 0 ? find(_mapOfPid, pid) : find(_mapOfTid, tid);
+}
+
+SymbolTable* PerfRecordComm::findSymbolTable(unsigned long long address) const {
+  return address >= gKernelStart ? SymbolTable::_kernelSymTable : nullptr;
 }
 
 void PerfRecordComm::setName(std::string_view name) {

@@ -9,6 +9,8 @@
 #include "base/KeyHash.h"
 #include "records/PerfRecord.h"
 
+class SymbolTable;
+
 /// A process or thread that the recording mentions, and the tables in which everybody else finds one.
 ///
 /// Body of PERF_RECORD_COMM in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), name (16,
@@ -27,6 +29,10 @@ class PerfRecordComm : public PerfRecord {
   /// Both ids 0 give the kernel. Otherwise an exact match counts; with one id 0, the first process of the
   /// other id does. Null if there is none: a known process with an unknown tid is not found.
   static PerfRecordComm* findProcessRecord(unsigned int pid, unsigned int tid);
+
+  /// Returns the kernel's symbols for an address at or above gKernelStart, otherwise null: maps know their
+  /// symbols themselves, and a process holds none.
+  SymbolTable* findSymbolTable(unsigned long long address) const;
 
   static std::uint32_t count() { return static_cast<std::uint32_t>(_elements.size()); }
 

@@ -10,6 +10,11 @@ struct ChartEntryS {
   unsigned int value;  ///< the series' value from this time on
 };
 
+/// The order in which all series are written: true if `a` comes earlier. Sorts by it are stable.
+inline bool compareChartEntries(ChartEntryS a, ChartEntryS b) {
+  return a.time < b.time;
+}
+
 /// Samples in the order in which they are written.
 using ChartSamples = std::vector<ChartEntryS>;
 

@@ -4,10 +4,14 @@
 #include <cstddef>
 #include <vector>
 
+#include "timechart/ChartSeries.h"
+
 /// Merges two neighbouring runs, [start, middle) and [middle, end), by the member `time`.
 template <typename Iterator, typename Element>
 void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Element>& scratch) {
-  constexpr auto isBefore = [](const Element& a, const Element& b) { return a.time < b.time; };
+  constexpr auto isBefore = [](const Element& a, const Element& b) {
+    return compareChartEntries({a.time, 0}, {b.time, 0});
+  };
   // What comes ahead of the whole other run stays where it is.
   start = std::upper_bound(start, middle, *middle, isBefore);
   scratch.assign(start, middle);
@@ -24,7 +28,7 @@ void sortByTime(std::vector<Element>& elements) {
   const auto at = [&](std::size_t index) { return elements.begin() + static_cast<std::ptrdiff_t>(index); };
   std::vector<std::size_t> ends;  // of the runs
   for (std::size_t i = 1; i < elements.size(); ++i)
-    if (elements[i].time < elements[i - 1].time) ends.push_back(i);
+    if (compareChartEntries({elements[i].time, 0}, {elements[i - 1].time, 0})) ends.push_back(i);
   ends.push_back(elements.size());
 
   std::vector<Element> scratch;

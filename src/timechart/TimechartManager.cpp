@@ -33,6 +33,10 @@ void outNames(const std::map<int, std::string>& names) {
 
 }  // namespace
 
+bool comparePPids(const ProcessChart* a, const ProcessChart* b) {
+  return a->_ppid < b->_ppid;
+}
+
 TimechartManager* TimechartManager::Instance() {
   if (_instance == nullptr) _instance = new TimechartManager;
   return _instance;
@@ -208,7 +212,7 @@ void TimechartManager::outIRQCharts(PerfJSONWriter& writer) const {
 void TimechartManager::outProcessCharts(PerfJSONWriter& writer) const {
   auto charts = _processCharts.inOrder();
   std::stable_sort(charts.begin(), charts.end(),
-                   [](const auto& a, const auto& b) { return a.second->_ppid < b.second->_ppid; });
+                   [](const auto& a, const auto& b) { return comparePPids(a.second, b.second); });
   for (const auto& [pid, chart] : charts) chart->outProcessChart(writer);
 }
 

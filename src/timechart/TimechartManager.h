@@ -109,3 +109,7 @@ class TimechartManager {
   std::array<std::string, ProcessChart::kL1Counters> _l1CounterNames;
   std::array<std::string, ProcessChart::kL2Counters> _l2CounterNames;
 };
+
+/// The order of the tasks' charts: true if the parent of `a` has the lower number. Charts of one parent stay
+/// in the order of their own numbers.
+bool comparePPids(const ProcessChart* a, const ProcessChart* b);

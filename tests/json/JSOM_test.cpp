@@ -38,7 +38,8 @@ TEST(JSOM, ReadsWithDefaultsAndWritesOnDemand) {
 TEST(JSOM, ConvertsValuesInPlace) {
   JSOM doc;
   doc.fromString(
-      "[12,\"12x\",\"-34\",\"1.5\",\"oFF\",\"TRUE\",\"false\",\"no\",0.5,true,null,\"-\",\"12.\"]");
+      "[12,\"12x\",\"-34\",\"1.5\",\"oFF\",\"TRUE\",\"false\",\"no\",0.5,true,null,\"-\",\"12.\",\"On\",1."
+      "23456]");
   EXPECT_EQ(doc[0].stringValue(JSOM::EMPTY_STRING), "12");
   EXPECT_FALSE(doc[0].isNumber());
   EXPECT_EQ(doc[1].longValue(-1), -1);
@@ -56,7 +57,11 @@ TEST(JSOM, ConvertsValuesInPlace) {
   EXPECT_STREQ(doc[10].stringValuePtr("default"), "default");
   EXPECT_EQ(doc[11].doubleValue(7), 7.0);
   EXPECT_EQ(doc[12].doubleValue(7), 12.0);
-  EXPECT_EQ(compact(doc), "[\"12\",\"12x\",-34,1.5,false,true,\"false\",\"no\",0.5,\"true\",null,\"-\",12]");
+  EXPECT_TRUE(doc[13].booleanValue(false));
+  JSOM::defaultPrecision = 2;
+  EXPECT_EQ(doc[14].stringValue(JSOM::EMPTY_STRING), "1.23");
+  EXPECT_EQ(compact(doc),
+            "[\"12\",\"12x\",-34,1.5,false,true,\"false\",\"no\",0.5,\"true\",null,\"-\",12,true,\"1.23\"]");
 }
 
 TEST(JSOM, FailuresPrintALineAndGiveAnInvalidHandle) {
@@ -136,6 +141,10 @@ TEST(JSOM, ExpandsEnvironmentReferencesInStrings) {
     doc.expandValues();
     EXPECT_STREQ(doc["${ZA}"][0]["s"].stringValuePtr(""), expanded);
   }
+  JSOM doc;
+  doc.setString(std::string("${ZA}\0${ZA}", 11));  // a text ends at its NUL
+  doc.expandValues();
+  EXPECT_EQ(doc.stringValue(JSOM::EMPTY_STRING), "value");
 }
 
 }  // namespace

@@ -121,6 +121,45 @@ TEST(JSONParser, TwinsDifferInWordsAndNuls) {
   EXPECT_FALSE(node.setFromJsonString(none));
 }
 
+/// What the steps of the parser make of "/**/ , : } "b\\n" -12.5x".
+template <typename Source>
+std::string steps(Source source) {
+  std::string found;
+  JSONData node;
+  for (const char expected : {',', ':', '}', '"', '-', 'x'}) {
+    unsigned short type = 99;
+    bool comma = true;
+    bool colon = true;
+    bool end = true;
+    const bool good = JSONData::fetchNextType(source.text, type, comma, colon, end);
+    found += std::to_string(type) + (comma ? "," : "") + (colon ? ":" : "") + (end ? "}" : "");
+    found += good ? " " : "! ";
+    std::string string;
+    if (expected == '"') {
+      found += JSONData::parseJsonString(source.text, string) ? string : "?";
+    } else if (expected == '-') {
+      found += node.parseJsonNumberIntoSelf(source.text) ? std::to_string(node.doubleValue()) : "?";
+    } else if (good) {
+      source.step();
+    }
+  }
+  return found;
+}
+
+TEST(JSONParser, OffersItsStepsForBothSources) {
+  struct Text {
+    const char* text = "/**/ , : } \"b\\n\" -12.5x";
+    void step() { ++text; }
+  };
+  struct Stream {
+    std::istringstream text{Text().text};
+    void step() { text.get(); }
+  };
+  const char* const expected = "99, 99: 3} 5 b\n6 -12.50000099! ";
+  EXPECT_EQ(steps(Text()), expected);
+  EXPECT_EQ(steps(Stream()), expected);
+}
+
 TEST(JSONParser, ExtendsAContainerThatIsThereAlready) {
   JSONData node;
   EXPECT_TRUE(node.setFromJsonStlString("[1]"));
