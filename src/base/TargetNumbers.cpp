@@ -27,6 +27,8 @@ long long truncateToSigned64(double value) {
 }
 
 double asOnTarget(double result, double left, double right) {
-  const bool invalid = std::isnan(result) && !std::isnan(left) && !std::isnan(right);
-  return invalid ? std::numeric_limits<double>::quiet_NaN() : result;
+  if (!std::isnan(result)) return result;
+  if (std::isnan(left)) return left;
+  if (std::isnan(right)) return right;
+  return std::numeric_limits<double>::quiet_NaN();
 }

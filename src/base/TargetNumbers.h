@@ -13,7 +13,8 @@ unsigned long long truncateToUnsigned64(double value);
 /// The same for a signed integer.
 long long truncateToSigned64(double value);
 
-/// A value that an invalid operation such as infinity minus infinity made from two operands that are numbers:
-/// the target's not-a-number is positive there, a workstation's is negative, and both are printed with their
-/// sign.
+/// The result of an operation on two operands, with the sign that a not-a-number has on the target, as both
+/// are printed with their sign: one that comes of two numbers, such as infinity minus infinity, is positive
+/// there and negative on a workstation; of two operands that are none the target passes the left one on, and
+/// a compiler for a workstation may exchange them.
 double asOnTarget(double result, double left, double right);

@@ -28,6 +28,8 @@ struct EventTableEntry {
   const char* name() const { return bytes + 8; }
 };
 
+constexpr std::uint32_t kMostRepetitions = 100000;
+
 /// A function's address as "%x" of the target prints it.
 unsigned int shownAddress(PerfRecordFunction function) {
   return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(function));
@@ -93,9 +95,12 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
     std::printf("Seek to %x (%llx+%llx) c:%d\n", start, static_cast<unsigned long long>(header.attrsSize),
                 static_cast<unsigned long long>(header.attrsOffset), static_cast<int>(count));
   EventTableEntry entry;
+  std::uint32_t repetitions = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    // At the end of the file the entry would only be taken again, and a count from a damaged header is huge.
-    if (reader.read(entry.bytes, EventTableEntry::kSize) <= 0) return;
+    // Behind the end of the file the last entry is taken again and again, which only a verbose run tells. A
+    // count from a damaged header is huge.
+    const bool ended = reader.read(entry.bytes, EventTableEntry::kSize) <= 0;
+    if (ended && (gVerbosity == 0 || ++repetitions > kMostRepetitions)) return;
     if (gVerbosity > 0)
       std::printf("readEvent: i:%04lld n:%s\n", static_cast<long long>(entry.eventId()), entry.name());
     _functions->store(entry.eventId(), findFunction(entry.name()));

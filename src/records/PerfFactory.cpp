@@ -10,7 +10,7 @@
 #include "run/Settings.h"
 
 std::array<PerfFactory::RecordFunction, 16> PerfFactory::perfRecordFunctions;
-int PerfFactory::_lostBytes = 0;
+std::uint32_t PerfFactory::_lostBytes = 0;
 RecordLosses PerfFactory::_losses;
 char* PerfFactory::_tmp = nullptr;
 int PerfFactory::_tmpLen = 0;
@@ -38,7 +38,7 @@ bool readHeader(PerfReader& reader, RecordHeader& header) {
 }
 
 /// Goes forward to the next plausible header and counts the bytes passed over. False at the end of the file.
-bool scan(PerfReader& reader, RecordHeader& header, int& lostBytes) {
+bool scan(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes) {
   std::uint32_t scanWord = 0;
   do {
     header.type = scanWord;
@@ -51,7 +51,8 @@ bool scan(PerfReader& reader, RecordHeader& header, int& lostBytes) {
 }
 
 /// The same, with an account of what is passed over.
-bool passOverDamage(PerfReader& reader, RecordHeader& header, int& lostBytes, RecordLosses& losses) {
+bool passOverDamage(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes,
+                    RecordLosses& losses) {
   const unsigned long long start = reader.offset() - kHeaderSize;
   const bool isInData = start < losses.dataEnd;
   if (isInData) losses.countRejected(header.type, header.size);
@@ -118,7 +119,7 @@ char* PerfFactory::buffer(int size) {
 }
 
 void PerfFactory::showStats() {
-  std::printf("Lost Bytes: %d\n", _lostBytes);
+  std::printf("Lost Bytes: %d\n", static_cast<int>(_lostBytes));
 }
 
 void dump(const char* buffer, int size) {

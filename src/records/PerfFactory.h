@@ -48,7 +48,11 @@ class PerfFactory {
 
   static RecordLosses _losses;
 
-  static std::size_t tmpLength() { return static_cast<std::size_t>(_tmpLen); }
+  /// Returns how many bytes may be read from the start of a record. One that lies in a buffer of the caller's
+  /// own is taken to be whole: at most what its size in 16 bits can tell.
+  static std::size_t lengthOf(const char* record) {
+    return record == _tmp ? static_cast<std::size_t>(_tmpLen) : std::size_t{0xFFFF};
+  }
 
  private:
   struct RecordFunction {
@@ -58,7 +62,7 @@ class PerfFactory {
   };
 
   static std::array<RecordFunction, 16> perfRecordFunctions;
-  static int _lostBytes;  ///< words passed over by the scan, 4 bytes each
+  static std::uint32_t _lostBytes;  ///< words passed over by the scan, 4 bytes each
   static char* _tmp;
   static int _tmpLen;
 };

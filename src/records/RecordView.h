@@ -13,8 +13,9 @@
 /// earlier one left behind it.
 class RecordView {
  public:
-  /// A record as a creation function gets it: the start of PerfFactory's buffer.
-  explicit RecordView(const char* record) : _bytes(record, PerfFactory::tmpLength()) {}
+  /// A record as a creation function gets it: the start of PerfFactory's buffer, or of a whole record of the
+  /// caller's own.
+  explicit RecordView(const char* record) : _bytes(record, PerfFactory::lengthOf(record)) {}
 
   std::uint16_t u16(std::size_t offset) const { return load<std::uint16_t>(offset); }
   std::uint32_t u32(std::size_t offset) const { return load<std::uint32_t>(offset); }

@@ -49,6 +49,18 @@ TEST(PerfBlockReader, AnswersAsDirectReadsDo) {
   EXPECT_FALSE(none.status());
 }
 
+TEST(PerfReader, WarnsOfSizesThatNoRecordHas) {
+  const Conversion folder;
+  folder.write("file", std::string(5000, 'x'));
+  char bytes[4096];
+  testing::internal::CaptureStdout();
+  PerfReader reader;
+  reader.open(folder.path("file").c_str());
+  for (const int size : {1, 2048, 0, 2049}) reader.read(bytes, size);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Large reader size:0\nLarge reader size:2049\n");
+  EXPECT_TRUE(reader.status());
+}
+
 TEST(PerfBlockReader, TakesFromAPipeWhatIsThere) {
   const Conversion folder;
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);

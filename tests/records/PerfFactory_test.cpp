@@ -7,6 +7,7 @@
 #include "run/Settings.h"
 #include "support/MemoryReader.h"
 #include "support/RecordingBuilder.h"
+#include "symbols/SymbolTable.h"
 
 namespace {
 
@@ -82,6 +83,21 @@ TEST(PerfFactory, TakesABodyCutShortOverStaleBytes) {
   // The record buffer still holds the longer name of the record before.
   const std::string cut = header(3, 24) + Bytes().u32(9).u32(9).text("ab", 2).str();
   EXPECT_EQ(walk(comm(5, "longname") + cut).names, "longname abngname ");
+}
+
+TEST(PerfFactory, LetsACreationFunctionReadABufferOfItsCaller) {
+  std::string record = comm(5, "one");  // and the factory has no buffer yet
+  const PerfRecord* process = PerfRecordComm::createInstance(record.data());
+  EXPECT_EQ(process->pid, 5U);
+  EXPECT_STREQ(process->getName(), "one");
+}
+
+TEST(PerfRecordComm, KnowsTheSymbolsOfKernelAddressesOnly) {
+  SymbolTable kernel;
+  SymbolTable::_kernelSymTable = &kernel;
+  gKernelStart = 0xC0008000;
+  EXPECT_EQ(PerfRecordComm::_kernelArea.findSymbolTable(0xC0008000), &kernel);
+  EXPECT_EQ(PerfRecordComm::_kernelArea.findSymbolTable(0xC0007FFF), nullptr);
 }
 
 TEST(PerfFactory, KeepsTheFirstFunctionOfAType) {

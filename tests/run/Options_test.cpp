@@ -110,7 +110,13 @@ TEST(TargetNumbers, AreThoseOfA32BitTarget) {
   EXPECT_EQ(truncateToUnsigned64(NAN), 0U);
   EXPECT_EQ(truncateToUnsigned64(1e30), ~0ULL);
   EXPECT_EQ(truncateToSigned64(-1e30), std::numeric_limits<long long>::min());
-  EXPECT_FALSE(std::signbit(asOnTarget(INFINITY - INFINITY, INFINITY, INFINITY)));
+  const auto isNegative = [](double result, double left, double right) {
+    return std::signbit(asOnTarget(result, left, right));
+  };
+  EXPECT_FALSE(isNegative(INFINITY - INFINITY, INFINITY, INFINITY));
+  EXPECT_TRUE(isNegative(NAN, -NAN, NAN));
+  EXPECT_FALSE(isNegative(-NAN, NAN, -NAN));
+  EXPECT_TRUE(isNegative(NAN, 1.0, -NAN));
 }
 
 }  // namespace
