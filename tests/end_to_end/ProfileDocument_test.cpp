@@ -174,6 +174,24 @@ TEST(ProfileDocument, LooksAnAddressWithoutAMapUpAnewWhereTheAnswerMayDiffer) {
             "8,65540,5,1.5,0,4,7,[[2415919108,8,],[2415919108,8,],]\n");
 }
 
+TEST(ProfileDocument, LastsToTheLatestSampleInTheFileAndNotTheGreatestTime) {
+  Conversion conversion;
+  RecordingBuilder recording;
+  for (const std::uint64_t seconds : {1, 5, 3})
+    recording.sample({.ip = 0x10000, .pid = 7, .tid = 7, .time = seconds * 1000000000});
+  const std::string document = conversion.run(recording, {"-b", "1"});
+  EXPECT_NE(document.find("\"First Sample Time\":1,\"duration\":2}"), std::string::npos);
+}
+
+TEST(ProfileDocument, NamesThePageOfAnUnknownThreadAfterItsProcess) {
+  Conversion conversion;
+  RecordingBuilder recording;
+  recording.comm(7, 7, "tool").mmap(7, 7, 0x10000, 0x1000, "/none");
+  recording.sample({.ip = 0x10004, .pid = 7, .tid = 99, .trace = {0x20004, 0x20008}});
+  EXPECT_EQ(rows(conversion.run(recording, {"-b", "1"}), "functions"),
+            "6,\"{tool-00020000}\",131072,65536,[2,]\n");
+}
+
 TEST(ProfileDocument, KeepsFifteenEntriesOfABackTrace) {
   Conversion conversion;
   RecordingBuilder recording;

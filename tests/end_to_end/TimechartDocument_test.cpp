@@ -35,7 +35,8 @@ std::string data(const std::string& document, const std::string& id) {
 
 std::string convert(const RecordingBuilder& recording, std::vector<std::string> options = {"-b", "0.5"}) {
   Conversion conversion;
-  conversion.softInterrupts("                    CPU0\n          HI:          0\n       TIMER:         12\n");
+  conversion.softInterrupts(
+      "                    CPU0\n          HI:          0\n       TIMER:         12\n\n  BEHIND THE END:\n");
   options.insert(options.begin(), "-t");
   return conversion.run(recording, options);
 }
@@ -148,10 +149,10 @@ TEST(TimechartDocument, InterruptsMakeTheirCpuBusyAndGetTheirNamesOnce) {
   entry(4500, 0, 18, "nested \"quoted\"");
   trace.at(5000, 0).value("irq:irq_handler_exit", 18, 1).at(5500, 0).value("irq:irq_handler_exit", 17, 1);
   trace.at(6000, 5).value("irq:softirq_entry", 1).at(7000, 5).value("irq:softirq_exit", 1);
-  trace.at(7000, 1).value("irq:softirq_exit", 1).at(8000, 1).value("irq:softirq_exit", 9);
+  trace.at(7000, 1).value("irq:softirq_exit", 1).at(8000, 1).value("irq:softirq_exit", 3);
   testing::internal::CaptureStdout();
   const std::string document = convert(trace);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "IRQ name not found: 1009\n");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "IRQ name not found: 1003\n");
   const std::string all = entries(document);
   EXPECT_EQ(
       all.substr(0, all.find("{\"id\":\"proc")),
@@ -160,7 +161,7 @@ TEST(TimechartDocument, InterruptsMakeTheirCpuBusyAndGetTheirNamesOnce) {
 {"id":"irq-18-0","name":"nested \"quoted\"","treeId":"18_irq_root","type":"binary","class":"irq","show":0,"tip":"Running on CPU 0","hints":{"white":"#000000","black":"#ffffff"},"data":[[0.004500,1],[0.005000,0]]}
 {"id":"irq-1001-1","name":"TIMER","treeId":"1001_irq_root","type":"binary","class":"irq","show":0,"tip":"Running on CPU 1","hints":{"white":"#4b0082","black":"#caa1e0"},"data":[]}
 {"id":"irq-1001-5","name":"TIMER","treeId":"1001_irq_root","type":"binary","class":"irq","show":0,"tip":"Running on CPU 5","hints":{},"data":[[0.006000,1],[0.007000,0]]}
-{"id":"irq-1009-1","name":"IRQ","treeId":"1009_irq_root","type":"binary","class":"irq","show":0,"tip":"Running on CPU 1","hints":{"white":"#4b0082","black":"#caa1e0"},"data":[]}
+{"id":"irq-1003-1","name":"IRQ","treeId":"1003_irq_root","type":"binary","class":"irq","show":0,"tip":"Running on CPU 1","hints":{"white":"#4b0082","black":"#caa1e0"},"data":[]}
 )");
 }
 
@@ -227,6 +228,27 @@ TEST(TimechartDocument, GpuEventsClimbThePowerLadder) {
 )");
 }
 
+TEST(TimechartDocument, GpuIssuesAndInterruptsAreToldApartByKind) {
+  TraceBuilder trace;
+  for (const unsigned int context : {1U, 3U, 4U})
+    trace.at(1000 * context, 3, 42)
+        .add("kgsl:kgsl_issueibcmds",
+             Payload().located("kgsl-3d0").u32(0).u32(0).u32(0).u32(0).u32(0).u32(0).u32(context));
+  trace.at(5000, 0).gpu("kgsl:kgsl_z180_irq_status", "kgsl-2d0", 0x80000000);
+  const std::string document = convert(trace);
+  EXPECT_EQ(data(document, "proc-42-i1"), "[[0.001000,1]]");
+  EXPECT_EQ(data(document, "proc-42-i3"), "[[0.003000,1]]");
+  EXPECT_EQ(data(document, "proc-42-i0"), "[[0.004000,1]]");
+  EXPECT_EQ(data(document, "gpu-2-0-q2"), "[[0.005000,1]]");
+  EXPECT_EQ(data(document, "gpu-2-0-q1"), "no entry");
+}
+
+TEST(TimechartDocument, PointsAreCutAt31Characters) {
+  TraceBuilder trace;
+  trace.at(1000, 0).schedSwitch(0, 0, 11);
+  EXPECT_EQ(data(convert(trace, {"-r", "-b", "-1e19"}), "proc-11-r0"), "[[10000000000000000000.000000, 1]");
+}
+
 /// Counter samples of one task: cycles, and the same value for the first counter of each level.
 TraceBuilder counters() {
   TraceBuilder trace;
@@ -282,6 +304,12 @@ TEST(TimechartDocument, CounterCodesStandWhereNoFileTranslatesThem) {
   for (const char* id : {"proc-8-ctr2", "proc-8-ctr5"}) EXPECT_EQ(data(document, id), "no entry");
 }
 
+TEST(TimechartDocument, CountersWithoutAConfigurationHaveNoEntries) {
+  Conversion conversion;
+  conversion.environment().set("ZELVIEW_CONFIG", conversion.path("none"));
+  EXPECT_EQ(entries(conversion.run(counters(), {"-t", "-b", "0.5"})), "");
+}
+
 TEST(TimechartDocument, MarkersStandUnderTheirProcessAndInOneList) {
   Conversion conversion;
   conversion.traceText(
@@ -301,6 +329,12 @@ TEST(TimechartDocument, MarkersStandUnderTheirProcessAndInOneList) {
 )");
 }
 
+TEST(TimechartDocument, AMarkerOfANamedTaskIsReadFromItsSecondCharacterOn) {
+  Conversion conversion;
+  conversion.traceText("12 [000] 1.0: tracing_mark_write: ZVIEW,5,digits,x\n");
+  EXPECT_NE(conversion.run(RecordingBuilder(), {"-t", "-q"}).find("\"id\":\"proc-2-e\""), std::string::npos);
+}
+
 TEST(TimechartDocument, KeepsWhatLiesInTheSelectedRange) {
   TraceBuilder trace;
   for (const unsigned int time : {4000000U, 4999999U, 5000000U, 6000000U, 6000001U})
@@ -310,6 +344,28 @@ TEST(TimechartDocument, KeepsWhatLiesInTheSelectedRange) {
   EXPECT_EQ(data(document, "proc-6000-r0"), "[[1.000000, 1]]");
   EXPECT_EQ(data(document, "proc-4999-r0"), "no entry");
   EXPECT_EQ(data(document, "cpu-0-b"), "[[1.000000,1]]");
+}
+
+TEST(TimechartDocument, TakesNamesUpToASecondOutsideTheSelectedRange) {
+  TraceBuilder trace;
+  const auto rename = [&](std::uint64_t time, unsigned int pid, const char* name) {
+    trace.at(time, 0).add("task:task_rename", Payload().u32(pid).text("old", 16).text(name, 16).u32(0));
+  };
+  trace.at(5000000, 0).schedSwitch(0, 0, 21).schedSwitch(21, 0, 22);
+  rename(3999999, 22, "early");
+  rename(4000000, 21, "first");
+  rename(7000000, 22, "last");
+  rename(7000001, 21, "late");
+  const std::string document = convert(trace, {"-r", "-s", "5", "-f", "6"});
+  EXPECT_NE(document.find("\"21 - first\""), std::string::npos);
+  EXPECT_NE(document.find("\"22 - last\""), std::string::npos);
+}
+
+TEST(TimechartDocument, TasksAreNamedAfterTheFirstProcessOfTheirThreadId) {
+  TraceBuilder trace;
+  trace.comm(10, 11, "first").comm(12, 11, "second");
+  trace.at(1000, 0).schedSwitch(0, 0, 11);
+  EXPECT_NE(convert(trace).find("\"11 - first\",\"treeId\":\"11_10_proc_root\""), std::string::npos);
 }
 
 TEST(TimechartDocument, DropsWhatTheTablesHaveNoPlaceFor) {

@@ -19,6 +19,28 @@ namespace {
 // Prints the list prepared for the file's name; its options and the file come as the program gives them.
 constexpr const char* kFakeNm = "#!/bin/sh\ncat \"$NM_LISTS/$(basename \"$2\")\" 2>/dev/null\n";
 
+/// What holds the folders of all conversions of this process. It also goes with those of child processes,
+/// which end without a destructor.
+class FolderOfAll {
+ public:
+  FolderOfAll() {
+    if (mkdtemp(_path.data()) == nullptr) std::abort();
+  }
+  ~FolderOfAll() {
+    if (getpid() == _owner) std::filesystem::remove_all(_path);
+  }
+  FolderOfAll(const FolderOfAll&) = delete;
+  FolderOfAll& operator=(const FolderOfAll&) = delete;
+
+  const std::string& path() const { return _path; }
+
+ private:
+  std::string _path = std::filesystem::temp_directory_path() / "zelconv-test.XXXXXX";
+  pid_t _owner = getpid();
+};
+
+const FolderOfAll folderOfAll;
+
 }  // namespace
 
 ScopedEnvironment::~ScopedEnvironment() {
@@ -47,7 +69,7 @@ void ScopedEnvironment::unset(const std::string& name) {
 }
 
 Conversion::Conversion() {
-  std::string folder = std::filesystem::temp_directory_path() / "zelconv-test.XXXXXX";
+  std::string folder = folderOfAll.path() + "/XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) std::abort();
   _folder = folder;
   for (const char* name : {"bin", "lists", "root"}) std::filesystem::create_directory(path(name));

@@ -132,7 +132,7 @@ TEST(SymbolList, ReadsTheKernelsTable) {
   EXPECT_EQ(read("00000000 T zero\n00000000 T nil\n", true), "");
   EXPECT_EQ(
       read(
-          "00001000 t low\nc0008000 T start\nc0009000 T next\nbf000000 t mod\t[mod]\nbf000100 t end\t[mod]\n",
+          "2fffffff t low\nc0008000 T start\nc0009000 T next\nbf000000 t mod\t[mod]\nbf000100 t end\t[mod]\n",
           true),
       "c0008000+1000 start\n|c0009000+0 next|bf000000+100 mod|bf000100+0 end|");
   EXPECT_EQ(read("ffffffff81000000 T start\n0000000000001000 T low\nffffffff81000100 T next\n", true),
@@ -193,19 +193,34 @@ TEST(SymbolTable, SaysWhatItReadsAfterWhatNmSays) {
 
 TEST(SymbolTable, GoesOnSearchingBehindAFileWithoutSymbolsAndRemembersTheFailure) {
   const Conversion folder;
-  folder.write("stripped/lib/libx.so", "");
-  folder.write("full/lib/libx.so", "");
-  // nm by the folder in the path: the second place has symbols.
+  for (const char* place : {"stripped", "single", "full"})
+    folder.write(std::string(place) + "/lib/libx.so", "");
+  // nm by the folder in the path: the last place has two symbols, which is the least that counts.
   folder.write("bin/nm", "#!/bin/sh\necho \"$@\" >>\"" + folder.path("calls") +
-                             "\"\ncase $2 in */full/*) printf '10 T aaaa\\n20 T bbbb\\n';; esac\n");
-  SymbolTable::setPath(folder.path("stripped") + ":" + folder.path("full"));
+                             "\"\ncase $2 in */full/*) printf '10 T aaaa\\n20 T bbbb\\n';; "
+                             "*/single/*) printf '10 T aaaa\\n';; esac\n");
+  SymbolTable::setPath(folder.path("stripped") + ":" + folder.path("single") + ":" + folder.path("full"));
   const SymbolTable* table = SymbolTable::findAndRead("/lib/libx.so");
   ASSERT_NE(table, nullptr);
   EXPECT_EQ(table->elements().size(), 2U);
   EXPECT_EQ(folder.read("calls"), "-nCg " + folder.path("stripped/lib/libx.so") + "\n-nCg " +
+                                      folder.path("single/lib/libx.so") + "\n-nCg " +
                                       folder.path("full/lib/libx.so") + "\n");
   // The failed first try has taken the base name.
   EXPECT_EQ(SymbolTable::findAndRead("/other/libx.so")->elements().size(), 0U);
+}
+
+TEST(SymbolTable, IsNullWhereNmCannotBeStarted) {
+  Conversion folder;
+  folder.library("/lib/libx.so", "10 T aaaa\n20 T bbbb\n");
+  folder.environment().set("PATH", folder.path("none"));
+  SymbolTable::setPath(folder.path("root"));
+  const std::string said = printed([] {
+    gVerbosity = 1;
+    EXPECT_EQ(SymbolTable::findAndRead("/lib/libx.so"), nullptr);
+  });
+  EXPECT_NE(said.find("\nnm: No such file or directory\n"), std::string::npos);
+  EXPECT_EQ(said.find("Failure"), std::string::npos);
 }
 
 TEST(SymbolTable, NeverLetsTheShellReadAFileName) {
