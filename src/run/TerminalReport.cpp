@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -9,12 +10,14 @@
 #include <map>
 #include <vector>
 
+#include "base/MachineFiles.h"
 #include "base/TargetNumbers.h"
 #include "events/PerfRecordSampleEvent.h"
 #include "records/PerfFactory.h"
 #include "records/PerfRecordSample.h"
 #include "records/SampleLayout.h"
 #include "run/Settings.h"
+#include "symbols/SymbolTable.h"
 
 namespace {
 
@@ -118,7 +121,7 @@ void TerminalReport::inspectFiles() {
   if (_facts->format != RecordingFacts::Format::recording) return;
   if (_facts->isCompressed) sayOfRecording("its records are compressed, and none of those is read");
   tellSampleFields();
-  if (gTimechartMode) tellKernel();
+  gTimechartMode ? tellKernel() : tellKernelNames();
 }
 
 void TerminalReport::tellFormat() {
@@ -170,6 +173,18 @@ void TerminalReport::tellKernel() {
   sayOfRecording("was recorded on kernel " + printable(_facts->release) + " (" +
                  printable(_facts->architecture) + ") and is decoded as " + versionText(kern_ver) +
                  (is64 ? " of 64 bits" : " of 32 bits") + ": set" + remedy);
+}
+
+void TerminalReport::tellKernelNames() {
+  // One symbol, the page of interrupt vectors, is not from the file.
+  if (SymbolTable::_kernelSymTable->elements().size() < 2)
+    return say(gMachineFiles.kernelSymbols +
+               " tells no addresses to this user: functions of the kernel stay without names");
+  utsname machine{};
+  const bool isOwn = gMachineFiles.kernelSymbols == MachineFiles().kernelSymbols && uname(&machine) == 0;
+  if (isOwn && !_facts->release.empty() && _facts->release != machine.release)
+    sayOfRecording("was recorded on kernel " + printable(_facts->release) +
+                   ", and functions of the kernel get the names of this machine's, " + machine.release);
 }
 
 void TerminalReport::tellUnreadable(int error) {

@@ -60,6 +60,7 @@ class TerminalReport : public RunWatcher {
   void tellFormat();
   void tellSampleFields();
   void tellKernel();
+  void tellKernelNames();
   void tellPassedOver();
   void tellWithoutSymbols();
   void tellOtherMode(unsigned long long plainSamples, unsigned long long tracePoints);

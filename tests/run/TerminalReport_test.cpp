@@ -1,12 +1,14 @@
 #include "run/TerminalReport.h"
 
 #include <gtest/gtest.h>
+#include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
 
+#include "base/MachineFiles.h"
 #include "run/ProgressLine.h"
 #include "support/Conversion.h"
 #include "support/Terminal.h"
@@ -60,6 +62,7 @@ class TerminalReports : public testing::Test {
   TerminalReports() {
     _conversion.library("/bin/app", "00010000 T work\n00010100 T rest\n");
     _conversion.softInterrupts("CPU0\n");
+    _conversion.kernelSymbols("c0008000 T start\nc0009000 T next\n");
     std::filesystem::current_path(_conversion.path(""));
   }
   ~TerminalReports() override { std::filesystem::current_path("/"); }
@@ -198,6 +201,30 @@ TEST_F(TerminalReports, SayWhatTheRecordingIsReadAs) {
        none + "zelconv: perf.data: all samples are those of a profile: convert it without -t\n"},
   };
   for (const Case& one : cases) check(one);
+}
+
+TEST_F(TerminalReports, SayWhoseNamesTheKernelsFunctionsGet) {
+  const std::string summary =
+      std::string("zelconv: perf.data: 2 samples kept (50.0 % without a function name)") + kNothingLost;
+  utsname machine{};
+  uname(&machine);
+  _conversion.kernelSymbols("00000000 T start\n00000000 T next\n");
+  check({profileOfTwo().build(),
+         {},
+         "zelconv: " + _conversion.path("kallsyms") +
+             " tells no addresses to this user: functions of the kernel stay without names\n" + summary});
+
+  gMachineFiles.kernelSymbols = MachineFiles().kernelSymbols;
+  const std::string own = profileOfTwo().textFeature(kOsRelease, machine.release).build();
+  const std::string told = lasting(run({own, {}, ""}, StandardError::terminal).terminal);
+  if (told.find("tells no addresses") != std::string::npos) GTEST_SKIP() << "no addresses of the kernel here";
+  EXPECT_EQ(told, summary);
+  const std::string other = profileOfTwo().textFeature(kOsRelease, "3.4.0-device").build();
+  EXPECT_EQ(
+      lasting(run({other, {}, ""}, StandardError::terminal).terminal),
+      "zelconv: perf.data: was recorded on kernel 3.4.0-device, and functions of the kernel get the names of "
+      "this machine's, " +
+          std::string(machine.release) + "\n" + summary);
 }
 
 TEST_F(TerminalReports, SumUpWhatWasLost) {
