@@ -8,7 +8,7 @@
 #include "support/RecordingBuilder.h"
 
 /// A recording that perf itself accepts too: attributes, stream ids, event types and, for trace-points, the
-/// descriptions of their layouts stand where perf's file format has them.
+/// descriptions of their layouts are where perf's file format has them.
 class PerfFile {
  public:
   /// A trace-point: its number, which is its stream id as well, its name and its fields as the kernel's

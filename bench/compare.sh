@@ -3,7 +3,7 @@
 # compare.sh [OTHER_ZELCONV]
 #
 # The start of a run, which is the kernel's table and nm, is what a recording with the same maps and no sample takes.
-# It is shown and, for the rates and ratios, taken off; a program that prints prepared lists stands in for nm, whose
+# It is shown and, for the rates and ratios, taken off; a program that prints prepared lists replaces nm, whose
 # own time is large and uneven. Documents go to memory, so that no disk plays a part, and are new ones: to delete the last
 # one is not a conversion's work. Times are medians of nine runs, perf's of five.
 set -euo pipefail

@@ -1,4 +1,4 @@
-// Stands in for nm where its own time is not to be measured: prints the list that lies beside a library,
+// Replaces nm where its own time is not to be measured: prints the list beside a library,
 // FILE.nm.
 
 #include <fcntl.h>

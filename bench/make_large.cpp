@@ -3,7 +3,7 @@
 // FOLDER/profile.data: RECORDS samples with back-traces of 0 to 15 entries in 60 processes, which map 300
 // pieces of 40 libraries. A process is sampled at 1,000 places and calls from 200, some far more often than
 // others: in recordings of real machines with a few thousand samples seven in ten addresses have come before.
-// A tenth of all addresses lie in no map.
+// A tenth of all addresses are in no map.
 //
 // FOLDER/trace.data: RECORDS trace-points of all kinds on 16 CPUs, among 300 tasks that sleep and wake. As in
 // perf's own recordings, the buffers of the CPUs take turns in the file, so time jumps back at each turn.
@@ -84,7 +84,7 @@ class ProfileMaker {
   static constexpr unsigned int kFirstPid = 100;
   static constexpr unsigned int kFirstFunction = 0x10000;  // where the text of the libraries is linked to
 
-  /// A place in the code that a process runs.
+  /// An address in the code that a process runs.
   std::uint64_t place(unsigned int process) {
     if (_numbers.below(10) == 0)
       return kUnmapped + std::uint64_t{process % 8 * 64 + _numbers.skewedBelow(kUnmappedPages)} * 0x10000 +
@@ -95,7 +95,7 @@ class ProfileMaker {
 
   using Places = std::array<std::vector<std::uint64_t>, kProcesses>;
 
-  /// One of so many places of a process, which are made on first use.
+  /// One of `count` addresses of a process, which are made on first use.
   std::uint64_t oneOf(Places& places, unsigned int count, unsigned int process) {
     while (places[process].size() < count) places[process].push_back(place(process));
     return places[process][_numbers.skewedBelow(count)];

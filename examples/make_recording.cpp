@@ -1,8 +1,9 @@
 // Makes the example recording: make_recording FILE EXECUTABLE LIBRARY
 //
 // Two processes, one of them with two threads, run code of the executable, which is mapped below 0x40000000,
-// of the library above it, of the kernel, and of places that no map covers. Back-traces have every depth from
-// 0 to 20. The addresses of functions come from nm, so that the conversion finds the same functions again.
+// of the library above it, of the kernel, and of addresses that no map covers. Back-traces have every depth
+// from 0 to 20. The addresses of functions come from nm, so that the conversion finds the same functions
+// again.
 
 #include <array>
 #include <cstdio>

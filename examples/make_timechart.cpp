@@ -2,7 +2,7 @@
 //
 // Two CPUs of a 3.4 kernel run two threads of a game and a daemon for a second: context switches, wake-ups,
 // hardware counters, interrupts, idle states, frequency changes, and a GPU that is switched on, draws, and is
-// switched off. The names of the counters lie in examples/config and examples/www.
+// switched off. The names of the counters are in examples/config and examples/www.
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-// Parses a made-up JSON text with both parsers, which must agree, and prints the tree: its compact form must
+// Parses a random JSON text with both parsers, which must agree, and prints the tree: its compact form must
 // parse back to an equal tree.
 
 #include <cmath>

@@ -1,4 +1,4 @@
-// Converts an example with a made-up file of the machine or of its configuration in the place of a true one:
+// Converts an example with a random file of the machine or of its configuration instead of a true one:
 // by the first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or
 // the kernel's symbols.
 
@@ -14,7 +14,7 @@ namespace {
 struct Case {
   const char* file;
   std::vector<std::string> options;
-  const char* usual;  ///< what stands in the file while it is another's turn
+  const char* usual;  ///< what the file holds while another one is random
 };
 
 const Case kCases[] = {

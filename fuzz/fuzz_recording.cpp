@@ -1,4 +1,4 @@
-// Converts a made-up recording, in profile mode or, if built so, in timechart mode. The magic, which nobody
+// Converts a random recording, in profile mode or, if built so, in timechart mode. The magic, which nobody
 // looks at, chooses the options and the kernel.
 
 #include <cstdlib>

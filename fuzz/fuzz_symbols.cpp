@@ -1,4 +1,4 @@
-// Reads a made-up symbol list, by its first byte as the kernel's or as nm's, and looks addresses up in what
+// Reads a random symbol list, by its first byte as the kernel's or as nm's, and looks addresses up in what
 // came of it: a symbol found must cover the address, and a sorted table must find each symbol's start.
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Drives the text writer by a made-up sequence of calls. The document must be one that the parser accepts as
+// Drives the text writer by a random sequence of calls. The document must be one that the parser accepts as
 // long as no call was refused; a refused call must write nothing.
 
 #include <cstdint>

@@ -24,7 +24,7 @@ std::string recording() {
 /// The conversions to try: all of them, or every few, where a run is slow.
 constexpr std::size_t kStride = ZELCONV_DAMAGE_STRIDE;
 
-TEST(Damage, TruncationAnywhereEndsByTheRules) {
+TEST(Damage, SurvivesTruncationAnywhere) {
   const Conversion folder;
   folder.library("/app/tool", "10000 T main\n10100 T work\n10300 T stop\n");
   const std::string whole = recording();
@@ -34,7 +34,7 @@ TEST(Damage, TruncationAnywhereEndsByTheRules) {
       EXPECT_TRUE(folder.runApart(whole.substr(0, size), {"-b", "1", mode, "-v", "1"}).endedWell) << size;
 }
 
-TEST(Damage, AnyByteTurnedOverEndsByTheRules) {
+TEST(Damage, SurvivesAnyInvertedByte) {
   const Conversion folder;
   folder.library("/app/tool", "10000 T main\n10100 T work\n10300 T stop\n");
   const std::string whole = recording();
@@ -43,7 +43,7 @@ TEST(Damage, AnyByteTurnedOverEndsByTheRules) {
     std::string damaged = whole;
     damaged[place] = static_cast<char>(~damaged[place]);
     const Ending ending = folder.runApart(damaged, {"-b", "1", place % 2 == 0 ? "-t" : "-w", "-v", "1"});
-    // Only damage ahead of the records can give an event a number that no table takes.
+    // Only damage before the records can give an event a number that no table takes.
     EXPECT_TRUE(ending.endedWell || (place < dataStart && ending.aborted)) << place;
   }
 }

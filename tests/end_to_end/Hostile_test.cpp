@@ -1,5 +1,5 @@
-// Recordings made to hurt: each must end by the rules, in bounded time and memory, with a document that can
-// be read back.
+// Adversarial recordings: each must end in a documented way, in bounded time and memory, with a document that
+// can be read back.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -167,7 +167,7 @@ TEST_F(Hostile, EventNumbersAndTablesOfEverySize) {
     EXPECT_TRUE(ending.endedWell || ending.aborted) << number;
     EXPECT_LT(ending.peakMegabytes, kMostMegabytes) << number;
   }
-  // A data section ahead of the attributes makes the count of the table's entries wrap.
+  // A data section before the attributes makes the count of the table's entries wrap.
   std::string wrapped = TraceBuilder().at(1, 0).wakeup(7).build();
   wrapped.replace(40, 8, Bytes().u64(16).str());
   const Ending ending = _folder.runApart(wrapped, {"-b", "5"});

@@ -87,7 +87,7 @@ TEST(ProfileDocument, OfAnEmptyRecordingHasEmptySections) {
     EXPECT_EQ(rows(document, section), "");
 }
 
-TEST(ProfileDocument, WithoutWhiteSpaceOptionLosesTheMembersOfItsDescription) {
+TEST(ProfileDocument, LosesTheMembersOfItsDescriptionWithoutLabels) {
   Conversion conversion;
   testing::internal::CaptureStderr();
   const std::string document = conversion.run(RecordingBuilder(), {"-b", "1", "-W"});
@@ -147,7 +147,7 @@ TEST(ProfileDocument, ResolvesAddressesOfEveryClass) {
 }
 
 // The map of such an address depends on more than the address, and on what came in between.
-TEST(ProfileDocument, LooksAnAddressWithoutAMapUpAnewWhereTheAnswerMayDiffer) {
+TEST(ProfileDocument, DoesNotReuseCachedUnmappedAddresses) {
   Conversion conversion;
   conversion.kernelSymbols(kKernelSymbols);
   RecordingBuilder recording;
@@ -302,7 +302,7 @@ TEST(ProfileDocument, SubtractsTheStartTimeOnEveryScale) {
   }
 }
 
-TEST(ProfileDocument, GivesAWarningOnlyWhereOneIsDue) {
+TEST(ProfileDocument, EndsOnFatalErrorsOnly) {
   const Conversion folder;
   folder.write("empty", "");
   folder.write("short", std::string(20, '\1'));

@@ -55,7 +55,7 @@ TEST(RealRecordings, CallGraphConvertsWithEveryBackTrace) {
 TEST(RealRecordings, SamplesWithOtherFieldsConvertWithoutHarm) {
   for (const char* name : {"perf.data.armv7-3.4", "perf.data.i686-3.4", "perf.data.singleprocess-3.4"}) {
     RECORDING_OR_SKIP(file, name);
-    // A word above 16 behind the time makes a sample a trace-point sample, for which there is no event.
+    // A word above 16 after the time makes a sample a trace-point sample, for which there is no event.
     long plain = 0;
     for (const RawRecord& record : rawRecords(readFile(file)))
       plain += record.type == kSample && record.u32(32) <= 16 ? 1 : 0;

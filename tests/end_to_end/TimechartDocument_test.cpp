@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A document's entries, a line each, less the comma ahead of all but the first.
+/// A document's entries, a line each, less the comma before all but the first.
 std::string entries(const std::string& document) {
   std::string lines;
   std::size_t start = document.find("[\n");
@@ -165,7 +165,7 @@ TEST(TimechartDocument, InterruptsMakeTheirCpuBusyAndGetTheirNamesOnce) {
 )");
 }
 
-TEST(TimechartDocument, IdleStatesAndFrequenciesStandOnTheirCpu) {
+TEST(TimechartDocument, ShowsIdleStatesAndFrequenciesPerCpu) {
   TraceBuilder trace;
   for (const unsigned int state : {0U, 0xFFFFFFFFU, 1U, 2U, 0x7FFFFFFFU, 0U})
     trace.at(1000 + (state & 3) * 1000, 4).value("power:cpu_idle", state, 9);
@@ -181,7 +181,7 @@ TEST(TimechartDocument, IdleStatesAndFrequenciesStandOnTheirCpu) {
 )");
 }
 
-TEST(TimechartDocument, GpuEventsClimbThePowerLadder) {
+TEST(TimechartDocument, GpuEventsSetThePowerLevels) {
   TraceBuilder trace;
   const std::string core = "kgsl-3d0";
   trace.at(1000, 0).gpu("kgsl:kgsl_rail", core, 0).at(2000, 0).gpu("kgsl:kgsl_rail", core, 1);
@@ -291,7 +291,7 @@ TEST(TimechartDocument, CountersHaveTheNamesOfTheirConfiguration) {
 )");
 }
 
-TEST(TimechartDocument, CounterCodesStandWhereNoFileTranslatesThem) {
+TEST(TimechartDocument, ShowsCounterCodesWhereNoFileTranslatesThem) {
   Conversion conversion;
   conversion.softInterrupts("");
   conversion.environment().set("ZELVIEW_CONFIG", conversion.path("config"));
@@ -310,7 +310,7 @@ TEST(TimechartDocument, CountersWithoutAConfigurationHaveNoEntries) {
   EXPECT_EQ(entries(conversion.run(counters(), {"-t", "-b", "0.5"})), "");
 }
 
-TEST(TimechartDocument, MarkersStandUnderTheirProcessAndInOneList) {
+TEST(TimechartDocument, ListsMarkersUnderTheirProcessAndInOneEntry) {
   Conversion conversion;
   conversion.traceText(
       "# tracer: nop\n"
@@ -335,7 +335,7 @@ TEST(TimechartDocument, AMarkerOfANamedTaskIsReadFromItsSecondCharacterOn) {
   EXPECT_NE(conversion.run(RecordingBuilder(), {"-t", "-q"}).find("\"id\":\"proc-2-e\""), std::string::npos);
 }
 
-TEST(TimechartDocument, KeepsWhatLiesInTheSelectedRange) {
+TEST(TimechartDocument, KeepsWhatIsInTheSelectedRange) {
   TraceBuilder trace;
   for (const unsigned int time : {4000000U, 4999999U, 5000000U, 6000000U, 6000001U})
     trace.at(time, time / 1000000 % 2).schedSwitch(0, 0, static_cast<int>(time / 1000));
@@ -368,7 +368,7 @@ TEST(TimechartDocument, TasksAreNamedAfterTheFirstProcessOfTheirThreadId) {
   EXPECT_NE(convert(trace).find("\"11 - first\",\"treeId\":\"11_10_proc_root\""), std::string::npos);
 }
 
-TEST(TimechartDocument, DropsWhatTheTablesHaveNoPlaceFor) {
+TEST(TimechartDocument, DropsWhatTheTablesHaveNoSlotFor) {
   TraceBuilder trace;
   trace.at(1000, 16).schedSwitch(0, 0, 11).at(2000, 0xFFFFFFFF).schedSwitch(11, 2, 0);
   trace.at(2000, 16).value("irq:softirq_entry", 1).at(2000, 99).value("irq:irq_handler_exit", 3);

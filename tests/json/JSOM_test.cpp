@@ -85,7 +85,7 @@ TEST(JSOM, FailuresPrintALineAndGiveAnInvalidHandle) {
             "JSOM::fromFile(): could not open file\n"
             "JSOM::fromFile(): could not read file\n"
             "JSOM::toFile(): could not write file\n");
-  EXPECT_EQ(compact(doc), "[1,1]");  // what was read ahead of the error stays
+  EXPECT_EQ(compact(doc), "[1,1]");  // what was read before the error stays
   JSOM::JERROR.longValue(1);
   EXPECT_EQ(JSOM::JERROR.size(), 0);
 }

@@ -68,7 +68,7 @@ TEST(JSONData, GrowsArraysAtTheirEndOnly) {
   array.setByIndex(1, kept);
   EXPECT_EQ(compact(array), "[9]");
   EXPECT_EQ(kept->_refCount, 2);
-  JSONData::release(dropped);  // what stood ahead of the index is dropped, not released
+  JSONData::release(dropped);  // what was before the index is dropped, not released
   JSONData::release(dropped);
   array.reset();
   JSONData::release(kept);

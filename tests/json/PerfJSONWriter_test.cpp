@@ -35,7 +35,7 @@ std::string exampleDocument(bool labels, bool whiteSpace, bool readable) {
   return folder.read("out");
 }
 
-TEST(PerfJSONWriter, WritesRecordsOnLinesOfTheirOwnBehindTheirComma) {
+TEST(PerfJSONWriter, WritesEachRecordOnANewLineAfterItsComma) {
   EXPECT_EQ(exampleDocument(true, false, true),
             "{\"a\":1,\"b\":[\n"
             "{\"x\":2,\"y\":\"s\"}\n"

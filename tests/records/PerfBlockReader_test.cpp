@@ -10,8 +10,8 @@
 
 namespace {
 
-/// What a reader answers to reads of odd sizes up to and beyond the end, and its status behind each.
-std::string answers(PerfReader& reader, const std::string& file) {
+/// What a reader returns for reads of odd sizes up to and beyond the end, and its status after each.
+std::string readAll(PerfReader& reader, const std::string& file) {
   std::string all = std::to_string(reader.open(file.c_str()));
   std::mt19937 numbers(1);
   char buffer[2048];
@@ -28,7 +28,7 @@ std::string answers(PerfReader& reader, const std::string& file) {
   return all;
 }
 
-TEST(PerfBlockReader, AnswersAsDirectReadsDo) {
+TEST(PerfBlockReader, ReturnsWhatDirectReadsDo) {
   const Conversion folder;
   std::mt19937 numbers(2);
   std::string bytes;
@@ -37,7 +37,7 @@ TEST(PerfBlockReader, AnswersAsDirectReadsDo) {
     folder.write("file", bytes.substr(0, size));
     PerfReader plain;
     PerfBlockReader inBlocks;
-    EXPECT_EQ(answers(inBlocks, folder.path("file")), answers(plain, folder.path("file"))) << size;
+    EXPECT_EQ(readAll(inBlocks, folder.path("file")), readAll(plain, folder.path("file"))) << size;
   }
   PerfBlockReader directory;
   char byte = 0;

@@ -43,7 +43,7 @@ std::string lastLine(const std::string& text) {
   return text.substr(text.rfind('\n', text.size() - 2) + 1);
 }
 
-TEST(PerfFactory, LosesNothingOfCleanFile) {
+TEST(PerfFactory, ReadsEveryRecordOfAnIntactFile) {
   const Walk result =
       walk(comm(5, "one") + header(5, 12) + "body" + comm(6, "two") + header(16, 12) + "body");
   EXPECT_EQ(result.names, "one two ");
@@ -79,7 +79,7 @@ TEST(PerfFactory, TakesRecordsOfTwelveTo256Bytes) {
   EXPECT_EQ(walk(longest).names.substr(0, 240), std::string(240, 'x'));
 }
 
-TEST(PerfFactory, TakesABodyCutShortOverStaleBytes) {
+TEST(PerfFactory, ReadsATruncatedBodyOverStaleBytes) {
   // The record buffer still holds the longer name of the record before.
   const std::string cut = header(3, 24) + Bytes().u32(9).u32(9).text("ab", 2).str();
   EXPECT_EQ(walk(comm(5, "longname") + cut).names, "longname abngname ");

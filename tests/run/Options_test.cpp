@@ -41,7 +41,7 @@ TEST(Options, SetTheirSettings) {
   EXPECT_EQ(gVerbosity, 0xFFFFFFFFU);
 }
 
-TEST(Options, RangeIsInvertedWithTheScaleAsItStands) {
+TEST(Options, InvertsTheRangeWithTheScaleGivenSoFar) {
   parse({"-c", "2", "-g", "100", "-s", "120.9", "-f", "130"});
   EXPECT_TRUE(gSelectiveProcessing);
   EXPECT_EQ(gtodAtStart, 120.9);

@@ -24,7 +24,7 @@ class ScopedEnvironment {
   std::vector<Saved> _saved;
 };
 
-/// How a conversion in a process of its own went.
+/// How a conversion in its own process ended.
 struct Ending {
   bool endedWell = false;  ///< or with the message for an unusable file
   bool aborted = false;    ///< by an exception that nobody caught
@@ -33,7 +33,7 @@ struct Ending {
   long peakMegabytes = 0;
 };
 
-/// One conversion in a world of its own: a temporary folder, machine files in it and an nm that prints
+/// One conversion in its own surroundings: a temporary folder, machine files in it and an nm that prints
 /// prepared lists. A conversion leaves its records in static tables, so a test process runs one.
 class Conversion {
  public:
@@ -57,10 +57,10 @@ class Conversion {
   /// The real nm instead of the prepared lists.
   void useRealNm();
 
-  /// Converts and answers the document. Arguments come behind -i, -o and -p.
+  /// Converts and returns the document. Arguments come after -i, -o and -p.
   std::string run(const RecordingBuilder& recording, const std::vector<std::string>& arguments = {});
   std::string runFile(const std::string& file, const std::vector<std::string>& arguments = {});
-  /// Runs the program with just these arguments; answers its exit status.
+  /// Runs the program with just these arguments; returns its exit status.
   int runProgram(const std::vector<std::string>& arguments) const;
   /// Converts the bytes of a recording to the file "out", in a child process with standard output discarded.
   /// The child calls `prepare` first.

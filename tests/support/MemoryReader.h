@@ -7,7 +7,7 @@
 
 #include "records/PerfReader.h"
 
-/// Takes the place of a file.
+/// Reads from memory instead of a file.
 class MemoryReader : public PerfReader {
  public:
   explicit MemoryReader(std::string bytes) : _bytes(std::move(bytes)) { _lastRead = 1; }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// One record of a recording, as it stands in the file.
+/// One record of a recording, verbatim.
 struct RawRecord {
   std::uint32_t type = 0;
   std::string bytes;
@@ -22,7 +22,7 @@ struct RawRecord {
   }
 };
 
-/// A reader of its own for tests that check the program's documents against the file: walks the data section
+/// A second reader, for tests that check the program's documents against the file: walks the data section
 /// by the sizes of its records and knows nothing of damage.
 inline std::vector<RawRecord> rawRecords(const std::string& file) {
   std::vector<RawRecord> records;

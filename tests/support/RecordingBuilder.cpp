@@ -158,7 +158,7 @@ std::string RecordingBuilder::build() const {
   file.u64(0).u64(0).u64(featureBits).text("", kFileHeaderSize - file.str().size());
   file.append(attributes).append(_events.str()).append(_data.str());
 
-  // The places of the feature sections, and then what lies there.
+  // The offsets of the feature sections, and then their contents.
   std::size_t place = file.str().size() + 16 * _features.size();
   for (const Feature& feature : _features) {
     file.u64(place).u64(feature.content.size());

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// Little-endian bytes, one field behind the other.
+/// Little-endian bytes, one field after the other.
 class Bytes {
  public:
   Bytes& u8(unsigned int value) { return number(value, 1); }
@@ -26,7 +26,7 @@ class Bytes {
   std::string _bytes;
 };
 
-/// The fields of a trace-point's payload. A located text is written as a location word, its bytes behind all
+/// The fields of a trace-point's payload. A located text is written as a location word, its bytes after all
 /// fields.
 class Payload {
  public:
@@ -35,7 +35,7 @@ class Payload {
   Payload& text(const std::string& value, std::size_t width);
   Payload& located(const std::string& value);
 
-  /// The bytes as they stand `start` bytes into the raw data.
+  /// The bytes as they are `start` bytes into the raw data.
   std::string at(std::size_t start) const;
 
  private:
@@ -83,12 +83,12 @@ class RecordingBuilder {
   RecordingBuilder& feature(unsigned int bit, const std::string& content);
   /// The same for one that holds a text.
   RecordingBuilder& textFeature(unsigned int bit, const std::string& text);
-  /// Size of the data section as the header has it, in place of the true one.
+  /// Size of the data section as the header has it, instead of the true one.
   RecordingBuilder& dataSize(std::uint64_t size);
 
   /// A record of any type; its body follows the header of 8 bytes.
   RecordingBuilder& record(unsigned int type, const std::string& body);
-  /// Anything, as it stands.
+  /// Anything, verbatim.
   RecordingBuilder& bytes(const std::string& bytes);
 
   /// The records alone.

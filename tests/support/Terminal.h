@@ -5,7 +5,7 @@
 
 #include "support/Conversion.h"
 
-/// What a run of the program left behind.
+/// What a run of the program printed, and its status.
 struct Said {
   int status = 0;        ///< as wait gives it
   std::string terminal;  ///< what came to the terminal, lines ended by a newline alone
@@ -15,6 +15,6 @@ struct Said {
 
 enum class StandardError { terminal, file };
 
-/// Runs the program with these arguments in a process and on a terminal of its own, 80 columns wide.
+/// Runs the program with these arguments in its own process and on its own terminal, 80 columns wide.
 Said runOnTerminal(const Conversion& conversion, const std::vector<std::string>& arguments,
                    StandardError standardError);

@@ -92,12 +92,12 @@ TEST(SymbolList, CutsNamesAtTabsAndAtInnerTypeLetters) {
 }
 
 TEST(SymbolList, LeavesALineEndThatNoPreviousNameReaches) {
-  // The name of the second line stands farther to the right than the third line is long.
+  // The name of the second line begins farther to the right than the third line is long.
   EXPECT_EQ(read("1000 T one\n1100 W a_rather_long_name T x\n1200 T s\n1300 T t\n"),
             "1000+100 one\n|1100+100 x|1200+100 s\n|1300+0 t|");
 }
 
-TEST(SymbolList, CutsTheLineEndThatStandsRightBeforeThePreviousName) {
+TEST(SymbolList, CutsTheLineEndRightBeforeThePreviousName) {
   EXPECT_EQ(read("00001000 W foo T bar\n00002000 T abcde\n00003000 T second\n00004000 T third\n"),
             "1000+1000 bar\n|2000+1000 abcde|3000+1000 second|4000+0 third|");
 }
@@ -139,7 +139,7 @@ TEST(SymbolList, ReadsTheKernelsTable) {
             "ffffffff81000000+0 start\n|1000+0 low|ffffffff81000100+0 next|");
 }
 
-TEST(SymbolTable, CutsTheSearchPathAndTriesEveryPlace) {
+TEST(SymbolTable, SplitsTheSearchPathAndTriesEveryFolder) {
   const Conversion folder;
   SymbolTable::setPath("/:/a:/b::c:" + folder.path("root"));
   EXPECT_EQ(SymbolTable::_paths, (std::vector<std::string>{" ", "/a", "/b", folder.path("root")}));
@@ -191,7 +191,7 @@ TEST(SymbolTable, SaysWhatItReadsAfterWhatNmSays) {
           "SYMB k:00000 a:00000010 l:00010 u00000 n:aaaa\n\nSYMB k:00000 a:00000020 l:00000 u00000 n:bbbb\n");
 }
 
-TEST(SymbolTable, GoesOnSearchingBehindAFileWithoutSymbolsAndRemembersTheFailure) {
+TEST(SymbolTable, SearchesOnAfterAFileWithoutSymbolsAndRemembersTheFailure) {
   const Conversion folder;
   for (const char* place : {"stripped", "single", "full"})
     folder.write(std::string(place) + "/lib/libx.so", "");
