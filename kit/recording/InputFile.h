@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zelkit {
+
+/// The bytes of a file, mapped where that is possible and read whole where not (a pipe).
+class InputFile {
+ public:
+  /// Throws std::runtime_error with "FILE: reason".
+  explicit InputFile(const std::string& path);
+  ~InputFile();
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  [[nodiscard]] const std::string& path() const { return _path; }
+  [[nodiscard]] std::string_view bytes() const { return _bytes; }
+
+  /// Gives the memory of the pages before the offset back; they are read again when they are used again.
+  void release(std::uint64_t offset);
+  /// Starts over after a walk that released pages.
+  void rewind() { _released = 0; }
+
+ private:
+  void map(int fd, std::size_t size);
+  void readWhole(int fd);
+
+  std::string _path;
+  std::string _copy;  ///< of what cannot be mapped
+  std::string_view _bytes;
+  std::uint64_t _released = 0;
+};
+
+}  // namespace zelkit

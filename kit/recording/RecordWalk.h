@@ -1,0 +1,37 @@
+#pragma once
+
+#include "recording/Recording.h"
+
+namespace zelkit {
+
+/// One walk through a recording: puts records into the order of time and gives each to the sink as the event
+/// that it is.
+class RecordWalk {
+ public:
+  RecordWalk(Recording& recording, EventSink& sink, const Recording::Progress& progress);
+
+  void run();
+
+ private:
+  void queue(const Record& record, const char* place);
+  [[nodiscard]] std::uint64_t timeOf(const Record& record);
+  void finishRound();
+  void emit(const Record& record);
+  void emitSample(const Record& record);
+  void emitMapping(const Record& record);
+  void emitName(const Record& record);
+  void emitTask(const Record& record);
+  void emitLost(const Record& record);
+  [[nodiscard]] std::string_view withoutTrailer(std::string_view body) const;
+  void report(std::uint64_t done);
+
+  Recording& _recording;
+  EventSink& _sink;
+  const Recording::Progress& _progress;
+  EventIds _ids;
+  RecordReader _reader;
+  TimeOrder _order;
+  std::uint64_t _reported = 0;
+};
+
+}  // namespace zelkit

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "recording/EventIds.h"
+#include "recording/Events.h"
+#include "recording/FileHeader.h"
+#include "recording/InputFile.h"
+#include "recording/RecordReader.h"
+#include "recording/RecordingInfo.h"
+#include "recording/TimeOrder.h"
+
+namespace zelkit {
+
+/// A perf.data file of any age: file and pipe mode, compressed or not, of perf or of Android's recorder.
+/// It is the only reader of recordings; everybody else takes the events that it gives.
+class Recording {
+ public:
+  /// Opens the file and reads what it says about itself. Throws std::runtime_error with "FILE: reason" for
+  /// what is no recording; what is damaged gives what came before the damage.
+  explicit Recording(const std::string& path);
+
+  [[nodiscard]] const std::string& path() const { return _file.path(); }
+  [[nodiscard]] std::uint64_t size() const { return _file.bytes().size(); }
+  [[nodiscard]] const RecordingInfo& info() const { return _info; }
+  [[nodiscard]] const std::vector<EventDescription>& events() const { return _info.events; }
+  [[nodiscard]] bool pipeMode() const { return _header.pipe; }
+  /// Returns what was damaged, as far as the walks so far have come.
+  [[nodiscard]] const std::vector<std::string>& damage() const { return _info.damage; }
+
+  /// Called now and then with the bytes of data that are done and that there are.
+  using Progress = std::function<void(std::uint64_t done, std::uint64_t all)>;
+
+  /// Gives all events to the sink, in the order of time. Records that tell no time come at their place in the
+  /// file.
+  void walk(EventSink& sink, const Progress& progress = {});
+
+ private:
+  void readAttributes();
+  void readFeatures();
+  void readOwnRecords();
+  void takeOwnRecord(const Record& record, std::string_view whole, std::string_view tracingData);
+  void takeAttribute(std::string_view body);
+  void takeEventIds(std::string_view body);
+  void takeCallChain(std::string_view body);
+  [[nodiscard]] std::string_view data() const { return _header.data.of(_file.bytes()); }
+  void note(const std::string& damage);
+
+  InputFile _file;
+  FileHeader _header;
+  RecordingInfo _info;
+  std::string _split;  ///< parts of a record that Android's recorder has split
+  /// Call chains that were unwound later, by time and thread of their sample.
+  std::map<std::pair<std::uint64_t, std::uint32_t>, Chain> _laterChains;
+  friend class RecordWalk;
+};
+
+}  // namespace zelkit
