@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "layout/OldRecords.h"
+
+namespace zelkit {
+
+/// A recording in the layout that the engine reads, as perf wrote it in the days of kernel 3.4: header,
+/// attributes, the table of trace-points right after them, and the records.
+class OldFile : public RecordTaker {
+ public:
+  using EventTable = std::vector<std::pair<std::uint16_t, std::string>>;
+
+  /// Returns the bytes of a table: u64 number and 64 bytes of name an entry.
+  static std::string tableBytes(const EventTable& events);
+
+  /// Makes the file. Throws std::runtime_error with "PATH: reason", as do the others.
+  OldFile(const std::string& path, const EventTable& events);
+  ~OldFile() override;
+  OldFile(const OldFile&) = delete;
+  OldFile& operator=(const OldFile&) = delete;
+
+  char* room(std::size_t size) override;
+  void done(std::size_t size) override { _used += size; }
+
+  /// Writes what is left, and into the header how much there is.
+  void finish();
+
+ private:
+  void flush();
+  void write(const char* bytes, std::size_t size);
+  [[noreturn]] void fail() const;
+
+  std::string _path;
+  int _fd;
+  std::vector<char> _buffer;
+  std::size_t _used = 0;
+  std::uint64_t _written = 0;
+  std::uint64_t _dataOffset = 0;
+};
+
+}  // namespace zelkit
