@@ -1,0 +1,103 @@
+#include "verbs/Conversion.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "base/MachineFiles.h"
+#include "document/OutputFile.h"
+#include "layout/Layout.h"
+#include "run/Settings.h"
+#include "verbs/ChildProcess.h"
+#include "verbs/EngineRecords.h"
+#include "verbs/KernelSymbols.h"
+#include "verbs/Names.h"
+#include "verbs/NewFile.h"
+#include "verbs/Progress.h"
+#include "verbs/Report.h"
+
+namespace zelkit {
+
+Status Conversion::make(Kind kind, const std::string& output, std::string& report) {
+  const std::string input = _source.recording().path();
+  const std::string layoutPath = output + ".layout.json";
+  NewFile document(output, input);
+  NewFile layout(layoutPath, input);
+  const int status = inChildProcess(
+      [&](std::string& result) { runEngine(kind, output, document.path(), layout.path(), result); }, report);
+  if (status != 0) return status == kEngineUsage ? Status::kUsage : Status::kUnreadable;
+  document.commit();
+  if (kind == Kind::profile) layout.commit();
+  return Status::kDone;
+}
+
+void Conversion::runEngine(Kind kind, const std::string& output, const std::string& document,
+                           const std::string& layoutPath, std::string& report) {
+  Recording& recording = _source.recording();
+  Names names(_source, _request.symbolFolders);
+  OldFile::EventTable events;
+  LayoutChoice choice;
+  choice.depth = _request.depth;
+  choice.kernelStart = kernelStartOf(recording.info(), _survey.kernelMapping);
+  if (kind == Kind::profile) {
+    choice.event = _choice.event;
+    choice.countsNames = true;
+  } else {
+    for (const OldPayloads::TableEntry& entry : _payloads.table())
+      events.emplace_back(entry.number, entry.name);
+    choice.payloads = [this](const Sample& sample, std::uint16_t& number, std::string& raw) {
+      return _payloads.make(sample.event, sample.raw, number, raw);
+    };
+  }
+  Layout* layout = nullptr;
+  EngineRecords records(events, [&] { recording.walk(*layout, progressLine("reading")); });
+  Layout made(recording.info(), choice, kind == Kind::profile ? &names : nullptr, records);
+  layout = &made;
+  pointEngineAtMachine();
+  gMachineFiles.addSymbols = [&](const char* name, SymbolTable& table) {
+    if (gMachineFiles.kernelSymbols == name) return names.addKernelTo(table, choice.kernelStart);
+    if (const MappedFile* file = made.files().find(name); file != nullptr) names.addTo(table, *file);
+  };
+  if (const int status = callEngine(kind, document, records); status != 0)
+    throw std::runtime_error(output + ": the conversion failed");
+  Outcome outcome{output, made.account(), made.files(), choice.depth, _source.notes()};
+  outcome.notes.insert(outcome.notes.end(), _choice.notes.begin(), _choice.notes.end());
+  outcome.notes.insert(outcome.notes.end(), names.notes().begin(), names.notes().end());
+  if (kind == Kind::profile) {
+    OutputFile file(layoutPath);
+    file.write(layoutJson(outcome));
+    file.commit();
+  }
+  std::fputs(reportText(recording, outcome).c_str(), stderr);
+  report = reportJson(recording, outcome);
+}
+
+/// The engine looks at files of the recording's machine, or at none.
+void Conversion::pointEngineAtMachine() const {
+  const MachineFolder& machine = _source.machine();
+  // An empty file rather than none: the engine would complain.
+  gMachineFiles.softInterrupts = machine.softInterrupts.empty() ? "/dev/null" : machine.softInterrupts;
+  gMachineFiles.uptime = machine.uptime;
+  gMachineFiles.traceText = machine.traceText;
+  // Only this name tells the engine's request for the kernel's symbols from that for a file.
+  gMachineFiles.kernelSymbols = "[kernel]";
+  gDeepestTrace = static_cast<unsigned int>(_request.depth);
+  // Payloads of trace-points are made for this kernel.
+  setenv("kern_ver", "3.10", 1);
+  unsetenv("ARM64");
+}
+
+int Conversion::callEngine(Kind kind, const std::string& document, EngineRecords& records) const {
+  // Times of the recording's own clock, so that all documents of a recording share one axis.
+  std::vector<std::string> words = {"zelconv", "-o", document, "-b", "0.001"};
+  if (kind == Kind::timechart) words.emplace_back("-t");
+  words.insert(words.end(), _request.engineOptions.begin(), _request.engineOptions.end());
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  return profile(static_cast<int>(words.size()), arguments.data(), records);
+}
+
+}  // namespace zelkit

@@ -1,0 +1,93 @@
+#include "verbs/KernelSymbols.h"
+
+#include <algorithm>
+#include <charconv>
+#include <vector>
+
+#include "symbols/Demangler.h"
+#include "symbols/SymbolListBuilder.h"
+
+namespace zelkit {
+
+namespace {
+
+/// Of the last symbol nothing tells the end.
+constexpr std::uint64_t kLastSize = 0x1000;
+
+struct Line {
+  std::uint64_t address = 0;
+  char type = 0;
+  std::string_view name;
+};
+
+/// Reads "address type name" with an optional tab and module; false for another line.
+bool readLine(std::string_view text, Line& line) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line.address, 16);
+  const auto used = static_cast<std::size_t>(end - text.data());
+  if (error != std::errc{} || text.size() < used + 4) return false;
+  line.type = text[used + 1];
+  line.name = text.substr(used + 3);
+  line.name = line.name.substr(0, line.name.find_first_of(" \t\r"));
+  // ARM's marks of instruction sets are no symbols.
+  return !line.name.empty() && line.name.front() != '$';
+}
+
+bool isFunction(char type) {
+  return type == 'T' || type == 't' || type == 'W' || type == 'w';
+}
+
+/// Of several names at one address, which one people know: a global one, with fewer underscores, a longer
+/// one.
+std::uint64_t rankOf(const Line& line) {
+  const std::size_t underscores = std::min<std::size_t>(line.name.find_first_not_of('_'), 15);
+  const std::uint64_t binding = line.type == 'T' ? 2 : line.type == 't' ? 1 : 0;
+  return binding << 16 | (15 - underscores) << 8 | std::min<std::size_t>(line.name.size(), 255);
+}
+
+std::vector<Line> readLines(std::string_view text) {
+  std::vector<Line> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    if (Line line; readLine(text.substr(0, end), line) && line.address != 0) lines.push_back(line);
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  std::stable_sort(lines.begin(), lines.end(),
+                   [](const Line& left, const Line& right) { return left.address < right.address; });
+  return lines;
+}
+
+}  // namespace
+
+SymbolList readKernelTable(std::string_view text) {
+  const std::vector<Line> lines = readLines(text);
+  SymbolListBuilder builder;
+  std::uint64_t next = 0;  // the next address that differs
+  for (std::size_t i = lines.size(); i-- > 0;) {
+    const Line& line = lines[i];
+    if (i + 1 == lines.size()) {
+      next = line.address + kLastSize;
+    } else if (lines[i + 1].address != line.address) {
+      next = lines[i + 1].address;
+    }
+    if (isFunction(line.type))
+      builder.add({line.address, next - line.address, line.name}, SymbolListBuilder::kNoLimit, rankOf(line));
+  }
+  return builder.build();
+}
+
+SymbolList listOf(const RecordedFile& file) {
+  SymbolListBuilder builder;
+  for (const RecordedSymbol& symbol : file.symbols)
+    builder.add({symbol.address, symbol.size, demangled(std::string(symbol.name).c_str())});
+  return builder.build();
+}
+
+std::uint64_t kernelStartOf(const RecordingInfo& info, std::uint64_t lowestMapping) {
+  // Below lie the addresses of programs, whatever the architecture.
+  if (info.architecture.ends_with("64")) return 0xFFFF000000000000;
+  // Modules of a 32-bit ARM kernel lie below it.
+  const std::uint64_t usual = info.architecture.starts_with("arm") ? 0xBF000000 : 0xC0000000;
+  return std::min(lowestMapping, usual);
+}
+
+}  // namespace zelkit

@@ -1,0 +1,167 @@
+#include "verbs/Names.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "symbols/FileNames.h"
+#include "symbols/JitMap.h"
+#include "symbols/SymbolTable.h"
+#include "verbs/KernelSymbols.h"
+
+namespace zelkit {
+
+namespace {
+
+std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+/// Adds a symbol, its address counted from `low`.
+void addSymbol(SymbolTable& table, const Symbol& symbol, std::uint64_t low = 0) {
+  FileNames* file = nullptr;
+  if (!symbol.file.empty()) file = FileNames::findOrCreate(std::string(symbol.file).c_str());
+  // The engine takes the byte after a symbol for the symbol's.
+  table.addElement(symbol.address - low, symbol.size - 1, symbol.name, file, symbol.line);
+}
+
+}  // namespace
+
+Names::Names(Source& source, const std::vector<std::string>& folders)
+    : _source(source),
+      _roots(joined(folders, source.roots())),
+      _finder(_roots, source.recording().info().architecture) {
+  for (const RecordedFile& file : source.recording().info().files) _recorded.emplace(file.path, &file);
+}
+
+const SymbolList& Names::kernel() {
+  if (!_kernelRead) readKernel();
+  return _kernel;
+}
+
+void Names::readKernel() {
+  _kernelRead = true;
+  const RecordingInfo& info = _source.recording().info();
+  if (const std::string& path = _source.machine().kernelSymbols; !path.empty()) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (file.bad()) _notes.push_back(path + ": cannot be read");
+    _kernel = readKernelTable(text);
+  } else if (!info.kernelTable.empty()) {
+    _kernel = readKernelTable(info.kernelTable);
+  } else if (const RecordedFile* file = recordedFile(RecordingInfo::kKernel); file != nullptr) {
+    _kernel = listOf(*file);
+  }
+}
+
+const RecordedFile* Names::recordedFile(const std::string& path) const {
+  const auto found = _recorded.find(path);
+  return found != _recorded.end() ? found->second : nullptr;
+}
+
+std::optional<FileKnowledge::Link> Names::linkOf(const MappedPiece& piece) {
+  if (piece.madeCode) return Link{.inPlace = true};
+  if (std::optional<Link> link = linkOfRecorded(piece); link && link->inPlace) return link;
+  if (piece.path.empty() || piece.path.front() != '/') return linkOfRecorded(piece);
+  const FoundFile& file = _finder.find(piece.path, piece.buildId);
+  if (!file.found()) return linkOfRecorded(piece);
+  const std::optional<std::uint64_t> address = file.elf.addressOf(piece.offset);
+  if (!address) return linkOfRecorded(piece);
+  Link link{*address, 0, !file.elf.positionIndependent, false};
+  for (const ElfSegment& segment : file.elf.segments)
+    if (segment.executable) link.end = std::max(link.end, segment.address + segment.fileSize);
+  return link;
+}
+
+/// Where a mapping lies by what Android's recorder tells of its file.
+std::optional<FileKnowledge::Link> Names::linkOfRecorded(const MappedPiece& piece) const {
+  const RecordedFile* file = recordedFile(piece.path);
+  if (file == nullptr) return std::nullopt;
+  Link link;
+  if (file->kind == RecordedFile::Kind::symbolMap) {
+    link.inPlace = true;
+  } else if (file->kind == RecordedFile::Kind::elf) {
+    link.address = piece.offset - file->offsetOfLowestAddress + file->lowestAddress;
+  } else {
+    link.address = piece.offset;
+  }
+  return link;
+}
+
+const Names::Listed& Names::listed(const MappedFile& file) {
+  const auto known = _listed.find(file.name);
+  if (known != _listed.end()) return known->second;
+  Listed made;
+  try {
+    made = make(file);
+  } catch (const std::runtime_error& error) {
+    _notes.emplace_back(error.what());
+    made = {std::make_shared<SymbolList>(), "its file cannot be read"};
+  }
+  return _listed.emplace(file.name, std::move(made)).first->second;
+}
+
+Names::Listed Names::make(const MappedFile& file) {
+  Listed made = file.pid != 0 ? makeFromJitMap(file) : makeFromFile(file);
+  const RecordedFile* recorded = recordedFile(file.path);
+  if (made.list->empty() && recorded != nullptr && !recorded->symbols.empty())
+    made = {std::make_shared<SymbolList>(listOf(*recorded)), nullptr};
+  return made;
+}
+
+Names::Listed Names::makeFromJitMap(const MappedFile& file) {
+  const Listed none = {std::make_shared<SymbolList>(), "its code was made while it ran, and no map names it"};
+  for (const std::string& root : _roots) {
+    const std::string path = findJitMap(root, file.pid);
+    if (path.empty()) continue;
+    std::size_t badLines = 0;
+    auto list = std::make_shared<SymbolList>(readJitMap(path, badLines));
+    if (badLines != 0) _notes.push_back(path + ": " + std::to_string(badLines) + " lines are damaged");
+    return {list, list->empty() ? none.whyEmpty : nullptr};
+  }
+  return none;
+}
+
+Names::Listed Names::makeFromFile(const MappedFile& file) {
+  const auto empty = std::make_shared<SymbolList>();
+  if (file.path.front() != '/') return {empty, "it has no file"};
+  const FoundFile& found = _finder.find(file.path, file.buildId);
+  if (!found.refusal.empty() && !_roots.empty()) _notes.push_back(found.refusal);
+  if (!found.found()) return {empty, "its file is not at hand"};
+  auto list = _lists.listOf(found);
+  return {list, list->empty() ? "its file has no symbols" : nullptr};
+}
+
+const char* Names::whyUnnamed(const MappedFile& file, std::uint64_t address) {
+  const Listed& found = listed(file);
+  if (found.whyEmpty != nullptr) return found.whyEmpty;
+  if (found.list->find(address) != found.list->size()) return nullptr;
+  return "its file has no symbol there";
+}
+
+const char* Names::whyKernelUnnamed(std::uint64_t address) {
+  const SymbolList& list = kernel();
+  if (list.empty()) return "the kernel's symbols are missing";
+  return list.find(address) != list.size() ? nullptr : "the kernel has no symbol there";
+}
+
+void Names::addTo(SymbolTable& table, const MappedFile& file) {
+  const SymbolList& list = *listed(file).list;
+  for (std::size_t i = 0; i < list.size(); ++i)
+    if (const Symbol symbol = list[i]; symbol.address >= file.low && symbol.address < file.end)
+      addSymbol(table, symbol, file.low);
+  // The engine finds nothing in a table of one symbol.
+  if (table.elements().size() == 1) table.addElement(~0ULL - 1, 0, "(end of symbols)", nullptr, 0);
+}
+
+void Names::addKernelTo(SymbolTable& table, std::uint64_t start) {
+  // The first address, so that the engine knows the kernel even without its symbols.
+  const SymbolList& list = kernel();
+  if (list.empty() || list[0].address > start) table.addElement(start, 0, "[kernel]", nullptr, 0);
+  for (std::size_t i = 0; i < list.size(); ++i) addSymbol(table, list[i]);
+}
+
+}  // namespace zelkit

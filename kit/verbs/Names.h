@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "layout/FileKnowledge.h"
+#include "layout/MappedFiles.h"
+#include "symbols/SymbolFinder.h"
+#include "symbols/SymbolList.h"
+#include "symbols/SymbolLists.h"
+#include "verbs/Source.h"
+
+class SymbolTable;
+
+namespace zelkit {
+
+/// The names of all addresses of a recording: from the files at hand, the symbols that the recording carries,
+/// the maps that runtimes left of the code they made, and the kernel's table.
+class Names : public FileKnowledge {
+ public:
+  /// `folders`: where the user has files with symbols, searched first.
+  Names(Source& source, const std::vector<std::string>& folders);
+
+  std::optional<Link> linkOf(const MappedPiece& piece) override;
+  const char* whyUnnamed(const MappedFile& file, std::uint64_t address) override;
+  const char* whyKernelUnnamed(std::uint64_t address) override;
+
+  /// Fills the engine's table for a mapped file.
+  void addTo(SymbolTable& table, const MappedFile& file);
+  /// Fills the engine's table for the kernel, which begins at `start`.
+  void addKernelTo(SymbolTable& table, std::uint64_t start);
+
+  /// What went wrong with files, a line each.
+  [[nodiscard]] const std::vector<std::string>& notes() const { return _notes; }
+
+ private:
+  struct Listed {
+    std::shared_ptr<const SymbolList> list;
+    const char* whyEmpty = nullptr;
+  };
+
+  [[nodiscard]] const RecordedFile* recordedFile(const std::string& path) const;
+  [[nodiscard]] std::optional<Link> linkOfRecorded(const MappedPiece& piece) const;
+  const Listed& listed(const MappedFile& file);
+  Listed make(const MappedFile& file);
+  Listed makeFromJitMap(const MappedFile& file);
+  Listed makeFromFile(const MappedFile& file);
+  const SymbolList& kernel();
+  void readKernel();
+
+  Source& _source;
+  std::vector<std::string> _roots;
+  SymbolFinder _finder;
+  SymbolLists _lists;
+  std::map<std::string, const RecordedFile*> _recorded;  ///< by path
+  std::map<std::string, Listed> _listed;                 ///< by name in the records
+  SymbolList _kernel;
+  bool _kernelRead = false;
+  std::vector<std::string> _notes;
+};
+
+}  // namespace zelkit
