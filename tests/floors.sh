@@ -23,7 +23,7 @@ kit/symbols:
 kit/document:
 kit/layout: kit/recording engine
 kit/tracepoints: kit/recording
-kit/capture: kit/recording engine
+kit/capture: kit/recording kit/symbols engine
 kit/exports: kit/document
 kit/verbs: kit/recording kit/symbols kit/document kit/layout kit/tracepoints kit/capture kit/exports engine
 viewer/document:
