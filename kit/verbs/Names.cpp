@@ -28,6 +28,19 @@ void addSymbol(SymbolTable& table, const Symbol& symbol, std::uint64_t low = 0) 
   table.addElement(symbol.address - low, symbol.size - 1, symbol.name, file, symbol.line);
 }
 
+/// Returns the bytes of the kernel's own library in this process, or nothing.
+std::string_view ownVdso() {
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    if (!line.ends_with("[vdso]")) continue;
+    std::size_t start = 0;
+    std::size_t end = 0;
+    if (std::sscanf(line.c_str(), "%zx-%zx", &start, &end) == 2 && start < end)
+      return {reinterpret_cast<const char*>(start), end - start};
+  }
+  return {};
+}
+
 }  // namespace
 
 Names::Names(Source& source, const std::vector<std::string>& folders)
@@ -127,12 +140,27 @@ Names::Listed Names::makeFromJitMap(const MappedFile& file) {
 
 Names::Listed Names::makeFromFile(const MappedFile& file) {
   const auto empty = std::make_shared<SymbolList>();
+  if (file.path == "[vdso]" && _source.madeHere()) return makeFromVdso(file);
   if (file.path.front() != '/') return {empty, "it has no file"};
   const FoundFile& found = _finder.find(file.path, file.buildId);
   if (!found.refusal.empty() && !_roots.empty()) _notes.push_back(found.refusal);
   if (!found.found()) return {empty, "its file is not at hand"};
   auto list = _lists.listOf(found);
   return {list, list->empty() ? "its file has no symbols" : nullptr};
+}
+
+/// The library that the kernel gives every process lies in no file, but zelkit has it too.
+Names::Listed Names::makeFromVdso(const MappedFile& file) {
+  const Listed none = {std::make_shared<SymbolList>(), "it has no file"};
+  const std::string_view image = ownVdso();
+  if (image.empty()) return none;
+  if (!_folder) _folder = std::make_unique<TemporaryFolder>();
+  FoundFile found;
+  found.path = _folder->path() + "/vdso.so";
+  std::ofstream(found.path, std::ios::binary) << image;
+  found.elf = ElfFile::read(found.path);
+  if (!file.buildId.empty() && found.elf.buildId != file.buildId) return none;
+  return {_lists.listOf(found), nullptr};
 }
 
 const char* Names::whyUnnamed(const MappedFile& file, std::uint64_t address) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "capture/TemporaryFolder.h"
 #include "layout/FileKnowledge.h"
 #include "layout/MappedFiles.h"
 #include "symbols/SymbolFinder.h"
@@ -49,6 +50,7 @@ class Names : public FileKnowledge {
   Listed make(const MappedFile& file);
   Listed makeFromJitMap(const MappedFile& file);
   Listed makeFromFile(const MappedFile& file);
+  Listed makeFromVdso(const MappedFile& file);
   const SymbolList& kernel();
   void readKernel();
 
@@ -58,6 +60,7 @@ class Names : public FileKnowledge {
   SymbolLists _lists;
   std::map<std::string, const RecordedFile*> _recorded;  ///< by path
   std::map<std::string, Listed> _listed;                 ///< by name in the records
+  std::unique_ptr<TemporaryFolder> _folder;              ///< for files that lie in memory only
   SymbolList _kernel;
   bool _kernelRead = false;
   std::vector<std::string> _notes;

@@ -1,5 +1,8 @@
 #include "verbs/Source.h"
 
+#include <fstream>
+#include <sstream>
+
 namespace zelkit {
 
 namespace {
@@ -9,37 +12,64 @@ MachineIdentity identityOf(const RecordingInfo& info) {
   return {info.hostName, info.kernelRelease, kernel != info.buildIds.end() ? kernel->second : ""};
 }
 
+/// Whether the table of a kernel has the symbol at the address. A kernel lies elsewhere after each start.
+bool hasSymbol(const std::string& tablePath, const std::string& symbol, std::uint64_t address) {
+  std::ifstream table(tablePath);
+  std::uint64_t found = 0;
+  std::string type;
+  std::string name;
+  for (std::string line; std::getline(table, line);) {
+    std::istringstream fields(line);
+    if (fields >> std::hex >> found >> type >> name && name == symbol) return found == address;
+  }
+  return false;
+}
+
 }  // namespace
 
-Source::Source(const std::string& path, const std::string& machineFolder) {
+Source::Source(const std::string& path) {
   if (Capture::isCapture(path)) {
     _capture = std::make_unique<Capture>(path);
     if (!_capture->damage().empty()) _notes.push_back(_capture->damage());
   }
   _recording = std::make_unique<Recording>(_capture ? _capture->recording() : path);
-  chooseMachine(machineFolder);
-}
-
-void Source::chooseMachine(const std::string& machineFolder) {
   const MachineIdentity recorded = identityOf(_recording->info());
   const MachineIdentity here = MachineIdentity::here();
-  if (!machineFolder.empty()) {
-    _machine = MachineFolder::of(machineFolder);
+  _madeHere = !_capture && !recorded.hostName.empty() && recorded.hostName == here.hostName &&
+              recorded.kernelRelease == here.kernelRelease;
+}
+
+/// The build-id tells, or, where perf kept none (compressed recordings, pipe mode), the place of the kernel.
+bool Source::isOfRunningKernel(const Survey& survey) const {
+  const MachineIdentity recorded = identityOf(_recording->info());
+  const MachineIdentity here = MachineIdentity::here();
+  if (recorded.agreesWith(here)) return true;
+  return _madeHere && recorded.kernelBuildId.empty() && !survey.kernelSymbol.empty() &&
+         hasSymbol(MachineFolder::here().kernelSymbols, survey.kernelSymbol, survey.kernelSymbolAddress);
+}
+
+void Source::chooseMachine(const std::string& folder, const Survey& survey) {
+  if (!folder.empty()) {
+    _machine = MachineFolder::of(folder);
   } else if (_capture) {
     _machine = _capture->machine();
-  } else if (recorded.agreesWith(here)) {
+  } else if (isOfRunningKernel(survey)) {
     _machine = MachineFolder::here();
   } else {
-    _notes.push_back(
+    _notes.emplace_back(
         "the kernel's symbols, interrupt names and markers are left out: the recording is not surely of this "
         "machine and its running kernel; name a folder with its kallsyms, softirqs, uptime and trace by "
         "--machine");
   }
   _notes.insert(_notes.end(), _machine.missing.begin(), _machine.missing.end());
+  chooseRoots(folder);
+}
+
+void Source::chooseRoots(const std::string& folder) {
+  if (!folder.empty() && _machine.root.empty()) _machine.root = MachineFolder::of(folder).root;
+  if (_capture && _machine.root.empty()) _machine.root = _capture->machine().root;
   if (!_machine.root.empty()) _roots.push_back(_machine.root);
-  const bool sameHost = !recorded.hostName.empty() && recorded.hostName == here.hostName &&
-                        recorded.kernelRelease == here.kernelRelease;
-  if (!_capture && machineFolder.empty() && sameHost && _machine.root != "/") _roots.emplace_back("/");
+  if (_madeHere && folder.empty() && _machine.root != "/") _roots.emplace_back("/");
 }
 
 }  // namespace zelkit

@@ -14,7 +14,12 @@ Survey::Survey(Recording& recording) : samples(recording.events().size()) {
 void Survey::mapping(const MappingEvent& event) {
   ++mappings;
   // A kernel that hides its addresses tells 0.
-  if (event.kernel && event.start >= Places::kFirst) kernelMapping = std::min(kernelMapping, event.start);
+  if (!event.kernel || event.start < Places::kFirst) return;
+  kernelMapping = std::min(kernelMapping, event.start);
+  const std::string_view prefix = RecordingInfo::kKernel;
+  if (!event.name.starts_with(prefix) || !kernelSymbol.empty()) return;
+  kernelSymbol = event.name.substr(prefix.size());
+  kernelSymbolAddress = event.pageOffset;
 }
 
 void Survey::sample(const Sample& sample) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "recording/Recording.h"
@@ -26,6 +27,10 @@ class Survey : public EventSink {
   std::uint64_t userStacks = 0;
   std::uint64_t firstTime = ~std::uint64_t{0};  ///< nanoseconds
   std::uint64_t lastTime = 0;
+  /// A symbol of the kernel and where it lay, by which perf tells one start of a kernel from another; empty
+  /// if addresses were hidden.
+  std::string kernelSymbol;
+  std::uint64_t kernelSymbolAddress = 0;
   std::uint64_t kernelMapping = ~std::uint64_t{0};  ///< where the lowest mapping of the kernel begins
 };
 

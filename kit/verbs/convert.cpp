@@ -44,8 +44,9 @@ class ConvertVerb : public Verb {
 
   Status run() override {
     if (!checkEngineOptions()) return Status::kUsage;
-    Source source(_input, _machine);
+    Source source(_input);
     const Survey survey(source.recording());
+    source.chooseMachine(_machine, survey);
     const OldPayloads payloads(source.recording().info());
     Choice choice = choose(source.recording(), survey, payloads, _event);
     const std::vector<Kind> kinds = wanted(choice);

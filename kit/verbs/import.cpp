@@ -34,7 +34,8 @@ class ImportVerb : public Verb {
   }
 
   Status run() override {
-    Source source(_input, _machine);
+    Source source(_input);
+    source.chooseRoots(_machine);
     Recording& recording = source.recording();
     const OldPayloads payloads(recording.info());
     Names names(source, _folders);

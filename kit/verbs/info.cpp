@@ -37,8 +37,9 @@ class InfoVerb : public Verb {
   }
 
   Status run() override {
-    Source source(_input, _machine);
+    Source source(_input);
     const Survey survey(source.recording());
+    source.chooseMachine(_machine, survey);
     const OldPayloads payloads(source.recording().info());
     const Choice choice = choose(source.recording(), survey, payloads, {});
     showMachine(source.recording());
