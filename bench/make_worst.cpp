@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <unordered_set>
 
 #include "support/TraceEvents.h"
 
@@ -105,6 +106,36 @@ class Maker {
     Case(_folder, "events-of-new-interrupts", kTimechart).save(newInterrupts);
   }
 
+  /// Keys that are multiples of the size that the standard library gives a table of so many elements.
+  void collidingKeys() const {
+    RecordingBuilder processes;
+    RecordingBuilder threads;
+    RecordingBuilder pages;
+    TraceBuilder tasks;
+    TraceBuilder interrupts;
+    TraceBuilder frequencies;
+    const std::uint64_t tableSize = sizeOfTable();
+    pages.comm(7, 7, "task").mmap(7, 7, 0x10000, 16, "/app/tool");
+    for (std::uint64_t i = 0; i < _count; ++i) {
+      const std::uint64_t key = i * tableSize;
+      // As many keys of 32 bits as there are fall into few places of the table.
+      const std::uint64_t mostMultiples = 0xFFFFFFFF / tableSize;
+      const std::uint64_t narrow = i % mostMultiples * tableSize + i / mostMultiples;
+      processes.comm(static_cast<unsigned int>(key >> 32), static_cast<unsigned int>(key), "task");
+      threads.comm(static_cast<unsigned int>(i + 1), 7, "task");
+      pages.sample(at(key << 16, 7));
+      tasks.at(i, i % 16).add("task:task_rename", Payload().u32(narrow).text("old", 16).text("new", 16));
+      interrupts.at(i, i % 16).add("irq:irq_handler_entry", Payload().u32(narrow).located("device"));
+      frequencies.at(i, i % 16).add("power:cpu_frequency", Payload().u32(1000 + i).u32(narrow));
+    }
+    Case(_folder, "colliding-processes", kProfile).save(processes);
+    Case(_folder, "colliding-threads", kProfile).save(threads);
+    Case(_folder, "colliding-pages", kProfile).save(pages);
+    Case(_folder, "colliding-tasks", kTimechart).save(tasks);
+    Case(_folder, "colliding-interrupts", kTimechart).save(interrupts);
+    Case(_folder, "colliding-cpus", kTimechart).save(frequencies);
+  }
+
   void eventTable() const {
     RecordingBuilder recording;
     for (unsigned int i = 0; i < _count; ++i) recording.event(i % 4000, "sched:no_such_event");
@@ -139,6 +170,12 @@ class Maker {
   }
 
  private:
+  std::uint64_t sizeOfTable() const {
+    std::unordered_set<unsigned int> table;
+    for (unsigned int i = 0; i < _count; ++i) table.insert(i);
+    return table.bucket_count();
+  }
+
   static PlainSample at(std::uint64_t address, unsigned int pid) {
     return {.ip = address, .pid = pid, .tid = pid, .time = 1000000000, .trace = {address, address}};
   }
@@ -160,6 +197,7 @@ int main(int argc, char** argv) {
   maker.files();
   maker.samples();
   maker.events();
+  maker.collidingKeys();
   maker.eventTable();
   maker.damage();
   maker.texts();

@@ -10,9 +10,9 @@
 
 std::vector<PerfRecordComm*> PerfRecordComm::_elements;
 unsigned int PerfRecordComm::_runningPidKey = 0;
-PerfRecordComm::Table PerfRecordComm::_mapOfPidTids;
-PerfRecordComm::Table PerfRecordComm::_mapOfPid;
-PerfRecordComm::Table PerfRecordComm::_mapOfTid;
+KeyTable<PerfRecordComm> PerfRecordComm::_mapOfPidTids;
+KeyTable<PerfRecordComm> PerfRecordComm::_mapOfPid;
+KeyTable<PerfRecordComm> PerfRecordComm::_mapOfTid;
 
 // In this order, behind the tables that they enter: the kernel has key 1, the lost-and-found process key 2.
 PerfRecordComm PerfRecordComm::_kernelArea(0, 0, "kernel");
@@ -33,21 +33,15 @@ std::uint64_t bothIds(unsigned int pid, unsigned int tid) {
   return std::uint64_t{pid} << 32 | tid;
 }
 
-template <typename Table>
-PerfRecordComm* find(const Table& table, std::uint64_t key) {
-  const auto found = table.find(key);
-  return found != table.end() ? found->second : nullptr;
-}
-
 }  // namespace
 
 PerfRecordComm::PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string_view name)
     : PerfRecord(pid_, tid_), _name(withoutDeletedMark(name)) {
   key = ++_runningPidKey;
   _elements.push_back(this);
-  _mapOfPid.emplace(pid, this);
-  _mapOfTid.emplace(tid, this);
-  _mapOfPidTids.emplace(bothIds(pid, tid), this);
+  _mapOfPid.add(pid, this);
+  _mapOfTid.add(tid, this);
+  _mapOfPidTids.add(bothIds(pid, tid), this);
   if (gVerbosity > 0) PerfRecordComm::show();
 }
 
@@ -75,9 +69,9 @@ PerfRecord* PerfRecordComm::createInstance(char* record) {
 
 PerfRecordComm* PerfRecordComm::findProcessRecord(unsigned int pid, unsigned int tid) {
   if (pid == 0 && tid == 0) return &_kernelArea;
-  if (PerfRecordComm* exact = find(_mapOfPidTids, bothIds(pid, tid)); exact != nullptr) return exact;
+  if (PerfRecordComm* exact = _mapOfPidTids.find(bothIds(pid, tid)); exact != nullptr) return exact;
   if (pid != 0 && tid != 0) return nullptr;
-  return pid != 0 ? find(_mapOfPid, pid) : find(_mapOfTid, tid);
+  return pid != 0 ? _mapOfPid.find(pid) : _mapOfTid.find(tid);
 }
 
 SymbolTable* PerfRecordComm::findSymbolTable(unsigned long long address) const {

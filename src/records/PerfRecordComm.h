@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "base/KeyHash.h"
+#include "base/KeyTable.h"
 #include "records/PerfRecord.h"
 
 class SymbolTable;
@@ -50,11 +49,10 @@ class PerfRecordComm : public PerfRecord {
 
  private:
   static std::vector<PerfRecordComm*> _elements;
-  static unsigned int _runningPidKey;  ///< the last key given
-  using Table = std::unordered_map<std::uint64_t, PerfRecordComm*, KeyHash>;
-  static Table _mapOfPidTids;  ///< pid in the upper half of the key, tid in the lower
-  static Table _mapOfPid;
-  static Table _mapOfTid;
+  static unsigned int _runningPidKey;             ///< the last key given
+  static KeyTable<PerfRecordComm> _mapOfPidTids;  ///< pid in the upper half of the key, tid in the lower
+  static KeyTable<PerfRecordComm> _mapOfPid;
+  static KeyTable<PerfRecordComm> _mapOfTid;
 
   std::string _name;
 };

@@ -3,9 +3,8 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
-#include <unordered_map>
 
-#include "base/KeyHash.h"
+#include "base/KeyTable.h"
 #include "json/DocumentSection.h"
 #include "json/PerfJSONWriter.h"
 #include "run/Settings.h"
@@ -20,7 +19,7 @@ namespace {
 
 /// Tables by the name of their file, and by its base name. Null for a name without a table so far.
 std::map<std::string_view, SymbolTable*> _symbolTables;
-std::unordered_map<std::uint64_t, SymbolTableElement*, KeyHash> _synthetics;
+KeyTable<SymbolTableElement> _synthetics;  // by their page
 
 /// The texts of the names above.
 NameStore fileNames;
@@ -136,13 +135,12 @@ SymbolTableElement* SymbolTable::addSyntheticEntry(unsigned long long address, u
                                                    std::string_view name) {
   if (SymbolTableElement* known = findSyntheticEntry(address); known != nullptr) return known;
   SymbolTableElement* element = _syntheticSymTable->addElement(address, size, name, nullptr, 0);
-  _synthetics.emplace(address, element);
+  _synthetics.add(address, element);
   return element;
 }
 
 SymbolTableElement* SymbolTable::findSyntheticEntry(unsigned long long address) {
-  const auto found = _synthetics.find(pageOf(address));
-  return found != _synthetics.end() ? found->second : nullptr;
+  return _synthetics.find(pageOf(address));
 }
 
 SymbolTable* SymbolTable::findExistingSymbolTable(const std::string& name) {
