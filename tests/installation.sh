@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs a build into empty folders, once with CMake and once from its .deb, and uses what is there:
-# installation.sh BUILD PACKAGE.deb
+# Installs a build into empty folders, once with CMake and once from its packages, and uses what is there:
+# installation.sh BUILD PACKAGE.deb...
 set -euo pipefail
 build=$(cd "$1" && pwd)
-package=$(realpath "$2")
+shift
+mapfile -t packages < <(realpath "$@")
 top=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -15,7 +16,7 @@ fail() {
 
 # check PREFIX: the programs convert and read back, and their manual pages and documents are there
 check() {
-    local prefix=$1 program
+    local prefix=$1 program file
     export PATH=$prefix/bin:$PATH
     hash -r
     for program in zelconv zelconv-for-machine zelconv-hottest-functions zelconv-cpu-load; do
@@ -35,6 +36,7 @@ check() {
     zelconv-cpu-load "$work/timechart.json" >"$work/load"
     grep -q '^CPU 0' "$work/load" || fail "the load lacks CPU 0"
     (cd "$work" && zelconv -h >help && grep -q perf.data help) || fail "zelconv -h does not print its help"
+    [ "$("$prefix/bin/zelkit" --version)" = "$version" ] || fail "zelkit does not give the version $version"
 }
 
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
@@ -49,10 +51,12 @@ touch "$work/root/var/lib/dpkg/status"
 dpkg_in_root() {
     dpkg --root="$work/root" --log=/dev/null --force-not-root --force-depends --force-script-chrootless "$@"
 }
-dpkg_in_root --install "$package" >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not install"; }
-[ "$(dpkg-query --admindir="$work/root/var/lib/dpkg" -Wf '${Version}' zelconv)" = "$version-1" ] ||
-    fail "the package has another version than $version-1"
+dpkg_in_root --install "${packages[@]}" >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not install"; }
+for package in zelconv zelkit; do
+    [ "$(dpkg-query --admindir="$work/root/var/lib/dpkg" -Wf '${Version}' $package)" = "$version-1" ] ||
+        fail "the package $package has another version than $version-1"
+done
 (check "$work/root/usr")
-echo "$(basename "$package"): $(find "$work/root/usr" -type f | wc -l) files, they work"
-dpkg_in_root --purge zelconv >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not remove"; }
-[ ! -e "$work/root/usr" ] || fail "the removed package left $(find "$work/root/usr" | tail -1)"
+echo "packages: $(find "$work/root/usr" -type f | wc -l) files, they work"
+dpkg_in_root --purge zelconv zelkit >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not remove"; }
+[ ! -e "$work/root/usr" ] || fail "the removed packages left $(find "$work/root/usr" | tail -1)"
