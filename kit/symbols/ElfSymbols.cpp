@@ -15,6 +15,7 @@
 #include "symbols/Demangler.h"
 #include "symbols/SourceLines.h"
 #include "symbols/SymbolListBuilder.h"
+#include "symbols/UnwindStarts.h"
 
 namespace zelkit {
 
@@ -113,6 +114,23 @@ class Module {
     return functions;
   }
 
+  /// Tells the builder where code is, and where functions begin in it.
+  void describeCode(SymbolListBuilder& builder) {
+    Dwarf_Addr bias = 0;
+    Elf* elf = dwfl_module_getelf(_module, &bias);
+    if (elf == nullptr) return;
+    std::size_t fileSize = 0;
+    elf_rawfile(elf, &fileSize);
+    for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
+         section = elf_nextscn(elf, section)) {
+      GElf_Shdr header;
+      if (gelf_getshdr(section, &header) == nullptr || header.sh_type != SHT_PROGBITS) continue;
+      if ((header.sh_flags & SHF_EXECINSTR) == 0 || header.sh_size > fileSize) continue;
+      builder.addCode(header.sh_addr + bias, header.sh_addr + bias + header.sh_size);
+    }
+    for (const std::uint64_t start : unwindStarts(elf)) builder.addStart(start + bias);
+  }
+
   void readLines(SourceLines& lines) {
     Dwarf_Addr bias = 0;
     if (Dwarf* information = dwfl_module_getdwarf(_module, &bias); information != nullptr)
@@ -152,6 +170,7 @@ SymbolList readElfSymbols(const std::string& path, const std::string& debugPath)
   module.readLines(lines);
 
   SymbolListBuilder builder;
+  module.describeCode(builder);
   for (const ElfFunction& function : functions) {
     const SourceLines::Place place = lines.at(function.address);
     builder.add({.address = function.address,

@@ -8,11 +8,11 @@
 
 namespace zelkit {
 
-/// One function, or a part of one that another function interrupts.
+/// One function, a part of one that another function interrupts, or code without a name.
 struct Symbol {
   std::uint64_t address = 0;
   std::uint64_t size = 0;      ///< bytes: the function is [address, address + size); 1 MiB at most in a list
-  std::string_view name;       ///< demangled
+  std::string_view name;       ///< demangled; empty for code that no symbol names
   std::string_view file = {};  ///< source file, empty if unknown
   std::uint32_t line = 0;      ///< line in `file`, 0 if unknown
 

@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::uint64_t kLargestFunction = std::uint64_t{64} << 20;
 constexpr std::uint64_t kLargestPiece = std::uint64_t{1} << 20;
+/// A shorter gap in which no function is known to begin is the padding between two functions.
+constexpr std::uint64_t kLongestPadding = 63;
 constexpr std::size_t kMostText = 0xFFFFFFFF;
 
 }  // namespace
@@ -66,6 +68,61 @@ class SymbolListBuilder::Pieces {
   std::uint64_t _done = 0;   ///< the pieces up to here are written
 };
 
+/// Puts what no function covers between the functions. The ranges of code and the starts are sorted.
+class SymbolListBuilder::Gaps {
+ public:
+  Gaps(const std::vector<Range>& code, const std::vector<std::uint64_t>& starts)
+      : _code(code), _starts(starts) {}
+
+  std::vector<ListEntry> fill(const std::vector<ListEntry>& functions) {
+    std::uint64_t done = 0;
+    for (const ListEntry& function : functions) {
+      addBetween(done, function.address);
+      _entries.push_back(function);
+      done = function.address + function.size;
+    }
+    addBetween(done, kNoLimit);
+    return std::move(_entries);
+  }
+
+ private:
+  void addBetween(std::uint64_t from, std::uint64_t to) {
+    while (_nextCode < _code.size() && from < to) {
+      const Range& code = _code[_nextCode];
+      addUnnamed(std::max(from, code.from), std::min(to, code.to));
+      if (code.to > to) return;  // it goes on after the function
+      from = std::max(from, code.to);
+      ++_nextCode;
+    }
+  }
+
+  /// Adds a gap, cut at the starts within it.
+  void addUnnamed(std::uint64_t from, std::uint64_t to) {
+    auto start = std::lower_bound(_starts.begin(), _starts.end(), from);
+    while (from < to) {
+      const bool begins = start != _starts.end() && *start == from;
+      while (start != _starts.end() && *start <= from) ++start;
+      const std::uint64_t end = start != _starts.end() ? std::min(to, *start) : to;
+      if (begins || end - from > kLongestPadding) addPieces(from, end);
+      from = end;
+    }
+  }
+
+  void addPieces(std::uint64_t from, std::uint64_t to) {
+    for (; from < to; from += kLargestPiece)
+      _entries.push_back({.address = from,
+                          .size = static_cast<std::uint32_t>(std::min(to - from, kLargestPiece)),
+                          .name = 0,
+                          .file = 0,
+                          .line = 0});
+  }
+
+  const std::vector<Range>& _code;
+  const std::vector<std::uint64_t>& _starts;
+  std::size_t _nextCode = 0;
+  std::vector<ListEntry> _entries;
+};
+
 void SymbolListBuilder::add(const Symbol& symbol, std::uint64_t limit, std::uint64_t rank) {
   if (symbol.name.empty() || symbol.address >= limit) return;
   // Offsets have 32 bits: what comes after 4 GiB of names has none.
@@ -81,6 +138,10 @@ void SymbolListBuilder::add(const Symbol& symbol, std::uint64_t limit, std::uint
                       .line = symbol.line});
   if (file == _files.end() && !symbol.file.empty())
     _entries.back().file = _files.emplace(symbol.file, store(symbol.file)).first->second;
+}
+
+void SymbolListBuilder::addCode(std::uint64_t from, std::uint64_t to) {
+  if (from < to) _code.push_back({from, to});
 }
 
 std::uint32_t SymbolListBuilder::store(std::string_view text) {
@@ -115,7 +176,9 @@ SymbolList SymbolListBuilder::build() {
     pieces.begin(entry);
   }
   pieces.advanceTo(kNoLimit);
-  const std::vector<ListEntry>& entries = pieces.all();
+  std::sort(_starts.begin(), _starts.end());
+  std::sort(_code.begin(), _code.end(), [](const Range& a, const Range& b) { return a.from < b.from; });
+  const std::vector<ListEntry> entries = Gaps(_code, _starts).fill(pieces.all());
   const ListHeader header{.magic = kListMagic, .count = entries.size()};
   std::string block;
   block.reserve(sizeof header + entries.size() * sizeof(ListEntry) + _texts.size());

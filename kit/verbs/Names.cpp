@@ -20,6 +20,13 @@ std::vector<std::string> joined(std::vector<std::string> first, const std::vecto
   return first;
 }
 
+/// Returns the name of code that no symbol names, such as "{libc.so.6-0001e650}".
+std::string placeName(const MappedFile& file, std::uint64_t address) {
+  char text[24];
+  std::snprintf(text, sizeof text, "-%08llx}", static_cast<unsigned long long>(address));
+  return '{' + file.path.substr(file.path.rfind('/') + 1) + text;
+}
+
 /// Adds a symbol, its address counted from `low`.
 void addSymbol(SymbolTable& table, const Symbol& symbol, std::uint64_t low = 0) {
   FileNames* file = nullptr;
@@ -166,7 +173,8 @@ Names::Listed Names::makeFromVdso(const MappedFile& file) {
 const char* Names::whyUnnamed(const MappedFile& file, std::uint64_t address) {
   const Listed& found = listed(file);
   if (found.whyEmpty != nullptr) return found.whyEmpty;
-  if (found.list->find(address) != found.list->size()) return nullptr;
+  const std::size_t index = found.list->find(address);
+  if (index != found.list->size() && !(*found.list)[index].name.empty()) return nullptr;
   return "its file has no symbol there";
 }
 
@@ -178,9 +186,13 @@ const char* Names::whyKernelUnnamed(std::uint64_t address) {
 
 void Names::addTo(SymbolTable& table, const MappedFile& file) {
   const SymbolList& list = *listed(file).list;
-  for (std::size_t i = 0; i < list.size(); ++i)
-    if (const Symbol symbol = list[i]; symbol.address >= file.low && symbol.address < file.end)
-      addSymbol(table, symbol, file.low);
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    Symbol symbol = list[i];
+    if (symbol.address < file.low || symbol.address >= file.end) continue;
+    const std::string place = symbol.name.empty() ? placeName(file, symbol.address) : "";
+    if (symbol.name.empty()) symbol.name = place;
+    addSymbol(table, symbol, file.low);
+  }
   // The engine finds nothing in a table of one symbol.
   if (table.elements().size() == 1) table.addElement(~0ULL - 1, 0, "(end of symbols)", nullptr, 0);
 }
