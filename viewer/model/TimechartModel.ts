@@ -1,6 +1,6 @@
 import type { Timechart } from '../document/timechart';
 import { Lane, laneTree } from './lanes';
-import { SpanUse, spanUse } from './span';
+import { reckonSpan, SpanUse } from './span';
 import { Tasks } from './tasks';
 import { Track } from './tracks';
 
@@ -25,9 +25,9 @@ export class TimechartModel {
     this.tasks = new Tasks(this.tracks, this.end);
   }
 
-  /** Returns what happened within [start, end), as far as the document's time goes. */
-  use(start: number, end: number): SpanUse {
-    return spanUse(this.tracks, Math.max(start, this.start), Math.min(end, this.end));
+  /** Reckons what happened within [start, end), as far as the document's time goes. */
+  reckon(start: number, end: number): Generator<void, SpanUse, void> {
+    return reckonSpan(this.tracks, Math.max(start, this.start), Math.min(end, this.end));
   }
 
   /** Returns the texts of point `index` of a series of markers, or null. */

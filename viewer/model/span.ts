@@ -1,6 +1,6 @@
 /** What a timechart tells of a span of time. */
 
-import { pointsBefore, Slice } from './steps';
+import { pointsBefore } from './steps';
 import type { Track } from './tracks';
 
 /** The task that the kernel runs when there is none. */
@@ -25,14 +25,14 @@ export interface TaskUse {
   readonly task: number;
   readonly label: string;
   /** Seconds, as are the waits and the gap. */
-  running: number;
-  waitIo: number;
-  waitCpu: number;
-  waitGpu: number;
+  readonly running: number;
+  readonly waitIo: number;
+  readonly waitCpu: number;
+  readonly waitGpu: number;
   /** How often it was switched in. */
-  switches: number;
+  readonly switches: number;
   /** The longest time that it did not run. */
-  longestGap: number;
+  readonly longestGap: number;
   /** By the counters' names. A span that holds a part of a run takes that part of its count. */
   readonly counters: Map<string, number>;
 }
@@ -49,68 +49,95 @@ export interface SpanUse {
   readonly counters: Map<string, number>;
 }
 
-/** Returns what the series tell of [start, end), which lies within the document's time. */
-export function spanUse(all: readonly Track[], start: number, end: number): SpanUse {
+/**
+ * Reckons what the tracks tell of [start, end), which lies within the document's time. Pauses after each core, interrupt
+ * and task: a long recording takes longer than a frame.
+ */
+export function* reckonSpan(all: readonly Track[], start: number, end: number): Generator<void, SpanUse, void> {
   const cores: CoreUse[] = [];
-  const interrupts = new Map<number, { label: string; count: number; seconds: number }>();
-  const tasks = new Map<number, TaskUse>();
-  const runs = new Map<number, Track[]>();
+  const interrupts: InterruptUse[] = [];
+  const tasks: TaskUse[] = [];
+  for (const track of all) {
+    if (track.role !== 'busy') continue;
+    const busy = track.steps.onTime(start, end);
+    cores.push({ label: track.label, cpu: track.cpu, busy, longestGap: longestGap([track], start, end) });
+    yield;
+  }
+  for (const tracks of bySubject(all, ({ role }) => role === 'interrupt')) {
+    const use = interruptUse(tracks, start, end);
+    if (use.count > 0 || use.seconds > 0) interrupts.push(use);
+    yield;
+  }
+  for (const tracks of bySubject(all, ({ entry }) => entry.id.startsWith('proc-'))) {
+    const use = taskUse(tracks, start, end);
+    if (use.running + use.waitIo + use.waitCpu + use.waitGpu > 0) tasks.push(use);
+    yield;
+  }
+  interrupts.sort((a, b) => b.count - a.count);
+  tasks.sort((a, b) => Number(a.task === idle) - Number(b.task === idle) || b.running - a.running || a.task - b.task);
+  const counters = new Map<string, number>();
+  for (const task of tasks) for (const [name, sum] of task.counters) add(counters, name, sum);
+  return { start, end, cores, interrupts, tasks, switches: tasks.reduce((sum, task) => sum + task.switches, 0), counters };
+}
+
+function interruptUse(tracks: readonly Track[], start: number, end: number): InterruptUse {
+  let count = 0;
+  let seconds = 0;
+  for (const { steps } of tracks) {
+    count += steps.startsWithin(start, end);
+    seconds += steps.onTime(start, end);
+  }
+  return { label: tracks[0].label, count, seconds };
+}
+
+function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse {
+  const seconds = { running: 0, waitIo: 0, waitCpu: 0, waitGpu: 0 };
   const counters = new Map<string, number>();
   let switches = 0;
+  for (const track of tracks) {
+    const { role, steps } = track;
+    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu') seconds[role] += steps.onTime(start, end);
+    if (role === 'running') switches += steps.startsWithin(start, end);
+    if (role === 'counter') add(counters, track.entry.tip, counted(track, start, end));
+  }
+  const runs = tracks.filter(({ role }) => role === 'running');
+  return { task: tracks[0].subject, label: tracks[0].label, ...seconds, switches, longestGap: longestGap(runs, start, end), counters };
+}
+
+function bySubject(all: readonly Track[], wanted: (track: Track) => boolean): Iterable<Track[]> {
+  const found = new Map<number, Track[]>();
   for (const track of all) {
-    const { role, steps, subject, cpu, entry } = track;
-    if (role === 'busy') {
-      cores.push({ label: entry.name, cpu, busy: steps.onTime(start, end), longestGap: longestGap([track], start, end) });
-    } else if (role === 'interrupt') {
-      const use = interrupts.get(subject) ?? { label: track.label, count: 0, seconds: 0 };
-      use.count += steps.startsWithin(start, end);
-      use.seconds += steps.onTime(start, end);
-      interrupts.set(subject, use);
-    } else if (entry.id.startsWith('proc-')) {
-      let use = tasks.get(subject);
-      if (use === undefined) tasks.set(subject, (use = noUse(subject, entry.name)));
-      if (role === 'running') {
-        const times = steps.startsWithin(start, end);
-        use.running += steps.onTime(start, end);
-        use.switches += times;
-        switches += times;
-        const others = runs.get(subject);
-        if (others === undefined) runs.set(subject, [track]);
-        else others.push(track);
-      } else if (role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu') {
-        use[role] += steps.onTime(start, end);
-      } else if (role === 'counter') {
-        const sum = counted(track, start, end);
-        use.counters.set(entry.tip, (use.counters.get(entry.tip) ?? 0) + sum);
-        counters.set(entry.tip, (counters.get(entry.tip) ?? 0) + sum);
-      }
-    }
+    if (!wanted(track)) continue;
+    const tracks = found.get(track.subject);
+    if (tracks === undefined) found.set(track.subject, [track]);
+    else tracks.push(track);
   }
-  for (const [task, tracks] of runs) tasks.get(task)!.longestGap = longestGap(tracks, start, end);
-  const active = [...tasks.values()].filter((use) => use.running + use.waitIo + use.waitCpu + use.waitGpu > 0);
-  active.sort((a, b) => Number(a.task === idle) - Number(b.task === idle) || b.running - a.running || a.task - b.task);
-  const used = [...interrupts.values()].filter((use) => use.count > 0 || use.seconds > 0);
-  return { start, end, cores, interrupts: used.sort((a, b) => b.count - a.count), tasks: active, switches, counters };
+  return found.values();
 }
 
-function noUse(task: number, label: string): TaskUse {
-  return {
-    task, label, running: 0, waitIo: 0, waitCpu: 0, waitGpu: 0, switches: 0, longestGap: 0, counters: new Map(),
-  };
+function add(sums: Map<string, number>, name: string, more: number): void {
+  sums.set(name, (sums.get(name) ?? 0) + more);
 }
 
-/** Returns the longest time of [start, end) during which none of the series was on, in seconds. */
+/** Returns the longest time of [start, end) during which none of the tracks was on, in seconds. */
 export function longestGap(all: readonly Track[], start: number, end: number): number {
-  const slices: Slice[] = [];
-  for (const { steps } of all) steps.forEachSlice(start, end, (from, to) => slices.push({ start: from, end: to }));
-  if (all.length > 1) slices.sort((a, b) => a.start - b.start);
-  let longest = 0;
-  let covered = start;
-  for (const slice of slices) {
-    longest = Math.max(longest, slice.start - covered);
-    covered = Math.max(covered, slice.end);
+  let slices = 0;
+  for (const { steps } of all) steps.forEachSlice(start, end, () => ++slices);
+  const starts = new Float64Array(slices + 1).fill(end);
+  const ends = new Float64Array(slices + 1).fill(start);
+  let index = 0;
+  for (const { steps } of all) {
+    steps.forEachSlice(start, end, (from, to) => {
+      starts[index] = from;
+      ends[++index] = to;
+    });
   }
-  return Math.max(longest, end - covered);
+  if (all.length > 1) {
+    starts.sort();
+    ends.sort();
+  }
+  // As many slices have ended before ends[i] as have started before starts[i]: between the two, nothing is on.
+  return starts.reduce((longest, from, i) => Math.max(longest, from - ends[i]), 0);
 }
 
 /** Returns how far a counter moved within [start, end): each point counts evenly over the time up to the next one. */

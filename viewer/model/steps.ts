@@ -27,19 +27,13 @@ export interface Slice {
  * document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
  */
 export class Steps {
-  private readonly sums: Float64Array;
+  private known: Float64Array | null = null;
 
   /** `times` are seconds, ascending. */
   constructor(
     readonly times: Float64Array,
     readonly values: Float64Array,
-  ) {
-    const sums = new Float64Array(times.length);
-    for (let i = 1; i < times.length; ++i) {
-      sums[i] = sums[i - 1] + (values[i - 1] !== 0 ? times[i] - times[i - 1] : 0);
-    }
-    this.sums = sums;
-  }
+  ) {}
 
   /** Returns the value at `time`. */
   valueAt(time: number): number {
@@ -132,6 +126,17 @@ export class Steps {
   private sliceFrom(index: number, close: number): Slice | null {
     if (this.values[index] === 0 || (index > 0 && this.values[index - 1] !== 0)) return null;
     return this.sliceAt(this.times[index], close);
+  }
+
+  /** The on-time before each point. Most series of a long recording are never looked at, hence not at once. */
+  private get sums(): Float64Array {
+    if (this.known !== null) return this.known;
+    const { times, values } = this;
+    const sums = (this.known = new Float64Array(times.length));
+    for (let i = 1; i < times.length; ++i) {
+      sums[i] = sums[i - 1] + (values[i - 1] !== 0 ? times[i] - times[i - 1] : 0);
+    }
+    return sums;
   }
 
   /** The on-time before `time`, which `count` points are at or before. */

@@ -43,6 +43,11 @@ export class Tasks {
     }
   }
 
+  /** Returns whether the runs on a core have been merged, which is done at their first use and takes its time. */
+  isCoreReady(cpu: number): boolean {
+    return this.ofCore.has(cpu);
+  }
+
   /** Returns what ran on the core at `time`, or null. */
   runOnCore(cpu: number, time: number): Run | null {
     const runs = this.coreRuns(cpu);
@@ -113,9 +118,11 @@ export class Tasks {
 
 /** Merges the runs of all tasks of a core. The starts alone are sorted, natively; the rest looks its position up. */
 function mergeRuns(tracks: readonly Track[], close: number): CoreRuns {
-  const unsorted: number[] = [];
-  for (const { steps } of tracks) steps.forEachSlice(-Infinity, close, (from) => unsorted.push(from));
-  const starts = Float64Array.from(unsorted).sort();
+  let count = 0;
+  for (const { steps } of tracks) steps.forEachSlice(-Infinity, close, () => ++count);
+  const starts = new Float64Array(count);
+  for (const { steps } of tracks) steps.forEachSlice(-Infinity, close, (from) => (starts[--count] = from));
+  starts.sort();
   const ends = new Float64Array(starts.length);
   const owners = new Array<Track>(starts.length);
   for (const track of tracks) {

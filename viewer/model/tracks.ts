@@ -47,8 +47,8 @@ export class Track {
   readonly subject: number;
   /** The core of a core's own series, of a task's running time or of an interrupt; else -1. */
   readonly cpu: number;
-  /** The greatest value. */
-  readonly peak: number;
+
+  private knownPeak = -1;
 
   constructor(readonly entry: Entry) {
     this.shape = entry.type === 'binary' ? 'state' : entry.type === 'bar' ? 'level' : 'marks';
@@ -56,7 +56,6 @@ export class Track {
     this.steps = new Steps(entry.times, entry.values);
     this.subject = numberIn(/^(?:cpu|irq|proc)-(\d+)-/, entry.id);
     this.cpu = numberIn(/^(?:cpu-|irq-\d+-|proc-\d+-r)(\d+)/, entry.id);
-    this.peak = entry.values.reduce((peak, value) => Math.max(peak, value), 0);
   }
 
   /** The entry's name; interrupts of one name are told apart by their numbers, as tasks are. */
@@ -64,6 +63,12 @@ export class Track {
     if (this.role !== 'interrupt') return this.entry.name;
     const number = this.subject < firstSoft ? this.subject : `soft ${this.subject - firstSoft}`;
     return `${number} - ${this.entry.name}`;
+  }
+
+  /** The greatest value. */
+  get peak(): number {
+    if (this.knownPeak < 0) this.knownPeak = this.entry.values.reduce((peak, value) => Math.max(peak, value), 0);
+    return this.knownPeak;
   }
 
   get isCounter(): boolean {

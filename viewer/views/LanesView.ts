@@ -6,7 +6,7 @@ import type { Track } from '../model/tracks';
 import type { State } from './store';
 import { button, element, fitCanvas, isDark, shortName } from './dom';
 import { laneHeight, paintLane, Picture, Pixels, Surface } from './laneRaster';
-import { CanvasWriter, Writer, writeTexts } from './laneTexts';
+import { CanvasWriter, textsReady, Writer, writeTexts } from './laneTexts';
 import { selectRun } from './runs';
 import { SvgPicture } from './SvgPicture';
 import { axisWidth, gutter, setBrush, showTime, shownExtent, timeGestures } from './timeAxis';
@@ -185,7 +185,12 @@ export class LanesView implements View {
     const context = this.base.getContext('2d', { alpha: false })!;
     context.putImageData(pixels.image, 0, 0);
     const writer = new CanvasWriter(context, scale);
-    for (const row of this.placed) writeTexts(writer, model, row.lane, Math.round(row.top * scale), picture);
+    let late = 0;
+    for (const { lane, top } of this.placed) {
+      // A frame has time for one that is not ready.
+      if (textsReady(lane, model) || ++late === 1) writeTexts(writer, model, lane, Math.round(top * scale), picture);
+    }
+    if (late > 1) this.app.store.refresh();
     this.base.setAttribute('aria-label', `${this.placed.length} rows from ${formatTime(picture.shown.start)} to ${formatTime(picture.shown.end)}`);
   }
 

@@ -9,6 +9,9 @@ import type { App, View } from './View';
 
 type Cells = readonly string[];
 
+/** Milliseconds of a frame that the figures may take. */
+const frameShare = 8;
+
 /** What the timechart tells of the selected span. */
 export class SpanView implements View {
   readonly id = 'span';
@@ -17,6 +20,9 @@ export class SpanView implements View {
   private host!: HTMLElement;
   private app!: App;
   private use: SpanUse | null = null;
+  /** What the figures are about that are shown, or being reckoned. */
+  private asked: readonly unknown[] = [];
+  private pending = 0;
 
   available({ timechart }: State): boolean {
     return timechart !== null;
@@ -28,13 +34,29 @@ export class SpanView implements View {
     host.classList.add('figures');
   }
 
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
-    if (!changed.has('timechart') && !changed.has('filter') && !changed.has('run')) return;
-    const model = state.timechart!;
-    const span = spanOf(state);
-    const use = (this.use = model.use(span.start, span.end));
-    const head = element('p', { class: 'lead' }, `${brushOf(state) === null ? 'All' : 'Selected'}: ${describeSpan(span)}`);
-    this.host.replaceChildren(head, ...this.runLines(state, model), ...sections(use).map(([title, rows]) => tableOf(title, rows)));
+  draw(state: State): void {
+    const { timechart, filter, run } = state;
+    const asked = [timechart, filter.start, filter.end, run];
+    if (asked.every((part, i) => part === this.asked[i])) return;
+    this.asked = asked;
+    const { start, end } = spanOf(state);
+    cancelAnimationFrame(this.pending);
+    this.reckon(timechart!.reckon(start, end), state);
+  }
+
+  /** Works for a part of a frame, then goes on in the next one. */
+  private reckon(work: Generator<void, SpanUse, void>, state: State): void {
+    const deadline = performance.now() + frameShare;
+    let step = work.next();
+    while (!step.done && performance.now() < deadline) step = work.next();
+    if (step.done) this.show(step.value, state);
+    else this.pending = requestAnimationFrame(() => this.reckon(work, state));
+  }
+
+  private show(use: SpanUse, state: State): void {
+    this.use = use;
+    const head = element('p', { class: 'lead' }, `${brushOf(state) === null ? 'All' : 'Selected'}: ${describeSpan(spanOf(state))}`);
+    this.host.replaceChildren(head, ...this.runLines(state, state.timechart!), ...sections(use).map(([title, rows]) => tableOf(title, rows)));
   }
 
   key(): boolean {

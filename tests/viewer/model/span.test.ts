@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { counted, spanUse } from '../../../viewer/model/span';
+import { counted, reckonSpan, SpanUse } from '../../../viewer/model/span';
 import { Tasks } from '../../../viewer/model/tasks';
 import { track } from '../tracks';
 
@@ -19,8 +19,16 @@ const tracks = [
   track('proc-12-w', 'proc:wait', '12_10_proc_root', [[20, 1], [21, 0]]),
 ];
 
+function spanUse(start: number, end: number): SpanUse {
+  const work = reckonSpan(tracks, start, end);
+  for (;;) {
+    const step = work.next();
+    if (step.done) return step.value;
+  }
+}
+
 test('a span tells what cores tasks and interrupts did', () => {
-  const use = spanUse(tracks, 1.5, 8);
+  const use = spanUse(1.5, 8);
   assert.deepEqual(use.cores.map(({ cpu, busy, longestGap }) => [cpu, busy, longestGap]), [[0, 2.5, 2], [1, 1, 3]]);
   assert.deepEqual(use.interrupts, [{ label: '29 - irq-29-0', count: 2, seconds: 0.75 }]);
   assert.deepEqual(use.tasks.map(({ task, running, switches }) => [task, running, switches]), [[11, 2.5, 2], [0, 3, 1]]);
