@@ -53,10 +53,6 @@ int gain(const ElfFile& first, const ElfFile& second) {
          (second.hasSymbolTable && !first.hasSymbolTable ? 1 : 0);
 }
 
-bool isComplete(const ElfFile& file) {
-  return file.hasLines && file.hasSymbolTable;
-}
-
 /// Whether two files are of one build, as far as one can tell.
 bool sameBuild(const ElfFile& a, const ElfFile& b) {
   if (a.machine != b.machine || a.wide != b.wide) return false;
@@ -72,27 +68,41 @@ bool hasChecksum(const std::string& path, std::uint32_t checksum) {
 /// One search, and what it has met so far.
 class Search {
  public:
-  Search(const std::vector<std::string>& roots, const std::string& architecture, const std::string& name,
-         const std::string& buildId)
-      : _roots(roots), _architecture(architecture), _name(name), _buildId(buildId) {}
+  Search(const std::vector<std::string>& roots, std::vector<FolderIndex>& indexes,
+         const std::string& architecture, const std::string& name, const std::string& buildId)
+      : _roots(roots), _indexes(indexes), _architecture(architecture), _name(name), _buildId(buildId) {}
 
   FoundFile run() {
     for (const std::string& root : _roots) lookBelow(root);
-    if (!_outcome.found() || !isComplete(_outcome.elf)) lookForDebugFiles();
-    if (!_outcome.found() || !hasEverything()) askServers();
+    if (!hasEverything()) lookAnywhere();
+    if (!hasEverything()) lookForDebugFiles();
+    if (!hasEverything()) askServers();
     if (!_outcome.found()) _outcome.refusal = refusal();
     return std::move(_outcome);
   }
 
  private:
   void lookBelow(const std::string& root) {
-    if (_outcome.found() && isComplete(_outcome.elf)) return;
+    if (hasEverything()) return;
     consider(root, _name);
     consider(root, _name.substr(folderOf(_name).size()));
     const std::string link = linkName(_buildId);
     if (link.empty()) return;
     consider(root, ".build-id/" + link);
     consider(root, ".build-id/" + link + "/elf");
+  }
+
+  /// Of several files without build-ids nothing tells which one it is, so one name then has to mean one file.
+  void lookAnywhere() {
+    const std::string baseName = _name.substr(folderOf(_name).size());
+    for (std::size_t i = 0; i < _roots.size(); ++i) {
+      const std::vector<std::string>& paths = _indexes[i].pathsOf(baseName);
+      if (paths.size() > 1 && !_outcome.found() && _buildId.empty()) {
+        refuse(std::to_string(paths.size()) + " files of this name below " + _roots[i]);
+      } else {
+        for (const std::string& path : paths) consider(_roots[i], path);
+      }
+    }
   }
 
   /// Takes a file for the one that is looked for, or for what adds to it.
@@ -148,7 +158,7 @@ class Search {
   void askServers() {
     const std::string& buildId = _outcome.found() ? _outcome.elf.buildId : _buildId;
     for (const auto kind : {DebugInfod::Kind::kDebugInformation, DebugInfod::Kind::kExecutable}) {
-      if (_outcome.found() && (kind == DebugInfod::Kind::kExecutable || hasEverything())) return;
+      if (_outcome.found() && kind == DebugInfod::Kind::kExecutable) return;
       const std::optional<Candidate> candidate = open(DebugInfod::find(buildId, kind));
       if (!candidate) continue;
       if (_outcome.found()) {
@@ -201,7 +211,7 @@ class Search {
   }
 
   [[nodiscard]] bool hasEverything() const {
-    return (_outcome.elf.hasLines || _debugFile.hasLines) &&
+    return _outcome.found() && (_outcome.elf.hasLines || _debugFile.hasLines) &&
            (_outcome.elf.hasSymbolTable || _debugFile.hasSymbolTable);
   }
 
@@ -219,6 +229,7 @@ class Search {
   }
 
   const std::vector<std::string>& _roots;
+  std::vector<FolderIndex>& _indexes;
   const std::string& _architecture;
   const std::string& _name;
   const std::string& _buildId;
@@ -231,7 +242,9 @@ class Search {
 }  // namespace
 
 SymbolFinder::SymbolFinder(std::vector<std::string> roots, std::string architecture)
-    : _roots(std::move(roots)), _architecture(std::move(architecture)) {}
+    : _roots(std::move(roots)),
+      _architecture(std::move(architecture)),
+      _indexes(_roots.begin(), _roots.end()) {}
 
 const FoundFile& SymbolFinder::find(const std::string& recordedPath, const std::string& buildId) {
   const auto [place, isNew] = _outcomes.try_emplace({recordedPath, buildId});
@@ -240,7 +253,7 @@ const FoundFile& SymbolFinder::find(const std::string& recordedPath, const std::
   if (!isFileName(name)) {
     place->second.refusal = recordedPath + ": not a file";
   } else {
-    place->second = Search(_roots, _architecture, name, buildId).run();
+    place->second = Search(_roots, _indexes, _architecture, name, buildId).run();
   }
   return place->second;
 }

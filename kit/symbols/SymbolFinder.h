@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "symbols/ElfFile.h"
+#include "symbols/FolderIndex.h"
 
 namespace zelkit {
 
@@ -26,7 +27,8 @@ struct FoundFile {
 };
 
 /// Looks a recorded path up below each root in turn: as it is, then by its last component, then by build-id
-/// (".build-id/ab/cdef", with "/elf" behind it in perf's own cache). Links are resolved as if the root were
+/// (".build-id/ab/cdef", with "/elf" behind it in perf's own cache), then a file of its name anywhere below.
+/// Links are resolved as if the root were
 /// "/". Files of another build-id than the recorded one, or of another architecture, are passed over, and
 /// told if no other file is found.
 ///
@@ -49,6 +51,7 @@ class SymbolFinder {
  private:
   std::vector<std::string> _roots;
   std::string _architecture;
+  std::vector<FolderIndex> _indexes;  ///< of the roots
   std::map<std::pair<std::string, std::string>, FoundFile> _outcomes;
 };
 

@@ -44,6 +44,19 @@ TEST_F(SymbolFinderTest, LooksBelowTheRootByPathThenByNameThenByBuildId) {
     EXPECT_EQ(found("a", name), std::string(name) + ": not a file");
 }
 
+TEST_F(SymbolFinderTest, LooksAnywhereBelowForOneOfItsName) {
+  workshop.run(
+      "mkdir -p out/obj/deep out/other && cp $FIXTURE out/obj/deep/tool && ln -s ../obj/deep/tool "
+      "out/other/tool");
+  EXPECT_EQ(found("out", "/usr/bin/tool"), "/obj/deep/tool");
+  workshop.run(
+      "objcopy --remove-section .note.gnu.build-id $FIXTURE out/other/real && mv out/other/real "
+      "out/other/tool");
+  EXPECT_EQ(found("out", "/usr/bin/tool"),
+            "/usr/bin/tool: 2 files of this name below " + workshop.path("out"));
+  EXPECT_EQ(found("out", "/usr/bin/tool", id), "/obj/deep/tool");
+}
+
 TEST_F(SymbolFinderTest, NeverLeavesItsRoot) {
   workshop.run(
       "cp $FIXTURE secret && mkdir -p root/lib root/usr/lib && cp $FIXTURE root/usr/lib/real && "
