@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr std::size_t kMostNames = 4;
+constexpr std::size_t kMostListed = 4;
 
 /// The text without what a terminal would obey: names in a recording may hold anything.
 std::string printable(std::string_view text) {
@@ -75,12 +75,15 @@ std::string nameOf(const std::vector<RecordedEvent>& events, std::size_t index) 
   return name.empty() ? "event " + std::to_string(index + 1) : printable(name);
 }
 
-/// The first few, and how many more there are.
-std::string listed(const std::vector<std::string>& names) {
-  std::string text;
-  for (std::size_t i = 0; i < names.size() && i < kMostNames; ++i) text += (i > 0 ? ", " : "") + names[i];
-  if (names.size() > kMostNames) text += " and " + std::to_string(names.size() - kMostNames) + " more";
-  return text;
+/// The texts with commas between, at most so many, and how many more there are.
+std::string listed(const std::vector<std::string>& texts, std::size_t most) {
+  std::string list;
+  for (std::size_t i = 0; i < texts.size() && i < most; ++i) {
+    if (i > 0) list += ", ";
+    list += texts[i];
+  }
+  if (texts.size() > most) list += " and " + std::to_string(texts.size() - most) + " more";
+  return list;
 }
 
 }  // namespace
@@ -155,9 +158,12 @@ void TerminalReport::tellSampleFields() {
     if (const std::string fault = misplacedField(event); !fault.empty())
       eventsByFault[sampleFields(event.sampleType) + ": " + fault].push_back(nameOf(_facts->events, i));
   }
-  for (const auto& [fault, events] : eventsByFault)
-    sayOfRecording((events.size() == sampling ? "its samples" : "samples of " + listed(events)) + " hold " +
-                   fault + "; they come out wrong or not at all");
+  std::size_t faults = 0;
+  for (const auto& [fault, events] : eventsByFault) {
+    if (++faults > kMostListed) break;  // no recorder makes so many
+    sayOfRecording((events.size() == sampling ? "its samples" : "samples of " + listed(events, kMostListed)) +
+                   " hold " + fault + "; they come out wrong or not at all");
+  }
   if (hasTracePoints && !_facts->hasEventTable)
     sayOfRecording("has no table of event names ahead of its data: no trace-point is decoded");
 }
@@ -271,14 +277,13 @@ void TerminalReport::summarize() {
 
 void TerminalReport::tellPassedOver() {
   const RecordLosses& losses = PerfFactory::_losses;
-  std::string text;
+  std::vector<std::string> counts;
   for (std::uint32_t type = 0; type < RecordLosses::kTypes; ++type)
     if (losses.passedOver[type] != 0)
-      text += (text.empty() ? "" : ", ") + std::to_string(losses.passedOver[type]) + " " +
-              std::string(recordTypeName(type));
-  if (!text.empty()) sayOfRecording("records passed over: " + text);
+      counts.push_back(std::to_string(losses.passedOver[type]) + " " + std::string(recordTypeName(type)));
+  if (!counts.empty()) sayOfRecording("records passed over: " + listed(counts, RecordLosses::kTypes));
   if (losses.longRecords == 0) return;
-  text = counted(losses.longRecords, "record") + " of more than 256 bytes lost";
+  std::string text = counted(losses.longRecords, "record") + " of more than 256 bytes lost";
   if (losses.longSamples > 0) text += ", " + std::to_string(losses.longSamples) + " of them SAMPLE";
   if (losses.longSamples > 0 && !gTimechartMode) text += " (no back-trace of more than 25 fits)";
   sayOfRecording(text);
