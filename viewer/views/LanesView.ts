@@ -34,6 +34,7 @@ export class LanesView implements View {
   private readonly scroller = element('div', { class: 'lanes-scroll', tabindex: '-1' }, this.space);
   private pixels: Pixels | null = null;
   private placed: PlacedLane[] = [];
+  private pending = 0;
 
   available({ timechart }: State): boolean {
     return timechart !== null;
@@ -44,7 +45,7 @@ export class LanesView implements View {
     this.app = app;
     const stage = element('div', { class: 'lanes-stage' }, this.labels, this.base, this.overlay);
     host.append(this.scroller, stage);
-    this.scroller.addEventListener('scroll', () => app.store.refresh());
+    this.scroller.addEventListener('scroll', () => this.repaint());
     timeGestures(stage, app, {
       width: () => this.width,
       scroll: (pixels) => (this.scroller.scrollTop += pixels),
@@ -63,6 +64,15 @@ export class LanesView implements View {
       this.label(state);
     } else if (changed.has('search') || changed.has('cursor')) this.label(state);
     this.drawOverlay(state);
+  }
+
+  /** Paints with the next frame what the state's changes do not tell. */
+  private repaint(): void {
+    if (this.pending !== 0) return;
+    this.pending = requestAnimationFrame(() => {
+      this.pending = 0;
+      if (this.app.store.state.timechart !== null) this.draw(this.app.store.state, new Set(['lanes']));
+    });
   }
 
   key(event: KeyboardEvent): boolean {
@@ -190,7 +200,7 @@ export class LanesView implements View {
       // A frame has time for one that is not ready.
       if (textsReady(lane, model) || ++late === 1) writeTexts(writer, model, lane, Math.round(top * scale), picture);
     }
-    if (late > 1) this.app.store.refresh();
+    if (late > 1) this.repaint();
     this.base.setAttribute('aria-label', `${this.placed.length} rows from ${formatTime(picture.shown.start)} to ${formatTime(picture.shown.end)}`);
   }
 
