@@ -42,11 +42,18 @@ TEST_F(Descriptors, StayApartFromTheDocumentWhicheverAreClosed) {
   for (const std::vector<int>& closed : cases) EXPECT_EQ(convert(closed), document);
 }
 
+// -W makes a run complain on standard error while it makes the document, which then begins with these bytes.
+constexpr const char* kStartWithoutLabels = "{}{\n";
+
+TEST_F(Descriptors, KeepComplaintsOutOfTheDocument) {
+  _folder.write("uptime", "100.0 50.0\n");
+  EXPECT_EQ(convert({0, 1, 2}, {"-b", "1", "-W"}).substr(0, 4), kStartWithoutLabels);
+}
+
 TEST_F(Descriptors, StayApartFromTheKernelsLog) {
   // Without an uptime, which would take the first free descriptor.
-  const std::string document = convert({});
-  for (const std::vector<int>& closed : {std::vector{1, 2}, std::vector{1}, std::vector<int>{}}) {
-    EXPECT_EQ(convert(closed, {"-b", "1", "-m", "-v", "1"}), document);
+  for (const std::vector<int>& closed : {std::vector{1, 2}, std::vector{2}}) {
+    EXPECT_EQ(convert(closed, {"-b", "1", "-m", "-v", "1", "-W"}).substr(0, 4), kStartWithoutLabels);
     EXPECT_EQ(_folder.read("kmsg"), "zcv-" + _folder.path("root/app/tool") + "\n");
   }
 }
