@@ -3,18 +3,19 @@ import type { State, Store } from '../views/store';
 /** What undo brings back. */
 type Selection = Pick<State, 'filter' | 'run'>;
 
-/** Changes that follow each other faster than this many milliseconds, such as those of a drag, are one step. */
-const oneStep = 400;
 const mostSteps = 100;
 
 /** The selections that were made before the present one. */
 export class History {
   private readonly steps: Selection[] = [];
   private present: Selection;
-  private changed = -Infinity;
+  /** Counts presses of keys and pointer: what one press changes, such as a whole drag, is one step. */
+  private presses = 0;
+  private noted = -1;
 
   constructor(private readonly store: Store) {
     this.present = selectionOf(store.state);
+    for (const press of ['pointerdown', 'keydown']) addEventListener(press, () => ++this.presses, true);
     store.onCommit((state, keys) => {
       if (keys.has('filter')) this.note(selectionOf(state));
     });
@@ -25,17 +26,16 @@ export class History {
     const before = this.steps.pop();
     if (before === undefined) return false;
     this.present = before;
-    this.changed = -Infinity;
+    this.noted = -1;
     this.store.set(before);
     return true;
   }
 
   private note(selection: Selection): void {
     if (selection.filter === this.present.filter) return;
-    const now = performance.now();
-    if (now - this.changed > oneStep) this.steps.push(this.present);
+    if (this.presses !== this.noted) this.steps.push(this.present);
     if (this.steps.length > mostSteps) this.steps.shift();
-    this.changed = now;
+    this.noted = this.presses;
     this.present = selection;
   }
 }

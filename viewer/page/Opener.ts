@@ -11,6 +11,10 @@ export class Opener {
   private readonly workers = new Map<number, Worker>();
   private readonly url = URL.createObjectURL(new Blob([WORKER_SOURCE], { type: 'text/javascript' }));
   private nextId = 1;
+  /** The readings whose documents are shown, the latest first. */
+  private readonly shown: Record<ZelDocument['kind'], number[]> = { profile: [], timechart: [] };
+  /** The reading of the state's profile. */
+  private latest = 0;
 
   constructor(private readonly store: Store) {}
 
@@ -64,7 +68,7 @@ export class Opener {
     switch (message.type) {
       case 'progress':
         this.update(id, { bytes: message.bytes, total: message.total });
-        if (message.picture !== null) this.show(message.picture);
+        if (message.picture !== null) this.show(id, message.picture);
         return;
       case 'document': {
         const damage = message.document.damage;
@@ -72,7 +76,7 @@ export class Opener {
           state: damage === null ? 'complete' : 'damaged',
           message: damage === null ? '' : `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
         });
-        this.show(message.document);
+        this.show(id, message.document);
         break;
       }
       case 'failed':
@@ -88,8 +92,21 @@ export class Opener {
     this.store.set({ readings });
   }
 
-  private show(document: ZelDocument): void {
+  /** The latest timechart is shown, and the latest profile; the one before it is what it can be compared with. */
+  private show(id: number, document: ZelDocument): void {
+    const { shown } = this;
+    shown[document.kind] = [id, ...shown[document.kind].filter((other) => other !== id)].sort((a, b) => b - a);
+    const superseded = [...shown.profile.splice(2), ...shown.timechart.splice(1)];
+    const readings = this.store.state.readings.filter((reading) => !superseded.includes(reading.id));
+    if (superseded.length > 0) this.store.set({ readings });
+    if (superseded.includes(id)) return;
     if (document.kind === 'timechart') this.store.set({ timechart: new TimechartModel(document) });
-    else this.store.set({ profile: new ProfileModel(document) });
+    else if (shown.profile[0] !== id) this.store.set({ baseline: new ProfileModel(document) });
+    else {
+      const { profile, baseline } = this.store.state;
+      const before = this.latest !== id ? profile : baseline;
+      this.latest = id;
+      this.store.set({ profile: new ProfileModel(document), baseline: before });
+    }
   }
 }

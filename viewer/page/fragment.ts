@@ -35,15 +35,17 @@ export function readFragment(fragment: string, start: State): Partial<State> {
   const place = Number(parts.get('place') ?? NaN);
   const mark = Number(parts.get('mark') ?? NaN);
   const choices = laneChoices.map((choice) => [choice, new Set(parts.getAll(choice))]);
+  const filter = {
+    ...start.filter,
+    ...selected,
+    cores: numbersOf(parts.get('cores')),
+    threads: numbersOf(parts.get('threads')),
+    text: parts.get('filter') ?? '',
+  };
+  const filtered = ['selected', 'cores', 'threads', 'filter'].some((part) => parts.has(part));
   return {
     visible: extentOf(parts.get('shown')),
-    filter: {
-      ...start.filter,
-      ...(selected ?? { start: -Infinity, end: Infinity }),
-      cores: numbersOf(parts.get('cores')),
-      threads: numbersOf(parts.get('threads')),
-      text: parts.get('filter') ?? '',
-    },
+    filter: filtered ? filter : start.filter,
     run: null,
     search: parts.get('search') ?? '',
     place: Number.isInteger(place) ? place : -1,
