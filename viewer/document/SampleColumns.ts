@@ -85,17 +85,15 @@ export class SampleColumns {
       return picked;
     };
     const nodes = pick(this.nodes);
-    const kept = this.nodesAbove(nodes);
-    const position = new Map<number, number>();
-    kept.forEach((node, index) => position.set(node, index));
-    const parents = kept.map((node) => position.get(this.stacks.parent(node))!);
+    const { kept, position } = this.nodesAbove(nodes);
+    const parents = kept.map((node) => position[this.stacks.parent(node)]);
     const keys = kept.map((node) => this.stacks.key(node));
     return this.ordered(step, parents, keys, {
       count,
       times: pick(this.times),
       cores: pick(this.cores),
       threads: pick(this.sampleThreads),
-      stacks: nodes.map((node) => position.get(node)!),
+      stacks: nodes.map((node) => position[node]),
       addressHigh: pick(this.high),
       addressLow: pick(this.low),
     });
@@ -128,13 +126,24 @@ export class SampleColumns {
     return { weight, samples, stacks: finishStacks(parents, keys, samples.stacks) };
   }
 
-  /** Returns the nodes and all that stand above them, ascending. */
-  private nodesAbove(nodes: Uint32Array): Uint32Array {
-    const seen = new Set<number>([0]);
+  /** Returns the nodes and all that stand above them, ascending, and for each node its position among them. */
+  private nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
+    const { stacks } = this;
+    const position = new Uint32Array(stacks.count);
+    let count = 1;
     for (let node of nodes) {
-      for (; !seen.has(node); node = this.stacks.parent(node)) seen.add(node);
+      for (; node !== 0 && position[node] === 0; node = stacks.parent(node)) {
+        position[node] = 1;
+        ++count;
+      }
     }
-    return Uint32Array.from(seen).sort();
+    const kept = new Uint32Array(count);
+    for (let node = 1, next = 1; node < stacks.count; ++node) {
+      if (position[node] === 0) continue;
+      kept[next] = node;
+      position[node] = next++;
+    }
+    return { kept, position };
   }
 
   /** Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more. */

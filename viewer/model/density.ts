@@ -11,16 +11,13 @@ export interface TimeRow {
 
 /** Returns the cores in their order, then the threads, those with most samples first. */
 export function timeRows({ samples, threads }: Profile): TimeRow[] {
-  const byCore = new Map<number, number>();
-  const byThread = new Uint32Array(threads.length);
-  for (let i = 0; i < samples.count; ++i) {
-    byThread[samples.threads[i]]++;
-    byCore.set(samples.cores[i], (byCore.get(samples.cores[i]) ?? 0) + 1);
-  }
-  const cores = [...byCore].sort(([a], [b]) => a - b);
-  const busiest = Array.from(byThread, (count, subject) => ({ kind: 'thread' as const, subject, samples: count }));
-  busiest.sort((a, b) => b.samples - a.samples);
-  return [...cores.map(([subject, count]) => ({ kind: 'core' as const, subject, samples: count })), ...busiest];
+  const rows = (kind: TimeRow['kind'], subjects: Uint16Array | Uint32Array, most: number): TimeRow[] => {
+    const counts = new Uint32Array(most);
+    for (let i = 0; i < samples.count; ++i) counts[subjects[i]]++;
+    return Array.from(counts, (count, subject) => ({ kind, subject, samples: count }));
+  };
+  const cores = rows('core', samples.cores, 0x10000).filter((row) => row.samples > 0);
+  return [...cores, ...rows('thread', samples.threads, threads.length).sort((a, b) => b.samples - a.samples)];
 }
 
 /** Samples in each pixel of some rows: counts[row * columns + column]. */
