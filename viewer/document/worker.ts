@@ -8,7 +8,9 @@ import { open } from './supply';
 
 /** Milliseconds until the first picture of a document, and how much longer each next one waits. */
 const firstPictureAfter = 60;
-const slowing = 1.7;
+const slowing = 2.2;
+/** Milliseconds between two messages of progress. */
+const progressEvery = 100;
 
 let cancelled = false;
 
@@ -19,18 +21,19 @@ async function read(source: Source, layoutSource: Source | null): Promise<void> 
   const { supply, progress } = await open(source);
   const started = performance.now();
   let pictureAt = started + firstPictureAfter;
+  let progressAt = started + progressEvery;
   let taken = 0;
   const reading = new DocumentReading(
     source.name,
     async () => {
       if (cancelled) throw new DocumentError(taken, 'reading was stopped');
       const now = performance.now();
-      let picture = null;
-      if (now >= pictureAt) {
-        picture = reading.picture();
-        pictureAt = now + (now - started) * (slowing - 1);
+      if (now >= Math.min(pictureAt, progressAt)) {
+        const picture = now >= pictureAt ? reading.picture() : null;
+        if (picture !== null) pictureAt = now + (now - started) * (slowing - 1);
+        post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
+        progressAt = now + progressEvery;
       }
-      post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
       const piece = await supply();
       taken += piece?.length ?? 0;
       return piece;

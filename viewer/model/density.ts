@@ -14,10 +14,12 @@ export function timeRows({ samples, threads }: Profile): TimeRow[] {
   const rows = (kind: TimeRow['kind'], subjects: Uint16Array | Uint32Array, most: number): TimeRow[] => {
     const counts = new Uint32Array(most);
     for (let i = 0; i < samples.count; ++i) counts[subjects[i]]++;
-    return Array.from(counts, (count, subject) => ({ kind, subject, samples: count }));
+    const found: TimeRow[] = [];
+    counts.forEach((count, subject) => count > 0 && found.push({ kind, subject, samples: count }));
+    return found;
   };
-  const cores = rows('core', samples.cores, 0x10000).filter((row) => row.samples > 0);
-  return [...cores, ...rows('thread', samples.threads, threads.length).sort((a, b) => b.samples - a.samples)];
+  const busiestFirst = (a: TimeRow, b: TimeRow) => b.samples - a.samples;
+  return [...rows('core', samples.cores, 0x10000), ...rows('thread', samples.threads, threads.length).sort(busiestFirst)];
 }
 
 /** Samples in each pixel of some rows: counts[row * columns + column]. */

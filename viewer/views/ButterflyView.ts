@@ -7,7 +7,7 @@ import { describePlace } from '../model/groupings';
 import { formatPart, placeLook } from './placeLook';
 import { ProfileBar } from './ProfileBar';
 import type { State } from './store';
-import type { App, View } from './View';
+import { type App, samplesChanged, type View } from './View';
 
 /** One function: what called it stands above it, what it called below. */
 export class ButterflyView implements View {
@@ -39,7 +39,8 @@ export class ButterflyView implements View {
     this.callees = new FlamePane(calleesHost, app, false, open(() => this.callees), 'Callees');
   }
 
-  draw(state: State): void {
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (!samplesChanged(changed, 'place')) return;
     const model = state.profile!;
     const selection = model.selection(state.filter);
     const { places, weight } = model.profile;

@@ -11,7 +11,7 @@ import { formatCount, formatPart } from './placeLook';
 import { ProfileBar } from './ProfileBar';
 import { cellsOf, fillShare, RowList } from './RowList';
 import type { State } from './store';
-import type { App, View } from './View';
+import { type App, samplesChanged, type View } from './View';
 
 interface TreeRow {
   readonly node: number;
@@ -53,7 +53,8 @@ export class CallTreeView implements View {
     });
   }
 
-  draw(state: State): void {
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (!samplesChanged(changed)) return;
     this.model = state.profile!;
     const selection = this.model.selection(state.filter);
     if (selection.profile !== this.selection?.profile) this.openHeaviest(selection);

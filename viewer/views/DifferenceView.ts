@@ -7,7 +7,7 @@ import { formatShare } from '../model/axis';
 import { ProfileBar } from './ProfileBar';
 import { cellsOf, RowList } from './RowList';
 import type { State } from './store';
-import type { App, View } from './View';
+import { type App, samplesChanged, type View } from './View';
 
 /** A place's share of either profile's samples. */
 interface Change {
@@ -63,7 +63,8 @@ export class DifferenceView implements View {
     });
   }
 
-  draw(state: State): void {
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (!samplesChanged(changed, 'baseline')) return;
     const after = state.profile!;
     const before = state.baseline!;
     if (this.models?.[0] !== after || this.models[1] !== before) {

@@ -7,7 +7,7 @@ import { folded } from './folded';
 import { placeLook, formatPart } from './placeLook';
 import { ProfileBar } from './ProfileBar';
 import type { State } from './store';
-import type { App, View } from './View';
+import { type App, samplesChanged, type View } from './View';
 
 /** All selected samples by their stacks: by caller from the root, or inverted, by what called the places that took them. */
 export class FlameView implements View {
@@ -50,7 +50,8 @@ export class FlameView implements View {
     this.pane = new FlamePane(host, app, false, (node) => this.openNode(node), 'Flame graph; arrow keys walk it, Enter zooms');
   }
 
-  draw(state: State): void {
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (!samplesChanged(changed)) return;
     const model = state.profile!;
     const selection = model.selection(state.filter);
     const before = this.tree;

@@ -10,7 +10,7 @@ import { formatCount, formatPart } from './placeLook';
 import { ProfileBar } from './ProfileBar';
 import { cellsOf, fillShare, RowList } from './RowList';
 import type { State } from './store';
-import type { App, View } from './View';
+import { type App, samplesChanged, type View } from './View';
 
 const columns: readonly (readonly [SortKey, string, string])[] = [
   ['self', 'Self', 'number'],
@@ -64,19 +64,8 @@ export class FunctionsView implements View {
     });
   }
 
-  draw(state: State): void {
-    this.model = state.profile!;
-    this.selection = this.model.selection(state.filter);
-    this.grouping = this.model.grouping(this.by);
-    this.weights = this.grouping.weigh(this.selection);
-    this.rows = functionRows(this.grouping, this.weights, this.text, this.order);
-    this.matches = this.grouping.byPlace ? this.model.matches(state.search) : null;
-    for (const [key, head] of this.heads) {
-      const sorted = key === this.order.key;
-      head.setAttribute('aria-sort', sorted ? (this.order.descending ? 'descending' : 'ascending') : 'none');
-    }
-    this.bar.draw(state);
-    this.paint();
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (samplesChanged(changed)) this.show(state);
   }
 
   key(event: KeyboardEvent): boolean {
@@ -111,6 +100,23 @@ export class FunctionsView implements View {
 
   private readonly paint = () => this.list.draw(this.rows.length);
 
+  private readonly showAgain = () => this.show(this.app.store.state);
+
+  private show(state: State): void {
+    this.model = state.profile!;
+    this.selection = this.model.selection(state.filter);
+    this.grouping = this.model.grouping(this.by);
+    this.weights = this.grouping.weigh(this.selection);
+    this.rows = functionRows(this.grouping, this.weights, this.text, this.order);
+    this.matches = this.grouping.byPlace ? this.model.matches(state.search) : null;
+    for (const [key, head] of this.heads) {
+      const sorted = key === this.order.key;
+      head.setAttribute('aria-sort', sorted ? (this.order.descending ? 'descending' : 'ascending') : 'none');
+    }
+    this.bar.draw(state);
+    this.paint();
+  }
+
   private head(key: SortKey, title: string, style: string): HTMLElement {
     const sort = () =>
       this.change(() => {
@@ -125,7 +131,7 @@ export class FunctionsView implements View {
   /** Makes a change of what is shown and paints it. */
   private change(make: () => void): void {
     make();
-    this.app.store.repaint(() => this.draw(this.app.store.state));
+    this.app.store.repaint(this.showAgain);
   }
 
   private describe(index: number): string {

@@ -26,6 +26,7 @@ export class TimelineView implements View {
   private selection: Selection | null = null;
   private rows: TimeRow[] = [];
   private current = 0;
+  private counted: { readonly question: readonly unknown[]; readonly density: Density } | null = null;
 
   available(state: State): boolean {
     return state.profile !== null;
@@ -114,7 +115,7 @@ export class TimelineView implements View {
     if (rows.length === 0) return;
     const { start, end } = shownExtent(state);
     const columns = Math.round(axisWidth(this.host) * scale);
-    const counted = density(selection, rows, start, end, columns);
+    const counted = this.count(selection, rows, first, start, end, columns);
     const band = Math.round((rowHeight - 2) * scale);
     rows.forEach((row, index) => {
       const y = (first + index) * rowHeight - top;
@@ -123,6 +124,16 @@ export class TimelineView implements View {
     });
     this.drawLabels(context, rows, first, top, dark);
   };
+
+  /** Returns the samples of each pixel, which many repaints have in common. */
+  private count(selection: Selection, rows: readonly TimeRow[], ...place: readonly [number, number, number, number]): Density {
+    const question = [selection, rows.length, ...place];
+    if (this.counted === null || question.some((part, index) => part !== this.counted!.question[index])) {
+      const [, start, end, columns] = place;
+      this.counted = { question, density: density(selection, rows, start, end, columns) };
+    }
+    return this.counted.density;
+  }
 
   /** Returns the picture of a row: grey for all samples of a pixel, coloured for the selected ones. */
   private drawRow({ all, selected, columns }: Density, row: number, { kind }: TimeRow, band: number, dark: boolean, scale: number): ImageData {

@@ -36,3 +36,10 @@ export interface View {
   svg?(): string;
   canvas?(): HTMLCanvasElement;
 }
+
+/** What decides which samples a profile view counts and how it marks them. */
+const ofSamples: readonly (keyof State)[] = ['profile', 'filter', 'search'];
+
+/** Returns whether a view of samples has anything new to show; `more` is what it depends on besides. */
+export const samplesChanged = (changed: ReadonlySet<keyof State>, ...more: readonly (keyof State)[]): boolean =>
+  [...ofSamples, ...more].some((key) => changed.has(key));

@@ -7,8 +7,10 @@ import { isDark, shortName } from './dom';
 import type { FlameLook } from './FlamePane';
 import { kindNames, noPlace, placeColours } from './placeColours';
 
+const grouped = new Intl.NumberFormat('en', { maximumFractionDigits: 0 });
+
 /** Returns a number of samples, in groups of three digits. */
-export const formatCount = (count: number): string => Math.round(count).toLocaleString('en');
+export const formatCount = (count: number): string => grouped.format(count);
 
 /** Returns samples and their share, such as `1,234 (12.3%)`. */
 export const formatPart = (count: number, whole: number): string =>
