@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zelkit {
 
@@ -11,6 +12,9 @@ class InputFile {
  public:
   /// Throws std::runtime_error with "FILE: reason".
   explicit InputFile(const std::string& path);
+  /// Takes bytes that are in memory already; the path is for messages.
+  InputFile(std::string path, std::string bytes)
+      : _path(std::move(path)), _copy(std::move(bytes)), _bytes(_copy) {}
   ~InputFile();
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;

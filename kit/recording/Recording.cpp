@@ -22,13 +22,22 @@ FileHeader readHeader(const InputFile& file) {
 }  // namespace
 
 Recording::Recording(const std::string& path) : _file(path), _header(readHeader(_file)) {
+  describe();
+}
+
+Recording::Recording(std::string path, std::string bytes)
+    : _file(std::move(path), std::move(bytes)), _header(readHeader(_file)) {
+  describe();
+}
+
+void Recording::describe() {
   if (!_header.damage.empty()) note(_header.damage);
   readAttributes();
   readFeatures();
   const bool tellsAllAhead = !_header.pipe && !_info.android() && !_header.features.empty();
   if (!tellsAllAhead) readOwnRecords();
   _info.nameEvents(_header.eventTypes.of(_file.bytes()));
-  if (_info.events.empty()) throw std::runtime_error(path + ": it describes no event");
+  if (_info.events.empty()) throw std::runtime_error(_file.path() + ": it describes no event");
 }
 
 void Recording::note(const std::string& damage) {

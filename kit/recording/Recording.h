@@ -24,6 +24,8 @@ class Recording {
   /// Opens the file and reads what it says about itself. Throws std::runtime_error with "FILE: reason" for
   /// what is no recording; what is damaged gives what came before the damage.
   explicit Recording(const std::string& path);
+  /// The same of bytes in memory; the path is for messages.
+  Recording(std::string path, std::string bytes);
 
   [[nodiscard]] const std::string& path() const { return _file.path(); }
   [[nodiscard]] std::uint64_t size() const { return _file.bytes().size(); }
@@ -41,6 +43,7 @@ class Recording {
   void walk(EventSink& sink, const Progress& progress = {});
 
  private:
+  void describe();
   void readAttributes();
   void readFeatures();
   void readOwnRecords();
