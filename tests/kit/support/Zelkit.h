@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+/// How a program ended and what it said.
+struct ProgramRun {
+  int status = -1;
+  std::string said;  ///< on both outputs
+};
+
+/// Runs a command of the shell.
+inline ProgramRun runCommand(const std::string& command) {
+  ProgramRun run;
+  std::FILE* output = popen(("( " + command + " ) 2>&1").c_str(), "r");
+  if (output == nullptr) return run;
+  char block[4096];
+  for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, output)) > 0;)
+    run.said.append(block, count);
+  const int status = pclose(output);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128;
+  return run;
+}
+
+/// Runs zelkit; no cache of the user's own is touched.
+inline ProgramRun runZelkit(const std::string& arguments) {
+  return runCommand("unset HOME XDG_CACHE_HOME DEBUGINFOD_URLS; " ZELKIT_PROGRAM " " + arguments);
+}
