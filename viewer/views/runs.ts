@@ -20,12 +20,13 @@ export function describeRun(tasks: Tasks, run: Run): string[] {
 }
 
 /** Selects a run and the samples that were taken in it. */
-export function selectRun({ store, announce }: App, run: Run): void {
+export function selectRun(app: App, run: Run): void {
+  const { store } = app;
   const { profile, timechart, filter } = store.state;
   const threads = profile?.profile.threads.flatMap(({ tid }, index) => (tid === run.task ? [index] : []));
   store.set({
     filter: { ...filter, start: run.start, end: run.end, threads: threads === undefined ? null : new Set(threads) },
     run,
   });
-  announce(describeRun(timechart!.tasks, run).join('; '));
+  app.announce(describeRun(timechart!.tasks, run).join('; '));
 }

@@ -148,8 +148,9 @@ export function timeGestures(target: HTMLElement, app: App, surface: TimeSurface
     else setBrush(store, { start: Math.min(drag.time, time), end: Math.max(drag.time, time) });
   });
   target.addEventListener('pointerup', (event) => {
-    if (drag !== null && !drag.moved) surface.click(drag.time, yOf(event), event);
+    const clicked = drag !== null && !drag.moved ? drag.time : null;
     drag = null;
+    if (clicked !== null) surface.click(clicked, yOf(event), event);
   });
   target.addEventListener('pointercancel', () => (drag = null));
   target.addEventListener('pointerleave', (event) => surface.hover(null, 0, event));

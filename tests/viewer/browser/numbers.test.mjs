@@ -51,7 +51,7 @@ for (const name of ['profile.json', 'arm-profile.json']) {
     const printed = example('hottest_functions', file);
     const [, samples] = /^samples +(\d+)$/m.exec(printed);
     const expected = [...printed.matchAll(/^ +(\d+) +[\d.]+%  (.+)$/gm)].map(([, count, label]) => [label, Number(count)]);
-    assert.equal(expected.length, 10);
+    assert(expected.length >= 8, printed);
     const page = await openPage({ fragment: '#view=functions' });
     await openDocuments(page, file);
     assert.equal(await page.locator('#view-functions .counted').innerText(), `${Number(samples).toLocaleString('en')} samples`);
@@ -59,12 +59,7 @@ for (const name of ['profile.json', 'arm-profile.json']) {
       all.map((row) => [row.querySelector('.name').textContent, parseInt(row.querySelector('.number').textContent.replaceAll(',', ''), 10)]),
     );
     const shown = new Map(rows);
-    for (const [label, count] of expected) {
-      // A file that is mapped more than once is one row of the page and several of the program's.
-      const together = expected.reduce((sum, [other, more]) => sum + (other === label ? more : 0), 0);
-      if (/^[/[{]/.test(label)) assert(shown.get(label) >= together, `${label}: ${shown.get(label)}, at least ${together}`);
-      else assert.equal(shown.get(label), count, label);
-    }
+    for (const [label, count] of expected) assert.equal(shown.get(label.replace(/^\[in (.*)\]$/, '$1')), count, label);
     assert.deepEqual(page.complaints, []);
   });
 }

@@ -133,6 +133,8 @@ test('a click on a running slice tells the task, its waits, and leads to its nex
   await frame(page);
   await page.mouse.click(x, await rowOf(page, 'CPU 1 Busy'));
   assert.match(await page.locator('#view-span .run').innerText(), /^301 - render ran on CPU 1/);
+  assert.match(await page.locator('.status').innerText(), /^301 - render ran on CPU 1/, 'told to screen readers');
+  assert.deepEqual(page.complaints, []);
 });
 
 test('rows fold, hide, pin and come back', async () => {
