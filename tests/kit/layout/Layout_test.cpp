@@ -171,9 +171,10 @@ TEST(Layout, CountsWhatComesToNothing) {
   choice.payloads = [](const zelkit::Sample&, std::uint16_t&, std::string&) { return false; };
   const Account account = lay(recording, choice).account;
   EXPECT_EQ(account.samplesIn, 5U);
-  EXPECT_EQ(account.samplesLost, (Account::Tally{{"damaged, or of an unknown event", 2},
-                                                 {"of a trace-point that no chart shows: type 2 config 300", 1},
-                                                 {"of another event: task-clock", 1}}));
+  EXPECT_EQ(account.samplesLost,
+            (Account::Tally{{"damaged, or of an unknown event", 2},
+                            {"of a trace-point that no chart shows: type 2 config 300", 1},
+                            {"of another event: task-clock", 1}}));
   EXPECT_EQ(account.recordsLostByKernel, 5U);
   EXPECT_EQ(account.dropped.at("type 14: nothing shows it"), 1U);
 }

@@ -117,7 +117,8 @@ TEST(OldPayloads, ReadWhatCameBeforeADamage) {
   std::size_t found = 0;
   for (std::size_t size = 0; size < whole.size(); ++size) {
     bool damaged = false;
-    found = std::max(found, zelkit::readEventFormats(std::string_view(whole).substr(0, size), damaged).size());
+    found =
+        std::max(found, zelkit::readEventFormats(std::string_view(whole).substr(0, size), damaged).size());
     EXPECT_TRUE(damaged) << size;
   }
   EXPECT_EQ(found, 1U);
