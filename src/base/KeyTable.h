@@ -49,7 +49,7 @@ class KeyTable {
   /// Returns the slot that has the key, or else the free one that it would take.
   std::size_t indexOf(std::uint64_t key) const {
     const std::size_t mask = _slots.size() - 1;
-    std::size_t index = _hash(key / (kNearBits + 1)) * (kNearBits + 1) + (key & kNearBits);
+    auto index = static_cast<std::size_t>(_hash(key / (kNearBits + 1)) * (kNearBits + 1) + (key & kNearBits));
     while (_slots[index & mask].value != nullptr && _slots[index & mask].key != key) ++index;
     return index & mask;
   }
