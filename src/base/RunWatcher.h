@@ -14,8 +14,8 @@ class RunWatcher {
   /// The symbols of a file that a map names are wanted for the first time.
   virtual void symbolsWanted(const char* file) = 0;
 
-  /// nm runs over the file, and what it lists will come out of the descriptor.
-  virtual void nmStarted(const char* path, int list) = 0;
+  /// The run waits for nm, which is at work over the file; told again and again.
+  virtual void nmAwaited(const char* path) = 0;
   /// nm could not be run, for the reason that errno names.
   virtual void nmNotStarted(int error) = 0;
   /// So many symbols came of a file over which nm was to run.

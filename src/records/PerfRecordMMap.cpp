@@ -168,6 +168,7 @@ void PerfRecordMMap::link(SymbolTableElement& symbol) const {
 
 /// Finds and links the symbol at the address; null if there is none.
 SymbolTableElement* PerfRecordMMap::linkSymbolAt(unsigned long long address) const {
+  SymbolTable::await(_symbolsTicket);
   SymbolTableElement* symbol = _symbols != nullptr ? _symbols->findElement(address - _symbolBase) : nullptr;
   if (symbol != nullptr) link(*symbol);
   return symbol;
@@ -256,7 +257,7 @@ void PerfRecordMMap::findMissingProcessRefs() {
 }
 
 void PerfRecordMMap::findMoreSymbols(const char* name) {
-  if (name != nullptr) _symbols = SymbolTable::findAndRead(name);
+  if (name != nullptr) _symbolsTicket = SymbolTable::request(name, _symbols);
 }
 
 void PerfRecordMMap::setName(std::string_view name) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -118,4 +119,5 @@ class PerfRecordMMap : public PerfRecord {
   unsigned int _useCount = 0;  ///< references from samples; a map without any is not written
   PerfRecordComm* _processRecord = nullptr;
   SymbolTable* _symbols = nullptr;
+  std::uint32_t _symbolsTicket = 0;  ///< to be awaited before the symbols are used
 };

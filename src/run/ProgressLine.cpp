@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -26,15 +27,14 @@ int ProgressLine::due() const {
 void ProgressLine::show(const std::string& text) {
   // A line that fills the last column would go on in the next.
   std::string line = text.substr(0, terminalWidth() - 1);
-  const std::size_t length = line.size();
-  if (length < _shown) line.append(_shown - length, ' ');
-  std::fprintf(stderr, "\r%s", line.c_str());
-  _shown = length;
+  if (line == _shown) return;
+  std::fprintf(stderr, "\r%-*s", static_cast<int>(_shown.size()), line.c_str());
+  _shown = std::move(line);
   _next = Clock::now() + kBetween;
 }
 
 void ProgressLine::clear() {
   // Blanks, as not every terminal knows a command for it.
-  if (_shown > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(_shown), "");
-  _shown = 0;
+  if (!_shown.empty()) std::fprintf(stderr, "\r%*s\r", static_cast<int>(_shown.size()), "");
+  _shown.clear();
 }

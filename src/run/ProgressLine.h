@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <string>
 
 /// One line on the terminal of standard error that is written over again and again, and leaves nothing
@@ -11,7 +10,7 @@ class ProgressLine {
   /// Milliseconds until the line may be shown, or be shown anew; 0 if it may be now.
   int due() const;
 
-  /// Shows the text now, cut to the width of the terminal.
+  /// Shows the text now, cut to the width of the terminal, unless it is there already.
   void show(const std::string& text);
 
   /// Takes the line away. Other lines must not come before that.
@@ -21,5 +20,5 @@ class ProgressLine {
   using Clock = std::chrono::steady_clock;
 
   Clock::time_point _next = Clock::now() + std::chrono::milliseconds(500);
-  std::size_t _shown = 0;  ///< characters on the terminal
+  std::string _shown;  ///< what is on the terminal
 };

@@ -1,6 +1,5 @@
 #include "run/TerminalReport.h"
 
-#include <poll.h>
 #include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -235,11 +234,8 @@ void TerminalReport::symbolsWanted(const char* file) {
   if (!mappedFile(file).empty()) ++_filesWanted;
 }
 
-void TerminalReport::nmStarted(const char* path, int list) {
-  pollfd awaited{list, POLLIN, 0};
-  // A list that comes at once needs no word.
-  if (const int due = _line.due(); due > 0 && poll(&awaited, 1, due) != 0) return;
-  _line.show(progress(path));
+void TerminalReport::nmAwaited(const char* path) {
+  if (_line.due() == 0) _line.show(progress(path));
 }
 
 void TerminalReport::nmNotStarted(int error) {

@@ -50,7 +50,7 @@ class TerminalReport : public RunWatcher {
 
   void recordingRead(unsigned long long offset) override;
   void symbolsWanted(const char* file) override;
-  void nmStarted(const char* path, int list) override;
+  void nmAwaited(const char* path) override;
   void nmNotStarted(int error) override;
   void symbolsRead(const char* path, std::size_t count) override;
 

@@ -83,7 +83,6 @@ class RecordingFile : public RecordSource {
     while (_reader.status() && !gDoneProcessing)
       if (PerfRecord* record = PerfFactory::readNext(_reader); record != nullptr && !record->isKept())
         delete record;
-    _report.stopWatching();
   }
 
   void close() override { _reader.close(); }
@@ -117,6 +116,7 @@ void writeProfileDocument(PerfJSONWriter& writer, TerminalReport& report) {
   writeDescription(writer, std::getenv("CHIP"));
   // Ahead of all sections: it may still make maps and symbols.
   PerfRecordSample::verifyKeys();
+  report.stopWatching();
   report.countSamples();
   PerfRecordComm::outAll(writer);
   PerfRecordMMap::outAll(writer);
@@ -153,6 +153,7 @@ int convert(int argc, char** argv, RecordSource& records, TerminalReport& report
   report.tellUnwritable(writer->error());
   records.walk();
   if (gTimechartMode) {
+    report.stopWatching();
     writeTimechartDocument(*writer);
   } else {
     writeProfileDocument(*writer, report);

@@ -2,21 +2,21 @@
 // prints.
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <optional>
+#include <memory>
 
 #include "base/MachineFiles.h"
 #include "base/RunWatcher.h"
 #include "run/KernelLog.h"
 #include "run/Settings.h"
+#include "symbols/NmQueue.h"
+#include "symbols/PendingTables.h"
 #include "symbols/SymbolListReader.h"
 #include "symbols/SymbolTable.h"
 
@@ -28,54 +28,6 @@ constexpr const char* kNoDirectory = " ";
 constexpr std::size_t kFewestUsefulSymbols = 2;
 constexpr std::size_t kReadAhead = std::size_t{64} * 1024;
 
-/// One run of nm over a file, and what it prints. Mangled names are demangled, only external symbols are
-/// listed, and they come in numeric order. No shell sees the file's name, and the list passes through a pipe:
-/// nobody can read a command into the one or put a file of his own in the place of the other.
-class NmRun {
- public:
-  explicit NmRun(const char* path) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) return;
-    const char* const argv[] = {"nm", "-nCg", path, nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    // Who watches is told what came of it, and does not want nm's own words in between, one line a library.
-    const bool isSilent = RunWatcher::_current != nullptr && gVerbosity == 0;
-    const int silence = isSilent ? ::open("/dev/null", O_WRONLY | O_CLOEXEC) : -1;
-    if (silence >= 0) posix_spawn_file_actions_adddup2(&actions, silence, STDERR_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    const int error =
-        posix_spawnp(&_process, "nm", &actions, nullptr, const_cast<char* const*>(argv), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    if (silence >= 0) ::close(silence);
-    _list = fdopen(ends[0], "r");
-    if (RunWatcher* const watcher = RunWatcher::_current; watcher != nullptr)
-      error == 0 ? watcher->nmStarted(path, ends[0]) : watcher->nmNotStarted(error);
-    if (error == 0) return;
-    _process = 0;
-    if (gVerbosity > 0) std::fprintf(stderr, "nm: %s\n", std::strerror(error));
-  }
-  ~NmRun() {
-    if (_list != nullptr) std::fclose(_list);
-    if (_process > 0) waitpid(_process, nullptr, 0);
-  }
-  NmRun(const NmRun&) = delete;
-  NmRun& operator=(const NmRun&) = delete;
-
-  /// Waits until nm begins its list or ends. As it sorts, it has said by then what it has to say of the file.
-  void await() const {
-    if (_list != nullptr) std::ungetc(std::fgetc(_list), _list);
-  }
-
-  /// Null if there is none. A failure of nm leaves the list empty, and the search goes on elsewhere.
-  std::FILE* list() const { return _list; }
-
- private:
-  pid_t _process = 0;
-  std::FILE* _list = nullptr;
-};
-
 bool isRegular(const char* path) {
   struct stat status {};
   return stat(path, &status) == 0 && S_ISREG(status.st_mode);
@@ -86,6 +38,38 @@ bool isSpecial(const char* path) {
   struct stat status {};
   return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) &&
          !S_ISSOCK(status.st_mode);
+}
+
+/// What a verbose run prints and what -m writes tell the order of things, so then nothing is done ahead of
+/// time.
+bool isOrderShown() {
+  return gVerbosity > 0 || gShowMarkers;
+}
+
+std::size_t processorCount() {
+  return static_cast<std::size_t>(std::max(1L, ::sysconf(_SC_NPROCESSORS_ONLN)));
+}
+
+NmQueue nmQueue(processorCount());
+PendingTables pendingTables;
+
+/// Returns the rest of a file's search, place by place.
+NmQueue::NextFile searchAfter(const std::string& name, int place) {
+  return [name, place]() mutable {
+    ++place;
+    return SymbolTable::findPathForFile(name, place);
+  };
+}
+
+/// Passes on what nm has said, or that it could not be started.
+void tellOfNm(const NmRun& nm) {
+  RunWatcher* const watcher = RunWatcher::_current;
+  if (nm.error() != 0) {
+    if (watcher != nullptr) watcher->nmNotStarted(nm.error());
+    if (gVerbosity > 0) std::fprintf(stderr, "nm: %s\n", std::strerror(nm.error()));
+  }
+  // Who watches is told what came of it, and does not want nm's own words in between, one line a library.
+  if (watcher == nullptr || gVerbosity > 0) nm.repeatComplaints();
 }
 
 }  // namespace
@@ -139,47 +123,84 @@ std::string SymbolTable::findPathForFile(const std::string& name, int& index) {
 SymbolTable* SymbolTable::generateAndRead(const char* path) {
   if (gVerbosity > 0) std::printf("SymbolTable:generateAndRead %s\n", path);
   writeMarker(path);
-  std::optional<NmRun> nm;
-  if (isRegular(path)) nm.emplace(path).await();
+  std::unique_ptr<NmRun> nm;
+  if (isRegular(path)) {
+    nm = nmQueue.take(path);
+    tellOfNm(*nm);
+  }
   // After nm, so that the lines of a verbose run come after nm's own.
   auto* table = new SymbolTable(path, 0, 0);
-  if (nm && nm->list() != nullptr) table->read(nm->list(), false);
-  if (nm && RunWatcher::_current != nullptr)
+  if (nm != nullptr && nm->list() != nullptr) table->read(nm->list(), false);
+  if (nm != nullptr && RunWatcher::_current != nullptr)
     RunWatcher::_current->symbolsRead(path, table->elements().size());
   return table->elements().size() < kFewestUsefulSymbols ? nullptr : table;
 }
 
-SymbolTable* SymbolTable::findAndRead(const char* name) {
-  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", name);
-  if (SymbolTable* table = findExistingSymbolTable(name); table != nullptr) {
-    if (gVerbosity > 0) std::printf("SymTab path found %s\n", name);
-    return table;
-  }
-  if (gMachineFiles.addSymbols) {
-    auto* table = new SymbolTable(name, 0, 0);
-    gMachineFiles.addSymbols(name, *table);
-    return table;
-  }
-  std::string baseName;
-  stripPath(name, baseName);
-  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", baseName.c_str());
-  if (SymbolTable* table = findExistingSymbolTable(baseName); table != nullptr) {
-    if (gVerbosity > 0) std::printf("SymTab file found %s\n", baseName.c_str());
-    return table;
-  }
-
-  if (RunWatcher::_current != nullptr) RunWatcher::_current->symbolsWanted(name);
-  int index = 0;
-  std::string path = findPathForFile(name, index);
-  if (path.empty()) return emptyTable(name);
+SymbolTable* SymbolTable::readAlong(const std::string& name, int place, std::string path) {
   while (true) {
     if (gVerbosity > 0) std::printf("SymbolTable:findAndRead %s\n", path.c_str());
     SymbolTable* table = generateAndRead(path.c_str());
-    if (table != nullptr || static_cast<std::size_t>(index) >= _paths.size()) return table;
-    ++index;
-    path = findPathForFile(name, index);
+    if (table != nullptr || static_cast<std::size_t>(place) >= _paths.size()) return table;
+    ++place;
+    path = findPathForFile(name, place);
     if (path.empty()) return nullptr;
   }
+}
+
+SymbolTable* SymbolTable::findKnown(const std::string& name) {
+  if (SymbolTable* table = findExistingSymbolTable(name); table != nullptr) return table;
+  std::string baseName;
+  stripPath(name, baseName);
+  return findExistingSymbolTable(baseName);
+}
+
+SymbolTable* SymbolTable::findAndRead(const char* name) {
+  SymbolTable* table = nullptr;
+  await(request(name, table));
+  return table;
+}
+
+SymbolTable::Ticket SymbolTable::request(const char* name, SymbolTable*& result) {
+  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", name);
+  if (result = findExistingSymbolTable(name); result != nullptr) {
+    if (gVerbosity > 0) std::printf("SymTab path found %s\n", name);
+    return 0;
+  }
+  if (gMachineFiles.addSymbols) {
+    result = new SymbolTable(name, 0, 0);
+    gMachineFiles.addSymbols(name, *result);
+    return 0;
+  }
+  if (const Ticket shared = pendingTables.share(name, name, &result); shared != 0) return shared;
+  std::string baseName;
+  stripPath(name, baseName);
+  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", baseName.c_str());
+  if (result = findExistingSymbolTable(baseName); result != nullptr) {
+    if (gVerbosity > 0) std::printf("SymTab file found %s\n", baseName.c_str());
+    return 0;
+  }
+  if (const Ticket shared = pendingTables.share(name, baseName, &result); shared != 0) return shared;
+  return requestFile(name, result);
+}
+
+SymbolTable::Ticket SymbolTable::requestFile(const char* name, SymbolTable*& result) {
+  if (RunWatcher::_current != nullptr) RunWatcher::_current->symbolsWanted(name);
+  int place = 0;
+  const std::string path = findPathForFile(name, place);
+  if (path.empty()) {
+    result = emptyTable(name);
+    return 0;
+  }
+  const Ticket ticket = pendingTables.add(name, place, path, &result);
+  if (isOrderShown())
+    await(ticket);
+  else if (isRegular(path.c_str()))
+    nmQueue.expect(path, searchAfter(name, place));
+  return ticket;
+}
+
+void SymbolTable::await(Ticket ticket) {
+  pendingTables.load(ticket);
 }
 
 int SymbolTable::readFromFile(const char* path) {

@@ -8,6 +8,7 @@
 
 #include "base/PerfFoundation.h"
 #include "symbols/NameStore.h"
+#include "symbols/PendingTables.h"
 #include "symbols/SymbolTableElement.h"
 
 class FileNames;
@@ -83,6 +84,20 @@ class SymbolTable : public PerfFoundation {
   /// nothing is searched twice.
   static SymbolTable* findAndRead(const char* name);
 
+  /// Stands for a table whose list nm is still making; 0 for one that is there.
+  using Ticket = PendingTables::Ticket;
+  /// The same without waiting for nm: sets `result` at once, or at the latest when the ticket is awaited. The
+  /// result must stay where it is until then.
+  static Ticket request(const char* name, SymbolTable*& result);
+  /// Waits for the table, and loads those that were asked for before it.
+  static void await(Ticket ticket);
+
+  /// Reads the file at that place of the search path, or, while that gives too few symbols, those after it.
+  /// Returns null if none does.
+  static SymbolTable* readAlong(const std::string& name, int place, std::string path);
+  /// Returns the table known under the name or its base name, or null.
+  static SymbolTable* findKnown(const std::string& name);
+
   /// Runs nm over an existing file, if that is a regular one. Null if that gives fewer than two symbols.
   static SymbolTable* generateAndRead(const char* path);
 
@@ -126,6 +141,7 @@ class SymbolTable : public PerfFoundation {
 
   void enter(const char* name);
   void enterWithBaseName(const char* name);
+  static Ticket requestFile(const char* name, SymbolTable*& result);
   static SymbolTable* emptyTable(const char* name);
   void read(std::FILE* list, bool kernel);
 

@@ -262,9 +262,9 @@ TEST_F(TerminalReports, SumUpWhatWasLost) {
 
 TEST_F(TerminalReports, CollectWhatNmComplainsOf) {
   const std::string summary =
-      std::string("zelconv: perf.data: 2 samples kept (100.0 % without a function name)") + kNothingLost;
+      std::string("zelconv: perf.data: 3 samples kept (100.0 % without a function name)") + kNothingLost;
   RecordingBuilder recording = profileOfTwo();
-  recording.mmap(7, 7, 0x20000, 0x1000, "/lib/bare.so");
+  recording.mmap(7, 7, 0x20000, 0x1000, "/lib/bare.so").sample({0x20010, 7, 7, 2500});
   _conversion.library("/lib/bare.so", "");
   _conversion.write("bin/nm", "#!/bin/sh\necho nm: $2: no symbols >&2\n");
   _conversion.write("perf.data", recording.build());
@@ -290,6 +290,7 @@ TEST_F(TerminalReports, ProgressAppearsInALongRunAndGoes) {
   RecordingBuilder recording = profileOfTwo();
   recording.mmap(7, 7, 0x20000, 0x1000, "/lib/missing.so").mmap(7, 7, 0x30000, 0x1000, "/lib/slow.so");
   _conversion.library("/lib/slow.so", "");
+  recording.sample({0x30010, 7, 7, 2500, 0, {0x30010, 0x30020, 0x10010}});
   for (int i = 0; i < 10000; ++i) recording.sample({0x10010, 7, 7, 3000});
   _conversion.write("bin/nm", "#!/bin/sh\ncase $2 in *slow*) sleep 1;; esac\n");
   _conversion.write("perf.data", recording.build());
