@@ -9,9 +9,9 @@ import { gzipSync } from 'node:zlib';
 const room = dirname(fileURLToPath(import.meta.url));
 const [output, ...documents] = process.argv.slice(2);
 
-function bundle(entry, ...options) {
+function bundle(entry) {
   const command = [join(room, entry), '--bundle', '--minify', '--format=iife', '--target=es2022', '--charset=utf8'];
-  return execFileSync('esbuild', [...command, '--log-level=warning', ...options], { encoding: 'utf8' }).trim();
+  return execFileSync('esbuild', [...command, '--log-level=warning'], { encoding: 'utf8' }).trim();
 }
 
 const hash = (text) => `sha256-${createHash('sha256').update(text).digest('base64')}`;
@@ -19,8 +19,7 @@ const hash = (text) => `sha256-${createHash('sha256').update(text).digest('base6
 // The script element ends at the first of these, wherever it stands.
 const closed = (script) => script.replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
 
-const worker = bundle('document/worker.ts');
-const script = closed(bundle('page/main.ts', `--define:WORKER_SOURCE=${JSON.stringify(worker)}`));
+const script = closed(bundle('page/main.ts'));
 const style = bundle('page/page.css');
 const parts = { SCRIPT: script, STYLE: style, SCRIPT_HASH: hash(script), STYLE_HASH: hash(style) };
 const page = readFileSync(join(room, 'page/page.html'), 'utf8').replace(/@([A-Z_]+)@/g, (_, part) => parts[part]);

@@ -27,7 +27,7 @@ export class LayoutFile {
 
   /** Returns the contents of a layout file; fails on a text that is none. */
   static parse(text: string): LayoutFile {
-    const file = JSON.parse(text) as { depth?: unknown; mappings?: unknown };
+    const file = JSON.parse(text) as Record<string, unknown>;
     if (!Array.isArray(file.mappings)) throw new Error('it has no mappings');
     const mappings = file.mappings.map((entry: Record<string, unknown>) => ({
       pid: Number(entry.pid),

@@ -1,4 +1,4 @@
-/** The Worker's entry: reads one document and posts it. */
+/** The Worker's side: reads one document and posts it. */
 
 import { DocumentError } from './damage';
 import { DocumentReading } from './readDocument';
@@ -67,12 +67,15 @@ function buffersOf(document: ZelDocument): ArrayBuffer[] {
   return [...buffers] as ArrayBuffer[];
 }
 
-onmessage = (event: MessageEvent<ToWorker>) => {
-  const message = event.data;
-  if (message.type === 'cancel') cancelled = true;
-  else {
-    read(message.source, message.layout).catch((error: unknown) =>
-      post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
-    );
-  }
-};
+/** Reads the document that the page asks for. */
+export function serve(): void {
+  onmessage = (event: MessageEvent<ToWorker>) => {
+    const message = event.data;
+    if (message.type === 'cancel') cancelled = true;
+    else {
+      read(message.source, message.layout).catch((error: unknown) =>
+        post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
+      );
+    }
+  };
+}

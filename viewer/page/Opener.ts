@@ -3,20 +3,23 @@ import { ProfileModel } from '../model/ProfileModel';
 import { TimechartModel } from '../model/TimechartModel';
 import type { Reading, Store } from '../views/store';
 
-/** The Worker's program, which the build puts here. */
-declare const WORKER_SOURCE: string;
-
 /** Reads documents in Workers and puts what comes of them into the store. */
 export class Opener {
   private readonly workers = new Map<number, Worker>();
-  private readonly url = URL.createObjectURL(new Blob([WORKER_SOURCE], { type: 'text/javascript' }));
+  private readonly url: string;
   private nextId = 1;
   /** The readings whose documents are shown, the latest first. */
   private readonly shown: Record<ZelDocument['kind'], number[]> = { profile: [], timechart: [] };
   /** The reading of the state's profile. */
   private latest = 0;
 
-  constructor(private readonly store: Store) {}
+  /** `script` is what the Workers run. */
+  constructor(
+    private readonly store: Store,
+    script: string,
+  ) {
+    this.url = URL.createObjectURL(new Blob([script], { type: 'text/javascript' }));
+  }
 
   /** Opens what was dropped or chosen together; a `.layout.json` belongs to the document of that name. */
   openFiles(files: Iterable<File>): void {

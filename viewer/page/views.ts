@@ -11,7 +11,8 @@ import { SpanView } from '../views/SpanView';
 import { TimelineView } from '../views/TimelineView';
 import type { View } from '../views/View';
 
-export const views: readonly View[] = [
+/** Returns the views of the page; a Worker, which runs the same script, has no use for them. */
+export const makeViews = (): readonly View[] => [
   new RulerView(),
   new TimelineView(),
   new LanesView(),
