@@ -31,5 +31,6 @@ const held = documents.map((path) => {
 });
 
 mkdirSync(dirname(output), { recursive: true });
-writeFileSync(output, page.replace('<!--documents-->', () => held.join('')));
+// The mark stays: whoever puts further documents into the page finds it.
+writeFileSync(output, page.replace('<!--documents-->', (mark) => held.join('') + mark));
 console.log(`${output}: ${Buffer.byteLength(page)} bytes, ${gzipSync(page, { level: 9 }).length} compressed`);
