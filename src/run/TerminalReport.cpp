@@ -276,11 +276,12 @@ void TerminalReport::tellPassedOver() {
   std::vector<std::string> counts;
   for (std::uint32_t type = 0; type < RecordLosses::kTypes; ++type)
     if (losses.passedOver[type] != 0)
-      counts.push_back(std::to_string(losses.passedOver[type]) + " " + std::string(recordTypeName(type)));
+      counts.push_back(std::to_string(losses.passedOver[type]).append(" ").append(recordTypeName(type)));
   if (!counts.empty()) sayOfRecording("records passed over: " + listed(counts, RecordLosses::kTypes));
   if (losses.longRecords == 0) return;
   std::string text = counted(losses.longRecords, "record") + " of more than 256 bytes lost";
-  if (losses.longSamples > 0) text += ", " + std::to_string(losses.longSamples) + " of them SAMPLE";
+  if (losses.longSamples > 0)
+    text.append(", ").append(std::to_string(losses.longSamples)).append(" of them SAMPLE");
   if (losses.longSamples > 0 && !gTimechartMode) text += " (no back-trace of more than 25 fits)";
   sayOfRecording(text);
 }
