@@ -1,6 +1,7 @@
 #include "symbols/SymbolLists.h"
 
 #include <sys/stat.h>
+#include <zlib.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -32,6 +33,12 @@ std::string cacheName(const FoundFile& file) {
   return name;
 }
 
+std::string cacheName(std::string_view text) {
+  const auto* bytes = reinterpret_cast<const Bytef*>(text.data());
+  return "text-" + std::to_string(text.size()) + '-' + std::to_string(crc32_z(0, bytes, text.size())) + '-' +
+         std::to_string(adler32_z(1, bytes, text.size()));
+}
+
 }  // namespace
 
 SymbolLists::SymbolLists(std::string cacheFolder, std::uint64_t cacheLimit)
@@ -43,17 +50,23 @@ SymbolLists::~SymbolLists() {
 
 std::shared_ptr<const SymbolList> SymbolLists::listOf(const FoundFile& file) {
   std::shared_ptr<const SymbolList>& list = _lists[{file.path, file.debugPath}];
-  if (list == nullptr) list = obtain(file);
+  if (list == nullptr)
+    list = obtain(cacheName(file), [&] { return readElfSymbols(file.path, file.debugPath); });
   return list;
 }
 
-std::shared_ptr<const SymbolList> SymbolLists::obtain(const FoundFile& file) {
-  const std::string name = cacheName(file);
+std::shared_ptr<const SymbolList> SymbolLists::listOfText(std::string_view text,
+                                                          SymbolList (*make)(std::string_view)) {
+  return obtain(cacheName(text), [&] { return make(text); });
+}
+
+std::shared_ptr<const SymbolList> SymbolLists::obtain(const std::string& name,
+                                                      const std::function<SymbolList()>& make) {
   if (std::optional<SymbolList> kept = _cache.load(name)) {
     ++_cached;
     return std::make_shared<SymbolList>(std::move(*kept));
   }
-  auto list = std::make_shared<SymbolList>(readElfSymbols(file.path, file.debugPath));
+  auto list = std::make_shared<SymbolList>(make());
   ++_made;
   if (!_cache.store(name, *list)) ++_notKept;
   return list;

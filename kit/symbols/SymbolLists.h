@@ -4,9 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "symbols/ListCache.h"
@@ -16,8 +18,8 @@
 namespace zelkit {
 
 /// Symbol lists by file, each read once a run and kept between runs in a folder of at most `cacheLimit`
-/// bytes. A list is known there by the build-id and the sizes of the files that it was made from, or by
-/// device, inode and time of change where there is no build-id.
+/// bytes. A list is known there by the build-id and the sizes of the files that it was made from, by device,
+/// inode and time of change where there is no build-id, or by size and checksums of a text.
 class SymbolLists {
  public:
   static constexpr std::uint64_t kCacheLimit = std::uint64_t{512} << 20;
@@ -34,6 +36,9 @@ class SymbolLists {
   /// Throws std::runtime_error with "FILE: reason" if the file cannot be read.
   std::shared_ptr<const SymbolList> listOf(const FoundFile& file);
 
+  /// Returns the list that `make` makes of a text, such as a kernel's table; it is made once for each text.
+  std::shared_ptr<const SymbolList> listOfText(std::string_view text, SymbolList (*make)(std::string_view));
+
   /// Returns "$XDG_CACHE_HOME/zelkit", or "$HOME/.cache/zelkit", or "" if neither is set.
   static std::string defaultCacheFolder();
 
@@ -43,7 +48,7 @@ class SymbolLists {
   [[nodiscard]] std::size_t notKept() const { return _notKept; }
 
  private:
-  std::shared_ptr<const SymbolList> obtain(const FoundFile& file);
+  std::shared_ptr<const SymbolList> obtain(const std::string& name, const std::function<SymbolList()>& make);
 
   ListCache _cache;
   std::map<std::pair<std::string, std::string>, std::shared_ptr<const SymbolList>> _lists;

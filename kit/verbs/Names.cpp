@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
+#include "symbols/CheckedFile.h"
 #include "symbols/FileNames.h"
 #include "symbols/JitMap.h"
 #include "symbols/SymbolTable.h"
@@ -59,21 +59,22 @@ Names::Names(Source& source, const std::vector<std::string>& folders)
 
 const SymbolList& Names::kernel() {
   if (!_kernelRead) readKernel();
-  return _kernel;
+  return *_kernel;
 }
 
 void Names::readKernel() {
   _kernelRead = true;
   const RecordingInfo& info = _source.recording().info();
   if (const std::string& path = _source.machine().kernelSymbols; !path.empty()) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) _notes.push_back(path + ": cannot be read");
-    _kernel = readKernelTable(text);
+    try {
+      _kernel = _lists.listOfText(readWhole(path), readKernelTable);
+    } catch (const std::runtime_error& error) {
+      _notes.emplace_back(error.what());
+    }
   } else if (!info.kernelTable.empty()) {
-    _kernel = readKernelTable(info.kernelTable);
+    _kernel = _lists.listOfText(info.kernelTable, readKernelTable);
   } else if (const RecordedFile* file = recordedFile(RecordingInfo::kKernel); file != nullptr) {
-    _kernel = listOf(*file);
+    _kernel = std::make_shared<SymbolList>(listOf(*file));
   }
 }
 

@@ -61,7 +61,7 @@ class Names : public FileKnowledge {
   std::map<std::string, const RecordedFile*> _recorded;  ///< by path
   std::map<std::string, Listed> _listed;                 ///< by name in the records
   std::unique_ptr<TemporaryFolder> _folder;              ///< for files that lie in memory only
-  SymbolList _kernel;
+  std::shared_ptr<const SymbolList> _kernel = std::make_shared<SymbolList>();
   bool _kernelRead = false;
   std::vector<std::string> _notes;
 };

@@ -70,6 +70,20 @@ TEST(SymbolLists, TellCopiesOfABuildApart) {
   EXPECT_EQ(filesIn(cache), 5u);
 }
 
+TEST(SymbolLists, KnowATextAgain) {
+  const ElfWorkshop workshop;
+  const auto make = [](std::string_view text) {
+    SymbolListBuilder builder;
+    builder.add({1, 1, text});
+    return builder.build();
+  };
+  for (const char* text : {"one", "two", "one"}) {
+    SymbolLists lists(workshop.path("cache"));
+    EXPECT_EQ((*lists.listOfText(text, make))[0].name, text);
+  }
+  EXPECT_EQ(filesIn(workshop.path("cache")), 2u);
+}
+
 TEST(SymbolLists, DoWithoutACacheThatCannotBeWritten) {
   const ElfWorkshop workshop;
   workshop.write("file", "");
