@@ -8,6 +8,7 @@ export class ProfileModel {
   readonly start: number;
   readonly end: number;
   private latest: Selection | null = null;
+  private latestOfAllTime: Selection | null = null;
   private readonly made = new Map<string, Grouping>();
   private texted: Filter = everything;
   private searched: { readonly text: string; readonly matches: Uint8Array } | null = null;
@@ -22,6 +23,15 @@ export class ProfileModel {
   selection(filter: Filter): Selection {
     if (this.latest?.filter !== filter) this.latest = new Selection(this.profile, filter);
     return this.latest;
+  }
+
+  /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
+  selectionOfAllTime({ cores, threads, text, slices }: Filter): Selection {
+    const known = this.latestOfAllTime?.filter;
+    if (known?.cores !== cores || known.threads !== threads || known.text !== text || known.slices !== slices) {
+      this.latestOfAllTime = new Selection(this.profile, { ...everything, cores, threads, text, slices });
+    }
+    return this.latestOfAllTime!;
   }
 
   /** Returns the filter that has this text only. */

@@ -18,8 +18,6 @@ export class Selection implements Tree {
   constructor(
     readonly profile: Profile,
     readonly filter: Filter,
-    /** Memory for the totals, which a selection that nobody uses any more can hand on. */
-    totals = new Uint32Array(profile.stacks.count),
   ) {
     const { stacks } = profile;
     this.places = stacks.places;
@@ -31,9 +29,9 @@ export class Selection implements Tree {
     if (isEverything(filter)) {
       this.totals = stacks.totals;
     } else {
-      this.totals = totals.fill(0);
-      this.countSamples(totals);
-      sumUp(stacks, totals);
+      this.totals = new Uint32Array(stacks.count);
+      this.countSamples(this.totals);
+      sumUp(stacks, this.totals);
     }
     this.count = this.totals[0] ?? 0;
   }

@@ -14,6 +14,7 @@ export class ProfileBar {
   private readonly found = element('span', { class: 'quiet' });
   private readonly clear: HTMLButtonElement;
   private readonly text: HTMLInputElement;
+  private darkLegend: boolean | null = null;
   private readonly legend = element('span', { class: 'legend' });
 
   constructor(host: HTMLElement, app: App, ...controls: readonly Node[]) {
@@ -51,6 +52,8 @@ export class ProfileBar {
 
   private drawLegend(): void {
     const dark = isDark();
+    if (dark === this.darkLegend) return;
+    this.darkLegend = dark;
     const items = shownKinds.map((kind) => {
       const swatch = element('i', { class: 'swatch' });
       swatch.style.background = kindColour(kind, dark);

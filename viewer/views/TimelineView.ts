@@ -61,7 +61,7 @@ export class TimelineView implements View {
       this.spacer.style.height = `${this.rows.length * rowHeight}px`;
       this.host.style.setProperty('--rows', String(this.rows.length));
     }
-    const selection = model.selection(state.filter);
+    const selection = model.selectionOfAllTime(state.filter);
     const stale = changed.has('profile') || changed.has('visible') || changed.has('timechart') || selection !== this.selection;
     this.selection = selection;
     if (stale) this.paint();
