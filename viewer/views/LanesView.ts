@@ -57,12 +57,10 @@ export class LanesView implements View {
   draw(state: State, changed: ReadonlySet<keyof State>): void {
     const model = state.timechart!;
     if (changed.has('timechart') || changed.has('lanes') || this.placed.length === 0) this.space.style.height = `${this.totalHeight(model, state.lanes)}px`;
-    const repaint = ['timechart', 'lanes', 'visible', 'profile', 'readings'] as const;
-    if (repaint.some((key) => changed.has(key))) {
-      this.place(model, state.lanes);
-      this.paint(state, model);
-      this.label(state);
-    } else if (changed.has('search') || changed.has('cursor')) this.label(state);
+    const moved = (['timechart', 'lanes', 'profile', 'readings'] as const).some((key) => changed.has(key));
+    if (moved) this.place(model, state.lanes);
+    if (moved || changed.has('visible')) this.paint(state, model);
+    if (moved || changed.has('search') || changed.has('cursor')) this.label(state);
     this.drawOverlay(state);
   }
 
