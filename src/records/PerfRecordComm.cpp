@@ -2,11 +2,18 @@
 
 #include <cstdio>
 
+#include "base/NameStore.h"
 #include "json/DocumentSection.h"
 #include "records/PerfFactory.h"
 #include "records/RecordView.h"
 #include "run/Settings.h"
 #include "symbols/SymbolTable.h"
+
+namespace {
+
+SharedNames names;
+
+}  // namespace
 
 std::vector<PerfRecordComm*> PerfRecordComm::_elements;
 unsigned int PerfRecordComm::_runningPidKey = 0;
@@ -36,7 +43,7 @@ std::uint64_t bothIds(unsigned int pid, unsigned int tid) {
 }  // namespace
 
 PerfRecordComm::PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string_view name)
-    : PerfRecord(pid_, tid_), _name(withoutDeletedMark(name)) {
+    : PerfRecord(pid_, tid_), _name(names.keep(withoutDeletedMark(name))) {
   key = ++_runningPidKey;
   _elements.push_back(this);
   _mapOfPid.add(pid, this);
@@ -79,12 +86,12 @@ SymbolTable* PerfRecordComm::findSymbolTable(unsigned long long address) const {
 }
 
 void PerfRecordComm::setName(std::string_view name) {
-  _name = withoutDeletedMark(name);
+  _name = names.keep(withoutDeletedMark(name));
 }
 
 void PerfRecordComm::show() const {
   std::printf("PROC k:%d p:%d t:%d %s\n", static_cast<int>(key), static_cast<int>(pid), static_cast<int>(tid),
-              _name.c_str());
+              _name);
 }
 
 int PerfRecordComm::_out(PerfJSONWriter& writer) {
@@ -92,7 +99,7 @@ int PerfRecordComm::_out(PerfJSONWriter& writer) {
   writer.writeNamed("key", key);
   writer.writeNamed("pid", pid);
   writer.writeNamed("tid", tid);
-  writer.writeNamed("name", _name.c_str());
+  writer.writeNamed("name", _name);
   writer.writeArrayEnd();
   return 0;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,7 +37,7 @@ class PerfRecordComm : public PerfRecord {
   virtual void setName(std::string_view name);
   virtual void show() const;
   const char* perfRecordType() const override { return "comm"; }
-  const char* getName() const override { return _name.c_str(); }
+  const char* getName() const override { return _name; }
   int _out(PerfJSONWriter& writer) override;
 
   /// The section "processes", in order of construction.
@@ -54,5 +53,5 @@ class PerfRecordComm : public PerfRecord {
   static KeyTable<PerfRecordComm> _mapOfPid;
   static KeyTable<PerfRecordComm> _mapOfTid;
 
-  std::string _name;
+  const char* _name;  ///< shared by all of that name
 };

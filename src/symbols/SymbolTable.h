@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/NameStore.h"
 #include "base/PerfFoundation.h"
-#include "symbols/NameStore.h"
 #include "symbols/PendingTables.h"
 #include "symbols/SymbolTableElement.h"
 

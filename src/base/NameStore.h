@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string_view>
 
 #include "base/Memory.h"
@@ -17,4 +18,19 @@ class NameStore {
 
  private:
   Arena _arena;
+};
+
+/// Keeps each text once, however often it comes: threads of a process have one name, and processes that come
+/// and go as well.
+class SharedNames {
+ public:
+  /// Returns the kept text, up to its NUL.
+  const char* keep(std::string_view name) {
+    const auto known = _names.find(name);
+    return known != _names.end() ? known->data() : _names.insert(_store.keep(name)).first->data();
+  }
+
+ private:
+  NameStore _store;
+  std::set<std::string_view> _names;
 };
