@@ -15,8 +15,7 @@ class LineReader {
   /// Gets the next line without its line end; a last one without a line end counts. False, with an empty
   /// line, if there is none.
   bool next(std::string& line);
-  /// Whether the end of the file has not shown yet. It shows at a line without a line end, or behind the last
-  /// line.
+  /// Returns false once the end of the file was seen: after the last line, or at one without a line end.
   bool good() const { return _good; }
 
  private:

@@ -18,7 +18,7 @@ class RunWatcher {
   virtual void nmAwaited(const char* path) = 0;
   /// nm could not be run, for the reason that errno names.
   virtual void nmNotStarted(int error) = 0;
-  /// So many symbols came of a file over which nm was to run.
+  /// Called with the number of symbols that a file gave over which nm was to run.
   virtual void symbolsRead(const char* path, std::size_t count) = 0;
 
   static inline RunWatcher* _current = nullptr;  ///< null while nobody watches

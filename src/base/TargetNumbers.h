@@ -2,7 +2,7 @@
 
 /// Numbers as the 32-bit target converts them, whatever machine this build runs on.
 
-/// strtol in base 10 with a 32-bit long: leading white space and a sign are taken, and what lies outside the
+/// strtol in base 10 with a 32-bit long: leading white space and a sign are taken, and a number outside the
 /// range becomes the nearest bound. *end, if asked for, is the first character not taken.
 int targetStrtol(const char* text, const char** end = nullptr);
 

@@ -12,7 +12,7 @@
 /// trace-point can have in its 16 bits.
 class EventTable {
  public:
-  /// Stores a factory, or null for an event that is not decoded. The table has 4000 places, or one more than
+  /// Stores a factory, or null for an event that is not decoded. The table has 4000 slots, or one more than
   /// a larger number, and beyond its width room for as many again, as a vector that is resized would. A
   /// number that falls into that room, or one whose table would not fit a 32-bit target, ends the run with
   /// std::out_of_range.
@@ -22,7 +22,7 @@ class EventTable {
   PerfRecordFunction find(std::uint16_t number) const {
     return number < _functions.size() ? _functions[number] : nullptr;
   }
-  /// Whether the number lies within the table.
+  /// Whether the number is within the table.
   bool covers(std::uint16_t number) const { return number < _size; }
 
  private:

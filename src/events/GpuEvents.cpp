@@ -9,7 +9,7 @@
 
 namespace {
 
-// Where in a device's name its digits stand.
+// Positions of the digits in a device's name.
 constexpr std::size_t kDimensionPlace = 5;
 constexpr std::size_t kDevicePlace = 7;
 

@@ -5,7 +5,7 @@
 /// What the decoders of the kgsl driver's trace-points share.
 
 /// A GPU core, named by two digits of the device's name: kgsl-3d0 is dimension 3, device 0. The characters
-/// ahead of them are not looked at, and what is no number counts as 0.
+/// before them are not looked at, and what is no number counts as 0.
 struct GpuCore {
   int dimension;
   int device;

@@ -9,7 +9,7 @@ namespace {
 
 const PerfRecordSampleFactoryRegister f("power:cpu_idle", PRSE_cpu_idle::factory);
 
-/// PWR_EVENT_EXIT of the kernel: the state that stands for leaving all of them.
+/// PWR_EVENT_EXIT of the kernel: the state that means leaving all of them.
 constexpr unsigned int kLeftIdle = 0xFFFFFFFF;
 
 }  // namespace

@@ -15,7 +15,7 @@ PRSE_irq_handler_entry::PRSE_irq_handler_entry(const PerfRecordSampleEventS& rec
   const EventPayload payload = record.payload();
   const int irq = payload.i32(0);
   TimechartManager* manager = TimechartManager::Instance();
-  // Ahead of what changes the state. There is one place a CPU and no stack: a nested entry saves the outer
+  // Before the state changes. There is one slot a CPU and no stack: a nested entry saves the outer
   // one's.
   manager->saveLastStateForCPU(record.cpu());
   manager->addValueToCPUChart(record.time(), record.cpu(), CPUChart::kBusy, 1);

@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// A process issues work to the GPU. The mark stands on the process's chart and on the GPU's. Work that was
+/// A process issues work to the GPU. The mark goes to the process's chart and to the GPU's. Work that was
 /// refused, result not 0, leaves none.
 ///
 /// Payload: the location of the device's name (offset 0, 4 bytes), flags (20, 4), result (24, 4),

@@ -12,7 +12,7 @@ class PRSE_sched_switch : public PerfRecordSampleEvent {
   static PerfRecord* factory(char* record);
 
   int process(const PerfRecordSampleEventS& record) override;
-  /// Takes the fields out of the record: what a layout of its own overrides.
+  /// Takes the fields out of the record: overridden for another layout.
   virtual void alloc(const PerfRecordSampleEventS& record);
   /// Hands what they mean to the timechart.
   virtual void handle(const PerfRecordSampleEventS& record);

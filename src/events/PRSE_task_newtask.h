@@ -14,14 +14,14 @@ class PRSE_task_newtask : public PerfRecordSampleEvent {
   static PerfRecord* factory(char* record);
 
   int process(const PerfRecordSampleEventS& record) override;
-  /// Takes the fields out of the record: what a layout of its own overrides.
+  /// Takes the fields out of the record: overridden for another layout.
   virtual void alloc(const PerfRecordSampleEventS& record);
   /// Hands what they mean to the timechart.
   virtual void handle(const PerfRecordSampleEventS& record);
 
  protected:
-  /// Pid and name lie alike in all layouts. Keeps of the flags only whether the task is a thread of its
-  /// creator.
+  /// Pid and name have the same offsets in all layouts. Keeps of the flags only whether the task is a thread
+  /// of its creator.
   void take(const EventPayload& payload, unsigned int cloneFlags);
 
  private:

@@ -15,7 +15,7 @@ unsigned long long PerfRecordSampleEvent::_decoded = 0;
 
 namespace {
 
-/// An entry of the event table; the byte behind the name ends a name that has no NUL of its own.
+/// An entry of the event table; the byte after the name ends a name that has no NUL of its own.
 struct EventTableEntry {
   static constexpr int kSize = 72;
   char bytes[kSize + 1] = {};
@@ -97,7 +97,7 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
   EventTableEntry entry;
   std::uint32_t repetitions = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    // Behind the end of the file the last entry is taken again and again, which only a verbose run tells. A
+    // After the end of the file the last entry is taken again and again, which only a verbose run tells. A
     // count from a damaged header is huge.
     const bool ended = reader.read(entry.bytes, EventTableEntry::kSize) <= 0;
     if (ended && (gVerbosity == 0 || ++repetitions > kMostRepetitions)) return;

@@ -7,7 +7,7 @@
 #include "records/PerfRecordSampleS.h"
 #include "records/RecordView.h"
 
-/// The fields of a trace-point behind its common header. Offsets count from the start of the payload.
+/// The fields of a trace-point after its common header. Offsets count from the start of the payload.
 class EventPayload {
  public:
   EventPayload(const RecordView& view, std::size_t start) : _view(view), _start(start) {}
@@ -15,12 +15,12 @@ class EventPayload {
   unsigned int u32(std::size_t offset) const { return _view.u32(_start + offset); }
   int i32(std::size_t offset) const { return _view.i32(_start + offset); }
 
-  /// A text array. It runs on behind its field if the kernel's NUL is missing.
+  /// A text array. It runs on after its field if the kernel's NUL is missing.
   std::string_view text(std::size_t offset) const { return _view.text(_start + offset); }
 
-  /// The text that the location word at the offset points at, or what of it lies `skip` characters on. The
+  /// The text that the location word at the offset points at, or the rest of it after `skip` characters. The
   /// word's low half counts from the start of the raw data; the length in its high half is not looked at. A
-  /// place outside the record buffer gives a text without data.
+  /// position outside the record buffer gives a text without data.
   std::string_view locatedText(std::size_t offset, std::size_t skip = 0) const;
 
  private:
@@ -28,7 +28,7 @@ class EventPayload {
   std::size_t _start;
 };
 
-/// A PERF_RECORD_SAMPLE of a trace-point as it lies in the record buffer. Its fields follow from what was
+/// A PERF_RECORD_SAMPLE of a trace-point in the record buffer. Its fields follow from what was
 /// recorded (IP, TID, TIME, ID, CPU, RAW; see linux/perf_event.h).
 class PerfRecordSampleEventS {
  public:

@@ -12,7 +12,7 @@ inline constexpr int kDocumentDecimals = 9;
 /// The room for the longest text: a sign, 309 digits, the point, the decimals and printf's NUL.
 inline constexpr std::size_t kFixedRoom = 1 + 309 + 1 + kDocumentDecimals + 1;
 
-/// Writes a value and answers the end of its text, which has no NUL; the rest of the room may change. There
+/// Writes a value and returns the end of its text, which has no NUL; the rest of the room is scratch. There
 /// are versions for the two counts above.
 template <int Decimals>
 char* writeFixed(char* text, double value);

@@ -42,10 +42,11 @@ std::optional<double> doubleIn(const std::string& text) {
 
 std::optional<long long> longIn(const std::string& text) {
   JSONData number;
-  const char* place = text.c_str();
-  TextCursor cursor(place);
+  const char* position = text.c_str();
+  TextCursor cursor(position);
   const bool parsed = JSONParser<TextCursor>(cursor).parseJsonNumberIntoSelf(number);
-  if (!parsed || number._type != JSONData::kLong || place != text.c_str() + text.size()) return std::nullopt;
+  if (!parsed || number._type != JSONData::kLong || position != text.c_str() + text.size())
+    return std::nullopt;
   return number.longValue();
 }
 
@@ -109,7 +110,7 @@ JSONData* JSOM::writableNode(const char* caller) {
   return node();
 }
 
-/// Sees to it that there is a node to look into; one made here becomes a container of that type.
+/// Makes sure that there is a node to look into; one made here becomes a container of that type.
 bool JSOM::makeContainer(const char* caller, JSONData::Type type) {
   if (_kind == Kind::node) return true;
   makeInfoNode(caller);
@@ -370,13 +371,13 @@ void JSOM::_expandString(JSOM& node) {
   std::string result;
   bool changed = false;
   const std::string text = node.stringValue(EMPTY_STRING).c_str();
-  std::size_t place = 0;
-  while (place < text.size()) {
-    const std::size_t start = text.find("${", place);
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t start = text.find("${", position);
     const std::size_t end = start == std::string::npos ? start : text.find('}', start);
     if (end == std::string::npos) break;
     const std::string name = text.substr(start + 2, end - start - 2);
-    result.append(text, place, start - place);
+    result.append(text, position, start - position);
     const char* value = name.empty() ? nullptr : std::getenv(name.c_str());
     if (value != nullptr) {
       result += value;
@@ -384,11 +385,11 @@ void JSOM::_expandString(JSOM& node) {
     } else {
       result.append(text, start, end + 1 - start);
     }
-    place = end + 1;
+    position = end + 1;
   }
   if (!changed) return;
   // What is left has no reference, or one that is not closed: both stay as written.
-  result.append(text, place, std::string::npos);
+  result.append(text, position, std::string::npos);
   node.setString(result);
 }
 

@@ -7,14 +7,14 @@
 
 namespace loomstat {
 
-/// The handle through which a document is read and built: it points at a node of a value tree, or at a place
+/// The handle through which a document is read and built: it points at a node of a value tree, or at a slot
 /// in a container where a node could be. Lookups return handles by value, so that doc["a"][0] chains.
 ///
-/// A lookup of a missing member gives a handle on the empty place, and a later write through it makes the
-/// member. A lookup through such a handle counts as a write: doc["a"]["b"] leaves an empty object "a" behind.
+/// A lookup of a missing member gives a handle on the empty slot, and a later write through it makes the
+/// member. A lookup through such a handle counts as a write: doc["a"]["b"] leaves an empty object "a".
 /// The key of a pending handle stays the caller's and must outlive it.
 ///
-/// Nothing throws. A failure prints one line on standard error and gives an invalid handle, which answers
+/// Nothing throws. A failure prints one line on standard error and gives an invalid handle, which returns
 /// every accessor with its default.
 class JSOM {
  public:
@@ -34,7 +34,7 @@ class JSOM {
 
   JSOM at(const std::string& key);
   JSOM at(const char* key);
-  /// Index -1, like the size, is the place behind the last element.
+  /// Index -1, like the size, is the position after the last element.
   JSOM at(int index);
   JSOM operator[](const std::string& key);
   JSOM operator[](const char* key);
@@ -75,7 +75,7 @@ class JSOM {
   std::string& toString(std::string& out, int precision = defaultPrecision) const;
   std::string& toCompactString(std::string& out, int precision = defaultPrecision) const;
 
-  // Loading answers this handle, or JERROR if the text has an error; what was read ahead of the error stays.
+  // Loading returns this handle, or JERROR if the text has an error; what was read before the error stays.
   JSOM& fromString(const std::string& text);
   JSOM& fromString(const char* text);
   JSOM& fromFile(const char* name);

@@ -50,8 +50,8 @@ int JSONData::length() const {
 
 JSONData* JSONData::getByIndex(int index) const {
   if (index < 0 || index >= length()) return nullptr;
-  const auto place = static_cast<std::size_t>(index);
-  return _type == kArray ? (*_value.elements)[place] : (*_value.entries)[place]->value;
+  const auto position = static_cast<std::size_t>(index);
+  return _type == kArray ? (*_value.elements)[position] : (*_value.entries)[position]->value;
 }
 
 /// The last entry of that key, or -1.
@@ -205,9 +205,9 @@ void JSONData::setByIndex(int index, JSONData* value) {
     std::fprintf(stderr, "JSONData::%s: %s\n", "setByIndex()", "index out of range");
     release(value);
   } else {
-    const auto place = static_cast<std::size_t>(index);
-    JSONData* replaced = (*_value.elements)[place];
-    _value.elements->assign(place, value);
+    const auto position = static_cast<std::size_t>(index);
+    JSONData* replaced = (*_value.elements)[position];
+    _value.elements->assign(position, value);
     release(replaced);
   }
 }
@@ -223,7 +223,7 @@ void JSONData::copy(const JSONData& source) {
   if (_type == kString) {
     *_value.string = *source._value.string;
   } else if (_type == kArray || _type == kObject) {
-    // All copies ahead of the first release: a node may be copied onto itself.
+    // All copies before the first release: a node may be copied onto itself.
     const int oldLength = length();
     const int newLength = source.length();
     for (int i = 0; i < newLength; ++i) {

@@ -71,7 +71,7 @@ struct JSONData {
   void setByKey(const std::string& key, JSONData* value);
   void setByKey(const char* key, JSONData* value);
   /// Appends at the array's length; an index beyond that prints a message. Within the array the value fills
-  /// the places ahead of the index, all on one reference, and everything else is dropped unreleased: this
+  /// the slots before the index, all on one reference, and everything else is dropped unreleased: this
   /// case is kept for those who know it, and what appends is safe.
   void setByIndex(int index, JSONData* value);
   /// A deep copy without a holder.
@@ -91,7 +91,7 @@ struct JSONData {
   // Parsing, see JSONParser.h for the language. A failure prints one line on standard error and leaves what
   // was completed in place; the end of the text alone is a silent failure.
 
-  /// Parses one value. The cursor ends behind it, or where the failure was met.
+  /// Parses one value. The cursor ends after it, or where the failure was met.
   bool setFromJsonString(const char*& cursor);
   bool setFromStream(std::istream& stream);
   bool setFromJsonStlString(const std::string& text);

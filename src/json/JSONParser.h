@@ -39,7 +39,7 @@ class TextCursor {
   const char*& _cursor;
 };
 
-/// Bytes of a stream, which ends once its state is not good behind a read.
+/// Bytes of a stream, which ends once its state is not good after a read.
 class StreamCursor {
  public:
   explicit StreamCursor(std::istream& stream) : _stream(stream) {}
@@ -68,7 +68,7 @@ class StreamCursor {
 };
 
 /// Fills a node from JSON text, in one pass and to any depth of nesting. The language is a little wider than
-/// JSON: comments, a trailing comma, unknown escapes kept as they stand; and a little narrower: no exponents,
+/// JSON: comments, a trailing comma, unknown escapes kept verbatim; and a little narrower: no exponents,
 /// and \u gives one byte.
 template <typename Cursor>
 class JSONParser {
@@ -103,7 +103,7 @@ class JSONParser {
   bool parseLevel();
   bool parseMember(Level& level);
   bool parseKey(Level& level);
-  bool closesOrGoesOn(Level& level);
+  bool finishMember(Level& level);
 
   /// Steps over the token that fetchNextType has left.
   void step() {
@@ -173,7 +173,7 @@ bool JSONParser<Cursor>::fetchNextType(unsigned short& type, bool& comma, bool& 
   }
 }
 
-/// Skips the rest of a comment behind its first slash.
+/// Skips the rest of a comment after its first slash.
 template <typename Cursor>
 bool JSONParser<Cursor>::skipComment() {
   char byte = 0;
@@ -199,7 +199,7 @@ template <typename Cursor>
 bool JSONParser<Cursor>::parse(JSONData& node) {
   bool good = parseValue(node);
   while (good && !_levels.empty()) good = parseLevel();
-  // What a failure leaves unfinished goes; what was complete ahead of it stays in its container.
+  // A failure drops what is unfinished; what was complete before it stays in its container.
   for (; !_levels.empty(); _levels.pop_back())
     if (_levels.back().child != nullptr) JSONData::release(_levels.back().child);
   return good;
@@ -229,7 +229,7 @@ bool JSONParser<Cursor>::parseValue(JSONData& node) {
   }
 }
 
-/// Goes on in the innermost container: parses its next member, or takes up a member that is complete by now.
+/// Continues in the innermost container: parses its next member, or appends one that is complete by now.
 template <typename Cursor>
 bool JSONParser<Cursor>::parseLevel() {
   const std::size_t depth = _levels.size();
@@ -237,7 +237,7 @@ bool JSONParser<Cursor>::parseLevel() {
     if (!parseMember(_levels.back())) return false;
     if (_levels.size() != depth || _levels.back().child == nullptr) return true;
   }
-  return closesOrGoesOn(_levels.back());
+  return finishMember(_levels.back());
 }
 
 /// Parses a key, if the container has keys, and begins a value; or closes the container.
@@ -266,9 +266,9 @@ bool JSONParser<Cursor>::parseKey(Level& level) {
   return true;
 }
 
-/// Takes what stands behind a complete member, and the member into its container.
+/// Consumes the ',' or closing bracket after a member and appends the member.
 template <typename Cursor>
-bool JSONParser<Cursor>::closesOrGoesOn(Level& level) {
+bool JSONParser<Cursor>::finishMember(Level& level) {
   const bool isObject = level.container->_type == JSONData::kObject;
   _type = JSONData::kString;  // of the member's key: a comma leaves it
   if (!fetchNextType() || !(_comma || (_end && _type == level.container->_type)))

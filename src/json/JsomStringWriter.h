@@ -23,7 +23,7 @@ class JsomStringWriter {
   void startObject();
   void endObject();
 
-  /// A raw text goes between the quotes as it stands, with no escaping.
+  /// A raw text goes between the quotes verbatim, with no escaping.
   void appendLabel(const char* text, int length, bool raw);
   void appendLabel(const char* text, bool raw);
 
@@ -51,7 +51,7 @@ class JsomStringWriter {
   /// Closes everything that is open; a label without a value gets null.
   void end();
 
-  /// These two look at no state.
+  /// Append raw bytes, bypassing the state machine.
   void write(const char* text, int length);
   void writeChar(char byte);
   void flush() {}
@@ -60,7 +60,7 @@ class JsomStringWriter {
   bool _whiteSpace = false;
 
  private:
-  /// Writes what stands ahead of a value. False, with a message, if there may be none.
+  /// Writes what precedes a value. Returns false, with a message, if there may be no value.
   bool beginValue(const char* operation) {
     if (_state != ']' || _whiteSpace) return beginAnyValue(operation);
     // Nearly all values of a document are further elements of compact arrays.
@@ -85,7 +85,7 @@ class JsomStringWriter {
   /// ':': a label is written and its value is due.
   int _state = 0;
   std::string _stack;
-  std::string _scratch;  ///< for a text that has to be worked on before it goes out
+  std::string _scratch;  ///< scratch for escaping
 };
 
 }  // namespace loomstat

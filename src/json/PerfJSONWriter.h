@@ -77,7 +77,7 @@ class PerfJSONWriter {
   /// The errno of what kept the document from its file, or 0: after open, and again after close.
   int error() const { return _error; }
 
-  // Bulk operations. They stand for calls of the operations above, which any writer but DocumentWriter gets.
+  // Bulk operations. They equal calls of the operations above, which any writer but DocumentWriter gets.
 
   /// The same as writeJson of the text that `write(char* out)` makes: at most `most` bytes, whose end it
   /// returns.

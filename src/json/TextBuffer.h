@@ -12,8 +12,8 @@
 
 namespace loomstat {
 
-/// A text under construction that can grow to the size of the largest document. It lies in blocks, so that
-/// growing moves nothing and finds room in whatever memory has become free.
+/// A text under construction that can grow to the size of the largest document. It is kept in blocks, so that
+/// growing moves nothing and reuses whatever blocks have become free.
 class TextBuffer {
  public:
   TextBuffer() = default;
@@ -38,8 +38,7 @@ class TextBuffer {
 
   void append(const TextBuffer& text);
 
-  /// Appends what the function writes, at most so many bytes and a block: it gets the place and answers the
-  /// end.
+  /// Calls `write(char* out)`, which writes at most `most` bytes, a block at the most, and returns the end.
   template <typename Write>
   void append(std::size_t most, Write write) {
     makeRoom(most);
@@ -48,7 +47,7 @@ class TextBuffer {
 
   /// Appends the number in decimal.
   void appendNumber(std::unsigned_integral auto number) {
-    append(kMostDigits, [number](char* place) { return writeDigits(place, number); });
+    append(kMostDigits, [number](char* out) { return writeDigits(out, number); });
   }
 
   void appendNumber(std::signed_integral auto number) {
@@ -68,18 +67,18 @@ class TextBuffer {
 
   /// Most texts are short, and a call of memcpy costs more than to copy one.
   static constexpr std::size_t kLongestShort = 32;
-  static void copyShort(std::string_view text, char* place) {
-    copyEnds<16>(text, place) || copyEnds<8>(text, place) || copyEnds<4>(text, place) ||
-        copyEnds<2>(text, place) || copyEnds<1>(text, place);
+  static void copyShort(std::string_view text, char* out) {
+    copyEnds<16>(text, out) || copyEnds<8>(text, out) || copyEnds<4>(text, out) || copyEnds<2>(text, out) ||
+        copyEnds<1>(text, out);
   }
-  /// Copies so many bytes from either end, which together are all of the text, unless it is shorter than
-  /// that.
+  /// Copies a text of Size to 2 * Size bytes by two overlapping copies of fixed size; returns false for a
+  /// shorter one.
   template <std::size_t Size>
-  static bool copyEnds(std::string_view text, char* place) {
+  static bool copyEnds(std::string_view text, char* out) {
     if (text.size() < Size) return false;
     const std::size_t last = text.size() - Size;
-    std::memcpy(place, text.data(), Size);
-    std::memcpy(place + last, text.data() + last, Size);
+    std::memcpy(out, text.data(), Size);
+    std::memcpy(out + last, text.data() + last, Size);
     return true;
   }
 

@@ -15,7 +15,7 @@ constexpr std::size_t kBlockSize = std::size_t{256} * 1024;
 }  // namespace
 
 int PerfBlockReader::open(const char* name) {
-  _place = _end = 0;
+  _position = _end = 0;
   _block.reset();
   const int result = PerfReader::open(name);
   struct stat status {};
@@ -30,17 +30,17 @@ int PerfBlockReader::read(char* buffer, int size) {
   auto count = static_cast<std::size_t>(size);
   if (available() < count && !fetch(count)) return _lastRead = -1;
   count = std::min(count, available());
-  std::memcpy(buffer, _block.get() + _place, count);
-  _place += count;
+  std::memcpy(buffer, _block.get() + _position, count);
+  _position += count;
   return _lastRead = static_cast<int>(count);
 }
 
-/// Sees to it that so many bytes are there, or all that the file still has. False if there is none and
-/// reading fails.
+/// Fills the block until `size` bytes are available or the file ends. Returns false on a read error with
+/// nothing buffered.
 bool PerfBlockReader::fetch(std::size_t size) {
-  std::memmove(_block.get(), _block.get() + _place, available());
+  std::memmove(_block.get(), _block.get() + _position, available());
   _end = available();
-  _place = 0;
+  _position = 0;
   while (_end < size) {
     const ssize_t got = ::read(_fd, _block.get() + _end, kBlockSize - _end);
     if (got <= 0) return got == 0 || _end > 0;
@@ -52,8 +52,8 @@ bool PerfBlockReader::fetch(std::size_t size) {
 }
 
 void PerfBlockReader::seek(int offset) {
-  // A negative offset fails, and the place stays where it is, in the block.
+  // A negative offset fails, and the position in the block stays.
   if (_block && offset < 0) return;
   PerfReader::seek(offset);
-  _place = _end = 0;
+  _position = _end = 0;
 }

@@ -5,9 +5,9 @@
 
 #include "records/PerfReader.h"
 
-/// A reader that fetches large blocks of a regular file and answers reads from them, with the results that
+/// A reader that fetches large blocks of a regular file and serves reads from them, with the results that
 /// one read of the operating system each would give. Pipes and other special files are read without a block,
-/// as what comes of them depends on the sizes asked for.
+/// as the result depends on the sizes asked for.
 class PerfBlockReader : public PerfReader {
  public:
   int open(const char* name) override;
@@ -16,10 +16,10 @@ class PerfBlockReader : public PerfReader {
   unsigned long long offset() const override { return _offset - available(); }
 
  private:
-  std::size_t available() const { return _end - _place; }
+  std::size_t available() const { return _end - _position; }
   bool fetch(std::size_t size);
 
   std::unique_ptr<char[]> _block;  ///< null for a file that is read directly
-  std::size_t _place = 0;          ///< of the next byte to answer
+  std::size_t _position = 0;       ///< of the next byte to return
   std::size_t _end = 0;
 };

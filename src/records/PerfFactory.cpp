@@ -70,9 +70,9 @@ void showUnused(const char* kind, const RecordHeader& header) {
 
 int PerfFactory::addFunction(int type, const char* name, PerfRecordFunction function) {
   if (type < 0 || type > 15) return -1;
-  RecordFunction& place = perfRecordFunctions[static_cast<std::size_t>(type)];
-  if (place.function != nullptr) return -1;
-  place = {type, function, strdup(name != nullptr ? name : "notgiven")};
+  RecordFunction& slot = perfRecordFunctions[static_cast<std::size_t>(type)];
+  if (slot.function != nullptr) return -1;
+  slot = {type, function, strdup(name != nullptr ? name : "notgiven")};
   return 0;
 }
 
@@ -86,7 +86,7 @@ void PerfFactory::allocTmpBuffer(int size) {
 PerfRecord* PerfFactory::readNext(PerfReader& reader) {
   RecordHeader header;
   if (!readHeader(reader, header)) return nullptr;
-  // Ahead of any test: a damaged size may grow the buffer, to 65543 bytes at most.
+  // Before any test: a damaged size may grow the buffer, to 65543 bytes at most.
   allocTmpBuffer(header.size + kHeaderSize);
   if (!header.plausible() && !passOverDamage(reader, header, _lostBytes, _losses)) return nullptr;
 

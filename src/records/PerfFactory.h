@@ -21,16 +21,16 @@ class PerfFactory {
   PerfFactory() = default;
   virtual ~PerfFactory() = default;
 
-  /// Registers the creation function of a type. Answers -1 if the type is above 15 or taken, else 0.
+  /// Registers the creation function of a type. Returns -1 if the type is above 15 or taken, else 0.
   static int addFunction(int type, const char* name, PerfRecordFunction function);
 
   /// Makes the shared record buffer at least that large. Its contents do not survive growing.
   static void allocTmpBuffer(int size);
 
-  /// Reads one record. Null at the end of the file, and for a record that nothing came of; the reader's
-  /// status tells the two apart.
+  /// Reads one record. Returns null at the end of the file, and for a record that no creation function turned
+  /// into an object; the reader's status tells the two apart.
   ///
-  /// A header that is not plausible starts a scan: two neighbouring 32-bit words, the first a plausible type
+  /// A header that is not plausible starts a scan: two adjacent 32-bit words, the first a plausible type
   /// and the upper half of the second a plausible size, are taken as the next header. Records longer than 256
   /// bytes count as damage; that is also what absorbs whatever follows the data section.
   ///
@@ -38,7 +38,7 @@ class PerfFactory {
   static PerfRecord* readNext(PerfReader& reader);
 
   /// Gives a record to the creation function of its type; returns what that returns, or null for a type
-  /// without one. The bytes must lie in the shared buffer.
+  /// without one. The bytes must be in the shared buffer.
   static PerfRecord* create(std::uint32_t type, std::uint16_t size, char* bytes);
 
   /// Returns the shared record buffer, of that size at least.
@@ -48,7 +48,7 @@ class PerfFactory {
 
   static RecordLosses _losses;
 
-  /// Returns how many bytes may be read from the start of a record. One that lies in a buffer of the caller's
+  /// Returns how many bytes may be read from the start of a record. One in a buffer of the caller's
   /// own is taken to be whole: at most what its size in 16 bits can tell.
   static std::size_t lengthOf(const char* record) {
     return record == _tmp ? static_cast<std::size_t>(_tmpLen) : std::size_t{0xFFFF};

@@ -1,7 +1,6 @@
 #pragma once
 
-/// The one gateway to the recording: a thin layer without a buffer over the file descriptor. See
-/// PerfBlockReader for the one that a run reads its recording with.
+/// Unbuffered reader over a file descriptor, and the base of PerfBlockReader, which a run uses.
 class PerfReader {
  public:
   PerfReader() = default;
@@ -9,7 +8,7 @@ class PerfReader {
   PerfReader(const PerfReader&) = delete;
   PerfReader& operator=(const PerfReader&) = delete;
 
-  /// Answers 0, or -1 for a null name or a file that cannot be opened.
+  /// Returns 0, or -1 for a null name or a file that cannot be opened.
   virtual int open(const char* name);
 
   /// One read of the operating system: the number of bytes, 0 at the end of the file, or -1. Nothing is
@@ -21,15 +20,15 @@ class PerfReader {
   /// True while the latest read has given something; false before the first.
   virtual bool status() const;
 
-  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading goes on
-  /// from where it stands.
+  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading
+  /// continues at the current position.
   virtual void seek(int offset);
 
   /// The offset in the file of the next byte that read gives.
   virtual unsigned long long offset() const { return _offset; }
 
  protected:
-  /// What the verbose run says of a read, and the warning about a size that no record has.
+  /// Prints the verbose line for a read, and the warning for an implausible size.
   static void announceRead(int size);
 
   int _fd = 0;                     ///< 0 before open, and taken as "not open"

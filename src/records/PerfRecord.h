@@ -23,7 +23,7 @@ class PerfRecord : public PerfFoundation {
   virtual unsigned long long getAddress() const { return 0; }
   virtual const char* getName() const { return "noname"; }
   virtual int _process() { return 0; }
-  /// Writes this record's row, if it has one. Answers 0.
+  /// Writes this record's row, if it has one. Returns 0.
   virtual int _out(PerfJSONWriter& /*writer*/) { return 0; }
 
   /// Whether tables hold on to the record. One that is not kept belongs to whoever asked for it.

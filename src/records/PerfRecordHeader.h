@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// The first 56 bytes of a perf.data file, little-endian, as perf's file format has them. Only where the
-/// event table and the data section lie is looked at; the magic is not.
+/// The first 56 bytes of a perf.data file, little-endian, as perf's file format has them. Only the positions
+/// of event table and data section are read; the magic is not.
 struct PerfRecordHeaderS {
   std::uint64_t magic;
   std::uint64_t headerSize;

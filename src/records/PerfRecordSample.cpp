@@ -81,7 +81,7 @@ PerfRecord* PerfRecordSample::createInstance(char* record) {
 }
 
 void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
-  // In a timechart only a verbose run speaks of the process.
+  // In a timechart only a verbose run prints the process.
   if (_keepsSamples || gVerbosity > 0) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr && gVerbosity > 0)
     std::printf("Missing process p:%d t:%d\n", static_cast<int>(pid), static_cast<int>(tid));
@@ -95,8 +95,8 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
     skip = 1;
   }
   if (skip >= _depth) return;
-  // The entry passed over does not shorten the trace: its last entry is then what lies behind the ones that
-  // the depth covers. Viewers have always been given it.
+  // The entry passed over does not shorten the trace: its last entry is then what follows the ones that the
+  // depth covers. Viewers have always been given it.
   std::array<BackTraceEntry, kDeepestPossible> entries;
   const AddressClass ownClass = classOf(_ip);
   unsigned long long address = 0;

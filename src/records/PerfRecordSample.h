@@ -43,7 +43,7 @@ class PerfRecordSample : public PerfRecord {
 
   /// How many samples there have been, trace-points included.
   static unsigned long long count() { return _runningIndex; }
-  /// After verifyKeys: how many samples' own addresses lie in no function that has a name.
+  /// After verifyKeys: how many samples' own addresses are in no function that has a name.
   static unsigned long long countWithoutFunction();
 
   bool isKept() const override { return _keepsSamples; }
@@ -74,6 +74,6 @@ class PerfRecordSample : public PerfRecord {
   unsigned int _mapKey = 0;  ///< of the symbol or map at _ip; 0 until verifyKey
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
-  PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never behind verifyKey
+  PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never after verifyKey
   BackTraceEntry* _trace = nullptr;
 };

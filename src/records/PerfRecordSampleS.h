@@ -2,7 +2,7 @@
 
 #include "records/RecordView.h"
 
-/// A plain PERF_RECORD_SAMPLE as it lies in the record buffer. Its fields follow from what was recorded (IP,
+/// A plain PERF_RECORD_SAMPLE in the record buffer. Its fields follow from what was recorded (IP,
 /// TID, TIME, CPU, PERIOD, CALLCHAIN; see linux/perf_event.h); recordings with other fields are read as if
 /// they had these.
 class PerfRecordSampleS {

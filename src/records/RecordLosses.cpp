@@ -65,9 +65,9 @@ static_assert(kFirstOfPerf + std::size(kTypesOfPerf) <= RecordLosses::kTypes);
 
 std::string_view recordTypeName(std::uint32_t type) {
   if (type < std::size(kKernelTypes)) return kKernelTypes[type];
-  // What lies below the first of perf's own types wraps to a number above the last.
-  const std::uint32_t place = type - kFirstOfPerf;
-  return place < std::size(kTypesOfPerf) ? kTypesOfPerf[place] : std::string_view();
+  // A type below the first of perf's own wraps to a number above the last.
+  const std::uint32_t index = type - kFirstOfPerf;
+  return index < std::size(kTypesOfPerf) ? kTypesOfPerf[index] : std::string_view();
 }
 
 void RecordLosses::countRejected(std::uint32_t type, std::uint16_t size) {
@@ -81,10 +81,10 @@ void RecordLosses::countRejected(std::uint32_t type, std::uint16_t size) {
 
 void RecordLosses::countPassedOver(std::uint32_t type, const char* record, std::size_t size) {
   ++passedOver[type];
-  // In LOST an id comes ahead of the number.
-  const std::size_t place = type == kLost ? 16 : 8;
+  // In LOST an id precedes the number.
+  const std::size_t offset = type == kLost ? 16 : 8;
   std::uint64_t lost = 0;
-  if ((type != kLost && type != kLostSamples) || size < place + sizeof lost) return;
-  std::memcpy(&lost, record + place, sizeof lost);
+  if ((type != kLost && type != kLostSamples) || size < offset + sizeof lost) return;
+  std::memcpy(&lost, record + offset, sizeof lost);
   lostByKernel += lost;
 }

@@ -8,9 +8,9 @@
 #include "records/PerfFactory.h"
 
 /// The bytes of a record in the shared record buffer, little-endian, and the one gate through which they come
-/// in. Offsets count from the start of the record and may come from the recording: what lies behind the
+/// in. Offsets count from the start of the record and may come from the recording: what is beyond the
 /// buffer's end reads as 0, or as an empty text. A record that is shorter than its layout reads what an
-/// earlier one left behind it.
+/// earlier one left after it.
 class RecordView {
  public:
   /// A record as a creation function gets it: the start of PerfFactory's buffer, or of a whole record of the

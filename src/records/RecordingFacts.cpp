@@ -104,7 +104,7 @@ class Section {
     text.resize(_isGood ? std::strlen(text.c_str()) : 0);
     return text;
   }
-  /// The same behind the size of its field.
+  /// The same after the size of its field.
   std::string sizedText() { return text(number<std::uint32_t>()); }
 
  private:
@@ -155,15 +155,15 @@ void readEventNames(Section section, RecordingFacts& facts) {
   }
 }
 
-/// The places of the feature sections stand after the data section, in the order of their bits.
+/// The positions of the feature sections follow the data section, in the order of their bits.
 void readFeatures(const RegularFile& file, const std::array<std::uint64_t, kFeatureWords>& bits,
                   RecordingFacts& facts) {
-  Section places(file, facts.dataEnd, file.size());
+  Section positions(file, facts.dataEnd, file.size());
   for (unsigned int feature = 0; feature < kFeatureWords * 64; ++feature) {
     if ((bits[feature / 64] >> feature % 64 & 1) == 0) continue;
-    const auto offset = places.number<std::uint64_t>();
-    const auto size = places.number<std::uint64_t>();
-    if (!places.isGood()) return;
+    const auto offset = positions.number<std::uint64_t>();
+    const auto size = positions.number<std::uint64_t>();
+    if (!positions.isGood()) return;
     Section section(file, offset, size);
     if (feature == kOsRelease) facts.release = section.sizedText();
     if (feature == kArchitecture) facts.architecture = section.sizedText();
@@ -209,7 +209,7 @@ std::optional<RecordingFacts> readRecordingFacts(const std::string& path) {
 }
 
 std::string mappedFile(const std::string& mapName) {
-  // Other names stand for memory that no file is behind, such as "[heap]".
+  // Other names denote memory without a file, such as "[heap]".
   if (mapName.empty() || mapName.front() != '/') return {};
   return withoutDeletedMark(std::string_view(mapName).substr(mapName.rfind('/') + 1));
 }

@@ -23,7 +23,7 @@ struct RecordingFacts {
   std::uint64_t fileSize = 0;
   std::uint64_t dataOffset = 0;
   std::uint64_t dataEnd = 0;
-  bool hasEventTable = false;  ///< whether there is room for an entry ahead of the data section
+  bool hasEventTable = false;  ///< whether there is room for an entry before the data section
   bool isCompressed = false;
   std::vector<RecordedEvent> events;
   std::string release;       ///< of the recorded kernel, such as "6.1.0-50-armmp"; empty if it is not told

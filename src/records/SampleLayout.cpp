@@ -40,7 +40,7 @@ constexpr const char* kFields[] = {
 enum Field : unsigned int { ip, tid, time, addr, read, callchain, id, cpu, period, streamId, raw };
 constexpr unsigned int kIdentifier = 16;
 
-/// The order in which the fields lie in a sample. What comes later is never read.
+/// The order of the fields in a sample. What comes later is never read.
 constexpr unsigned int kOrder[] = {kIdentifier, ip,  tid,    time, addr,      id,
                                    streamId,    cpu, period, read, callchain, raw};
 

@@ -11,7 +11,7 @@ std::string sampleFields(std::uint64_t sampleType);
 
 /// Says where the event's samples part from the layout in which they are read, PerfRecordSampleS or for
 /// trace-points PerfRecordSampleEventS: "the id stands where the core is read". Empty if they do not. Fields
-/// behind those that are read do no harm.
+/// after those that are read do no harm.
 std::string misplacedField(const RecordedEvent& event);
 
 /// Whether the event is a trace-point.

@@ -101,8 +101,8 @@ void parseBaseTime(const char* argument) {
   gtodAtStart = baseTime;
 }
 
-/// Takes one end of the selected range. The answer is that end in whole seconds of the recording's clock: y =
-/// cx + g solved for x, as -c and -g stand at this moment.
+/// Takes one end of the selected range. The result is that end in whole seconds of the recording's clock: y =
+/// cx + g solved for x, with -c and -g as set by then.
 unsigned long long parseRangeEnd(const char* argument, double& end) {
   gSelectiveProcessing = true;
   end = 0.0;
@@ -110,7 +110,7 @@ unsigned long long parseRangeEnd(const char* argument, double& end) {
   return truncateToUnsigned64((end - timestampOffset) / timestampScaler);
 }
 
-// The range in nanoseconds is one second wider at either end: it is only the coarse filter ahead of the
+// The range in nanoseconds is one second wider at either end: it is only the coarse filter before the
 // charts' own.
 void parseStartTime(const char* argument) {
   gFirstTimestampToProcess = (parseRangeEnd(argument, gtodAtStart) - 1) * 1000000000;

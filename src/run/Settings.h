@@ -10,7 +10,7 @@
 // The document
 extern bool addJSONWhiteSpace;  ///< -w, -W; the first constructor argument of PerfJSONWriter
 extern bool addJSONLabels;      ///< -l, -L; the second constructor argument of PerfJSONWriter
-extern bool gReadable;          ///< -R clears it: no line break ahead of a record of the timechart document
+extern bool gReadable;          ///< -R clears it: no line break before a record of the timechart document
 
 // Time: the scales of doTimeConversion
 extern int timeConversionType;     ///< 0 raw, 1 epoch, 2 base, 3 zero, 4 y = cx + g
@@ -20,7 +20,7 @@ extern double baseTime;            ///< what scale 2 adds
 extern double systemStartTime;     ///< when the machine booted, since the epoch
 extern double gtodAtStart;         ///< the document's time zero, on the chosen scale
 extern double gtodAtStop;          ///< end of the selected range, on the chosen scale
-extern bool gSelectiveProcessing;  ///< whether the charts drop what lies outside gtodAtStart to gtodAtStop
+extern bool gSelectiveProcessing;  ///< whether the charts drop what is outside gtodAtStart to gtodAtStop
 extern unsigned long long gFirstTimestampToProcess;  ///< nanoseconds of the recording's clock, inclusive
 extern unsigned long long gLastTimestampToProcess;   ///< nanoseconds of the recording's clock, inclusive
 

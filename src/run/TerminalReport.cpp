@@ -74,7 +74,7 @@ std::string nameOf(const std::vector<RecordedEvent>& events, std::size_t index) 
   return name.empty() ? "event " + std::to_string(index + 1) : printable(name);
 }
 
-/// The texts with commas between, at most so many, and how many more there are.
+/// Returns the first texts with commas between, and how many more there are.
 std::string listed(const std::vector<std::string>& texts, std::size_t most) {
   std::string list;
   for (std::size_t i = 0; i < texts.size() && i < most; ++i) {

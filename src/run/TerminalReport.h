@@ -25,7 +25,7 @@ class TerminalReport : public RunWatcher {
   /// Whether standard error is a terminal.
   static bool isTerminal();
 
-  /// Names what the command line has behind its options.
+  /// Names what the command line has after its options.
   void tellIgnored(std::span<char* const> words);
 
   /// Looks at the recording and at the document's file, while neither is open yet, and tells what the run
@@ -45,7 +45,7 @@ class TerminalReport : public RunWatcher {
   /// The keys of all samples are final, and the samples are still there.
   void countSamples();
 
-  /// Tells what came of the recording.
+  /// Prints a summary of the conversion.
   void summarize();
 
   void recordingRead(unsigned long long offset) override;

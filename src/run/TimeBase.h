@@ -19,11 +19,11 @@ double timeToEpochBase(unsigned long long nanoseconds);
 double doTimeConversion(unsigned long long nanoseconds);
 
 /// The same for a time that the ftrace text gives in seconds. Only scale 4 knows what to make of it; the
-/// answer on every other scale is 0.0.
+/// result on every other scale is 0.0.
 double doTimeConversion(double seconds);
 
 /// A converted time relative to gtodAtStart, the document's time zero.
 double relativeToStart(double converted);
 
-/// The same, or nothing when the time lies outside the range that -s and -f selected.
+/// The same, or nothing when the time is outside the range that -s and -f selected.
 std::optional<double> selectedTime(double converted);

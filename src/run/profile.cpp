@@ -57,7 +57,7 @@ void loadKernelSymbols() {
   }
   gKernelStart = kernel->lowAddress();
   gKernelEnd = kernel->highAddress();
-  // Behind the bounds, which the vector page must not widen.
+  // After the bounds, which the vector page must not widen.
   kernel->addElement(0xFFFF0000, 0xFFFF, "*interrupt-FFFF0000*", nullptr, 0);
   SymbolTable::_kernelSymTable = kernel;
 }
@@ -114,7 +114,7 @@ void writeDescription(PerfJSONWriter& writer, const char* chip) {
 void writeProfileDocument(PerfJSONWriter& writer, TerminalReport& report) {
   writer.newElementStart(nullptr);
   writeDescription(writer, std::getenv("CHIP"));
-  // Ahead of all sections: it may still make maps and symbols.
+  // Before all sections: it may still make maps and symbols.
   PerfRecordSample::verifyKeys();
   report.stopWatching();
   report.countSamples();
@@ -134,7 +134,7 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
 }
 
 int convert(int argc, char** argv, RecordSource& records, TerminalReport& report) {
-  const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start behind it
+  const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start after it
   const SymbolTable defaultTable;
   FileNames::createEmptyRef();
 

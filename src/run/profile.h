@@ -4,7 +4,7 @@
 class RecordSource {
  public:
   virtual ~RecordSource() = default;
-  /// Called once the settings stand, before the document is opened.
+  /// Called once the settings are made, before the document is opened.
   virtual void open() = 0;
   /// Reads the event table and gives every record to the creation function of its type.
   virtual void walk() = 0;

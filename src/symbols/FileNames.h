@@ -14,7 +14,7 @@ class SymbolTableElement;
 /// number; nm as the program runs it prints none, so in an ordinary run there are no files.
 class FileNames {
  public:
-  /// The empty file, key 0, which stands in no table: what a symbol without a known source refers to.
+  /// The empty file, key 0, which is in no table: what a symbol without a known source refers to.
   FileNames();
   explicit FileNames(const char* name);
   virtual ~FileNames() = default;
@@ -22,14 +22,14 @@ class FileNames {
   /// Makes _emptyRef, once.
   static void createEmptyRef();
 
-  /// The file of that name, made on first mention; never null. A null name, or one of at most four
+  /// Returns the file of that name, made on first mention; never null. A null name, or one of at most four
   /// characters, is taken not to be a file name and gives the empty file.
   static FileNames* findOrCreate(const char* name);
 
-  /// _emptyRef, or a fresh empty file while there is none.
+  /// Returns _emptyRef, or a fresh empty file while there is none.
   static FileNames* emptyRef();
 
-  /// Notes a used symbol. The caller sees to it that each symbol comes once.
+  /// Notes a used symbol. The caller passes each symbol once.
   void markUsed(SymbolTableElement* element);
 
   /// One row: key, name, and for each used symbol its key and line. Nothing for a file without used symbols.

@@ -28,18 +28,18 @@ bool isMappingSymbol(const char* line) {
   return false;
 }
 
-/// Ends the text at the mark and answers what follows it, or null if there is no mark.
+/// Ends the text at the mark and returns what follows it, or null if there is no mark.
 char* cutAt(char* text, char mark) {
-  char* place = std::strchr(text, mark);
-  if (place == nullptr) return nullptr;
-  *place = '\0';
-  return place + 1;
+  char* found = std::strchr(text, mark);
+  if (found == nullptr) return nullptr;
+  *found = '\0';
+  return found + 1;
 }
 
 }  // namespace
 
 /// Gets the next line into _line, up to its size. False at the end, which shows only after a read has failed:
-/// that failed read leaves the last line in place, to be taken again.
+/// that failed read leaves the last line in the buffer, to be processed again.
 bool SymbolListReader::nextLine() {
   if (std::feof(_file) != 0 || std::ferror(_file) != 0) return false;
   [[maybe_unused]] const char* line = std::fgets(_line, kLineSize, _file);
@@ -58,7 +58,7 @@ bool SymbolListReader::parseLine() {
   return std::sscanf(_line, "%llx %c ", &_address, &_type) == 2;
 }
 
-/// The name in the line, or null. A type letter within the name is searched for like one ahead of it, so a
+/// The name in the line, or null. A type letter within the name is searched for like one before it, so a
 /// name that holds " T " is cut there.
 char* SymbolListReader::nameInLine() {
   for (const char* pattern : {" T ", " t ", " W ", " w "})

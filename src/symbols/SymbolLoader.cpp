@@ -22,7 +22,7 @@
 
 namespace {
 
-/// The place of the search path that stands for no directory: checkFile strips leading blanks.
+/// The entry of the search path that means no directory: checkFile strips leading blanks.
 constexpr const char* kNoDirectory = " ";
 
 constexpr std::size_t kFewestUsefulSymbols = 2;

@@ -105,14 +105,14 @@ SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
   // Recordings in the field were resolved this way, so the document must not change.
   if (middle == 0) return nullptr;
   while (low <= middle && middle <= high && middle < count) {
-    const auto place = static_cast<std::size_t>(middle);
-    const Range& range = _storage->ranges[place];
+    const auto index = static_cast<std::size_t>(middle);
+    const Range& range = _storage->ranges[index];
     if (address < range.start) {
       high = middle - 1;
     } else {
       low = middle + 1;
       // The boundary belongs to both neighbours.
-      if (address <= range.end) return &_storage->symbols[place];
+      if (address <= range.end) return &_storage->symbols[index];
     }
     middle = low + ((high - low) >> 1);
   }

@@ -39,21 +39,21 @@ class SymbolTable : public PerfFoundation {
   SymbolTableElement* addElement(unsigned long long start, unsigned long long size, std::string_view name,
                                  FileNames* file, unsigned int line);
 
-  /// The symbol that covers the address, or null, by binary search. An address on the boundary of two symbols
-  /// goes to the one probed first. Symbols out of order, such as those of kernel modules, are found by chance
-  /// only.
+  /// Returns the symbol that covers the address, or null, by binary search. An address on the boundary of two
+  /// symbols goes to the one probed first. Symbols out of order, such as those of kernel modules, are found
+  /// by chance only.
   SymbolTableElement* findElement(unsigned long long address) const;
 
-  /// The first symbol that covers the address, or null, by a scan from the front.
+  /// Returns the first symbol that covers the address, or null, by a scan from the front.
   SymbolTableElement* findElementLinear(unsigned long long address) const;
 
   static void createSyntheticTable();
 
-  /// The symbol made up for the 64 KiB unit at the address, made on first mention; later sizes and names are
-  /// dropped.
+  /// Returns the synthetic symbol of the 64 KiB page at the address, made on first mention; later sizes and
+  /// names are dropped.
   static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size,
                                                std::string_view name);
-  /// The symbol made up for the unit, or null.
+  /// Returns the synthetic symbol of the page, or null.
   static SymbolTableElement* findSyntheticEntry(unsigned long long address);
 
   /// Returns the text of a file's name, which is kept once for all its maps and tables and stays valid.
@@ -74,12 +74,12 @@ class SymbolTable : public PerfFoundation {
 
   // Loading, see SymbolLoader.cpp.
 
-  /// Replaces the search path by the ":"-separated directories. A name as it stands is always tried first;
+  /// Replaces the search path by the ":"-separated directories. A name is always tried verbatim first;
   /// pieces of one character are dropped.
   static void setPath(const std::string& path);
 
-  /// The table of a mapped file: from the cache, or by running nm over the file at each place where the
-  /// search path has it, until a place gives at least two symbols. A file that is nowhere gives an empty
+  /// Returns the table of a mapped file: from the cache, or by running nm over the file in each directory of
+  /// the search path that has it, until one gives at least two symbols. A file in none of them gives an empty
   /// table; null means that the file was found and no symbols were. Failed tries stay in the cache, so
   /// nothing is searched twice.
   static SymbolTable* findAndRead(const char* name);
@@ -101,19 +101,19 @@ class SymbolTable : public PerfFoundation {
   /// Runs nm over an existing file, if that is a regular one. Null if that gives fewer than two symbols.
   static SymbolTable* generateAndRead(const char* path);
 
-  /// Adds the symbols of a list as nm prints it, or of the kernel's table. Answers 0, or -1 if it cannot be
+  /// Adds the symbols of a list as nm prints it, or of the kernel's table. Returns 0, or -1 if it cannot be
   /// opened.
   int readFromFile(const char* path);
 
-  /// The first file of that name, whole or without its directory, at or behind place `index` of the search
-  /// path, and empty if there is none. `index` becomes the place.
+  /// Returns the first file of that name, whole or without its directory, at or after position `index` of the
+  /// search path, and empty if there is none. `index` becomes its position.
   static std::string findPathForFile(const std::string& name, int& index);
 
-  /// Joins the two and answers 1 if the result can be opened, else 0. Devices, pipes and sockets are not
+  /// Joins the two and returns 1 if the result can be opened, else 0. Devices, pipes and sockets are not
   /// opened to find out, as that may have effects of its own.
   static int checkFile(const std::string& directory, const std::string& file, std::string& result);
 
-  /// Sets baseName to what follows the last "/" and answers 1; without a "/" answers 0 and leaves it alone.
+  /// Sets baseName to what follows the last "/" and returns 1; without a "/" returns 0 and leaves it alone.
   static int stripPath(const std::string& path, std::string& baseName);
 
   unsigned long long lowAddress() const { return _lowAddress; }
@@ -148,7 +148,7 @@ class SymbolTable : public PerfFoundation {
   unsigned long long _lowAddress = ~0ULL;  ///< lowest start so far
   unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end
   const char* _fileName;                   ///< shared, see sharedName
-  SymbolTableElement _tableElement;        ///< stands for the table itself
+  SymbolTableElement _tableElement;        ///< represents the table itself
   std::unique_ptr<Storage> _storage;       ///< null until there is a symbol
 };
 

@@ -19,7 +19,7 @@ class SymbolTableElement {
   SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
                      FileNames* file, unsigned int line);
 
-  /// Counts one use; the first also tells the file. Answers the key.
+  /// Counts one use; the first also tells the file. Returns the key.
   unsigned int markUsed(unsigned long long address);
 
   /// Notes the key of a map that used this symbol, each once, in order of first use.

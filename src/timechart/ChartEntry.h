@@ -17,7 +17,7 @@ struct ChartColours {
 /// The colours of what runs on a CPU. CPUs from 4 up have none.
 ChartColours cpuColours(int cpu);
 
-/// What stands between a point's time and value. The viewer's parser is used to the blank where a task runs,
+/// The text between a point's time and value. The viewer's parser expects the blank where a task runs,
 /// and nowhere else.
 enum class PointSeparator { comma, commaAndBlank };
 

@@ -6,7 +6,7 @@
 
 class PerfJSONWriter;
 
-/// The one system-wide list of trace markers. Each of them also stands under the process that wrote it.
+/// The one system-wide list of trace markers. Each of them is also in the chart of the process that wrote it.
 class EventChart {
  public:
   void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);

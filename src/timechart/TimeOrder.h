@@ -12,7 +12,7 @@ void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Elem
   constexpr auto isBefore = [](const Element& a, const Element& b) {
     return compareChartEntries({a.time, 0}, {b.time, 0});
   };
-  // What comes ahead of the whole other run stays where it is.
+  // What precedes the whole other run stays where it is.
   start = std::upper_bound(start, middle, *middle, isBefore);
   scratch.assign(start, middle);
   for (auto left = scratch.begin(); left != scratch.end(); ++start)

@@ -19,7 +19,7 @@ class PerfJSONWriter;
 /// process ends.
 ///
 /// Times of records are raw nanoseconds of the recording's clock; the charts convert them. The add operations
-/// answer true if they made the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
+/// return true if they made the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
 class TimechartManager {
  public:
   static TimechartManager* Instance();
@@ -57,7 +57,7 @@ class TimechartManager {
   void saveLastStateForCPU(int cpu);
   int getLastStateForCPU(int cpu) const;
 
-  // The first name of a number stands. Soft interrupts are named by their vector.
+  // The first name of a number is kept. Soft interrupts are named by their vector.
   void addIrqName(int irq, const std::string& name);
   void addSirqName(int vector, const std::string& name);
   /// "IRQ" and a line on standard output for one without a name.
