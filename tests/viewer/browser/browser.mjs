@@ -14,16 +14,20 @@ export const documents = join(root, 'build/viewer/documents');
 const pictures = join(root, 'out/viewer');
 
 let browser;
-let pages = [];
+
+/** Starts the browser, which openPage uses. */
+export async function startBrowser() {
+  const executablePath = execFileSync('which', ['chromium'], { encoding: 'utf8' }).trim();
+  // Chromium's own sandbox needs a user other than root.
+  browser = await chromium.launch({ executablePath, args: process.getuid() === 0 ? ['--no-sandbox'] : [] });
+}
+
+export const endBrowser = async () => await browser?.close();
 
 /** Starts the browser before a file's tests and ends it after them. */
 export function useBrowser() {
-  before(async () => {
-    const executablePath = execFileSync('which', ['chromium'], { encoding: 'utf8' }).trim();
-    // Chromium's own sandbox needs a user other than root.
-    browser = await chromium.launch({ executablePath, args: process.getuid() === 0 ? ['--no-sandbox'] : [] });
-  });
-  after(async () => await browser?.close());
+  before(startBrowser);
+  after(endBrowser);
 }
 
 /** Opens the page in a window of its own; `complaints` holds what went wrong there, and any request that it made. */
