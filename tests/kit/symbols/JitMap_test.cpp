@@ -1,6 +1,7 @@
 #include "symbols/JitMap.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "kit/symbols/ElfWorkshop.h"
 
@@ -36,6 +37,10 @@ TEST(JitMap, IsLookedForBelowTheRoot) {
   const std::string root = workshop.path("root");
   std::size_t badLines = 0;
   EXPECT_EQ(readJitMap(findJitMap(root, 12), badLines)[0], (Symbol{0x10, 4, "made"}));
+  if (geteuid() == 0) {
+    workshop.run("cp root/tmp/perf-12.map root/tmp/perf-15.map && chown 65534 root/tmp/perf-15.map");
+    EXPECT_EQ(findJitMap(root, 15), "") << "anybody may write to /tmp";
+  }
   for (const unsigned pid : {1u, 13u, 14u}) EXPECT_EQ(findJitMap(root, pid), "");
 }
 

@@ -17,6 +17,10 @@ extern "C" __attribute__((noinline)) int plain_name(int value) {  // line 16
   return fixture::Shape{value}.twice(2);
 }
 
+// Other names of the same function, of which none is the better one.
+extern "C" int __plain_name_of_the_library(int) __attribute__((alias("plain_name")));
+extern "C" int plain_name_that_may_be_replaced(int) __attribute__((weak, alias("plain_name")));
+
 // A function of unknown size, data marks as on ARM, and a gap that belongs to nobody.
 asm(R"(
   .text
