@@ -15,13 +15,24 @@ constexpr std::uint64_t kKernelMarker = ~std::uint64_t{0} - 127;
 constexpr std::uint64_t kUserMarker = ~std::uint64_t{0} - 511;
 constexpr std::uint64_t kDeferredMarker = ~std::uint64_t{0} - 639;
 
-constexpr std::uint64_t kPage = 0x1000;
 /// The lowest kernel address of any 64-bit machine; user space ends far below.
 constexpr std::uint64_t kWideKernel = 0xFF00000000000000;
 
 Mode modeAfter(std::uint64_t marker) {
   if (marker == kUserMarker) return Mode::user;
   return marker == kKernelMarker ? Mode::kernel : Mode::hypervisor;
+}
+
+/// Returns the index of the last number that is not above the sought one, or 0. Every entry of every
+/// back-trace comes by here, in no order that branches could be predicted by: the loop has none but its end.
+std::size_t notAbove(const std::vector<std::uint64_t>& ascending, std::uint64_t sought) {
+  const std::uint64_t* first = ascending.data();
+  for (std::size_t count = ascending.size(); count > 1;) {
+    const std::size_t half = count / 2;
+    first = first[half] <= sought ? first + half : first;
+    count -= half;
+  }
+  return static_cast<std::size_t>(first - ascending.data());
 }
 
 }  // namespace
@@ -199,19 +210,26 @@ void Layout::addTrace(Process& process, const Sample&, const Chain& chain, Mode 
   }
 }
 
-/// Returns how the addresses around this one move, or null if no mapping holds it.
+/// Returns how the addresses around this one move, or null if no mapping holds it. The answer lasts until the
+/// next one.
 const Process::Shift* Layout::shiftOf(Process& process, std::uint64_t address) {
-  if (!process.shifts) process.shifts = std::make_unique<std::array<Process::Shift, 64>>();
-  const std::uint64_t page = address / kPage;
-  Process::Shift& shift = (*process.shifts)[page % process.shifts->size()];
-  if (shift.page == page) return &shift;
+  const std::size_t index = notAbove(process.starts, address);
+  if (index < process.shifts.size()) {
+    const Process::Shift& known = process.shifts[index];
+    if (process.starts[index] <= address && address < known.end) return &known;
+  }
+  return learnShift(process, address);
+}
+
+/// The same for a mapping that no sample has touched since the process's mappings changed.
+const Process::Shift* Layout::learnShift(Process& process, std::uint64_t address) {
   const AddressSpace::Mapping* mapping = process.space->find(address);
-  if (mapping == nullptr) return nullptr;
-  if (!place(process, *mapping, shift)) return nullptr;
-  // A page of which the mapping holds a part only is looked up again.
-  const bool whole = mapping->start <= page * kPage && (page + 1) * kPage <= mapping->end;
-  shift.page = whole ? page : ~std::uint64_t{0};
-  return &shift;
+  Process::Shift shift;
+  if (mapping == nullptr || !place(process, *mapping, shift)) return nullptr;
+  const auto next = std::upper_bound(process.starts.begin(), process.starts.end(), mapping->start);
+  const auto at = process.shifts.insert(process.shifts.begin() + (next - process.starts.begin()), shift);
+  process.starts.insert(next, mapping->start);
+  return &*at;
 }
 
 bool Layout::place(Process& process, const AddressSpace::Mapping& mapping, Process::Shift& shift) {
@@ -224,6 +242,7 @@ bool Layout::place(Process& process, const AddressSpace::Mapping& mapping, Proce
     process.places[in.file] = placed;
   }
   if (!placed.placed) return false;
+  shift.end = mapping.end;
   shift.file = in.file;
   shift.toSymbol = in.address - mapping.start;
   shift.shift = placed.start - _files[in.file].low + shift.toSymbol;

@@ -65,6 +65,7 @@ class Layout : public EventSink {
   [[nodiscard]] bool isKernel(Mode mode, std::uint64_t address) const;
   std::uint64_t moved(Process& process, std::uint64_t address);
   const Process::Shift* shiftOf(Process& process, std::uint64_t address);
+  const Process::Shift* learnShift(Process& process, std::uint64_t address);
   bool place(Process& process, const AddressSpace::Mapping& mapping, Process::Shift& shift);
   PlacedFile placeFile(Process& process, std::size_t file, std::uint64_t firstAddress);
   std::uint64_t movedIp(Process& process, const Sample& sample);

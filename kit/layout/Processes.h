@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -10,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "layout/AddressSpace.h"
 #include "layout/SeededHash.h"
@@ -31,12 +31,12 @@ struct PlacedFile {
 
 /// A process as it is at one moment of the recording.
 struct Process {
-  /// How far the addresses of a page move, for the pages asked for last.
+  /// How the addresses of a mapping move.
   struct Shift {
-    std::uint64_t page = ~std::uint64_t{0};
-    std::uint64_t shift = 0;
-    std::size_t file = 0;
+    std::uint64_t end = 0;       ///< the first address after the mapping
+    std::uint64_t shift = 0;     ///< what takes a recorded address to that in the records made
     std::uint64_t toSymbol = 0;  ///< what takes a recorded address to the symbol's
+    std::size_t file = 0;        ///< index into MappedFiles
   };
 
   std::uint32_t pid = 0;
@@ -45,10 +45,15 @@ struct Process {
   std::map<std::uint32_t, Thread> threads;
   std::map<std::size_t, PlacedFile> places;                     ///< by file
   std::set<std::pair<std::uint64_t, std::uint64_t>> toldMoves;  ///< old and new starts of mappings told
-  std::unique_ptr<std::array<Shift, 64>> shifts;
+  /// Of the mappings that samples have touched since the last change: starts, ascending, and the rest.
+  std::vector<std::uint64_t> starts;
+  std::vector<Shift> shifts;
 
   /// Forgets what followed from the mappings.
-  void mappingsChanged() { shifts.reset(); }
+  void mappingsChanged() {
+    starts.clear();
+    shifts.clear();
+  }
 };
 
 /// The processes of a recording, who descends from whom and what each has mapped.

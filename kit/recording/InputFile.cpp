@@ -13,9 +13,6 @@ namespace zelkit {
 
 namespace {
 
-/// Pages are given back in steps of this size, as each step is a call of the kernel.
-constexpr std::uint64_t kReleaseStep = std::uint64_t{8} << 20;
-
 [[noreturn]] void fail(const std::string& path) {
   throw std::runtime_error(path + ": " + std::strerror(errno));
 }
@@ -69,12 +66,9 @@ void InputFile::readWhole(int fd) {
   _bytes = _copy;
 }
 
-void InputFile::release(std::uint64_t offset) {
-  if (!_copy.empty() || offset < _released + kReleaseStep) return;
-  const std::uint64_t end = offset / kReleaseStep * kReleaseStep;
-  madvise(const_cast<char*>(_bytes.data()) + _released, static_cast<std::size_t>(end - _released),
-          MADV_DONTNEED);
-  _released = end;
+void InputFile::release() {
+  if (_copy.empty() && !_bytes.empty())
+    madvise(const_cast<char*>(_bytes.data()), _bytes.size(), MADV_DONTNEED);
 }
 
 }  // namespace zelkit

@@ -22,10 +22,8 @@ class InputFile {
   [[nodiscard]] const std::string& path() const { return _path; }
   [[nodiscard]] std::string_view bytes() const { return _bytes; }
 
-  /// Gives the memory of the pages before the offset back; they are read again when they are used again.
-  void release(std::uint64_t offset);
-  /// Starts over after a walk that released pages.
-  void rewind() { _released = 0; }
+  /// Gives the memory of all pages back; they are read again when they are used again.
+  void release();
 
  private:
   void map(int fd, std::size_t size);
@@ -34,7 +32,6 @@ class InputFile {
   std::string _path;
   std::string _copy;  ///< of what cannot be mapped
   std::string_view _bytes;
-  std::uint64_t _released = 0;
 };
 
 }  // namespace zelkit

@@ -16,9 +16,11 @@ constexpr std::uint32_t kExecutableProtection = 4;
 constexpr std::uint32_t kMadeCode = 0x4000;
 constexpr std::uint64_t kLongestBuildId = 20;
 constexpr std::uint64_t kProgressStep = std::uint64_t{4} << 20;
+/// After so many bytes the pages of the file are given back, whose records may be far apart.
+constexpr std::uint64_t kReleaseStep = std::uint64_t{16} << 20;
 
 Record recordAt(const char* place) {
-  // Its size was checked when it was queued.
+  // Its size was checked when it was read.
   Record record;
   std::size_t size = 0;
   Record::first({place, 1 << 16}, record, size);
@@ -43,15 +45,29 @@ void RecordWalk::run() {
       queue(record, _reader.place());
     }
     report(_reader.position());
+    use(record);
   }
   if (!_reader.damage().empty()) _recording.note(_reader.damage());
-  _order.finish([this](const TimeOrder::Entry& entry) { emit(recordAt(entry.place)); });
+  _order.finish([this](const TimeOrder::Entry& entry) { emitAt(entry.place); });
+}
+
+void RecordWalk::emitAt(const char* place) {
+  const Record record = recordAt(place);
+  emit(record);
+  use(record);
+}
+
+/// Counts bytes of the file that were looked at.
+void RecordWalk::use(const Record& record) {
+  _used += record.body.size() + Record::kHeaderSize;
+  if (_used < kReleaseStep) return;
+  _used = 0;
+  _recording._file.release();
 }
 
 void RecordWalk::report(std::uint64_t done) {
   if (done < _reported + kProgressStep) return;
   _reported = done;
-  if (_order.pending().empty()) _recording._file.release(_recording._header.data.offset + done);
   if (_progress) _progress(done, _recording._header.data.size);
 }
 
@@ -69,7 +85,7 @@ std::uint64_t RecordWalk::timeOf(const Record& record) {
 }
 
 void RecordWalk::finishRound() {
-  _order.finishRound([this](const TimeOrder::Entry& entry) { emit(recordAt(entry.place)); });
+  _order.finishRound([this](const TimeOrder::Entry& entry) { emitAt(entry.place); });
   std::vector<const char*> places;
   for (const TimeOrder::Entry& entry : _order.pending()) places.push_back(entry.place);
   _reader.keepOnly(places);

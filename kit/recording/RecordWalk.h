@@ -16,6 +16,8 @@ class RecordWalk {
   void queue(const Record& record, const char* place);
   [[nodiscard]] std::uint64_t timeOf(const Record& record);
   void finishRound();
+  void emitAt(const char* place);
+  void use(const Record& record);
   void emit(const Record& record);
   void emitSample(const Record& record);
   void emitMapping(const Record& record);
@@ -32,6 +34,7 @@ class RecordWalk {
   RecordReader _reader;
   TimeOrder _order;
   std::uint64_t _reported = 0;
+  std::uint64_t _used = 0;
 };
 
 }  // namespace zelkit

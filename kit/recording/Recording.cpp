@@ -70,9 +70,15 @@ void Recording::readFeatures() {
 /// Goes once through the data for the records of perf and Android themselves, which describe all others and
 /// may come after them.
 void Recording::readOwnRecords() {
+  constexpr std::size_t releaseStep = std::size_t{16} << 20;
   RecordReader reader(data(), false);
+  std::size_t released = 0;
   Record record;
   while (reader.next(record)) {
+    if (reader.position() > released + releaseStep) {
+      released = reader.position();
+      _file.release();
+    }
     if (record.type < kFirstOfPerf) continue;
     const std::string_view whole(reader.place(), record.body.size() + Record::kHeaderSize);
     takeOwnRecord(record, whole, reader.tracingData());
@@ -149,7 +155,6 @@ void Recording::takeCallChain(std::string_view body) {
 }
 
 void Recording::walk(EventSink& sink, const Progress& progress) {
-  _file.rewind();
   RecordWalk(*this, sink, progress).run();
 }
 

@@ -66,6 +66,7 @@ void runThreads() {
   for (std::thread& thread : threads) thread.join();
 }
 
+#ifndef RECORDED_STATIC
 /// Loads two libraries by turns, so that their code comes to lie at one address.
 void loadAndUnload(const char* const* paths) {
   int turn = 0;
@@ -77,6 +78,7 @@ void loadAndUnload(const char* const* paths) {
     dlclose(library);
   });
 }
+#endif
 
 }  // namespace
 
@@ -88,8 +90,10 @@ int main(int count, char** arguments) {
     runThreads();
   } else if (way == "deep") {
     keepBusy(300, [] { result = recurse(40); });
+#ifndef RECORDED_STATIC
   } else if (way == "load") {
     loadAndUnload(arguments + 2);
+#endif
   } else {
     keepBusy(300, sortAndScramble);
   }
