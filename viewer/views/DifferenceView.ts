@@ -4,7 +4,7 @@ import type { Selection } from '../model/Selection';
 import { button, element, isDark, shortName } from './dom';
 import { FlamePane, type FlameLook } from './FlamePane';
 import { formatShare } from '../model/axis';
-import { ProfileBar } from './ProfileBar';
+import { type LegendEntry, ProfileBar } from './ProfileBar';
 import { cellsOf, RowList } from './RowList';
 import type { State } from './store';
 import { type App, samplesChanged, type View } from './View';
@@ -19,6 +19,12 @@ interface Change {
 
 /** Steps between "all gone" and "all new". */
 const steps = 8;
+
+const legend: readonly LegendEntry[] = [
+  [(dark) => palette(dark)[0], 'less than before'],
+  [(dark) => palette(dark)[steps], 'the same'],
+  [(dark) => palette(dark)[2 * steps], 'more than before'],
+];
 
 /** What changed from one profile to another: red is more than before, blue is less. */
 export class DifferenceView implements View {
@@ -43,7 +49,7 @@ export class DifferenceView implements View {
     const swap = button('Swap', 'Exchange before and after', () =>
       app.store.set({ profile: app.store.state.baseline, baseline: app.store.state.profile }),
     );
-    this.bar = new ProfileBar(host, app, swap);
+    this.bar = new ProfileBar(host, app, [swap], legend);
     const halves = element('div', { class: 'side-by-side' });
     const flame = element('div', { class: 'half' });
     const table = element('div', { class: 'half column difference-table' });
@@ -187,8 +193,8 @@ export class DifferenceView implements View {
 function palette(dark: boolean): string[] {
   return Array.from({ length: 2 * steps + 1 }, (_, index) => {
     const part = Math.abs(index - steps) / steps;
-    const hue = index < steps ? 215 : 5;
+    const hue = index <= steps ? 215 : 5;
     const lightness = dark ? 32 + 10 * part : 90 - 24 * part;
-    return `hsl(${hue} ${Math.round(12 + 68 * part)}% ${lightness}%)`;
+    return `hsl(${hue} ${Math.round(6 + 74 * part)}% ${lightness}%)`;
   });
 }

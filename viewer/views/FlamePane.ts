@@ -18,6 +18,8 @@ export interface FlameLook {
 const rowHeight = 18;
 /** Boxes narrower than this many pixels are left out. */
 const leastWidth = 0.5;
+/** A shorter beginning of a name tells nothing. */
+const fewestLetters = 4;
 const leastText = 28;
 const fontFamily = 'system-ui, sans-serif';
 const fontSize = 12;
@@ -46,7 +48,7 @@ export class FlamePane {
   private scroll = 0;
   private width = 0;
   private height = 0;
-  private textWidths = new Map<string, number>();
+  private readonly textWidths = new Map<string, number>();
   private drag: { x: number; y: number; moved: boolean } | null = null;
 
   constructor(
@@ -261,15 +263,24 @@ export class FlamePane {
   /** Returns as much of the name as fits. */
   private fitted(context: CanvasRenderingContext2D, name: string, room: number): string {
     const short = shortName(name);
-    let width = this.textWidths.get(short);
+    const width = this.textWidth(context, short);
+    if (width <= room) return short;
+    // Letters differ in width: the estimate may be a few too many.
+    for (let letters = Math.floor((short.length * room) / width); letters >= fewestLetters; --letters) {
+      const cut = `${short.slice(0, letters - 1)}…`;
+      if (this.textWidth(context, cut) <= room) return cut;
+    }
+    return '';
+  }
+
+  private textWidth(context: CanvasRenderingContext2D, text: string): number {
+    let width = this.textWidths.get(text);
     if (width === undefined) {
       if (this.textWidths.size > 20000) this.textWidths.clear();
-      width = context.measureText(short).width;
-      this.textWidths.set(short, width);
+      width = context.measureText(text).width;
+      this.textWidths.set(text, width);
     }
-    if (width <= room) return short;
-    const letters = Math.floor((short.length * room) / width) - 1;
-    return letters < 2 ? '' : `${short.slice(0, letters)}…`;
+    return width;
   }
 
   /** Chooses a node, tells it, and brings it into view; returns true for the callers' convenience. */

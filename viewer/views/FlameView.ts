@@ -37,16 +37,14 @@ export class FlameView implements View {
       made.setAttribute('aria-pressed', 'false');
       return made;
     };
-    this.bar = new ProfileBar(
-      host,
-      app,
+    this.bar = new ProfileBar(host, app, [
       toggle('Inverted', 'By what called the places that took the samples', () => (this.inverted = !this.inverted)),
       toggle('Root at bottom', 'Grow from the bottom to the top', () => {
         this.upward = !this.upward;
         this.pane.setUpward(this.upward);
         return this.upward;
       }),
-    );
+    ]);
     this.pane = new FlamePane(host, app, false, (node) => this.openNode(node), 'Flame graph; arrow keys walk it, Enter zooms');
   }
 

@@ -55,7 +55,7 @@ export class FunctionsView implements View {
       spellcheck: 'false',
       input: () => this.change(() => (this.text = text.value)),
     });
-    this.bar = new ProfileBar(host, app, by, text);
+    this.bar = new ProfileBar(host, app, [by, text]);
     host.append(element('div', { class: 'row head', role: 'row' }, ...columns.map((column) => this.head(...column))));
     const repaint = () => app.store.repaint(this.paint);
     this.list = new RowList(host, 'grid', 'Functions', repaint, (row, index) => this.fill(row, index), {

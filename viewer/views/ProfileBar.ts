@@ -8,6 +8,11 @@ import type { App } from './View';
 
 const shownKinds = [PlaceKind.Kernel, PlaceKind.User, PlaceKind.Unresolved, PlaceKind.Synthetic, PlaceKind.Cut];
 
+/** A colour on a light or a dark page, and what it means. */
+export type LegendEntry = readonly [(dark: boolean) => string, string];
+
+const kindLegend = shownKinds.map((kind): LegendEntry => [(dark) => kindColour(kind, dark), kindNames[kind]]);
+
 /** The line above every profile view: what is counted, the filters, the legend, and the view's own controls. */
 export class ProfileBar {
   private readonly counted = element('span', { class: 'counted' });
@@ -17,7 +22,12 @@ export class ProfileBar {
   private darkLegend: boolean | null = null;
   private readonly legend = element('span', { class: 'legend' });
 
-  constructor(host: HTMLElement, app: App, ...controls: readonly Node[]) {
+  constructor(
+    host: HTMLElement,
+    app: App,
+    controls: readonly Node[] = [],
+    private readonly entries: readonly LegendEntry[] = kindLegend,
+  ) {
     const { store } = app;
     this.text = element('input', {
       type: 'search',
@@ -54,10 +64,10 @@ export class ProfileBar {
     const dark = isDark();
     if (dark === this.darkLegend) return;
     this.darkLegend = dark;
-    const items = shownKinds.map((kind) => {
+    const items = this.entries.map(([colour, meaning]) => {
       const swatch = element('i', { class: 'swatch' });
-      swatch.style.background = kindColour(kind, dark);
-      return element('span', {}, swatch, kindNames[kind]);
+      swatch.style.background = colour(dark);
+      return element('span', {}, swatch, meaning);
     });
     this.legend.replaceChildren(...items);
   }

@@ -20,7 +20,7 @@ const hues: Record<PlaceKind, Hue> = {
 };
 /** Cut back-traces stand out from all places, so that nobody takes their end for a beginning. */
 const cutDarkening = 22;
-const cutLightening = 16;
+const cutLightening = 8;
 
 export const kindNames: Record<PlaceKind, string> = {
   [PlaceKind.Kernel]: 'kernel',
