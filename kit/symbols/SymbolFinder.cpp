@@ -117,16 +117,16 @@ class Search {
   }
 
   void lookForDebugFiles() {
-    const std::string buildId =
-        _outcome.found() && !_outcome.elf.buildId.empty() ? _outcome.elf.buildId : _buildId;
-    const std::string link = linkName(buildId);
+    const bool known = _outcome.found() && !_outcome.elf.buildId.empty();
+    const std::string link = linkName(known ? _outcome.elf.buildId : _buildId);
+    const std::vector<std::string> linkedNames = debugLinkNames();
     for (const std::string& root : _roots) {
       if (!link.empty()) {
         considerDebugFile(root, "usr/lib/debug/.build-id/" + link + ".debug");
         considerDebugFile(root, ".build-id/" + link + ".debug");
         considerDebugFile(root, ".build-id/" + link + "/debug");
       }
-      if (_outcome.found() && !_outcome.elf.debugLink.empty()) lookForDebugLink(root);
+      for (const std::string& name : linkedNames) considerDebugLink(root, name);
     }
   }
 
@@ -143,16 +143,19 @@ class Search {
     }
   }
 
-  void lookForDebugLink(const std::string& root) {
-    const std::string link = _outcome.elf.debugLink;
+  /// Where the file that the debug link means may be.
+  [[nodiscard]] std::vector<std::string> debugLinkNames() const {
+    if (!_outcome.found() || _outcome.elf.debugLink.empty()) return {};
+    const std::string& link = _outcome.elf.debugLink;
     const std::string folder(folderOf(_name));
-    for (const std::string& name :
-         {folder + link, folder + ".debug/" + link, "usr/lib/debug/" + folder + link, link}) {
-      const std::optional<Candidate> candidate = open(resolveBelow(root, name));
-      if (!candidate || gain(_outcome.elf, candidate->elf) <= _gain) continue;
-      const bool sure = !_outcome.elf.buildId.empty() && _outcome.elf.buildId == candidate->elf.buildId;
-      if (sure || hasChecksum(candidate->path, _outcome.elf.debugLinkCrc)) add(*candidate);
-    }
+    return {folder + link, folder + ".debug/" + link, "usr/lib/debug/" + folder + link, link};
+  }
+
+  void considerDebugLink(const std::string& root, const std::string& name) {
+    const std::optional<Candidate> candidate = open(resolveBelow(root, name));
+    if (!candidate || gain(_outcome.elf, candidate->elf) <= _gain) return;
+    const bool sure = !_outcome.elf.buildId.empty() && _outcome.elf.buildId == candidate->elf.buildId;
+    if (sure || hasChecksum(candidate->path, _outcome.elf.debugLinkCrc)) add(*candidate);
   }
 
   void askServers() {
