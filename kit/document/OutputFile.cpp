@@ -1,11 +1,8 @@
 #include "document/OutputFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 
@@ -13,33 +10,25 @@ namespace zelkit {
 
 namespace {
 
-/// Files that programs make have these rights less the user's mask, and a temporary file would have fewer.
-constexpr mode_t kUsualMode = 0666;
-
-mode_t maskedMode() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return kUsualMode & ~mask;
+bool isPipeOrDevice(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path) : _path(path) {
+OutputFile::OutputFile(const std::string& path, const std::string& input) : _path(path) {
   if (path == "-") {
     _file = stdout;
     return;
   }
-  _temporary = path + ".XXXXXX";
-  const int descriptor = mkostemp(_temporary.data(), O_CLOEXEC);
-  if (descriptor < 0) fail();
-  fchmod(descriptor, maskedMode());
-  _file = fdopen(descriptor, "w");
+  if (!isPipeOrDevice(path)) _place.emplace(path, input);
+  _file = std::fopen(_place ? _place->path().c_str() : path.c_str(), "we");
+  if (_file == nullptr) fail();
 }
 
 OutputFile::~OutputFile() {
-  if (_temporary.empty()) return;
-  if (_file != nullptr) std::fclose(_file);
-  unlink(_temporary.c_str());
+  if (_file != nullptr && _file != stdout) std::fclose(_file);
 }
 
 void OutputFile::write(std::string_view bytes) {
@@ -47,14 +36,14 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 void OutputFile::commit() {
-  if (_temporary.empty()) {
-    if (std::fflush(_file) != 0) fail();
+  std::FILE* const file = _file;
+  if (file == stdout) {
+    if (std::fflush(file) != 0) fail();
     return;
   }
-  std::FILE* const file = _file;
   _file = nullptr;
-  if (std::fclose(file) != 0 || std::rename(_temporary.c_str(), _path.c_str()) != 0) fail();
-  _temporary.clear();
+  if (std::fclose(file) != 0) fail();
+  if (_place) _place->commit();
 }
 
 void OutputFile::fail() const {

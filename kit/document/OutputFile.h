@@ -2,18 +2,19 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "document/NewFile.h"
+
 namespace zelkit {
 
-/// A file that is written beside its place and renamed at the end, so that nobody finds half of it and a
-/// failed run leaves what was there. "-" is standard output.
+/// A new file. "-" is standard output, and a path of a pipe or device is written to as it is.
 class OutputFile {
  public:
-  /// Throws std::runtime_error with "PATH: reason".
-  explicit OutputFile(const std::string& path);
-  /// Removes what was written, unless it was committed.
+  /// Throws std::runtime_error with "PATH: reason", also if the path is the input's; an empty input is none.
+  explicit OutputFile(const std::string& path, const std::string& input = {});
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -26,7 +27,8 @@ class OutputFile {
   [[noreturn]] void fail() const;
 
   std::string _path;
-  std::string _temporary;
+  /// None for what is no regular file.
+  std::optional<NewFile> _place;
   std::FILE* _file = nullptr;
 };
 

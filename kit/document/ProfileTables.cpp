@@ -19,6 +19,7 @@ auto find(const Table& table, std::uint32_t key) -> decltype(&table.begin()->sec
 
 void ProfileTables::process(const ProcessRow& row) {
   _processes[row.key] = {row.pid, row.tid, std::string(row.name)};
+  if (row.pid == row.tid) _mainNames[row.pid] = row.name;
 }
 
 void ProfileTables::library(const LibraryRow& row) {
@@ -48,6 +49,13 @@ const ProfileTables::Library* ProfileTables::findLibrary(std::uint32_t key) cons
 
 const ProfileTables::Function* ProfileTables::findFunction(std::uint32_t key) const {
   return find(_functions, key);
+}
+
+std::string ProfileTables::processName(std::uint32_t key) const {
+  const Process* process = findProcess(key);
+  if (process == nullptr) return "[unknown]";
+  const std::string* main = find(_mainNames, process->pid);
+  return main != nullptr ? *main : process->name;
 }
 
 std::string ProfileTables::frameName(std::uint32_t key) const {

@@ -48,6 +48,10 @@ class ProfileTables : public DocumentVisitor {
   const Library* findLibrary(std::uint32_t key) const;
   const Function* findFunction(std::uint32_t key) const;
 
+  /// Returns the name of the process to which the thread of that key belongs: the latest of its main thread,
+  /// or the thread's own if the document does not name that.
+  std::string processName(std::uint32_t key) const;
+
   /// Returns the name to show for the key of a sample or of a back-trace entry: that of the function, or
   /// "[in LIBRARY]" where only the library is known.
   std::string frameName(std::uint32_t key) const;
@@ -61,6 +65,8 @@ class ProfileTables : public DocumentVisitor {
 
  private:
   std::map<std::uint32_t, Process> _processes;
+  /// Names of main threads, by process.
+  std::map<std::uint32_t, std::string> _mainNames;
   std::map<std::uint32_t, Library> _libraries;
   std::map<std::uint32_t, Function> _functions;
   /// Files come before the functions that they hold.

@@ -59,6 +59,8 @@ int inChildProcess(const std::function<void(std::string&)>& work, std::string& r
   if (child < 0) throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
   if (child == 0) {
     ::close(ends[0]);
+    // The engine complains on standard output, where a verb's own output may go.
+    dup2(STDERR_FILENO, STDOUT_FILENO);
     runChild(work, ends[1]);
   }
   ::close(ends[1]);

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "base/MachineFiles.h"
+#include "document/NewFile.h"
 #include "document/OutputFile.h"
 #include "layout/Layout.h"
 #include "run/Settings.h"
@@ -14,7 +15,6 @@
 #include "verbs/EngineRecords.h"
 #include "verbs/KernelSymbols.h"
 #include "verbs/Names.h"
-#include "verbs/NewFile.h"
 #include "verbs/Progress.h"
 #include "verbs/Report.h"
 

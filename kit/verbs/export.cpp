@@ -39,7 +39,7 @@ class ExportVerb : public Verb {
       std::fprintf(stderr, "zelkit: %s holds one document\n", _format.c_str());
       return Status::kUsage;
     }
-    OutputFile output(_output);
+    OutputFile output(_output, _documents.front());
     const std::unique_ptr<Exporter> exporter = format->makeExporter(output);
     for (const std::string& name : _documents) take(name, *format, *exporter);
     exporter->finish();

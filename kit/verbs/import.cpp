@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "document/NewFile.h"
 #include "document/OutputFile.h"
 #include "layout/Layout.h"
 #include "layout/OldFile.h"
@@ -10,7 +11,6 @@
 #include "verbs/Choice.h"
 #include "verbs/KernelSymbols.h"
 #include "verbs/Names.h"
-#include "verbs/NewFile.h"
 #include "verbs/Progress.h"
 #include "verbs/Report.h"
 #include "verbs/Verb.h"

@@ -7,6 +7,7 @@
 #include "layout/OldRecords.h"
 #include "tracepoints/OldPayloads.h"
 #include "verbs/Choice.h"
+#include "verbs/Printable.h"
 #include "verbs/Source.h"
 #include "verbs/Survey.h"
 #include "verbs/Verb.h"
@@ -14,13 +15,6 @@
 namespace zelkit {
 
 namespace {
-
-/// A text of the recording that a terminal can be trusted with.
-std::string printable(std::string text) {
-  for (char& c : text)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-  return text;
-}
 
 void line(const char* name, const std::string& text) {
   if (!text.empty()) std::printf("%-12s %s\n", name, printable(text).c_str());

@@ -1,4 +1,4 @@
-#include "verbs/NewFile.h"
+#include "document/NewFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ bool areOneFile(const std::string& left, const std::string& right) {
 }  // namespace
 
 NewFile::NewFile(const std::string& path, const std::string& input) : _path(path) {
-  if (areOneFile(path, input)) fail(path, "is the recording itself, which writing would destroy");
+  if (areOneFile(path, input)) fail(path, "is the input itself, which writing would destroy");
   struct stat status {};
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) fail(path, "is no regular file");
   _temporary = path + ".XXXXXX";

@@ -4,13 +4,13 @@
 
 namespace zelkit {
 
-/// A place beside a file's own, at which somebody else writes it, and from which it is renamed when it is
-/// whole.
+/// A place beside a file's own, at which it is written, and from which it is renamed when it is whole: nobody
+/// finds half of it, and a failed run leaves what was there.
 class NewFile {
  public:
   /// Throws std::runtime_error with "PATH: reason", also if the path is the input's: writing would destroy
-  /// it.
-  NewFile(const std::string& path, const std::string& input);
+  /// it. An empty input is none.
+  explicit NewFile(const std::string& path, const std::string& input = {});
   /// Removes what was written, unless it was committed.
   ~NewFile();
   NewFile(const NewFile&) = delete;

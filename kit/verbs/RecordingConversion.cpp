@@ -1,0 +1,59 @@
+#include "verbs/RecordingConversion.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+namespace zelkit {
+
+namespace {
+
+std::vector<Kind> wanted(const std::string& mode, const Choice& choice) {
+  if (mode.empty() || mode == "both") return choice.documents;
+  const Kind kind = mode == "profile" ? Kind::profile : Kind::timechart;
+  const std::uint64_t samples = kind == Kind::profile ? choice.plainSamples : choice.tracePoints;
+  return samples != 0 ? std::vector<Kind>{kind} : std::vector<Kind>{};
+}
+
+Status nothing(const Recording& recording, const std::string& mode) {
+  std::fprintf(stderr, "zelkit: %s: nothing to show%s; zelkit info tells what is in it\n",
+               recording.path().c_str(), mode.empty() ? "" : (" in mode " + mode).c_str());
+  for (const std::string& damage : recording.damage())
+    std::fprintf(stderr, "zelkit:   damaged: %s\n", damage.c_str());
+  return Status::kNothingCameOut;
+}
+
+}  // namespace
+
+void ConversionOptions::addTo(CLI::App& command) {
+  command.add_option("--mode", mode, "profile, timechart or both; without it what the recording holds")
+      ->check(CLI::IsMember({"profile", "timechart", "both"}));
+  command.add_option("--machine", machine,
+                     "folder with kallsyms, softirqs, uptime, trace and files of the device");
+  command.add_option("--symbols", request.symbolFolders, "folder with programs and libraries, repeatable");
+  command.add_option("--event", event, "the event whose samples the profile shows; the first without it");
+  command.add_option("--depth", request.depth, "entries of a back-trace that are kept")
+      ->check(CLI::Range(1, 127))
+      ->capture_default_str();
+}
+
+Status convertRecording(const std::string& input, const ConversionOptions& options,
+                        const std::function<std::string(Kind kind, bool isSecond)>& pathOf,
+                        std::vector<MadeDocument>& made) {
+  Source source(input);
+  const Survey survey(source.recording());
+  source.chooseMachine(options.machine, survey);
+  const OldPayloads payloads(source.recording().info());
+  const Choice choice = choose(source.recording(), survey, payloads, options.event);
+  const std::vector<Kind> kinds = wanted(options.mode, choice);
+  if (kinds.empty()) return nothing(source.recording(), options.mode);
+  Conversion conversion(source, survey, payloads, choice, options.request);
+  for (const Kind kind : kinds) {
+    MadeDocument document{kind, pathOf(kind, kind == Kind::timechart && kinds.size() > 1), {}};
+    if (const Status status = conversion.make(kind, document.path, document.report); status != Status::kDone)
+      return status;
+    made.push_back(std::move(document));
+  }
+  return Status::kDone;
+}
+
+}  // namespace zelkit
