@@ -1,6 +1,6 @@
 /** What the tests use of node, for the check of types. */
 declare module 'node:test' {
-  export function test(name: string, body: () => void | Promise<void>): void;
+  export function test(name: string, body: () => void|Promise<void>): void;
   export function describe(name: string, body: () => void): void;
 }
 declare module 'node:assert/strict' {
@@ -22,7 +22,5 @@ declare module 'node:fs' {
   export function readFileSync(path: string, encoding: string): string;
   export function existsSync(path: string): boolean;
 }
-declare module 'node:zlib' {
-  export function gzipSync(data: Uint8Array | string): Uint8Array;
-}
-declare const process: { readonly env: Record<string, string | undefined> };
+declare module 'node:zlib' { export function gzipSync(data: Uint8Array|string): Uint8Array; }
+declare const process: { readonly env: Record<string, string|undefined>};

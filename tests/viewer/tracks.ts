@@ -1,8 +1,9 @@
-import type { Entry } from '../../viewer/document/timechart';
-import { Track } from '../../viewer/model/tracks';
+import type {Entry} from '../../viewer/document/timechart';
+import {Track} from '../../viewer/model/tracks';
 
 /** Builds a track from points written as `[seconds, value]`. */
-export function track(id: string, kind: string, treeId: string, points: [number, number][], more: Partial<Entry> = {}): Track {
+export function track(
+    id: string, kind: string, treeId: string, points: [number, number][], more: Partial<Entry> = {}): Track {
   return new Track({
     id,
     name: id,

@@ -1,11 +1,12 @@
-import { toAddress, toBigInt, hexadecimal } from './address';
-import type { Damage } from './damage';
-import type { LayoutFile } from './layoutFile';
-import { PlaceKind, type Places, type Process, type Profile, type Thread } from './profile';
-import { type Columns, cutKey, SampleColumns } from './SampleColumns';
-import { shownName } from './text';
+import {hexadecimal, toAddress, toBigInt} from './address';
 
-type Address = number | bigint;
+import type {Damage} from './damage';
+import type {LayoutFile} from './layoutFile';
+import {PlaceKind, type Places, type Process, type Profile, type Thread} from './profile';
+import {type Columns, cutKey, SampleColumns} from './SampleColumns';
+import {shownName} from './text';
+
+type Address = number|bigint;
 
 export interface ProcessRow extends Process {
   readonly key: number;
@@ -22,7 +23,7 @@ export interface LibraryRow {
 export interface FileRow {
   readonly name: string;
   /** Pairs of a function's key and its line. */
-  readonly lines: readonly (readonly [number, number])[];
+  readonly lines: readonly(readonly[number, number])[];
 }
 
 export interface FunctionRow {
@@ -51,22 +52,18 @@ export class ProfileBuilder {
   readonly samples: SampleColumns;
 
   constructor(
-    private readonly name: string,
-    private readonly layout: LayoutFile | null,
+      private readonly name: string,
+      private readonly layout: LayoutFile|null,
   ) {
     this.samples = new SampleColumns(layout?.depth ?? null);
   }
 
   /** Returns a small profile that stands for what was read so far. */
-  picture(): Profile {
-    return this.build(this.samples.sampled(pictureSamples), null);
-  }
+  picture(): Profile { return this.build(this.samples.sampled(pictureSamples), null); }
 
-  finish(damage: Damage | null): Profile {
-    return this.build(this.samples.finish(), damage);
-  }
+  finish(damage: Damage|null): Profile { return this.build(this.samples.finish(), damage); }
 
-  private build({ samples, stacks, weight }: Columns, damage: Damage | null): Profile {
+  private build({ samples, stacks, weight }: Columns, damage: Damage|null): Profile {
     const byKey = new Map(this.processes.map((row) => [row.key, row]));
     const threads = this.samples.threads.map((thread) => this.thread(byKey, thread.process, thread.tid));
     if (this.layout !== null) {
@@ -93,7 +90,8 @@ export class ProfileBuilder {
   private thread(byKey: ReadonlyMap<number, ProcessRow>, key: number, tid: number): Thread {
     const row = byKey.get(key);
     if (row === undefined) return { process: -1, pid: 0, tid, name: `key ${key}` };
-    const own = row.tid === tid ? row : this.processes.find((other) => other.pid === row.pid && other.tid === tid);
+    const own =
+        row.tid === tid ? row : this.processes.find((other) => other.pid === row.pid && other.tid === tid);
     return { process: this.processes.indexOf(row), pid: row.pid, tid, name: shownName((own ?? row).name) };
   }
 
@@ -162,29 +160,25 @@ class PlaceTable {
   private readonly names: string[] = [];
   private readonly kinds: number[] = [];
   private readonly libraries: number[] = [];
-  private readonly lines: (FileLine | undefined)[] = [];
+  private readonly lines: (FileLine|undefined)[] = [];
   private readonly starts: Address[] = [];
   private readonly sizes: number[] = [];
   private readonly byKey = new Map<number, number>();
   private readonly byName = new Map<string, number>();
 
-  has(key: number): boolean {
-    return this.byKey.has(key);
-  }
+  has(key: number): boolean { return this.byKey.has(key); }
 
-  place(key: number): number {
-    return this.byKey.get(key) ?? 0;
-  }
+  place(key: number): number { return this.byKey.get(key) ?? 0; }
 
   add(
-    key: number,
-    name: string,
-    kind: PlaceKind,
-    start: Address = 0,
-    size = 0,
-    library: number | null = null,
-    line?: FileLine,
-  ): void {
+      key: number,
+      name: string,
+      kind: PlaceKind,
+      start: Address = 0,
+      size = 0,
+      library: number|null = null,
+      line?: FileLine,
+      ): void {
     const place = this.names.push(name) - 1;
     this.kinds.push(kind);
     this.libraries.push((library === null ? undefined : this.byKey.get(library)) ?? place);

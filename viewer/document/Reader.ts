@@ -1,4 +1,4 @@
-import { DocumentError } from './damage';
+import {DocumentError} from './damage';
 
 /** Thrown by a parser that ran past the bytes at hand; the unit is parsed again once there are more. */
 const needMore = new Error('more bytes are needed');
@@ -7,11 +7,12 @@ const needMore = new Error('more bytes are needed');
 const padding = 16;
 
 /** Supplies the bytes of a document piece by piece; null at its end. */
-export type Supply = () => Promise<Uint8Array | null>;
+export type Supply = () => Promise<Uint8Array|null>;
 
 /**
- * The bytes of a document, of which a window is in memory. Parsers are plain functions over `bytes` from `pos` on; a
- * unit, such as a row, that is not complete in the window is parsed again from its start after the window has moved.
+ * The bytes of a document, of which a window is in memory. Parsers are plain functions over `bytes` from
+ * `pos` on; a unit, such as a row, that is not complete in the window is parsed again from its start after
+ * the window has moved.
  */
 export class Reader {
   bytes = new Uint8Array(padding);
@@ -25,9 +26,7 @@ export class Reader {
   constructor(private readonly supply: Supply) {}
 
   /** Offset of the next byte in the document. */
-  get offset(): number {
-    return this.base + this.pos;
-  }
+  get offset(): number { return this.base + this.pos; }
 
   /** Returns what `parse` returns, with as many bytes as it takes. */
   async unit<T>(parse: () => T): Promise<T> {
@@ -65,9 +64,7 @@ export class Reader {
     throw needMore;
   }
 
-  fail(reason: string): never {
-    throw new DocumentError(this.offset, reason);
-  }
+  fail(reason: string): never { throw new DocumentError(this.offset, reason); }
 
   /** Moves the window so that it starts at `pos` and holds at least twice the bytes that were not enough. */
   private async refill(): Promise<void> {

@@ -1,24 +1,22 @@
-import { type Address, toAddress } from './address';
-import type { Value } from './json';
-import type { Reader } from './Reader';
+import {type Address, toAddress} from './address';
+import type {Value} from './json';
+import type {Reader} from './Reader';
 
 /** A row with checked access to its values. */
 export class Row {
   private readonly values: readonly Value[];
 
   constructor(
-    private readonly reader: Reader,
-    private readonly start: number,
-    private readonly section: string,
-    value: Value,
+      private readonly reader: Reader,
+      private readonly start: number,
+      private readonly section: string,
+      value: Value,
   ) {
     if (!Array.isArray(value)) this.fail();
     this.values = value;
   }
 
-  whole(position: number): number {
-    return this.checked(this.values[position]);
-  }
+  whole(position: number): number { return this.checked(this.values[position]); }
 
   text(position: number): string {
     const value = this.values[position];
@@ -30,9 +28,7 @@ export class Row {
     return typeof value === 'number' || typeof value === 'bigint' ? Number(value) : this.fail();
   }
 
-  address(position: number): number | bigint {
-    return this.checkedAddress(this.values[position]);
-  }
+  address(position: number): number|bigint { return this.checkedAddress(this.values[position]); }
 
   list(position: number): readonly Value[] {
     const value = this.values[position];
@@ -44,19 +40,17 @@ export class Row {
   }
 
   /** Returns a value that must be a whole number of 32 bits, below the highest, which no key ever is. */
-  checked(value: Value | undefined): number {
+  checked(value: Value|undefined): number {
     const fits = typeof value === 'number' && Number.isInteger(value) && value >= 0 && value < 2 ** 32;
     return fits ? value : this.fail();
   }
 
-  checkedAddress(value: Value | undefined): number | bigint {
+  checkedAddress(value: Value|undefined): number|bigint {
     if (typeof value === 'number' && Number.isInteger(value) && value >= 0) return value;
     return typeof value === 'bigint' && value >= 0n && value < 2n ** 64n ? value : this.fail();
   }
 
-  halves(position: number): Address {
-    return toAddress(this.address(position));
-  }
+  halves(position: number): Address { return toAddress(this.address(position)); }
 
   fail(): never {
     this.reader.pos = this.start;

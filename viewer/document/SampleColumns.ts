@@ -1,8 +1,11 @@
-import { finishStacks, grown, StackTable } from './StackTable';
-import type { Samples, Stacks } from './profile';
-import { timeOrder } from './timeOrder';
+import {finishStacks, grown, StackTable} from './StackTable';
+import type {Samples, Stacks} from './profile';
+import {timeOrder} from './timeOrder';
 
-/** Key of the node that stands for the callers which a document no longer holds; no key of a document is this high. */
+/**
+ * Key of the node that stands for the callers which a document no longer holds; no key of a document is this
+ * high.
+ */
 export const cutKey = 2 ** 32 - 1;
 
 /** Entries of a back-trace that a document keeps unless its layout file says otherwise. */
@@ -34,9 +37,7 @@ export class SampleColumns {
   private depth: number;
   private cutNode = 0;
 
-  constructor(depth: number | null) {
-    this.depth = depth ?? usualDepth;
-  }
+  constructor(depth: number|null) { this.depth = depth ?? usualDepth; }
 
   pushFrame(at: number, key: number): void {
     if (at === this.frames.length) this.frames = grown(this.frames, 2 * at);
@@ -44,21 +45,21 @@ export class SampleColumns {
   }
 
   /**
-   * Adds a sample. `frames` holds its first `depth` entries; `entries` is how many the document has, markers of
-   * contexts included; `own` says that the first one is the sample's own place, which `key` names.
+   * Adds a sample. `frames` holds its first `depth` entries; `entries` is how many the document has, markers
+   * of contexts included; `own` says that the first one is the sample's own place, which `key` names.
    */
   add(
-    high: number,
-    low: number,
-    key: number,
-    time: number,
-    core: number,
-    process: number,
-    tid: number,
-    depth: number,
-    entries: number,
-    own: boolean,
-  ): void {
+      high: number,
+      low: number,
+      key: number,
+      time: number,
+      core: number,
+      process: number,
+      tid: number,
+      depth: number,
+      entries: number,
+      own: boolean,
+      ): void {
     let node = entries >= this.depth ? this.cutRoot(entries) : 0;
     const { frames, stacks } = this;
     for (let i = depth - 1; i >= (own ? 1 : 0); --i) node = stacks.child(node, frames[i]);
@@ -79,7 +80,7 @@ export class SampleColumns {
   sampled(most: number): Columns {
     const step = Math.max(1, Math.ceil(this.count / most));
     const count = Math.ceil(this.count / step);
-    const pick = <T extends Uint32Array | Float64Array | Uint16Array>(column: T): T => {
+    const pick = <T extends Uint32Array|Float64Array|Uint16Array>(column: T): T => {
       const picked = new (column.constructor as new (length: number) => T)(count);
       for (let i = 0; i < count; ++i) picked[i] = column[i * step];
       return picked;
@@ -126,7 +127,9 @@ export class SampleColumns {
     return { weight, samples, stacks: finishStacks(parents, keys, samples.stacks) };
   }
 
-  /** Returns the nodes and all that stand above them, ascending, and for each node its position among them. */
+  /**
+   * Returns the nodes and all that stand above them, ascending, and for each node its position among them.
+   */
   private nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
     const { stacks } = this;
     const position = new Uint32Array(stacks.count);
@@ -146,7 +149,9 @@ export class SampleColumns {
     return { kept, position };
   }
 
-  /** Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more. */
+  /**
+   * Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more.
+   */
   private cutRoot(entries: number): number {
     if (entries > this.depth) {
       // The document keeps more than was known, so that nothing tells which back-traces were cut.

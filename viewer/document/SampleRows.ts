@@ -1,7 +1,8 @@
-import { Byte, anotherElement, peek, readValue } from './json';
-import type { Reader } from './Reader';
-import { Row } from './Row';
-import { cutKey, type SampleColumns } from './SampleColumns';
+import {anotherElement, Byte, peek, readValue} from './json';
+
+import type {Reader} from './Reader';
+import {Row} from './Row';
+import {cutKey, type SampleColumns} from './SampleColumns';
 
 /** Digits that a double holds exactly whatever they are. */
 const exactDigits = 15;
@@ -10,8 +11,8 @@ const powersOfTen = Array.from({ length: exactDigits + 1 }, (_, exponent) => 10 
 const toDigits = (value: bigint) => Uint8Array.from(value.toString(), (digit) => digit.charCodeAt(0));
 
 /**
- * Markers of contexts, such as "from here on the kernel", stand among the addresses of a back-trace. They are the
- * highest 4095 numbers of 64 bits. perf: PERF_CONTEXT_MAX.
+ * Markers of contexts, such as "from here on the kernel", stand among the addresses of a back-trace. They are
+ * the highest 4095 numbers of 64 bits. perf: PERF_CONTEXT_MAX.
  */
 const firstMarker = 2n ** 64n - 4095n;
 const firstMarkerDigits = toDigits(firstMarker);
@@ -19,8 +20,8 @@ const lastAddressDigits = toDigits(2n ** 64n - 1n);
 const mostDigits = lastAddressDigits.length;
 
 /**
- * Reads rows of samples. Nearly all bytes of a document are here: rows in the form that the engine writes are read by
- * loops over bytes, any other row, and the last of a window, by the general parser.
+ * Reads rows of samples. Nearly all bytes of a document are here: rows in the form that the engine writes are
+ * read by loops over bytes, any other row, and the last of a window, by the general parser.
  */
 export class SampleRows {
   /** Position of the fast loops. */
@@ -29,14 +30,12 @@ export class SampleRows {
   private low = 0;
 
   constructor(
-    private readonly reader: Reader,
-    private readonly samples: SampleColumns,
+      private readonly reader: Reader,
+      private readonly samples: SampleColumns,
   ) {}
 
   /** Reads at least one row; returns whether another one follows. */
-  read(): boolean {
-    return this.readPlainRows() > 0 || this.readAnyRow();
-  }
+  read(): boolean { return this.readPlainRows() > 0 || this.readAnyRow(); }
 
   /** Reads the rows that have the engine's form and are followed by another one; returns how many. */
   private readPlainRows(): number {
@@ -79,8 +78,10 @@ export class SampleRows {
         if (depth === 0) own = frame === key || sameDigits(bytes, start, addressStart, end - start + 1);
         samples.pushFrame(depth++, frame);
       }
-      if (bytes[this.at] === Byte.Comma) this.at++;
-      else if (bytes[this.at] !== Byte.CloseArray) return false;
+      if (bytes[this.at] === Byte.Comma)
+        this.at++;
+      else if (bytes[this.at] !== Byte.CloseArray)
+        return false;
     }
     if (bytes[this.at++] !== Byte.CloseArray) return false;
     if (bytes[this.at] === Byte.Comma) this.at++;
@@ -179,7 +180,10 @@ export class SampleRows {
     return size === 1 || bytes[start] !== Byte.Zero;
   }
 
-  /** Reads a number with up to 15 digits on either side of the point, and its comma; returns NaN for anything else. */
+  /**
+   * Reads a number with up to 15 digits on either side of the point, and its comma; returns NaN for anything
+   * else.
+   */
   private decimal(bytes: Uint8Array): number {
     let i = this.at;
     const negative = bytes[i] === Byte.Minus;
@@ -197,7 +201,8 @@ export class SampleRows {
       const decimals = i - point;
       if (decimals === 0 || decimals > exactDigits) return NaN;
       const scale = powersOfTen[decimals];
-      // One division of two exact numbers rounds as the general parser does; with more digits the last one may differ.
+      // One division of two exact numbers rounds as the general parser does; with more digits the last one
+      // may differ.
       value = size + decimals <= exactDigits ? (value * scale + fraction) / scale : value + fraction / scale;
     }
     this.at = i + 1;
@@ -207,16 +212,20 @@ export class SampleRows {
 }
 
 const isMarker = (bytes: Uint8Array, start: number, end: number) =>
-  end - start === mostDigits && compareDigits(bytes, start, firstMarkerDigits) >= 0;
+    end - start === mostDigits && compareDigits(bytes, start, firstMarkerDigits) >= 0;
 
-/** Returns a number below, at or above 0 as the digits at `start` are below, the same as or above `digits`. */
+/**
+ * Returns a number below, at or above 0 as the digits at `start` are below, the same as or above `digits`.
+ */
 function compareDigits(bytes: Uint8Array, start: number, digits: Uint8Array): number {
-  for (let i = 0; i < digits.length; ++i) if (bytes[start + i] !== digits[i]) return bytes[start + i] - digits[i];
+  for (let i = 0; i < digits.length; ++i)
+    if (bytes[start + i] !== digits[i]) return bytes[start + i] - digits[i];
   return 0;
 }
 
 /** Returns whether the `size` bytes at both positions are the same. */
 function sameDigits(bytes: Uint8Array, one: number, other: number, size: number): boolean {
-  for (let i = 0; i < size; ++i) if (bytes[one + i] !== bytes[other + i]) return false;
+  for (let i = 0; i < size; ++i)
+    if (bytes[one + i] !== bytes[other + i]) return false;
   return true;
 }

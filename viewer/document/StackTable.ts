@@ -1,4 +1,4 @@
-import type { Stacks } from './profile';
+import type {Stacks} from './profile';
 
 /** Frames of one place with the same callers share a node; node 0 is the root. */
 export class StackTable {
@@ -9,13 +9,9 @@ export class StackTable {
   /** Keys come from the document, so that a fixed hash could be fed collisions. */
   private readonly seed = (Math.random() * 2 ** 32) | 1;
 
-  parent(node: number): number {
-    return this.parents[node];
-  }
+  parent(node: number): number { return this.parents[node]; }
 
-  key(node: number): number {
-    return this.keys[node];
-  }
+  key(node: number): number { return this.keys[node]; }
 
   /** Returns the node of `key` below `parent`. */
   child(parent: number, key: number): number {
@@ -69,7 +65,7 @@ export class StackTable {
   }
 }
 
-export function grown<T extends Uint32Array | Float64Array | Uint16Array>(column: T, capacity: number): T {
+export function grown<T extends Uint32Array|Float64Array|Uint16Array>(column: T, capacity: number): T {
   const larger = new (column.constructor as new (length: number) => T)(capacity);
   larger.set(column as never);
   return larger;
@@ -89,7 +85,8 @@ export function finishStacks(parents: Uint32Array, places: Uint32Array, samples:
   const children = new Uint32Array(Math.max(0, count - 1));
   const next = firstChild.slice(1);
   for (let node = count - 1; node > 0; --node) children[--next[parents[node]]] = node;
-  for (let node = 0; node < count; ++node) sortHeaviestFirst(children, firstChild[node], firstChild[node + 1], totals);
+  for (let node = 0; node < count; ++node)
+    sortHeaviestFirst(children, firstChild[node], firstChild[node + 1], totals);
   return { count, parents, places, totals, firstChild, children };
 }
 

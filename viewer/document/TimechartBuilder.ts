@@ -1,8 +1,8 @@
-import type { Damage } from './damage';
-import type { Entry, Timechart } from './timechart';
-import { grown } from './StackTable';
-import { shownName } from './text';
-import { timeOrder } from './timeOrder';
+import type {Damage} from './damage';
+import type {Entry, Timechart} from './timechart';
+import {grown} from './StackTable';
+import {shownName} from './text';
+import {timeOrder} from './timeOrder';
 
 /** Everything of an entry but its points. */
 export interface Head {
@@ -21,13 +21,13 @@ interface Range {
   readonly head: Head;
   readonly first: number;
   readonly firstText: number;
-  readonly exact: Map<number, bigint> | null;
+  readonly exact: Map<number, bigint>|null;
 }
 
 /** Gathers the entries of a timechart document; the points of all of them share their columns. */
 export class TimechartBuilder {
   private readonly ranges: Range[] = [];
-  private exact: Map<number, bigint> | null = null;
+  private exact: Map<number, bigint>|null = null;
   private count = 0;
   private first = 0;
   private times = new Float64Array(1 << 12);
@@ -41,11 +41,9 @@ export class TimechartBuilder {
 
   constructor(private readonly name: string) {}
 
-  get points(): number {
-    return this.count;
-  }
+  get points(): number { return this.count; }
 
-  addPoint(time: number, value: number | bigint): void {
+  addPoint(time: number, value: number|bigint): void {
     const at = this.count++;
     if (at === this.times.length) {
       this.times = grown(this.times, 2 * at);
@@ -73,7 +71,7 @@ export class TimechartBuilder {
     this.exact = null;
   }
 
-  finish(damage: Damage | null): Timechart {
+  finish(damage: Damage|null): Timechart {
     const times = this.times.subarray(0, this.count);
     const values = this.values.subarray(0, this.count);
     const entries = this.ranges.map(({ head, first, firstText, exact }, index): Entry => {
@@ -117,5 +115,5 @@ function inOrder(entry: Entry): Entry {
     const value = entry.exact!.get(from);
     if (value !== undefined) exact.set(to, value);
   });
-  return { ...entry, exact };
+  return {...entry, exact };
 }

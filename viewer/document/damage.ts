@@ -8,8 +8,8 @@ export interface Damage {
 /** Thrown by readers. The reason completes "NAME: ... at byte N". */
 export class DocumentError extends Error {
   constructor(
-    readonly offset: number,
-    reason: string,
+      readonly offset: number,
+      reason: string,
   ) {
     super(reason);
   }

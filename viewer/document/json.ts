@@ -1,10 +1,10 @@
 /**
- * JSON as our documents have it. It is strict but for three things that the writer does: an array may have a comma
- * ahead of its closing bracket, and strings may hold raw control bytes and bytes that are no UTF-8.
+ * JSON as our documents have it. It is strict but for three things that the writer does: an array may have a
+ * comma ahead of its closing bracket, and strings may hold raw control bytes and bytes that are no UTF-8.
  */
 
-import { Reader } from './Reader';
-import { decode } from './text';
+import {Reader} from './Reader';
+import {decode} from './text';
 
 export const enum Byte {
   Tab = 9,
@@ -26,15 +26,24 @@ export const enum Byte {
   CloseObject = 125,
 }
 
-export type Value = string | number | bigint | boolean | null | Value[] | { [label: string]: Value };
+export type Value = string|number|bigint|boolean|null|Value[]|{[label: string]: Value};
 
 /** Nesting beyond this is no document of ours, and would exhaust the stack. */
 const deepest = 64;
 
 const longestNumber = 400;
 
-const escapes: Record<string, string> = { b: '\b', f: '\f', n: '\n', r: '\r', t: '\t', '"': '"', '\\': '\\', '/': '/' };
-const words: [string, boolean | null][] = [
+const escapes: Record<string, string> = {
+  b: '\b',
+  f: '\f',
+  n: '\n',
+  r: '\r',
+  t: '\t',
+  '"': '"',
+  '\\': '\\',
+  '/': '/'
+};
+const words: [string, boolean|null][] = [
   ['true', true],
   ['false', false],
   ['null', null],
@@ -45,9 +54,12 @@ export function peek(reader: Reader): number {
   const { bytes } = reader;
   for (;;) {
     const byte = bytes[reader.pos];
-    if (byte === Byte.Space || byte === Byte.LineFeed || byte === Byte.CarriageReturn || byte === Byte.Tab) reader.pos++;
-    else if (reader.pos >= reader.end) reader.runOut();
-    else return byte;
+    if (byte === Byte.Space || byte === Byte.LineFeed || byte === Byte.CarriageReturn || byte === Byte.Tab)
+      reader.pos++;
+    else if (reader.pos >= reader.end)
+      reader.runOut();
+    else
+      return byte;
   }
 }
 
@@ -96,10 +108,11 @@ export function readString(reader: Reader): string {
     reader.pos = i + 1;
     return text;
   }
-  const plain = text.replace(/\\(?:u([0-9a-fA-F]{4})|([^]?))/g, (_, code: string | undefined, letter: string) => {
-    if (code !== undefined) return String.fromCharCode(parseInt(code, 16));
-    return escapes[letter] ?? reader.fail('a name has an unknown escape');
-  });
+  const plain =
+      text.replace(/\\(?:u([0-9a-fA-F]{4})|([^]?))/g, (_, code: string|undefined, letter: string) => {
+        if (code !== undefined) return String.fromCharCode(parseInt(code, 16));
+        return escapes[letter] ?? reader.fail('a name has an unknown escape');
+      });
   reader.pos = i + 1;
   return plain;
 }
@@ -114,7 +127,7 @@ export function readLabel(reader: Reader): string {
 const isDigit = (byte: number) => byte >= Byte.Zero && byte <= Byte.Nine;
 
 /** Reads a number; one that a double would round comes as bigint. */
-export function readNumber(reader: Reader): number | bigint {
+export function readNumber(reader: Reader): number|bigint {
   peek(reader);
   const { bytes } = reader;
   const start = reader.pos;
@@ -148,9 +161,9 @@ export function readNumber(reader: Reader): number | bigint {
   return whole && !Number.isSafeInteger(value) ? BigInt(text) : value;
 }
 
-function readWord(reader: Reader): boolean | null {
+function readWord(reader: Reader): boolean|null {
   for (const [word, value] of words) {
-    for (let i = 0; ; ++i) {
+    for (let i = 0;; ++i) {
       if (i === word.length) {
         reader.pos += i;
         return value;

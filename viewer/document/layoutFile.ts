@@ -1,6 +1,6 @@
 /** Where moved mappings were on the device, see docs/layout-file.md. */
 
-import { toBigInt } from './address';
+import {toBigInt} from './address';
 
 interface Mapping {
   readonly pid: number;
@@ -13,14 +13,16 @@ export class LayoutFile {
   private readonly byProcess = new Map<number, Mapping[]>();
 
   private constructor(
-    /** How many entries of a back-trace the document keeps, or null if the file does not say. */
-    readonly depth: number | null,
-    mappings: readonly Mapping[],
+      /** How many entries of a back-trace the document keeps, or null if the file does not say. */
+      readonly depth: number|null,
+      mappings: readonly Mapping[],
   ) {
     for (const mapping of mappings) {
       const known = this.byProcess.get(mapping.pid);
-      if (known === undefined) this.byProcess.set(mapping.pid, [mapping]);
-      else known.push(mapping);
+      if (known === undefined)
+        this.byProcess.set(mapping.pid, [mapping]);
+      else
+        known.push(mapping);
     }
     for (const known of this.byProcess.values()) known.sort((a, b) => (a.start < b.start ? -1 : 1));
   }
@@ -30,11 +32,11 @@ export class LayoutFile {
     const file = JSON.parse(text) as Record<string, unknown>;
     if (!Array.isArray(file.mappings)) throw new Error('it has no mappings');
     const mappings = file.mappings.map((entry: Record<string, unknown>) => ({
-      pid: Number(entry.pid),
-      start: BigInt(String(entry.start)),
-      size: BigInt(String(entry.size)),
-      original: BigInt(String(entry.original)),
-    }));
+                                         pid: Number(entry.pid),
+                                         start: BigInt(String(entry.start)),
+                                         size: BigInt(String(entry.size)),
+                                         original: BigInt(String(entry.original)),
+                                       }));
     return new LayoutFile(typeof file.depth === 'number' ? file.depth : null, mappings);
   }
 
@@ -45,8 +47,10 @@ export class LayoutFile {
     let to = mappings.length;
     while (from < to) {
       const middle = (from + to) >>> 1;
-      if (mappings[middle].start <= address) from = middle + 1;
-      else to = middle;
+      if (mappings[middle].start <= address)
+        from = middle + 1;
+      else
+        to = middle;
     }
     const mapping = mappings[from - 1];
     if (mapping === undefined || address >= mapping.start + mapping.size) return address;

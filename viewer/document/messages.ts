@@ -1,9 +1,9 @@
 /** What the page and the Worker say to each other. One Worker reads one document. */
 
-import type { Profile } from './profile';
-import type { Timechart } from './timechart';
+import type {Profile} from './profile';
+import type {Timechart} from './timechart';
 
-export type ZelDocument = Profile | Timechart;
+export type ZelDocument = Profile|Timechart;
 
 /** A displacement of addresses: those of a process from `start` on were moved by zelkit. */
 export interface Displacement {
@@ -20,9 +20,21 @@ export interface Source {
   readonly base64?: string;
 }
 
-export type ToWorker = { type: 'open'; source: Source; layout: Source | null } | { type: 'cancel' };
+export type ToWorker = {
+  type: 'open'; source: Source; layout: Source | null
+}|{type: 'cancel'};
 
-export type FromWorker =
-  | { type: 'progress'; bytes: number; total: number; picture: Profile | null }
-  | { type: 'document'; document: ZelDocument }
-  | { type: 'failed'; message: string };
+export type FromWorker =|{
+  type: 'progress';
+  bytes: number;
+  total: number;
+  picture: Profile|null
+}
+|{
+  type: 'document';
+  document: ZelDocument
+}
+|{
+  type: 'failed';
+  message: string
+};

@@ -1,6 +1,9 @@
-/** What a profile document holds, as columns. docs/profile-document.md describes the bytes that they come from. */
+/**
+ * What a profile document holds, as columns. docs/profile-document.md describes the bytes that they come
+ * from.
+ */
 
-import type { Damage } from './damage';
+import type {Damage} from './damage';
 
 /** The colour of a place, and the reason why it has no better name. */
 export const enum PlaceKind {
@@ -12,7 +15,9 @@ export const enum PlaceKind {
   Unresolved,
   /** A stretch of addresses that no mapping covers, such as `{app-40a20000}`. */
   Synthetic,
-  /** The root of back-traces that are as deep as the document keeps them, so that their callers are unknown. */
+  /**
+     The root of back-traces that are as deep as the document keeps them, so that their callers are unknown.
+   */
   Cut,
 }
 
@@ -64,8 +69,9 @@ export interface Samples {
 }
 
 /**
- * The prefix tree of all back-traces. Node 0 is the root and no place; a parent's number is below its children's.
- * children[firstChild[n]] to children[firstChild[n + 1] - 1] are the children of node n, the heaviest first.
+ * The prefix tree of all back-traces. Node 0 is the root and no place; a parent's number is below its
+ * children's. children[firstChild[n]] to children[firstChild[n + 1] - 1] are the children of node n, the
+ * heaviest first.
  */
 export interface Stacks {
   readonly count: number;
@@ -90,9 +96,9 @@ export interface Profile {
   readonly samples: Samples;
   readonly stacks: Stacks;
   /**
-   * How many samples of the document each one here stands for: 1, or more in a picture of a document that is still
-   * being read.
+   * How many samples of the document each one here stands for: 1, or more in a picture of a document that is
+   * still being read.
    */
   readonly weight: number;
-  readonly damage: Damage | null;
+  readonly damage: Damage|null;
 }

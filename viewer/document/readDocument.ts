@@ -1,30 +1,33 @@
-import { DocumentError, type Damage } from './damage';
-import { Byte, accept, expect, peek, readLabel } from './json';
-import type { LayoutFile } from './layoutFile';
-import type { ZelDocument } from './messages';
-import { ProfileBuilder } from './ProfileBuilder';
-import type { Profile } from './profile';
-import { Reader, type Supply } from './Reader';
-import { readProfile, readUnlabelledProfile } from './readProfile';
-import { readTimechart } from './readTimechart';
-import { TimechartBuilder } from './TimechartBuilder';
+import {DocumentError, type Damage} from './damage';
+import {Byte, accept, expect, peek, readLabel} from './json';
+import type {LayoutFile} from './layoutFile';
+import type {ZelDocument} from './messages';
+import {ProfileBuilder} from './ProfileBuilder';
+import type {Profile} from './profile';
+import {Reader, type Supply} from './Reader';
+import {readProfile, readUnlabelledProfile} from './readProfile';
+import {readTimechart} from './readTimechart';
+import {TimechartBuilder} from './TimechartBuilder';
 
 /** A document that is being read: either kind, known from its first label. */
 export class DocumentReading {
-  private builder: ProfileBuilder | TimechartBuilder | null = null;
+  private builder: ProfileBuilder|TimechartBuilder|null = null;
   private readonly reader: Reader;
 
   constructor(
-    private readonly name: string,
-    supply: Supply,
-    private readonly layout: LayoutFile | null = null,
+      private readonly name: string,
+      supply: Supply,
+      private readonly layout: LayoutFile|null = null,
   ) {
     this.reader = new Reader(supply);
   }
 
-  /** Returns what a damaged document holds ahead of the damage. Throws an Error with a clear line for a wrong file. */
+  /**
+   * Returns what a damaged document holds ahead of the damage. Throws an Error with a clear line for a wrong
+   * file.
+   */
   async read(): Promise<ZelDocument> {
-    let damage: Damage | null = null;
+    let damage: Damage|null = null;
     try {
       await this.readKnown();
     } catch (error) {
@@ -35,9 +38,12 @@ export class DocumentReading {
     return this.builder!.finish(damage);
   }
 
-  /** Returns a small profile that stands for what was read so far, or null if there is nothing to show yet. */
-  picture(): Profile | null {
-    return this.builder instanceof ProfileBuilder && this.builder.samples.count > 0 ? this.builder.picture() : null;
+  /**
+   * Returns a small profile that stands for what was read so far, or null if there is nothing to show yet.
+   */
+  picture(): Profile|null {
+    return this.builder instanceof ProfileBuilder && this.builder.samples.count > 0 ? this.builder.picture() :
+                                                                                      null;
   }
 
   private async readKnown(): Promise<void> {
@@ -77,17 +83,17 @@ export class DocumentReading {
     const { reader } = this;
     const first = await reader.unit(() => peek(reader));
     if (first === Byte.OpenObject) return;
-    const head = String.fromCharCode(...reader.bytes.subarray(reader.pos, Math.min(reader.end, reader.pos + 8)));
+    const head =
+        String.fromCharCode(...reader.bytes.subarray(reader.pos, Math.min(reader.end, reader.pos + 8)));
     if (head.startsWith('PERFILE2') || head.startsWith('PERFFILE')) {
       throw new Error(`${this.name}: a recording, not a document; zelkit convert makes one of it`);
     }
-    if (first === Byte.OpenArray) throw this.wrong('it starts with "[", as a timechart without labels, which holds no points');
+    if (first === Byte.OpenArray)
+      throw this.wrong('it starts with "[", as a timechart without labels, which holds no points');
     throw this.wrong('it does not start with "{"');
   }
 
-  private wrong(why: string): Error {
-    return new Error(`${this.name}: no document of zelconv: ${why}`);
-  }
+  private wrong(why: string): Error { return new Error(`${this.name}: no document of zelconv: ${why}`); }
 
   private async expectEnd(): Promise<void> {
     const { reader } = this;

@@ -1,8 +1,8 @@
-import { Byte, type Value, accept, anotherElement, expect, firstElement, peek, readLabel, readValue } from './json';
-import type { ProfileBuilder } from './ProfileBuilder';
-import type { Reader } from './Reader';
-import { Row } from './Row';
-import { SampleRows } from './SampleRows';
+import {Byte, type Value, accept, anotherElement, expect, firstElement, peek, readLabel, readValue} from './json';
+import type {ProfileBuilder} from './ProfileBuilder';
+import type {Reader} from './Reader';
+import {Row} from './Row';
+import {SampleRows} from './SampleRows';
 
 /** The sections in their order, which is all that tells them apart in a document without labels. */
 const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
@@ -11,16 +11,19 @@ const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
 export async function readProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   do {
     const label = await reader.unit(() => readLabel(reader));
-    if (sections.includes(label)) await readSection(reader, builder, label);
-    else if (label === 'Description') describe(builder, await reader.unit(() => readValue(reader)));
-    else reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
+    if (sections.includes(label))
+      await readSection(reader, builder, label);
+    else if (label === 'Description')
+      describe(builder, await reader.unit(() => readValue(reader)));
+    else
+      reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
   } while (await reader.unit(() => accept(reader, Byte.Comma)));
   await reader.unit(() => expect(reader, Byte.CloseObject));
 }
 
 /**
- * Reads a document that was written without labels: the outer object closed early, and the sections follow it one
- * after the other.
+ * Reads a document that was written without labels: the outer object closed early, and the sections follow it
+ * one after the other.
  */
 export async function readUnlabelledProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   for (const section of sections) await readSection(reader, builder, section);
@@ -38,9 +41,12 @@ async function readSection(reader: Reader, builder: ProfileBuilder, section: str
   await reader.unit(() => expect(reader, Byte.OpenObject));
   do {
     const label = await reader.unit(() => readLabel(reader));
-    if (label === 'descriptions') await reader.unit(() => readValue(reader));
-    else if (label !== 'data') reader.fail(`"${label.slice(0, 40)}" is no part of a section`);
-    else if (await reader.unit(() => firstElement(reader))) await readRows(reader, builder, section);
+    if (label === 'descriptions')
+      await reader.unit(() => readValue(reader));
+    else if (label !== 'data')
+      reader.fail(`"${label.slice(0, 40)}" is no part of a section`);
+    else if (await reader.unit(() => firstElement(reader)))
+      await readRows(reader, builder, section);
   } while (await reader.unit(() => accept(reader, Byte.Comma)));
   await reader.unit(() => expect(reader, Byte.CloseObject));
 }
@@ -63,26 +69,23 @@ function readRows(reader: Reader, builder: ProfileBuilder, section: string): Pro
 
 const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
   processes: (builder, row) =>
-    builder.processes.push({ key: row.whole(0), pid: row.whole(1), tid: row.whole(2), name: row.text(3) }),
-  libraries: (builder, row) =>
-    builder.libraries.push({
-      key: row.whole(0),
-      process: row.whole(1),
-      name: row.text(2),
-      start: row.address(3),
-      size: Number(row.address(4)),
-    }),
-  files: (builder, row) =>
-    builder.files.push({
-      name: row.text(1),
-      lines: row.list(2).map((entry) => [row.part(entry, 0), row.part(entry, 1)]),
-    }),
-  functions: (builder, row) =>
-    builder.functions.push({
-      key: row.whole(0),
-      name: row.text(1),
-      start: row.address(2),
-      size: Number(row.address(3)),
-      libraries: row.list(4).map((key) => row.checked(key)),
-    }),
+      builder.processes.push({ key: row.whole(0), pid: row.whole(1), tid: row.whole(2), name: row.text(3) }),
+  libraries: (builder, row) => builder.libraries.push({
+    key: row.whole(0),
+    process: row.whole(1),
+    name: row.text(2),
+    start: row.address(3),
+    size: Number(row.address(4)),
+  }),
+  files: (builder, row) => builder.files.push({
+    name: row.text(1),
+    lines: row.list(2).map((entry) => [row.part(entry, 0), row.part(entry, 1)]),
+  }),
+  functions: (builder, row) => builder.functions.push({
+    key: row.whole(0),
+    name: row.text(1),
+    start: row.address(2),
+    size: Number(row.address(3)),
+    libraries: row.list(4).map((key) => row.checked(key)),
+  }),
 };

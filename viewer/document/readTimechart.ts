@@ -1,24 +1,13 @@
-import {
-  Byte,
-  accept,
-  anotherElement,
-  expect,
-  firstElement,
-  peek,
-  readLabel,
-  readNumber,
-  readString,
-  readValue,
-  type Value,
-} from './json';
-import type { Reader } from './Reader';
-import type { Head, TimechartBuilder } from './TimechartBuilder';
+import {Byte, accept, anotherElement, expect, firstElement, peek, readLabel, readNumber, readString, readValue, type Value,} from './json';
+import type {Reader} from './Reader';
+import type {Head, TimechartBuilder} from './TimechartBuilder';
 
 /** Reads a timechart document from behind its opening brace, where its first label stands. */
 export async function readTimechart(reader: Reader, builder: TimechartBuilder): Promise<void> {
   do {
     const label = await reader.unit(() => readLabel(reader));
-    if (label !== 'entries') await reader.unit(() => readValue(reader));
+    if (label !== 'entries')
+      await reader.unit(() => readValue(reader));
     else if (await reader.unit(() => firstElement(reader))) {
       do await readEntry(reader, builder);
       while (await reader.unit(() => anotherElement(reader)));
@@ -34,8 +23,10 @@ async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<voi
     if (await reader.unit(() => accept(reader, Byte.CloseObject))) return;
     do {
       const label = await reader.unit(() => readLabel(reader));
-      if (label !== 'data') members[label] = await reader.unit(() => readValue(reader));
-      else if (await reader.unit(() => firstElement(reader))) await readPoints(reader, builder, members);
+      if (label !== 'data')
+        members[label] = await reader.unit(() => readValue(reader));
+      else if (await reader.unit(() => firstElement(reader)))
+        await readPoints(reader, builder, members);
     } while (await reader.unit(() => accept(reader, Byte.Comma)));
     await reader.unit(() => expect(reader, Byte.CloseObject));
   } finally {
@@ -44,9 +35,12 @@ async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<voi
   }
 }
 
-async function readPoints(reader: Reader, builder: TimechartBuilder, members: { [label: string]: Value }): Promise<void> {
-  if (members.type === 'events') await reader.rows(() => readEvent(reader, builder));
-  else await reader.rows(() => readPlainPoints(reader, builder) > 0 || readPoint(reader, builder));
+async function readPoints(
+    reader: Reader, builder: TimechartBuilder, members: { [label: string]: Value }): Promise<void> {
+  if (members.type === 'events')
+    await reader.rows(() => readEvent(reader, builder));
+  else
+    await reader.rows(() => readPlainPoints(reader, builder) > 0 || readPoint(reader, builder));
 }
 
 function readPoint(reader: Reader, builder: TimechartBuilder): boolean {
@@ -75,7 +69,8 @@ function readPlainPoints(reader: Reader, builder: TimechartBuilder): number {
     for (; (digit = bytes[i] - Byte.Zero) >= 0 && digit <= 9; ++i) time = time * 10 + digit;
     const point = i - whole;
     // Six decimals always: the sum is a whole number of microseconds.
-    if (point === 0 || point > 9 || (point > 1 && bytes[whole] === Byte.Zero) || bytes[i++] !== Byte.Point) break;
+    if (point === 0 || point > 9 || (point > 1 && bytes[whole] === Byte.Zero) || bytes[i++] !== Byte.Point)
+      break;
     const decimals = i;
     for (; (digit = bytes[i] - Byte.Zero) >= 0 && digit <= 9; ++i) time = time * 10 + digit;
     if (i - decimals !== 6 || bytes[i++] !== Byte.Comma) break;
@@ -99,14 +94,15 @@ function readEvent(reader: Reader, builder: TimechartBuilder): boolean {
   expect(reader, Byte.Comma);
   const code = readNumber(reader);
   const texts: string[] = [];
-  while (anotherElement(reader)) texts.push(peek(reader) === Byte.Quote ? readString(reader) : String(readNumber(reader)));
+  while (anotherElement(reader))
+    texts.push(peek(reader) === Byte.Quote ? readString(reader) : String(readNumber(reader)));
   const another = anotherElement(reader);
   builder.addPoint(time, code);
   builder.addTexts(texts[0] ?? '', texts.slice(1).join(' '));
   return another;
 }
 
-const text = (value: Value | undefined) => (typeof value === 'string' ? value : '');
+const text = (value: Value|undefined) => (typeof value === 'string' ? value : '');
 
 function headOf(members: { [label: string]: Value }): Head {
   const { hints, show } = members;

@@ -1,14 +1,20 @@
-/** The bytes of a document, wherever they are: a file, or an element of the page; gzip is unpacked on the way. */
+/**
+ * The bytes of a document, wherever they are: a file, or an element of the page; gzip is unpacked on the
+ * way.
+ */
 
-import type { Source } from './messages';
-import type { Supply } from './Reader';
+import type {Source} from './messages';
+import type {Supply} from './Reader';
 
 /** The first piece is small, so that a first picture comes early. */
 const firstPiece = 1 << 20;
 const laterPieces = 4 << 20;
 /** Unpacked bytes come in small pieces; they are gathered up to this size. */
 const gathered = 1 << 20;
-/** Packed bytes go into the unpacking in pieces of this size: what one of them gave is lost if it holds damage. */
+/**
+ * Packed bytes go into the unpacking in pieces of this size: what one of them gave is lost if it holds
+ * damage.
+ */
 const packedPiece = 1 << 15;
 
 /** Bytes of the source that were taken, before they are unpacked. */
@@ -37,8 +43,8 @@ export async function open(source: Source): Promise<Supplied> {
   return { supply: packed ? unpacked(rest) : rest, progress };
 }
 
-function startingWith(first: Uint8Array | null, rest: Supply): Supply {
-  let pending: Uint8Array | null = first;
+function startingWith(first: Uint8Array|null, rest: Supply): Supply {
+  let pending: Uint8Array|null = first;
   return async () => {
     if (pending === null) return rest();
     const piece = pending;
@@ -80,12 +86,13 @@ function piecesOfBase64(text: string): Supply {
 }
 
 function unpacked(packed: Supply): Supply {
-  let piece: Uint8Array | null = new Uint8Array(0);
+  let piece: Uint8Array|null = new Uint8Array(0);
   const stream = new ReadableStream<Uint8Array>({
     async pull(controller) {
       if (piece !== null && piece.length === 0) {
         piece = await packed();
-        // An error discards what was unpacked and not yet read. The empty piece is taken only after all was read.
+        // An error discards what was unpacked and not yet read. The empty piece is taken only after all was
+        // read.
         if (piece === null) controller.enqueue(new Uint8Array(0));
       }
       if (piece === null) return controller.close();
@@ -101,7 +108,8 @@ function unpacked(packed: Supply): Supply {
     while (!ended && size < gathered) {
       try {
         const result = await reader.read();
-        if (result.done) ended = true;
+        if (result.done)
+          ended = true;
         else {
           pieces.push(result.value);
           size += result.value.length;

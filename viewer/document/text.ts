@@ -15,7 +15,7 @@ export function decode(bytes: Uint8Array): string {
 function decodeLossless(bytes: Uint8Array): string {
   let text = '';
   let valid = 0;
-  for (let i = 0; i < bytes.length; ) {
+  for (let i = 0; i < bytes.length;) {
     const size = sequenceSize(bytes, i);
     if (size > 0) {
       i += size;
@@ -36,7 +36,8 @@ function sequenceSize(bytes: Uint8Array, from: number): number {
   // Overlong forms, surrogates and what lies beyond Unicode differ from the rest by their second byte.
   if ((lead === 0xe0 && second < 0xa0) || (lead === 0xed && second > 0x9f)) return 0;
   if ((lead === 0xf0 && second < 0x90) || (lead === 0xf4 && second > 0x8f)) return 0;
-  for (let i = 1; i < size; ++i) if ((bytes[from + i] & 0xc0) !== 0x80) return 0;
+  for (let i = 1; i < size; ++i)
+    if ((bytes[from + i] & 0xc0) !== 0x80) return 0;
   return size;
 }
 

@@ -1,8 +1,8 @@
 /**
- * Returns the indices of `times` in ascending order, or null if they are so already. perf writes its buffers of each
- * core in turns, so that a recording is a row of ascending runs; they are merged two by two.
+ * Returns the indices of `times` in ascending order, or null if they are so already. perf writes its buffers
+ * of each core in turns, so that a recording is a row of ascending runs; they are merged two by two.
  */
-export function timeOrder(times: Float64Array): Uint32Array | null {
+export function timeOrder(times: Float64Array): Uint32Array|null {
   let runs = runStarts(times);
   if (runs.length <= 2) return null;
   let from = Uint32Array.from(times, (_, index) => index);
@@ -23,19 +23,20 @@ export function timeOrder(times: Float64Array): Uint32Array | null {
 /** Returns where ascending runs start, and the end of the last. */
 function runStarts(times: Float64Array): number[] {
   const starts = [0];
-  for (let i = 1; i < times.length; ++i) if (times[i] < times[i - 1]) starts.push(i);
+  for (let i = 1; i < times.length; ++i)
+    if (times[i] < times[i - 1]) starts.push(i);
   starts.push(times.length);
   return starts;
 }
 
 function mergeRuns(
-  times: Float64Array,
-  from: Uint32Array,
-  to: Uint32Array,
-  start: number,
-  middle: number,
-  end: number,
-): void {
+    times: Float64Array,
+    from: Uint32Array,
+    to: Uint32Array,
+    start: number,
+    middle: number,
+    end: number,
+    ): void {
   let left = start;
   let right = middle;
   for (let i = start; i < end; ++i) {

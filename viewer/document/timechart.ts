@@ -1,6 +1,9 @@
-/** What a timechart document holds, as columns. docs/timechart-document.md describes the bytes that they come from. */
+/**
+ * What a timechart document holds, as columns. docs/timechart-document.md describes the bytes that they come
+ * from.
+ */
 
-import type { Damage } from './damage';
+import type {Damage} from './damage';
 
 /** One entry of the document. Its columns are views of memory that all series share. */
 export interface Entry {
@@ -23,7 +26,7 @@ export interface Entry {
   readonly names: Uint32Array;
   readonly details: Uint32Array;
   /** Values that a double would round, by point. */
-  readonly exact: ReadonlyMap<number, bigint> | null;
+  readonly exact: ReadonlyMap<number, bigint>|null;
 }
 
 export interface Timechart {
@@ -31,5 +34,5 @@ export interface Timechart {
   readonly name: string;
   readonly entries: readonly Entry[];
   readonly strings: readonly string[];
-  readonly damage: Damage | null;
+  readonly damage: Damage|null;
 }

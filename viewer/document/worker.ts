@@ -1,10 +1,11 @@
 /** The Worker's side: reads one document and posts it. */
 
-import { DocumentError } from './damage';
-import { DocumentReading } from './readDocument';
-import { LayoutFile } from './layoutFile';
-import type { FromWorker, Source, ToWorker, ZelDocument } from './messages';
-import { open } from './supply';
+import {DocumentError} from './damage';
+import {LayoutFile} from './layoutFile';
+import {DocumentReading} from './readDocument';
+
+import type {FromWorker, Source, ToWorker, ZelDocument} from './messages';
+import {open} from './supply';
 
 /** Milliseconds until the first picture of a document, and how much longer each next one waits. */
 const firstPictureAfter = 60;
@@ -16,7 +17,7 @@ let cancelled = false;
 
 const post = (message: FromWorker, transfer: Transferable[] = []) => postMessage(message, { transfer });
 
-async function read(source: Source, layoutSource: Source | null): Promise<void> {
+async function read(source: Source, layoutSource: Source|null): Promise<void> {
   const layout = layoutSource === null ? null : await readLayout(layoutSource);
   const { supply, progress } = await open(source);
   const started = performance.now();
@@ -24,21 +25,21 @@ async function read(source: Source, layoutSource: Source | null): Promise<void> 
   let progressAt = started + progressEvery;
   let taken = 0;
   const reading = new DocumentReading(
-    source.name,
-    async () => {
-      if (cancelled) throw new DocumentError(taken, 'reading was stopped');
-      const now = performance.now();
-      if (now >= Math.min(pictureAt, progressAt)) {
-        const picture = now >= pictureAt ? reading.picture() : null;
-        if (picture !== null) pictureAt = now + (now - started) * (slowing - 1);
-        post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
-        progressAt = now + progressEvery;
-      }
-      const piece = await supply();
-      taken += piece?.length ?? 0;
-      return piece;
-    },
-    layout,
+      source.name,
+      async () => {
+        if (cancelled) throw new DocumentError(taken, 'reading was stopped');
+        const now = performance.now();
+        if (now >= Math.min(pictureAt, progressAt)) {
+          const picture = now >= pictureAt ? reading.picture() : null;
+          if (picture !== null) pictureAt = now + (now - started) * (slowing - 1);
+          post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
+          progressAt = now + progressEvery;
+        }
+        const piece = await supply();
+        taken += piece?.length ?? 0;
+        return piece;
+      },
+      layout,
   );
   const document = await reading.read();
   post({ type: 'document', document }, buffersOf(document));
@@ -47,7 +48,7 @@ async function read(source: Source, layoutSource: Source | null): Promise<void> 
 async function readLayout(source: Source): Promise<LayoutFile> {
   const { supply } = await open(source);
   const pieces: Uint8Array[] = [];
-  for (let piece; (piece = await supply()) !== null; ) pieces.push(piece);
+  for (let piece; (piece = await supply()) !== null;) pieces.push(piece);
   try {
     return LayoutFile.parse(await new Blob(pieces).text());
   } catch (error) {
@@ -62,7 +63,7 @@ function buffersOf(document: ZelDocument): ArrayBuffer[] {
     if (ArrayBuffer.isView(value)) buffers.add(value.buffer);
   };
   const tables =
-    document.kind === 'profile' ? [document.places, document.samples, document.stacks] : document.entries;
+      document.kind === 'profile' ? [document.places, document.samples, document.stacks] : document.entries;
   for (const table of tables) Object.values(table).forEach(gather);
   return [...buffers] as ArrayBuffer[];
 }
@@ -71,11 +72,14 @@ function buffersOf(document: ZelDocument): ArrayBuffer[] {
 export function serve(): void {
   onmessage = (event: MessageEvent<ToWorker>) => {
     const message = event.data;
-    if (message.type === 'cancel') cancelled = true;
+    if (message.type === 'cancel')
+      cancelled = true;
     else {
-      read(message.source, message.layout).catch((error: unknown) =>
-        post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
-      );
+      read(message.source, message.layout)
+          .catch(
+              (error: unknown) =>
+                  post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
+          );
     }
   };
 }

@@ -1,12 +1,12 @@
-import type { Selection } from './Selection';
-import type { Tree } from './tree';
+import type {Selection} from './Selection';
+import type {Tree} from './tree';
 
 /** Which way a merged tree grows from its first nodes. */
-export type Direction = 'callers' | 'callees';
+export type Direction = 'callers'|'callees';
 
 /**
- * A tree in which nodes of the stacks are put together by their place, made as far as it is looked at. A node stands
- * for entries: nodes of the stacks from which it goes on, each with the samples that came that way.
+ * A tree in which nodes of the stacks are put together by their place, made as far as it is looked at. A node
+ * stands for entries: nodes of the stacks from which it goes on, each with the samples that came that way.
  */
 export class MergedTree implements Tree {
   places = new Uint32Array(64);
@@ -25,13 +25,11 @@ export class MergedTree implements Tree {
   private entries = 0;
 
   private constructor(
-    private readonly selection: Selection,
-    private readonly direction: Direction,
+      private readonly selection: Selection,
+      private readonly direction: Direction,
   ) {}
 
-  get bounds(): Uint32Array {
-    return this.totals;
-  }
+  get bounds(): Uint32Array { return this.totals; }
 
   /** Returns the tree of what each place was called by, with the places that took the samples at its top. */
   static inverted(selection: Selection): MergedTree {
@@ -39,7 +37,8 @@ export class MergedTree implements Tree {
     tree.addNode(0, 0);
     const { selves } = selection;
     const tops: number[] = [];
-    for (let node = 1; node < selves.length; ++node) if (selves[node] > 0) tops.push(node);
+    for (let node = 1; node < selves.length; ++node)
+      if (selves[node] > 0) tops.push(node);
     tree.addChildren(0, tops, (node) => selves[node]);
     tree.totals[0] = selection.count;
     return tree;
@@ -85,9 +84,14 @@ export class MergedTree implements Tree {
   }
 
   /** Adds children that stand for the nodes of the stacks, one child a place, the heaviest first. */
-  private addChildren(parent: number, nodes: readonly number[], amountOf: (node: number, index: number) => number): void {
+  private addChildren(
+      parent: number, nodes: readonly number[], amountOf: (node: number, index: number) => number): void {
     this.expanded.add(parent);
-    const byPlace = new Map<number, { total: number; indices: number[] }>();
+    const byPlace = new Map < number, {
+      total: number;
+      indices: number[]
+    }
+    > ();
     nodes.forEach((node, index) => {
       const place = this.selection.places[node];
       let group = byPlace.get(place);
@@ -112,7 +116,9 @@ export class MergedTree implements Tree {
   private addNode(parent: number, place: number): number {
     const node = this.count++;
     if (node === this.places.length) {
-      for (const column of ['places', 'parents', 'totals', 'childStart', 'childEnd', 'children', 'entryStart', 'entryEnd'] as const) {
+      for (const column
+               of ['places', 'parents', 'totals', 'childStart', 'childEnd', 'children', 'entryStart',
+                   'entryEnd'] as const) {
         this[column] = doubled(this[column]);
       }
     }

@@ -1,17 +1,19 @@
-import type { Profile } from '../document/profile';
-import { everything, type Filter } from './filter';
-import { type Grouping, groupings } from './groupings';
-import { placesWithText, Selection } from './Selection';
+import type {Profile} from '../document/profile';
+import {everything, type Filter} from './filter';
+import {type Grouping, groupings} from './groupings';
+import {placesWithText, Selection} from './Selection';
 
-/** A profile document with what the views ask of it; answers that cost are kept until the question changes. */
+/**
+ * A profile document with what the views ask of it; answers that cost are kept until the question changes.
+ */
 export class ProfileModel {
   readonly start: number;
   readonly end: number;
-  private latest: Selection | null = null;
-  private latestOfAllTime: Selection | null = null;
+  private latest: Selection|null = null;
+  private latestOfAllTime: Selection|null = null;
   private readonly made = new Map<string, Grouping>();
   private texted: Filter = everything;
-  private searched: { readonly text: string; readonly matches: Uint8Array } | null = null;
+  private searched: { readonly text: string; readonly matches: Uint8Array }|null = null;
 
   constructor(readonly profile: Profile) {
     const { times, count } = profile.samples;
@@ -28,15 +30,16 @@ export class ProfileModel {
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
   selectionOfAllTime({ cores, threads, text, slices }: Filter): Selection {
     const known = this.latestOfAllTime?.filter;
-    if (known?.cores !== cores || known.threads !== threads || known.text !== text || known.slices !== slices) {
-      this.latestOfAllTime = new Selection(this.profile, { ...everything, cores, threads, text, slices });
+    if (known?.cores !== cores || known.threads !== threads || known.text !== text ||
+        known.slices !== slices) {
+      this.latestOfAllTime = new Selection(this.profile, {...everything, cores, threads, text, slices });
     }
     return this.latestOfAllTime!;
   }
 
   /** Returns the filter that has this text only. */
   textFilter(text: string): Filter {
-    if (this.texted.text !== text) this.texted = { ...everything, text };
+    if (this.texted.text !== text) this.texted = {...everything, text };
     return this.texted;
   }
 
@@ -48,14 +51,15 @@ export class ProfileModel {
   }
 
   /** Returns a mark for each place that the search is for, or null if there is no search. */
-  matches(search: string): Uint8Array | null {
+  matches(search: string): Uint8Array|null {
     if (search === '') return null;
-    if (this.searched?.text !== search) this.searched = { text: search, matches: placesWithText(this.profile, search) };
+    if (this.searched?.text !== search)
+      this.searched = { text: search, matches: placesWithText(this.profile, search) };
     return this.searched.matches;
   }
 
   /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
-  matchedSamples(filter: Filter, search: string): number | null {
+  matchedSamples(filter: Filter, search: string): number|null {
     const matches = this.matches(search);
     if (matches === null) return null;
     const { parents, places, totals } = this.selection(filter);

@@ -1,6 +1,6 @@
-import type { Profile, Stacks } from '../document/profile';
-import { everything, type Filter } from './filter';
-import type { Tree } from './tree';
+import type {Profile, Stacks} from '../document/profile';
+import {everything, type Filter} from './filter';
+import type {Tree} from './tree';
 
 /** The samples that a filter lets through, and what each node of the stacks weighs with them. */
 export class Selection implements Tree {
@@ -13,11 +13,11 @@ export class Selection implements Tree {
   readonly children: Uint32Array;
   /** Number of samples. */
   readonly count: number;
-  private selfTimes: Uint32Array | null = null;
+  private selfTimes: Uint32Array|null = null;
 
   constructor(
-    readonly profile: Profile,
-    readonly filter: Filter,
+      readonly profile: Profile,
+      readonly filter: Filter,
   ) {
     const { stacks } = profile;
     this.places = stacks.places;
@@ -36,9 +36,7 @@ export class Selection implements Tree {
     this.count = this.totals[0] ?? 0;
   }
 
-  get isEverything(): boolean {
-    return this.totals === this.bounds;
-  }
+  get isEverything(): boolean { return this.totals === this.bounds; }
 
   expand(): void {
     // All children are there from the start.
@@ -100,11 +98,12 @@ export function isEverything(filter: Filter): boolean {
 export function sumUp(stacks: Pick<Stacks, 'parents'>, totals: Uint32Array): void {
   const { parents } = stacks;
   // A subtree without samples costs a look only.
-  for (let node = totals.length - 1; node > 0; --node) if (totals[node] !== 0) totals[parents[node]] += totals[node];
+  for (let node = totals.length - 1; node > 0; --node)
+    if (totals[node] !== 0) totals[parents[node]] += totals[node];
 }
 
 /** Returns the first sample at or after `start` and the first at or after `end`. */
-export function sampleRange({ samples }: Profile, start: number, end: number): [number, number] {
+export function sampleRange({samples}: Profile, start: number, end: number): [number, number] {
   const first = firstAtOrAfter(samples.times, start);
   return [first, Math.max(first, firstAtOrAfter(samples.times, end))];
 }
@@ -114,8 +113,10 @@ function firstAtOrAfter(times: Float64Array, time: number): number {
   let to = times.length;
   while (from < to) {
     const middle = (from + to) >>> 1;
-    if (times[middle] < time) from = middle + 1;
-    else to = middle;
+    if (times[middle] < time)
+      from = middle + 1;
+    else
+      to = middle;
   }
   return from;
 }
@@ -126,8 +127,11 @@ function marked(members: ReadonlySet<number>, size: number): Uint8Array {
   return marks;
 }
 
-/** Returns a mark for each place whose name contains the text; capital letters count only where the text has some. */
-export function placesWithText({ places }: Profile, text: string): Uint8Array {
+/**
+ * Returns a mark for each place whose name contains the text; capital letters count only where the text has
+ * some.
+ */
+export function placesWithText({places}: Profile, text: string): Uint8Array {
   const exact = text !== text.toLowerCase();
   return Uint8Array.from(places.names, (name) => Number((exact ? name : name.toLowerCase()).includes(text)));
 }

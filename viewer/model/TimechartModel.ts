@@ -1,8 +1,8 @@
-import type { Timechart } from '../document/timechart';
-import { Lane, laneTree } from './lanes';
-import { reckonSpan, SpanUse } from './span';
-import { Tasks } from './tasks';
-import { Track } from './tracks';
+import type {Timechart} from '../document/timechart';
+import {Lane, laneTree} from './lanes';
+import {reckonSpan, SpanUse} from './span';
+import {Tasks} from './tasks';
+import {Track} from './tracks';
 
 /** A timechart document with what the views ask of it. */
 export class TimechartModel {
@@ -17,7 +17,8 @@ export class TimechartModel {
     this.tracks = timechart.entries.map((entry) => new Track(entry));
     this.tree = laneTree(this.tracks);
     // Markers may stand on another time scale than the trace; they count only if there is nothing else.
-    const timed = this.tracks.filter((track) => track.entry.type !== 'events' && track.entry.times.length > 0);
+    const timed =
+        this.tracks.filter((track) => track.entry.type !== 'events' && track.entry.times.length > 0);
     const all = timed.length > 0 ? timed : this.tracks.filter((track) => track.entry.times.length > 0);
     this.start = all.reduce((start, { entry }) => Math.min(start, entry.times[0]), Infinity);
     this.end = all.reduce((end, { entry }) => Math.max(end, entry.times[entry.times.length - 1]), -Infinity);
@@ -31,7 +32,7 @@ export class TimechartModel {
   }
 
   /** Returns the texts of point `index` of a series of markers, or null. */
-  markerText({ entry }: Track, index: number): { name: string; detail: string } | null {
+  markerText({ entry }: Track, index: number): { name: string; detail: string }|null {
     if (index >= entry.names.length) return null;
     const { strings } = this.timechart;
     return { name: strings[entry.names[index]], detail: strings[entry.details[index]] };

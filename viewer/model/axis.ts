@@ -7,7 +7,7 @@ export interface Extent {
 }
 
 /** Returns the time that the documents cover together. */
-export function commonExtent(...parts: readonly (Extent | null)[]): Extent {
+export function commonExtent(...parts: readonly(Extent | null)[]): Extent {
   let start = Infinity;
   let end = -Infinity;
   for (const part of parts) {
@@ -23,16 +23,20 @@ export function commonExtent(...parts: readonly (Extent | null)[]): Extent {
 /** The closest zoom: one microsecond over the whole width. */
 export const closestZoom = 1e-6;
 
-/** Returns the part of `whole` that results when `shown` is scaled about `at` and then moved by `shift` seconds. */
+/**
+ * Returns the part of `whole` that results when `shown` is scaled about `at` and then moved by `shift`
+ * seconds.
+ */
 export function zoomed(shown: Extent, whole: Extent, factor: number, at: number, shift = 0): Extent {
   const wholeLength = whole.end - whole.start;
-  const length = Math.min(wholeLength, Math.max(Math.min(closestZoom, wholeLength), (shown.end - shown.start) * factor));
+  const length =
+      Math.min(wholeLength, Math.max(Math.min(closestZoom, wholeLength), (shown.end - shown.start) * factor));
   const part = (at - shown.start) / (shown.end - shown.start);
   const start = Math.min(Math.max(whole.start, at - part * length + shift), whole.end - length);
   return { start, end: start + length };
 }
 
-const units: readonly [number, string][] = [[1, 's'], [1e-3, 'ms'], [1e-6, 'µs']];
+const units: readonly[number, string][] = [[1, 's'], [1e-3, 'ms'], [1e-6, 'µs']];
 
 /** Returns a length of time such as `12.4 ms`, with `digits` significant digits. */
 export function formatDuration(seconds: number, digits = 4): string {
@@ -58,7 +62,7 @@ export interface Tick {
 }
 
 /** Returns moments at round distances, at most about one in each `1 / most` of the extent. */
-export function ticks({ start, end }: Extent, most: number): Tick[] {
+export function ticks({start, end}: Extent, most: number): Tick[] {
   const least = (end - start) / Math.max(1, most);
   let step = 10 ** Math.floor(Math.log10(least));
   step *= [1, 2, 5, 10].find((factor) => step * factor >= least * 0.999) ?? 10;

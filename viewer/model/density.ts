@@ -1,17 +1,17 @@
-import type { Profile } from '../document/profile';
-import { sampleRange, type Selection } from './Selection';
+import type {Profile} from '../document/profile';
+import {sampleRange, type Selection} from './Selection';
 
 /** The rows of a time line: a core or a thread each. */
 export interface TimeRow {
-  readonly kind: 'core' | 'thread';
+  readonly kind: 'core'|'thread';
   /** Number of the core, or index of the thread. */
   readonly subject: number;
   readonly samples: number;
 }
 
 /** Returns the cores in their order, then the threads, those with most samples first. */
-export function timeRows({ samples, threads }: Profile): TimeRow[] {
-  const rows = (kind: TimeRow['kind'], subjects: Uint16Array | Uint32Array, most: number): TimeRow[] => {
+export function timeRows({samples, threads}: Profile): TimeRow[] {
+  const rows = (kind: TimeRow['kind'], subjects: Uint16Array|Uint32Array, most: number): TimeRow[] => {
     const counts = new Uint32Array(most);
     for (let i = 0; i < samples.count; ++i) counts[subjects[i]]++;
     const found: TimeRow[] = [];
@@ -19,7 +19,10 @@ export function timeRows({ samples, threads }: Profile): TimeRow[] {
     return found;
   };
   const busiestFirst = (a: TimeRow, b: TimeRow) => b.samples - a.samples;
-  return [...rows('core', samples.cores, 0x10000), ...rows('thread', samples.threads, threads.length).sort(busiestFirst)];
+  return [
+    ...rows('core', samples.cores, 0x10000),
+    ...rows('thread', samples.threads, threads.length).sort(busiestFirst)
+  ];
 }
 
 /** Samples in each pixel of some rows: counts[row * columns + column]. */
@@ -32,17 +35,18 @@ export interface Density {
 
 /** Counts the samples of [start, end) in the given rows, all of them and the selected ones. */
 export function density(
-  selection: Selection,
-  rows: readonly TimeRow[],
-  start: number,
-  end: number,
-  columns: number,
-): Density {
+    selection: Selection,
+    rows: readonly TimeRow[],
+    start: number,
+    end: number,
+    columns: number,
+    ): Density {
   const { profile } = selection;
   const { times, cores, threads } = profile.samples;
   const rowOfCore = new Int32Array(0x10000).fill(-1);
   const rowOfThread = new Int32Array(profile.threads.length).fill(-1);
-  rows.forEach(({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row * columns));
+  rows.forEach(
+      ({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row * columns));
   const scale = columns / (end - start);
   const counter = (counts: Uint32Array) => (i: number) => {
     const column = Math.min(columns - 1, ((times[i] - start) * scale) | 0);

@@ -1,8 +1,8 @@
-import type { Profile } from '../document/profile';
-import { StackTable } from '../document/StackTable';
-import type { Selection } from './Selection';
-import { sumUp } from './Selection';
-import type { Tree } from './tree';
+import type {Profile} from '../document/profile';
+import {StackTable} from '../document/StackTable';
+import type {Selection} from './Selection';
+import {sumUp} from './Selection';
+import type {Tree} from './tree';
 
 /**
  * Two profiles as one tree: stacks that both have share a node. Places are the same if their names and their
@@ -25,7 +25,8 @@ export class DifferenceTree implements Tree {
     const count = this.places.length;
     this.current = gathered(current, union.currentNodes, union.parents, count);
     const scale = baseline.count > 0 ? current.count / baseline.count : 0;
-    this.baseline = Float64Array.from(gathered(baseline, union.baselineNodes, union.parents, count), (n) => n * scale);
+    this.baseline =
+        Float64Array.from(gathered(baseline, union.baselineNodes, union.parents, count), (n) => n * scale);
     this.totals = Float64Array.from(this.current, (samples, node) => Math.max(samples, this.baseline[node]));
     this.widen();
     const { childStart, children } = childrenByWeight(this.parents, this.totals);
@@ -34,15 +35,16 @@ export class DifferenceTree implements Tree {
     this.children = children;
   }
 
-  get bounds(): Float64Array {
-    return this.totals;
-  }
+  get bounds(): Float64Array { return this.totals; }
 
   expand(): void {
     // All children are there from the start.
   }
 
-  /** A parent must have room for all of its children, of which some are heavier in one profile and some in the other. */
+  /**
+   * A parent must have room for all of its children, of which some are heavier in one profile and some in
+   * the other.
+   */
   private widen(): void {
     const needed = new Float64Array(this.totals.length);
     for (let node = this.totals.length - 1; node >= 0; --node) {
@@ -107,7 +109,8 @@ function reversed(joint: Uint32Array, size: number): Int32Array {
 }
 
 /** Returns the samples of each node of the union. */
-function gathered(selection: Selection, nodes: Uint32Array, parents: Uint32Array, count: number): Uint32Array {
+function gathered(
+    selection: Selection, nodes: Uint32Array, parents: Uint32Array, count: number): Uint32Array {
   const totals = new Uint32Array(count);
   const { selves } = selection;
   for (let node = 0; node < nodes.length; ++node) totals[nodes[node]] += selves[node];
@@ -115,7 +118,8 @@ function gathered(selection: Selection, nodes: Uint32Array, parents: Uint32Array
   return totals;
 }
 
-function childrenByWeight(parents: Uint32Array, totals: Float64Array): { childStart: Uint32Array; children: Uint32Array } {
+function childrenByWeight(
+    parents: Uint32Array, totals: Float64Array): { childStart: Uint32Array; children: Uint32Array } {
   const count = parents.length;
   const childStart = new Uint32Array(count + 1);
   for (let node = 1; node < count; ++node) childStart[parents[node] + 1]++;

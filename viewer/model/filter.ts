@@ -4,12 +4,12 @@ export interface Filter {
   readonly start: number;
   readonly end: number;
   /** Cores and threads (index into Profile.threads) that count; null for all. */
-  readonly cores: ReadonlySet<number> | null;
-  readonly threads: ReadonlySet<number> | null;
+  readonly cores: ReadonlySet<number>|null;
+  readonly threads: ReadonlySet<number>|null;
   /** Only samples with a frame whose name contains this text; empty for all. */
   readonly text: string;
   /** Pairs of start and end, ascending, that samples must lie in besides the brush; null for all. */
-  readonly slices: Float64Array | null;
+  readonly slices: Float64Array|null;
 }
 
 export const everything: Filter = {

@@ -1,4 +1,4 @@
-import type { Tree } from './tree';
+import type {Tree} from './tree';
 
 /** The boxes of a flame graph, as columns; `count` of their entries are in use. */
 export class Boxes {
@@ -27,7 +27,7 @@ export class Boxes {
   }
 
   private grow(): void {
-    const wider = <T extends Uint32Array | Uint16Array | Float64Array>(column: T): T => {
+    const wider = <T extends Uint32Array|Uint16Array|Float64Array>(column: T): T => {
       const larger = new (column.constructor as new (length: number) => T)(2 * column.length);
       larger.set(column);
       return larger;
@@ -43,18 +43,19 @@ export class Boxes {
 const deepest = 4096;
 
 /**
- * Lays out the boxes that are at least `least` pixels wide, where the samples from `start` to `end` of `root` (in
- * samples, 0 to its total) fill `width` pixels. `root` has depth 0, and a parent comes ahead of its children.
+ * Lays out the boxes that are at least `least` pixels wide, where the samples from `start` to `end` of `root`
+ * (in samples, 0 to its total) fill `width` pixels. `root` has depth 0, and a parent comes ahead of its
+ * children.
  */
 export function layOut(
-  tree: Tree,
-  root: number,
-  start: number,
-  end: number,
-  width: number,
-  least: number,
-  boxes: Boxes,
-): Boxes {
+    tree: Tree,
+    root: number,
+    start: number,
+    end: number,
+    width: number,
+    least: number,
+    boxes: Boxes,
+    ): Boxes {
   boxes.count = 0;
   const scale = width / (end - start);
   const fewest = least / scale;

@@ -1,7 +1,7 @@
 /** What the rows of the table of functions can be: functions, or what functions and samples belong to. */
 
-import { PlaceKind, type Profile } from '../document/profile';
-import type { Selection } from './Selection';
+import {PlaceKind, type Profile} from '../document/profile';
+import type {Selection} from './Selection';
 
 export interface Group {
   readonly name: string;
@@ -29,16 +29,16 @@ interface Kind {
 }
 
 export const groupings: Readonly<Record<string, Kind>> = {
-  function: { title: 'Function', make: byFunction },
-  library: { title: 'Library', make: byLibrary },
-  file: { title: 'Source file', make: byFile },
-  process: { title: 'Process', make: byProcess },
-  thread: { title: 'Thread', make: byThread },
-  core: { title: 'Core', make: byCore },
+  function: {title: 'Function', make: byFunction},
+  library: {title: 'Library', make: byLibrary},
+  file: {title: 'Source file', make: byFile},
+  process: {title: 'Process', make: byProcess},
+  thread: {title: 'Thread', make: byThread},
+  core: {title: 'Core', make: byCore},
 };
 
 /** Returns where a place is: its library, its source file and line. */
-export function describePlace({ places, files }: Profile, place: number): string {
+export function describePlace({places, files}: Profile, place: number): string {
   const library = places.libraries[place] === place ? '' : places.names[places.libraries[place]];
   if (places.files[place] < 0) return library;
   const line = places.lines[place] > 0 ? `:${places.lines[place]}` : '';
@@ -47,7 +47,8 @@ export function describePlace({ places, files }: Profile, place: number): string
 
 function byFunction(profile: Profile): Grouping {
   const { names, kinds, count } = profile.places;
-  const groups = names.map((name, place) => ({ name, kind: kinds[place], detail: describePlace(profile, place) }));
+  const groups =
+      names.map((name, place) => ({ name, kind: kinds[place], detail: describePlace(profile, place) }));
   const identity = Int32Array.from({ length: count }, (_, place) => place);
   return ofPlaces(profile, groups, identity, true);
 }
@@ -59,7 +60,8 @@ function byLibrary(profile: Profile): Grouping {
   const groupOf = Int32Array.from(places.libraries, (library) => {
     let group = index.get(library);
     if (group === undefined) {
-      group = groups.push({ name: places.names[library], kind: libraryKind(profile, library), detail: '' }) - 1;
+      group =
+          groups.push({ name: places.names[library], kind: libraryKind(profile, library), detail: '' }) - 1;
       index.set(library, group);
     }
     return group;
@@ -80,7 +82,8 @@ function byFile({ places, files, ...profile }: Profile): Grouping {
 }
 
 function byProcess(profile: Profile): Grouping {
-  const groups = profile.processes.map(({ pid, name }) => ({ name, kind: PlaceKind.User, detail: `process ${pid}` }));
+  const groups =
+      profile.processes.map(({ pid, name }) => ({ name, kind: PlaceKind.User, detail: `process ${pid}` }));
   const none = groups.push({ name: 'unknown process', kind: PlaceKind.Unresolved, detail: '' }) - 1;
   const first = new Map<number, number>();
   profile.processes.forEach(({ pid }, index) => first.has(pid) || first.set(pid, index));
@@ -90,17 +93,18 @@ function byProcess(profile: Profile): Grouping {
 
 function byThread(profile: Profile): Grouping {
   const groups = profile.threads.map(({ name, pid, tid }) => ({
-    name,
-    kind: PlaceKind.User,
-    detail: `thread ${tid} of process ${pid}`,
-  }));
+                                       name,
+                                       kind: PlaceKind.User,
+                                       detail: `thread ${tid} of process ${pid}`,
+                                     }));
   return ofSamples(groups, (index) => profile.samples.threads[index]);
 }
 
 function byCore(profile: Profile): Grouping {
   const { cores } = profile.samples;
   const most = cores.reduce((highest, core) => Math.max(highest, core), 0);
-  const groups = Array.from({ length: most + 1 }, (_, core) => ({ name: `Core ${core}`, kind: PlaceKind.User, detail: '' }));
+  const groups = Array.from(
+      { length: most + 1 }, (_, core) => ({ name: `Core ${core}`, kind: PlaceKind.User, detail: '' }));
   return ofSamples(groups, (index) => cores[index]);
 }
 
@@ -118,8 +122,9 @@ function ofSamples(groups: readonly Group[], groupOf: (index: number) => number)
 }
 
 /** Groups of places. */
-function ofPlaces(profile: Profile, groups: readonly Group[], groupOf: Int32Array, byPlace: boolean): Grouping {
-  let outermost: Uint8Array | null = null;
+function ofPlaces(
+    profile: Profile, groups: readonly Group[], groupOf: Int32Array, byPlace: boolean): Grouping {
+  let outermost: Uint8Array|null = null;
   return {
     groups,
     byPlace,

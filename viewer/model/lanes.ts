@@ -1,6 +1,6 @@
 /** The rows of a timechart, in the tree that its entries' `treeId` describes. */
 
-import type { Track } from './tracks';
+import type {Track} from './tracks';
 
 /** A row, and the rows below it. */
 export interface Lane {
@@ -35,7 +35,9 @@ const rootLabels = new Map([
   ['evt', 'Markers'],
 ]);
 
-/** The rows of these roots are parts of one device: the first of them stands for it and the others go below. */
+/**
+ * The rows of these roots are parts of one device: the first of them stands for it and the others go below.
+ */
 const devices = new Set(['cpu', 'kgsl']);
 
 /** Returns the parts of an entry's `treeId`, root first. */
@@ -44,7 +46,8 @@ export function treeParts(track: Track): string[] {
   const parts = treeId.replace(/_root$/, '').split('_').reverse();
   // A counter's number would otherwise read like that of a task.
   if (track.isCounter) parts.push('counter ' + parts.pop());
-  return parts.length <= deepest ? parts : [...parts.slice(0, deepest - 1), parts.slice(deepest - 1).join('_')];
+  return parts.length <= deepest ? parts :
+                                   [...parts.slice(0, deepest - 1), parts.slice(deepest - 1).join('_')];
 }
 
 /** Returns the tree's first level; rows that the document shows from the start come first on each level. */
@@ -55,7 +58,12 @@ export function laneTree(all: Iterable<Track>): Lane[] {
     for (const part of treeParts(track)) {
       let next = branch.children.get(part);
       if (next === undefined) {
-        next = { path: branch === top ? part : `${branch.path}_${part}`, part, tracks: [], children: new Map() };
+        next = {
+          path: branch === top ? part : `${branch.path}_${part}`,
+          part,
+          tracks: [],
+          children: new Map()
+        };
         branch.children.set(part, next);
       }
       branch = next;
@@ -96,15 +104,20 @@ export interface LaneChoice {
   readonly pinned: ReadonlySet<string>;
 }
 
-/** Returns the rows to draw, from top to bottom: the pinned ones, then the rest of the tree as far as it is unfolded. */
-export function visibleLanes(tree: readonly Lane[], choice: LaneChoice): { pinned: Lane[]; rest: Lane[] } {
+/**
+ * Returns the rows to draw, from top to bottom: the pinned ones, then the rest of the tree as far as it is
+ * unfolded.
+ */
+export function visibleLanes(tree: readonly Lane[], choice: LaneChoice): {pinned: Lane[]; rest: Lane[]} {
   const pinned: Lane[] = [];
   const rest: Lane[] = [];
   const walk = (lanes: readonly Lane[], inside: boolean): void => {
     for (const lane of lanes) {
       if (choice.hidden.has(lane.path)) continue;
-      if (choice.pinned.has(lane.path)) pinned.push(lane);
-      else if (inside) rest.push(lane);
+      if (choice.pinned.has(lane.path))
+        pinned.push(lane);
+      else if (inside)
+        rest.push(lane);
       walk(lane.children, inside && !choice.folded.has(lane.path));
     }
   };

@@ -1,7 +1,7 @@
 /** What a timechart tells of a span of time. */
 
-import { pointsBefore } from './steps';
-import type { Track } from './tracks';
+import {pointsBefore} from './steps';
+import type {Track} from './tracks';
 
 /** The task that the kernel runs when there is none. */
 const idle = 0;
@@ -50,10 +50,11 @@ export interface SpanUse {
 }
 
 /**
- * Reckons what the tracks tell of [start, end), which lies within the document's time. Pauses after each core, interrupt
- * and task: a long recording takes longer than a frame.
+ * Reckons what the tracks tell of [start, end), which lies within the document's time. Pauses after each
+ * core, interrupt and task: a long recording takes longer than a frame.
  */
-export function* reckonSpan(all: readonly Track[], start: number, end: number): Generator<void, SpanUse, void> {
+export function*
+    reckonSpan(all: readonly Track[], start: number, end: number): Generator<void, SpanUse, void> {
   const cores: CoreUse[] = [];
   const interrupts: InterruptUse[] = [];
   const tasks: TaskUse[] = [];
@@ -74,10 +75,21 @@ export function* reckonSpan(all: readonly Track[], start: number, end: number): 
     yield;
   }
   interrupts.sort((a, b) => b.count - a.count);
-  tasks.sort((a, b) => Number(a.task === idle) - Number(b.task === idle) || b.running - a.running || a.task - b.task);
+  tasks.sort(
+      (a, b) =>
+          Number(a.task === idle) - Number(b.task === idle) || b.running - a.running || a.task - b.task);
   const counters = new Map<string, number>();
-  for (const task of tasks) for (const [name, sum] of task.counters) add(counters, name, sum);
-  return { start, end, cores, interrupts, tasks, switches: tasks.reduce((sum, task) => sum + task.switches, 0), counters };
+  for (const task of tasks)
+    for (const [name, sum] of task.counters) add(counters, name, sum);
+  return {
+    start,
+    end,
+    cores,
+    interrupts,
+    tasks,
+    switches: tasks.reduce((sum, task) => sum + task.switches, 0),
+    counters
+  };
 }
 
 function interruptUse(tracks: readonly Track[], start: number, end: number): InterruptUse {
@@ -96,12 +108,20 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
   let switches = 0;
   for (const track of tracks) {
     const { role, steps } = track;
-    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu') seconds[role] += steps.onTime(start, end);
+    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
+      seconds[role] += steps.onTime(start, end);
     if (role === 'running') switches += steps.startsWithin(start, end);
     if (role === 'counter') add(counters, track.entry.tip, counted(track, start, end));
   }
   const runs = tracks.filter(({ role }) => role === 'running');
-  return { task: tracks[0].subject, label: tracks[0].label, ...seconds, switches, longestGap: longestGap(runs, start, end), counters };
+  return {
+    task: tracks[0].subject,
+    label: tracks[0].label,
+    ...seconds,
+    switches,
+    longestGap: longestGap(runs, start, end),
+    counters
+  };
 }
 
 function bySubject(all: readonly Track[], wanted: (track: Track) => boolean): Iterable<Track[]> {
@@ -109,8 +129,10 @@ function bySubject(all: readonly Track[], wanted: (track: Track) => boolean): It
   for (const track of all) {
     if (!wanted(track)) continue;
     const tracks = found.get(track.subject);
-    if (tracks === undefined) found.set(track.subject, [track]);
-    else tracks.push(track);
+    if (tracks === undefined)
+      found.set(track.subject, [track]);
+    else
+      tracks.push(track);
   }
   return found.values();
 }
@@ -136,18 +158,24 @@ export function longestGap(all: readonly Track[], start: number, end: number): n
     starts.sort();
     ends.sort();
   }
-  // As many slices have ended before ends[i] as have started before starts[i]: between the two, nothing is on.
+  // As many slices have ended before ends[i] as have started before starts[i]: between the two, nothing is
+  // on.
   return starts.reduce((longest, from, i) => Math.max(longest, from - ends[i]), 0);
 }
 
-/** Returns how far a counter moved within [start, end): each point counts evenly over the time up to the next one. */
-export function counted({ steps: { times, values } }: Track, start: number, end: number): number {
+/**
+ * Returns how far a counter moved within [start, end): each point counts evenly over the time up to the next
+ * one.
+ */
+export function counted({steps: {times, values}}: Track, start: number, end: number): number {
   let sum = 0;
   for (let i = Math.max(0, pointsBefore(times, start) - 1); i + 1 < times.length && times[i] < end; ++i) {
     const from = times[i];
     const to = times[i + 1];
-    if (to > from) sum += (values[i] * Math.max(0, Math.min(to, end) - Math.max(from, start))) / (to - from);
-    else if (from >= start) sum += values[i];
+    if (to > from)
+      sum += (values[i] * Math.max(0, Math.min(to, end) - Math.max(from, start))) / (to - from);
+    else if (from >= start)
+      sum += values[i];
   }
   return sum;
 }

@@ -1,17 +1,24 @@
-/** Returns how many of the ascending times from index `from` on are before `time`, or at it if `inclusive`. */
+/**
+ * Returns how many of the ascending times from index `from` on are before `time`, or at it if `inclusive`.
+ */
 function countUntil(times: Float64Array, time: number, inclusive: boolean, from: number): number {
   let to = times.length;
   while (from < to) {
     const middle = (from + to) >>> 1;
     const at = times[middle];
-    if (at < time || (inclusive && at === time)) from = middle + 1;
-    else to = middle;
+    if (at < time || (inclusive && at === time))
+      from = middle + 1;
+    else
+      to = middle;
   }
   return from;
 }
 
-/** Returns how many of the ascending times are at or before `time`; those below index `from` are known to be. */
-export const pointsUntil = (times: Float64Array, time: number, from = 0) => countUntil(times, time, true, from);
+/**
+ * Returns how many of the ascending times are at or before `time`; those below index `from` are known to be.
+ */
+export const pointsUntil = (times: Float64Array, time: number, from = 0) =>
+    countUntil(times, time, true, from);
 
 /** Returns how many of the ascending times are before `time`. */
 export const pointsBefore = (times: Float64Array, time: number) => countUntil(times, time, false, 0);
@@ -23,16 +30,16 @@ export interface Slice {
 }
 
 /**
- * A step function: 0 before its first point, and each point holds until the next. The last one holds to the end of the
- * document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
+ * A step function: 0 before its first point, and each point holds until the next. The last one holds to the
+ * end of the document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
  */
 export class Steps {
-  private known: Float64Array | null = null;
+  private known: Float64Array|null = null;
 
   /** `times` are seconds, ascending. */
   constructor(
-    readonly times: Float64Array,
-    readonly values: Float64Array,
+      readonly times: Float64Array,
+      readonly values: Float64Array,
   ) {}
 
   /** Returns the value at `time`. */
@@ -44,10 +51,14 @@ export class Steps {
   /** Returns the seconds of [start, end) during which the value was not 0. */
   onTime(start: number, end: number): number {
     if (!(end > start)) return 0;
-    return this.onUntil(pointsUntil(this.times, end), end) - this.onUntil(pointsUntil(this.times, start), start);
+    return this.onUntil(pointsUntil(this.times, end), end) -
+        this.onUntil(pointsUntil(this.times, start), start);
   }
 
-  /** Sets each of `shares`, the pixels of [start, end), to the share of its time during which the value was not 0. */
+  /**
+   * Sets each of `shares`, the pixels of [start, end), to the share of its time during which the value was
+   * not 0.
+   */
   shares(start: number, end: number, close: number, shares: Float32Array): void {
     const { times } = this;
     const pixel = (end - start) / shares.length;
@@ -69,7 +80,7 @@ export class Steps {
   }
 
   /** Returns the stretch that covers `time`, or null if the value is 0 there. */
-  sliceAt(time: number, close: number): Slice | null {
+  sliceAt(time: number, close: number): Slice|null {
     const { times, values } = this;
     let first = pointsUntil(times, time) - 1;
     if (first < 0 || values[first] === 0) return null;
@@ -81,7 +92,7 @@ export class Steps {
   }
 
   /** Returns the first stretch that starts after `time`, or null. */
-  sliceAfter(time: number, close: number): Slice | null {
+  sliceAfter(time: number, close: number): Slice|null {
     for (let index = pointsUntil(this.times, time); index < this.times.length; ++index) {
       const slice = this.sliceFrom(index, close);
       if (slice !== null) return slice;
@@ -90,7 +101,7 @@ export class Steps {
   }
 
   /** Returns the last stretch that starts before `time`, or null. */
-  sliceBefore(time: number, close: number): Slice | null {
+  sliceBefore(time: number, close: number): Slice|null {
     for (let index = pointsBefore(this.times, time) - 1; index >= 0; --index) {
       const slice = this.sliceFrom(index, close);
       if (slice !== null) return slice;
@@ -98,7 +109,10 @@ export class Steps {
     return null;
   }
 
-  /** Calls `visit` for each stretch of non-zero values within [start, end), cut to that span, in the order of time. */
+  /**
+   * Calls `visit` for each stretch of non-zero values within [start, end), cut to that span, in the order of
+   * time.
+   */
   forEachSlice(start: number, end: number, visit: (from: number, to: number) => void): void {
     const { times, values } = this;
     let from = start;
@@ -123,12 +137,14 @@ export class Steps {
     return count;
   }
 
-  private sliceFrom(index: number, close: number): Slice | null {
+  private sliceFrom(index: number, close: number): Slice|null {
     if (this.values[index] === 0 || (index > 0 && this.values[index - 1] !== 0)) return null;
     return this.sliceAt(this.times[index], close);
   }
 
-  /** The on-time before each point. Most series of a long recording are never looked at, hence not at once. */
+  /**
+   * The on-time before each point. Most series of a long recording are never looked at, hence not at once.
+   */
   private get sums(): Float64Array {
     if (this.known !== null) return this.known;
     const { times, values } = this;

@@ -1,13 +1,12 @@
-import type { Entry } from '../document/timechart';
-import { Steps } from './steps';
+import type {Entry} from '../document/timechart';
+import {Steps} from './steps';
 
 /** On or off, a value, or moments. */
-export type Shape = 'state' | 'level' | 'marks';
+export type Shape = 'state'|'level'|'marks';
 
 /** What a track tells of its subject. */
-export type Role =
-  | 'busy' | 'frequency' | 'idle' | 'gpu' | 'interrupt' | 'running' | 'waitIo' | 'waitCpu' | 'waitGpu' | 'counter'
-  | 'marks' | 'other';
+export type Role =|'busy'|'frequency'|'idle'|'gpu'|'interrupt'|'running'|'waitIo'|'waitCpu'|'waitGpu'|
+    'counter'|'marks'|'other';
 
 const rolesOfClass = new Map<string, Role>([
   ['cpu:busy', 'busy'],
@@ -67,13 +66,12 @@ export class Track {
 
   /** The greatest value. */
   get peak(): number {
-    if (this.knownPeak < 0) this.knownPeak = this.entry.values.reduce((peak, value) => Math.max(peak, value), 0);
+    if (this.knownPeak < 0)
+      this.knownPeak = this.entry.values.reduce((peak, value) => Math.max(peak, value), 0);
     return this.knownPeak;
   }
 
-  get isCounter(): boolean {
-    return this.role === 'counter';
-  }
+  get isCounter(): boolean { return this.role === 'counter'; }
 }
 
 function numberIn(pattern: RegExp, text: string): number {

@@ -1,6 +1,7 @@
 /**
- * A tree of places with weights, as flame graphs and tables show it. Node 0 is the root. Nodes are numbers and the
- * columns are indexed by them; the children of node n are `children[childStart[n]]` to `children[childEnd[n] - 1]`.
+ * A tree of places with weights, as flame graphs and tables show it. Node 0 is the root. Nodes are numbers
+ * and the columns are indexed by them; the children of node n are `children[childStart[n]]` to
+ * `children[childEnd[n] - 1]`.
  */
 export interface Tree {
   readonly places: Uint32Array;

@@ -1,7 +1,7 @@
-import type { State, Store } from '../views/store';
+import type {State, Store} from '../views/store';
 
 /** What undo brings back. */
-type Selection = Pick<State, 'filter' | 'run'>;
+type Selection = Pick<State, 'filter'|'run'>;
 
 const mostSteps = 100;
 

@@ -1,7 +1,7 @@
-import type { FromWorker, Source, ToWorker, ZelDocument } from '../document/messages';
-import { ProfileModel } from '../model/ProfileModel';
-import { TimechartModel } from '../model/TimechartModel';
-import type { Reading, Store } from '../views/store';
+import type {FromWorker, Source, ToWorker, ZelDocument} from '../document/messages';
+import {ProfileModel} from '../model/ProfileModel';
+import {TimechartModel} from '../model/TimechartModel';
+import type {Reading, Store} from '../views/store';
 
 /** Reads documents in Workers and puts what comes of them into the store. */
 export class Opener {
@@ -15,8 +15,8 @@ export class Opener {
 
   /** `script` is what the Workers run. */
   constructor(
-    private readonly store: Store,
-    script: string,
+      private readonly store: Store,
+      script: string,
   ) {
     this.url = URL.createObjectURL(new Blob([script], { type: 'text/javascript' }));
   }
@@ -30,14 +30,13 @@ export class Opener {
   openEmbedded(page: Document): void {
     const slots = page.querySelectorAll<HTMLElement>('script[type="application/gzip;base64"]');
     this.openSources(
-      Array.from(slots, (slot) => ({ name: slot.dataset.name ?? 'document', base64: slot.textContent ?? '' })),
+        Array.from(
+            slots, (slot) => ({ name: slot.dataset.name ?? 'document', base64: slot.textContent ?? '' })),
     );
   }
 
   /** Ends a reading; what was read by then is shown. */
-  cancel(id: number): void {
-    this.post(id, { type: 'cancel' });
-  }
+  cancel(id: number): void { this.post(id, { type: 'cancel' }); }
 
   private openSources(sources: readonly Source[]): void {
     const layouts = new Map<string, Source>();
@@ -51,7 +50,7 @@ export class Opener {
     }
   }
 
-  private open(source: Source, layout: Source | null): void {
+  private open(source: Source, layout: Source|null): void {
     const id = this.nextId++;
     const worker = new Worker(this.url);
     this.workers.set(id, worker);
@@ -59,13 +58,12 @@ export class Opener {
     const reading: Reading = { id, name: source.name, bytes: 0, total, state: 'reading', message: '' };
     this.store.set({ readings: [...this.store.state.readings, reading] });
     worker.onmessage = (event: MessageEvent<FromWorker>) => this.receive(id, event.data);
-    worker.onerror = (event) => this.receive(id, { type: 'failed', message: `${source.name}: ${event.message}` });
+    worker.onerror = (event) =>
+        this.receive(id, { type: 'failed', message: `${source.name}: ${event.message}` });
     this.post(id, { type: 'open', source, layout });
   }
 
-  private post(id: number, message: ToWorker): void {
-    this.workers.get(id)?.postMessage(message);
-  }
+  private post(id: number, message: ToWorker): void { this.workers.get(id)?.postMessage(message); }
 
   private receive(id: number, message: FromWorker): void {
     switch (message.type) {
@@ -77,7 +75,8 @@ export class Opener {
         const damage = message.document.damage;
         this.update(id, {
           state: damage === null ? 'complete' : 'damaged',
-          message: damage === null ? '' : `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
+          message: damage === null ? '' :
+                                     `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
         });
         this.show(id, message.document);
         break;
@@ -91,20 +90,27 @@ export class Opener {
   }
 
   private update(id: number, change: Partial<Reading>): void {
-    const readings = this.store.state.readings.map((reading) => (reading.id === id ? { ...reading, ...change } : reading));
+    const readings =
+        this.store.state.readings.map((reading) => (reading.id === id ? {...reading, ...change } : reading));
     this.store.set({ readings });
   }
 
-  /** The latest timechart is shown, and the latest profile; the one before it is what it can be compared with. */
+  /**
+   * The latest timechart is shown, and the latest profile; the one before it is what it can be compared
+   * with.
+   */
   private show(id: number, document: ZelDocument): void {
     const { shown } = this;
-    shown[document.kind] = [id, ...shown[document.kind].filter((other) => other !== id)].sort((a, b) => b - a);
+    shown[document.kind] =
+        [id, ...shown[document.kind].filter((other) => other !== id)].sort((a, b) => b - a);
     const superseded = [...shown.profile.splice(2), ...shown.timechart.splice(1)];
     const readings = this.store.state.readings.filter((reading) => !superseded.includes(reading.id));
     if (superseded.length > 0) this.store.set({ readings });
     if (superseded.includes(id)) return;
-    if (document.kind === 'timechart') this.store.set({ timechart: new TimechartModel(document) });
-    else if (shown.profile[0] !== id) this.store.set({ baseline: new ProfileModel(document) });
+    if (document.kind === 'timechart')
+      this.store.set({ timechart: new TimechartModel(document) });
+    else if (shown.profile[0] !== id)
+      this.store.set({ baseline: new ProfileModel(document) });
     else {
       const { profile, baseline } = this.store.state;
       const before = this.latest !== id ? profile : baseline;

@@ -1,11 +1,11 @@
-import { button, element, shortName } from '../views/dom';
-import type { Reading, State, Store } from '../views/store';
-import { axisWidth, brushOf, describeSpan, gutter, setBrush, shownExtent, timeKey } from '../views/timeAxis';
-import type { App, View } from '../views/View';
-import { copyText, savePicture } from './copy';
-import { helpDialog } from './help';
-import { History } from './History';
-import type { Opener } from './Opener';
+import {button, element, shortName} from '../views/dom';
+import type {Reading, State, Store} from '../views/store';
+import {axisWidth, brushOf, describeSpan, gutter, setBrush, shownExtent, timeKey} from '../views/timeAxis';
+import type {App, View} from '../views/View';
+import {copyText, savePicture} from './copy';
+import {helpDialog} from './help';
+import {History} from './History';
+import type {Opener} from './Opener';
 
 interface Mounted {
   readonly view: View;
@@ -17,13 +17,22 @@ interface Mounted {
 /** The page's frame: opening, the zones of views, menus, keys and the status line. */
 export class Shell implements App {
   private readonly mounted: readonly Mounted[];
-  private readonly openInput = element('input', { type: 'file', multiple: true, hidden: true, accept: '.json,.gz' });
+  private readonly openInput =
+      element('input', { type: 'file', multiple: true, hidden: true, accept: '.json,.gz' });
   private readonly readings = element('div', { class: 'readings', role: 'status' });
-  private readonly search = element('input', { type: 'search', placeholder: 'Search ( / )', 'aria-label': 'Search', spellcheck: 'false' });
+  private readonly search = element(
+      'input', { type: 'search', placeholder: 'Search ( / )', 'aria-label': 'Search', spellcheck: 'false' });
   private readonly found = element('span', { class: 'found', role: 'status' });
-  private readonly brush = button('', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
+  private readonly brush = button(
+      '', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
   private readonly timeZone = element('div', { class: 'zone time' });
-  private readonly splitter = element('div', { class: 'splitter', role: 'separator', 'aria-label': 'Height of the time views', 'aria-orientation': 'horizontal', tabindex: '0' });
+  private readonly splitter = element('div', {
+    class: 'splitter',
+    role: 'separator',
+    'aria-label': 'Height of the time views',
+    'aria-orientation': 'horizontal',
+    tabindex: '0'
+  });
   private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
   private readonly detailZone = element('div', { class: 'zone detail' });
   private readonly status = element('div', { class: 'status', role: 'status', 'aria-live': 'polite' });
@@ -35,10 +44,10 @@ export class Shell implements App {
   private readonly history: History;
 
   constructor(
-    body: HTMLElement,
-    readonly store: Store,
-    private readonly opener: Opener,
-    views: readonly View[],
+      body: HTMLElement,
+      readonly store: Store,
+      private readonly opener: Opener,
+      views: readonly View[],
   ) {
     this.history = new History(store);
     const choose = () => this.openInput.click();
@@ -47,12 +56,16 @@ export class Shell implements App {
       this.openInput.value = '';
     });
     this.welcome = element(
-      'div',
-      { class: 'welcome' },
-      element('h1', {}, 'zelconv viewer'),
-      element('p', {}, 'Drop documents here: a profile, a timechart, or both of one recording; gzipped ones, too.'),
-      button('Open documents…', 'Open documents', choose, { class: 'primary' }),
-      element('p', { class: 'quiet' }, 'They stay on this machine: the page can request nothing. Press ? for the keys.'),
+        'div',
+        { class: 'welcome' },
+        element('h1', {}, 'zelconv viewer'),
+        element(
+            'p', {},
+            'Drop documents here: a profile, a timechart, or both of one recording; gzipped ones, too.'),
+        button('Open documents…', 'Open documents', choose, { class: 'primary' }),
+        element(
+            'p', { class: 'quiet' },
+            'They stay on this machine: the page can request nothing. Press ? for the keys.'),
     );
     this.mounted = views.map((view) => this.mount(view));
     this.main = element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
@@ -65,21 +78,21 @@ export class Shell implements App {
     store.refresh();
   }
 
-  announce(text: string): void {
-    this.status.textContent = text;
-  }
+  announce(text: string): void { this.status.textContent = text; }
 
-  tooltip(lines: readonly string[] | null, event?: MouseEvent): void {
+  tooltip(lines: readonly string[]|null, event?: MouseEvent): void {
     this.tip.hidden = lines === null || event === undefined;
     if (lines === null || event === undefined) return;
     this.tip.replaceChildren(...lines.map((line) => element('div', {}, line)));
     const { offsetWidth, offsetHeight } = this.tip;
-    const x = event.clientX + 14 + offsetWidth > innerWidth ? event.clientX - offsetWidth - 10 : event.clientX + 14;
-    const y = event.clientY + 18 + offsetHeight > innerHeight ? event.clientY - offsetHeight - 10 : event.clientY + 18;
+    const x =
+        event.clientX + 14 + offsetWidth > innerWidth ? event.clientX - offsetWidth - 10 : event.clientX + 14;
+    const y = event.clientY + 18 + offsetHeight > innerHeight ? event.clientY - offsetHeight - 10 :
+                                                                event.clientY + 18;
     this.tip.style.transform = `translate(${Math.max(0, x)}px, ${Math.max(0, y)}px)`;
   }
 
-  hover(time: number | null): void {
+  hover(time: number|null): void {
     const shown = shownExtent(this.store.state);
     const part = time === null ? -1 : (time - shown.start) / (shown.end - shown.start);
     this.crosshair.hidden = part < 0 || part > 1;
@@ -87,45 +100,58 @@ export class Shell implements App {
   }
 
   private header(choose: () => void): HTMLElement {
-    const copy = (what: 'table' | 'folded') => () => void this.copy(what);
-    const picture = (kind: 'svg' | 'png') => () => void this.picture(kind);
+    const copy = (what: 'table'|'folded') => () => void this.copy(what);
+    const picture = (kind: 'svg'|'png') => () => void this.picture(kind);
     return element(
-      'header',
-      {},
-      button('Open…', 'Open documents (O)', choose),
-      this.readings,
-      element('span', { class: 'fill' }),
-      this.search,
-      button('‹', 'Previous match (Shift+N)', () => this.find(-1)),
-      button('›', 'Next match (N)', () => this.find(1)),
-      this.found,
-      button('Undo', 'Undo the last selection (Z)', () => this.undo()),
-      element(
-        'details',
-        { class: 'menu' },
-        element('summary', {}, 'Save'),
+        'header',
+        {},
+        button('Open…', 'Open documents (O)', choose),
+        this.readings,
+        element('span', { class: 'fill' }),
+        this.search,
+        button('‹', 'Previous match (Shift+N)', () => this.find(-1)),
+        button('›', 'Next match (N)', () => this.find(1)),
+        this.found,
+        button('Undo', 'Undo the last selection (Z)', () => this.undo()),
         element(
-          'div',
-          {},
-          button('Copy table (TSV)', 'Copy the view as a table (C)', copy('table')),
-          button('Copy folded stacks', 'Copy the selected samples as folded stacks (Shift+C)', copy('folded')),
-          button('Picture (SVG)', 'Save the view as a vector picture', picture('svg')),
-          button('Picture (PNG)', 'Save the view as pixels', picture('png')),
-        ),
-      ),
-      button('?', 'Keys and help (?)', () => this.help.showModal()),
-      this.openInput,
+            'details',
+            { class: 'menu' },
+            element('summary', {}, 'Save'),
+            element(
+                'div',
+                {},
+                button('Copy table (TSV)', 'Copy the view as a table (C)', copy('table')),
+                button(
+                    'Copy folded stacks', 'Copy the selected samples as folded stacks (Shift+C)',
+                    copy('folded')),
+                button('Picture (SVG)', 'Save the view as a vector picture', picture('svg')),
+                button('Picture (PNG)', 'Save the view as pixels', picture('png')),
+                ),
+            ),
+        button('?', 'Keys and help (?)', () => this.help.showModal()),
+        this.openInput,
     );
   }
 
   private mount(view: View): Mounted {
-    const host = element('section', { id: `view-${view.id}`, class: 'view', 'aria-label': view.title, tabindex: '-1', hidden: true });
+    const host = element(
+        'section',
+        { id: `view-${view.id}`, class: 'view', 'aria-label': view.title, tabindex: '-1', hidden: true });
     if (view.zone === 'detail') {
       host.setAttribute('role', 'tabpanel');
-      const tab = element('button', { type: 'button', role: 'tab', id: `tab-${view.id}`, 'aria-controls': host.id, click: () => this.store.set({ panel: view.id }) }, view.title);
+      const tab = element(
+          'button', {
+            type: 'button',
+            role: 'tab',
+            id: `tab-${view.id}`,
+            'aria-controls': host.id,
+            click: () => this.store.set({ panel: view.id })
+          },
+          view.title);
       this.tabs.append(tab);
       this.detailZone.append(host);
-    } else this.timeZone.append(host);
+    } else
+      this.timeZone.append(host);
     view.mount(host, this);
     return { view, host, stale: new Set() };
   }
@@ -163,19 +189,23 @@ export class Shell implements App {
   }
 
   /** The detail view that is shown: the chosen one, or the first that has something to show. */
-  private panel(state: State): View | undefined {
-    const details = this.mounted.map(({ view }) => view).filter((view) => view.zone === 'detail' && view.available(state));
+  private panel(state: State): View|undefined {
+    const details = this.mounted.map(({ view }) => view)
+                        .filter((view) => view.zone === 'detail' && view.available(state));
     return details.find(({ id }) => id === state.panel) ?? details[0];
   }
 
   private drawReadings(readings: readonly Reading[]): void {
     const chips = readings.map(({ id, name, bytes, total, state, message }) => {
-      const chip = element('span', { class: `reading ${state}` }, state === 'failed' || state === 'damaged' ? shortName(message) : shortName(name));
+      const chip = element(
+          'span', { class: `reading ${state}` },
+          state === 'failed' || state === 'damaged' ? shortName(message) : shortName(name));
       if (state === 'reading') {
         const done = total > 0 ? bytes / total : 0;
         chip.append(
-          element('progress', { max: '1', value: String(done), 'aria-label': `Reading ${shortName(name)}` }),
-          button('✕', `Stop reading ${shortName(name)}`, () => this.opener.cancel(id)),
+            element(
+                'progress', { max: '1', value: String(done), 'aria-label': `Reading ${shortName(name)}` }),
+            button('✕', `Stop reading ${shortName(name)}`, () => this.opener.cancel(id)),
         );
       }
       return chip;
@@ -202,16 +232,19 @@ export class Shell implements App {
     this.search.addEventListener('input', () => this.store.set({ search: this.search.value }));
     this.search.addEventListener('keydown', (event) => {
       event.stopPropagation();
-      if (event.key === 'Enter') this.find(event.shiftKey ? -1 : 1);
+      if (event.key === 'Enter')
+        this.find(event.shiftKey ? -1 : 1);
       else if (event.key === 'Escape') {
         this.store.set({ search: '' });
         this.search.value = '';
         this.search.blur();
       }
     });
-    this.splitter.addEventListener('pointerdown', (event) => this.splitter.setPointerCapture(event.pointerId));
+    this.splitter.addEventListener(
+        'pointerdown', (event) => this.splitter.setPointerCapture(event.pointerId));
     this.splitter.addEventListener('pointermove', (event) => {
-      if (this.splitter.hasPointerCapture(event.pointerId)) this.split(event.clientY - this.timeZone.getBoundingClientRect().top);
+      if (this.splitter.hasPointerCapture(event.pointerId))
+        this.split(event.clientY - this.timeZone.getBoundingClientRect().top);
     });
     this.tabs.append(element('span', { class: 'fill' }), this.brush);
   }
@@ -226,11 +259,13 @@ export class Shell implements App {
       this.split(this.timeZone.clientHeight + (event.key === 'ArrowDown' ? 20 : -20));
       return true;
     }
-    if (event.target instanceof Element && event.target.getAttribute('role') === 'tab' && this.tabKey(event)) return true;
+    if (event.target instanceof Element && event.target.getAttribute('role') === 'tab' && this.tabKey(event))
+      return true;
     if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === 'z') return this.undo();
     if (event.ctrlKey || event.metaKey || event.altKey) return false;
     // A pressed button acts by itself.
-    if (event.target instanceof HTMLButtonElement && (event.key === 'Enter' || event.key === ' ')) return false;
+    if (event.target instanceof HTMLButtonElement && (event.key === 'Enter' || event.key === ' '))
+      return false;
     const focused = this.mounted.find(({ host }) => host.contains(document.activeElement));
     if (focused?.view.key(event) === true) return true;
     return this.pageKey(event) || timeKey(event, this.store);
@@ -263,7 +298,8 @@ export class Shell implements App {
         return true;
     }
     const number = '123456789'.indexOf(event.key);
-    const details = this.mounted.filter(({ view }) => view.zone === 'detail' && view.available(this.store.state));
+    const details =
+        this.mounted.filter(({ view }) => view.zone === 'detail' && view.available(this.store.state));
     if (number < 0 || details[number] === undefined) return false;
     this.store.set({ panel: details[number].view.id });
     details[number].host.hidden = false;
@@ -282,15 +318,16 @@ export class Shell implements App {
   }
 
   /** The view that copying, pictures and search are about: the one with the focus, else the detail view. */
-  private current(): View | undefined {
+  private current(): View|undefined {
     const focused = this.mounted.find(({ host }) => host.contains(document.activeElement));
     return focused?.view ?? this.panel(this.store.state);
   }
 
-  private find(direction: 1 | -1): void {
+  private find(direction: 1|- 1): void {
     const { state } = this.store;
     const first = this.current();
-    const views = this.mounted.filter(({ view, host }) => !host.hidden && view.available(state)).map(({ view }) => view);
+    const views = this.mounted.filter(({ view, host }) => !host.hidden && view.available(state))
+                      .map(({ view }) => view);
     if (first !== undefined) views.sort((a, b) => Number(b === first) - Number(a === first));
     for (const view of views) {
       const match = state.search === '' ? null : view.find?.(direction) ?? null;
@@ -307,19 +344,29 @@ export class Shell implements App {
     return true;
   }
 
-  private async copy(what: 'table' | 'folded'): Promise<void> {
+  private async copy(what: 'table'|'folded'): Promise<void> {
     const views = [this.current(), ...this.mounted.map(({ view }) => view)];
-    const view = views.find((candidate) => candidate?.[what] !== undefined && candidate.available(this.store.state));
-    const text = what === 'folded' ? view?.folded?.() : view?.table?.().map((cells) => cells.map(cellText).join('\t') + '\n').join('');
-    if (text === undefined) this.announce('This view has nothing to copy');
-    else this.announce((await copyText(text)) ? `Copied ${text.split('\n').length - 1} lines` : 'The browser refused to copy');
+    const view =
+        views.find((candidate) => candidate?.[what] !== undefined && candidate.available(this.store.state));
+    const text = what === 'folded' ?
+        view?.folded?.() :
+        view?.table?.().map((cells) => cells.map(cellText).join('\t') + '\n').join('');
+    if (text === undefined)
+      this.announce('This view has nothing to copy');
+    else
+      this.announce(
+          (await copyText(text)) ? `Copied ${text.split('\n').length - 1} lines` :
+                                   'The browser refused to copy');
   }
 
-  private async picture(kind: 'svg' | 'png'): Promise<void> {
-    const able = (view: View | undefined) => (kind === 'svg' ? view?.svg : view?.canvas) !== undefined && view!.available(this.store.state);
+  private async picture(kind: 'svg'|'png'): Promise<void> {
+    const able = (view: View|undefined) =>
+        (kind === 'svg' ? view?.svg : view?.canvas) !== undefined && view!.available(this.store.state);
     const view = [this.current(), ...this.mounted.map((mounted) => mounted.view)].find(able);
-    if (view === undefined) this.announce('This view has no picture');
-    else this.announce(`Saved ${await savePicture(view, kind)}`);
+    if (view === undefined)
+      this.announce('This view has no picture');
+    else
+      this.announce(`Saved ${await savePicture(view, kind)}`);
   }
 }
 

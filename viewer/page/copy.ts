@@ -1,6 +1,6 @@
 /** What leaves the page: text to the clipboard and pictures to files. */
 
-import type { View } from '../views/View';
+import type {View} from '../views/View';
 
 /** Returns whether the text reached the clipboard. */
 export async function copyText(text: string): Promise<boolean> {
@@ -20,10 +20,11 @@ export async function copyText(text: string): Promise<boolean> {
 }
 
 /** Saves what a view shows; returns the file's name. */
-export async function savePicture(view: View, kind: 'svg' | 'png'): Promise<string> {
+export async function savePicture(view: View, kind: 'svg'|'png'): Promise<string> {
   const name = `${view.id}.${kind}`;
   const link = document.createElement('a');
-  const content = kind === 'svg' ? new Blob([view.svg!()], { type: 'image/svg+xml' }) : await pixels(view.canvas!());
+  const content =
+      kind === 'svg' ? new Blob([view.svg!()], { type: 'image/svg+xml' }) : await pixels(view.canvas!());
   link.href = URL.createObjectURL(content);
   link.download = name;
   link.click();
@@ -31,5 +32,6 @@ export async function savePicture(view: View, kind: 'svg' | 'png'): Promise<stri
   return name;
 }
 
-const pixels = (canvas: HTMLCanvasElement) =>
-  new Promise<Blob>((done, failed) => canvas.toBlob((blob) => (blob === null ? failed(new Error('no picture')) : done(blob))));
+const pixels = (canvas: HTMLCanvasElement) => new Promise<Blob>(
+    (done, failed) =>
+        canvas.toBlob((blob) => (blob === null ? failed(new Error('no picture')) : done(blob))));

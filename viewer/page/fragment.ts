@@ -1,27 +1,32 @@
 /** The state of the page in its URL, so that a link leads back to what was seen. */
 
-import type { Extent } from '../model/axis';
-import type { LaneChoice } from '../model/lanes';
-import type { State, Store } from '../views/store';
+import type {Extent} from '../model/axis';
+import type {LaneChoice} from '../model/lanes';
+import type {State, Store} from '../views/store';
 
 /** The URL follows when nothing has changed for this many milliseconds. */
 const settled = 250;
 
 const laneChoices = ['folded', 'hidden', 'pinned'] as const;
 
-/** Returns the state as the fragment of a URL, without its leading sign; what is as from the start is left out. */
+/**
+ * Returns the state as the fragment of a URL, without its leading sign; what is as from the start is left
+ * out.
+ */
 export function writeFragment(state: State): string {
   const { filter, visible, lanes, cursor, mark } = state;
   const parts = new URLSearchParams();
   if (visible !== null) parts.set('shown', `${visible.start},${visible.end}`);
-  if (filter.end > filter.start && Number.isFinite(filter.end - filter.start)) parts.set('selected', `${filter.start},${filter.end}`);
+  if (filter.end > filter.start && Number.isFinite(filter.end - filter.start))
+    parts.set('selected', `${filter.start},${filter.end}`);
   if (filter.cores !== null) parts.set('cores', [...filter.cores].join());
   if (filter.threads !== null) parts.set('threads', [...filter.threads].join());
   if (filter.text !== '') parts.set('filter', filter.text);
   if (state.search !== '') parts.set('search', state.search);
   if (state.place >= 0) parts.set('place', String(state.place));
   if (state.panel !== '') parts.set('view', state.panel);
-  for (const choice of laneChoices) for (const path of lanes[choice]) parts.append(choice, path);
+  for (const choice of laneChoices)
+    for (const path of lanes[choice]) parts.append(choice, path);
   if (cursor !== null) parts.set('at', `${cursor.time},${cursor.lane}`);
   if (mark !== null) parts.set('mark', String(mark));
   return parts.toString();
@@ -51,17 +56,18 @@ export function readFragment(fragment: string, start: State): Partial<State> {
     place: Number.isInteger(place) ? place : -1,
     panel: parts.get('view') ?? start.panel,
     lanes: Object.fromEntries(choices) as LaneChoice,
-    cursor: lane.length > 0 && Number.isFinite(Number(time)) ? { lane: lane.join(), time: Number(time) } : null,
+    cursor: lane.length > 0 && Number.isFinite(Number(time)) ? { lane: lane.join(), time: Number(time) } :
+                                                               null,
     mark: Number.isFinite(mark) ? mark : null,
   };
 }
 
-function extentOf(text: string | null): Extent | null {
+function extentOf(text: string|null): Extent|null {
   const [start, end, ...more] = (text ?? '').split(',').map(Number);
   return more.length === 0 && Number.isFinite(end - start) && end > start ? { start, end } : null;
 }
 
-function numbersOf(text: string | null): ReadonlySet<number> | null {
+function numbersOf(text: string|null): ReadonlySet<number>|null {
   if (text === null) return null;
   return new Set(text.split(',').map(Number).filter((number) => Number.isInteger(number) && number >= 0));
 }

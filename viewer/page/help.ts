@@ -1,7 +1,7 @@
-import { button, element } from '../views/dom';
+import {button, element} from '../views/dom';
 
 /** What the page can be told by keys and pointer, in the order of the help. */
-const sections: readonly (readonly [string, readonly (readonly [string, string])[]])[] = [
+const sections: readonly(readonly[string, readonly(readonly[string, string])[]])[] = [
   [
     'Page',
     [
@@ -40,7 +40,9 @@ const sections: readonly (readonly [string, readonly (readonly [string, string])
 export function helpDialog(): HTMLDialogElement {
   const dialog = element('dialog', { class: 'help', 'aria-label': 'Keys and help' });
   for (const [title, keys] of sections) {
-    const rows = keys.map(([key, meaning]) => element('tr', {}, element('th', { scope: 'row' }, element('kbd', {}, key)), element('td', {}, meaning)));
+    const rows = keys.map(
+        ([key, meaning]) => element(
+            'tr', {}, element('th', { scope: 'row' }, element('kbd', {}, key)), element('td', {}, meaning)));
     dialog.append(element('h2', {}, title), element('table', {}, element('tbody', {}, ...rows)));
   }
   dialog.append(button('Close', 'Close the help (Escape)', () => dialog.close()));

@@ -1,12 +1,13 @@
 /** The page's entry, and the Worker's: both run the same script, so that the page holds it once. */
 
-import { serve } from '../document/worker';
-import { everything } from '../model/filter';
-import { followFragment } from './fragment';
-import { Opener } from './Opener';
-import { Shell } from './Shell';
-import { Store } from '../views/store';
-import { makeViews } from './views';
+import {serve} from '../document/worker';
+import {everything} from '../model/filter';
+import {Store} from '../views/store';
+
+import {followFragment} from './fragment';
+import {Opener} from './Opener';
+import {Shell} from './Shell';
+import {makeViews} from './views';
 
 /** Starts the page, whose Workers run `script`. */
 function start(script: string): void {
@@ -31,5 +32,7 @@ function start(script: string): void {
   opener.openEmbedded(document);
 }
 
-if (typeof document === 'undefined') serve();
-else start(document.currentScript!.textContent!);
+if (typeof document === 'undefined')
+  serve();
+else
+  start(document.currentScript!.textContent!);

@@ -1,13 +1,13 @@
-import { MergedTree } from '../model/MergedTree';
-import type { Selection } from '../model/Selection';
-import { element, isDark, shortName } from './dom';
-import { FlamePane } from './FlamePane';
-import { folded } from './folded';
-import { describePlace } from '../model/groupings';
-import { formatPart, placeLook } from './placeLook';
-import { ProfileBar } from './ProfileBar';
-import type { State } from './store';
-import { type App, samplesChanged, type View } from './View';
+import {MergedTree} from '../model/MergedTree';
+import type {Selection} from '../model/Selection';
+import {element, isDark, shortName} from './dom';
+import {FlamePane} from './FlamePane';
+import {folded} from './folded';
+import {describePlace} from '../model/groupings';
+import {formatPart, placeLook} from './placeLook';
+import {ProfileBar} from './ProfileBar';
+import type {State} from './store';
+import {type App, samplesChanged, type View} from './View';
 
 /** One function: what called it stands above it, what it called below. */
 export class ButterflyView implements View {
@@ -19,12 +19,10 @@ export class ButterflyView implements View {
   private callers!: FlamePane;
   private callees!: FlamePane;
   private callersHost = element('div', { class: 'half' });
-  private selection: Selection | null = null;
+  private selection: Selection|null = null;
   private place = -1;
 
-  available(state: State): boolean {
-    return state.profile !== null;
-  }
+  available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     host.classList.add('column');
@@ -56,9 +54,9 @@ export class ButterflyView implements View {
     const total = this.callees.shown!.totals[0] * weight;
     const where = describePlace(model.profile, place);
     this.name.replaceChildren(
-      element('strong', {}, shortName(name)),
-      ` total ${formatPart(total, selection.count * weight)} `,
-      element('span', { class: 'quiet' }, shortName(where)),
+        element('strong', {}, shortName(name)),
+        ` total ${formatPart(total, selection.count * weight)} `,
+        element('span', { class: 'quiet' }, shortName(where)),
     );
     this.bar.draw(state);
     this.callers.draw();
@@ -69,9 +67,7 @@ export class ButterflyView implements View {
     return (this.callersHost.contains(document.activeElement) ? this.callers : this.callees).key(event);
   }
 
-  find(direction: 1 | -1): string | null {
-    return this.callees.find(direction) ?? this.callers.find(direction);
-  }
+  find(direction: 1|- 1): string|null { return this.callees.find(direction) ?? this.callers.find(direction); }
 
   table(): string[][] {
     const rows: string[][] = [['direction', 'samples', 'function']];
@@ -81,23 +77,20 @@ export class ButterflyView implements View {
       tree.expand(0);
       const { names } = this.selection.profile.places;
       for (let node = tree.childStart[0]; node < tree.childEnd[0]; ++node) {
-        rows.push([direction, String(tree.totals[node] * this.selection.profile.weight), names[tree.places[node]]]);
+        rows.push(
+            [direction, String(tree.totals[node] * this.selection.profile.weight), names[tree.places[node]]]);
       }
     }
     return rows;
   }
 
-  folded(): string {
-    return this.selection === null ? '' : folded(this.selection);
-  }
+  folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
   svg(): string {
     return this.callees.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24');
   }
 
-  canvas(): HTMLCanvasElement {
-    return this.callees.canvas;
-  }
+  canvas(): HTMLCanvasElement { return this.callees.canvas; }
 }
 
 /** Returns the place in which most samples were taken. */

@@ -1,17 +1,17 @@
-import { PlaceKind } from '../document/profile';
-import type { ProfileModel } from '../model/ProfileModel';
-import type { Selection } from '../model/Selection';
-import { childrenOf } from '../model/tree';
-import { formatShare } from '../model/axis';
-import { element, isDark, shortName } from './dom';
-import { folded } from './folded';
-import { kindColour } from './placeColours';
-import { describePlace } from '../model/groupings';
-import { formatCount, formatPart } from './placeLook';
-import { ProfileBar } from './ProfileBar';
-import { cellsOf, fillShare, RowList } from './RowList';
-import type { State } from './store';
-import { type App, samplesChanged, type View } from './View';
+import {PlaceKind} from '../document/profile';
+import type {ProfileModel} from '../model/ProfileModel';
+import type {Selection} from '../model/Selection';
+import {childrenOf} from '../model/tree';
+import {formatShare} from '../model/axis';
+import {element, isDark, shortName} from './dom';
+import {folded} from './folded';
+import {kindColour} from './placeColours';
+import {describePlace} from '../model/groupings';
+import {formatCount, formatPart} from './placeLook';
+import {ProfileBar} from './ProfileBar';
+import {cellsOf, fillShare, RowList} from './RowList';
+import type {State} from './store';
+import {type App, samplesChanged, type View} from './View';
 
 interface TreeRow {
   readonly node: number;
@@ -26,22 +26,23 @@ export class CallTreeView implements View {
   private app!: App;
   private bar!: ProfileBar;
   private list!: RowList;
-  private model: ProfileModel | null = null;
-  private selection: Selection | null = null;
+  private model: ProfileModel|null = null;
+  private selection: Selection|null = null;
   private rows: TreeRow[] = [];
   private opened = new Set<number>([0]);
-  private matches: Uint8Array | null = null;
+  private matches: Uint8Array|null = null;
 
-  available(state: State): boolean {
-    return state.profile !== null;
-  }
+  available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.app = app;
     host.classList.add('column');
     this.bar = new ProfileBar(host, app);
     host.append(
-      element('div', { class: 'row head', 'aria-hidden': 'true' }, element('span', { class: 'number' }, 'Total'), element('span', { class: 'number' }, 'Self'), element('span', { class: 'name' }, 'Function'), element('span', { class: 'detail' }, 'Library')),
+        element(
+            'div', { class: 'row head', 'aria-hidden': 'true' },
+            element('span', { class: 'number' }, 'Total'), element('span', { class: 'number' }, 'Self'),
+            element('span', { class: 'name' }, 'Function'), element('span', { class: 'detail' }, 'Library')),
     );
     const repaint = () => app.store.repaint(this.paint);
     this.list = new RowList(host, 'treegrid', 'Call tree', repaint, (row, index) => this.fill(row, index), {
@@ -72,13 +73,17 @@ export class CallTreeView implements View {
     if (row !== undefined) {
       const open = this.opened.has(row.node);
       if (event.key === 'ArrowRight') {
-        if (open) this.list.choose(this.list.chosen + 1);
-        else this.toggle(this.list.chosen);
+        if (open)
+          this.list.choose(this.list.chosen + 1);
+        else
+          this.toggle(this.list.chosen);
         return true;
       }
       if (event.key === 'ArrowLeft') {
-        if (open && this.hasChildren(row.node)) this.toggle(this.list.chosen);
-        else this.list.choose(this.rows.findIndex(({ node }) => node === this.selection!.parents[row.node]));
+        if (open && this.hasChildren(row.node))
+          this.toggle(this.list.chosen);
+        else
+          this.list.choose(this.rows.findIndex(({ node }) => node === this.selection!.parents[row.node]));
         return true;
       }
       if (event.key === 'Enter' && event.shiftKey && row.node !== 0) {
@@ -89,7 +94,7 @@ export class CallTreeView implements View {
     return this.list.key(event);
   }
 
-  find(direction: 1 | -1): string | null {
+  find(direction: 1|- 1): string|null {
     const { matches, selection, rows } = this;
     if (matches === null || selection === null) return null;
     for (let step = 1; step <= rows.length; ++step) {
@@ -109,13 +114,12 @@ export class CallTreeView implements View {
     return [['depth', 'total', 'self', 'function', 'library'], ...rows];
   }
 
-  folded(): string {
-    return this.selection === null ? '' : folded(this.selection);
-  }
+  folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
   private readonly paint = () => this.list.draw(this.rows.length);
 
-  private figures(node: number): { total: number; self: number; name: string; detail: string; kind: PlaceKind } {
+  private figures(node: number):
+      { total: number; self: number; name: string; detail: string; kind: PlaceKind } {
     const selection = this.selection!;
     const { profile } = selection;
     const place = selection.places[node];
@@ -133,14 +137,16 @@ export class CallTreeView implements View {
     const { node, depth } = this.rows[index];
     const { total, self, name } = this.figures(node);
     const whole = this.selection!.count * this.selection!.profile.weight;
-    return `${shortName(name)}, total ${formatPart(total, whole)}, self ${formatPart(self, whole)}, level ${depth}`;
+    return `${shortName(name)}, total ${formatPart(total, whole)}, self ${formatPart(self, whole)}, level ${
+        depth}`;
   }
 
   private fill(row: HTMLElement, index: number): void {
     const { node, depth } = this.rows[index];
     const { total, self, name, detail, kind } = this.figures(node);
     const whole = this.selection!.count * this.selection!.profile.weight || 1;
-    const [totalCell, selfCell, nameCell, detailCell] = cellsOf(row, ['number share', 'number', 'name', 'detail']);
+    const [totalCell, selfCell, nameCell, detailCell] =
+        cellsOf(row, ['number share', 'number', 'name', 'detail']);
     fillShare(totalCell, `${formatCount(total)}  ${formatShare(total / whole)}`, total / whole);
     selfCell.textContent = self === 0 ? '' : `${formatCount(self)}  ${formatShare(self / whole)}`;
     const children = this.hasChildren(node);
@@ -151,8 +157,10 @@ export class CallTreeView implements View {
     nameCell.replaceChildren(twisty, swatch, shortName(name));
     detailCell.textContent = shortName(detail);
     row.setAttribute('aria-level', String(depth + 1));
-    if (children) row.setAttribute('aria-expanded', String(this.opened.has(node)));
-    else row.removeAttribute('aria-expanded');
+    if (children)
+      row.setAttribute('aria-expanded', String(this.opened.has(node)));
+    else
+      row.removeAttribute('aria-expanded');
     row.classList.toggle('match', node !== 0 && this.matches?.[this.selection!.places[node]] === 1);
   }
 
@@ -171,11 +179,12 @@ export class CallTreeView implements View {
   private listRows(): void {
     const rows: TreeRow[] = [];
     const pending: TreeRow[] = [{ node: 0, depth: 0 }];
-    for (let row; (row = pending.pop()) !== undefined; ) {
+    for (let row; (row = pending.pop()) !== undefined;) {
       rows.push(row);
       if (!this.opened.has(row.node)) continue;
       const { depth } = row;
-      for (const node of childrenOf(this.selection!, row.node).reverse()) pending.push({ node, depth: depth + 1 });
+      for (const node of childrenOf(this.selection!, row.node).reverse())
+        pending.push({ node, depth: depth + 1 });
     }
     this.rows = rows;
   }
@@ -183,7 +192,7 @@ export class CallTreeView implements View {
   /** Opens the way down that most samples took. */
   private openHeaviest(selection: Selection): void {
     this.opened = new Set([0]);
-    for (let node = 0; ; ) {
+    for (let node = 0;;) {
       const heaviest = childrenOf(selection, node)[0];
       if (heaviest === undefined || selection.totals[heaviest] < selection.count / 20) return;
       this.opened.add(heaviest);

@@ -1,13 +1,13 @@
-import { DifferenceTree, unite, type Union } from '../model/difference';
-import type { ProfileModel } from '../model/ProfileModel';
-import type { Selection } from '../model/Selection';
-import { button, element, isDark, shortName } from './dom';
-import { FlamePane, type FlameLook } from './FlamePane';
-import { formatShare } from '../model/axis';
-import { type LegendEntry, ProfileBar } from './ProfileBar';
-import { cellsOf, RowList } from './RowList';
-import type { State } from './store';
-import { type App, samplesChanged, type View } from './View';
+import {DifferenceTree, unite, type Union} from '../model/difference';
+import type {ProfileModel} from '../model/ProfileModel';
+import type {Selection} from '../model/Selection';
+import {button, element, isDark, shortName} from './dom';
+import {FlamePane, type FlameLook} from './FlamePane';
+import {formatShare} from '../model/axis';
+import {type LegendEntry, ProfileBar} from './ProfileBar';
+import {cellsOf, RowList} from './RowList';
+import type {State} from './store';
+import {type App, samplesChanged, type View} from './View';
 
 /** A place's share of either profile's samples. */
 interface Change {
@@ -34,27 +34,30 @@ export class DifferenceView implements View {
   private bar!: ProfileBar;
   private pane!: FlamePane;
   private list!: RowList;
-  private union: Union | null = null;
-  private models: readonly [ProfileModel, ProfileModel] | null = null;
-  private selections: readonly [Selection, Selection] | null = null;
-  private tree: DifferenceTree | null = null;
+  private union: Union|null = null;
+  private models: readonly[ProfileModel, ProfileModel]|null = null;
+  private selections: readonly[Selection, Selection]|null = null;
+  private tree: DifferenceTree|null = null;
   private changes: Change[] = [];
 
-  available(state: State): boolean {
-    return state.profile !== null && state.baseline !== null;
-  }
+  available(state: State): boolean { return state.profile !== null && state.baseline !== null; }
 
   mount(host: HTMLElement, app: App): void {
     host.classList.add('column');
-    const swap = button('Swap', 'Exchange before and after', () =>
-      app.store.set({ profile: app.store.state.baseline, baseline: app.store.state.profile }),
+    const swap = button(
+        'Swap',
+        'Exchange before and after',
+        () => app.store.set({ profile: app.store.state.baseline, baseline: app.store.state.profile }),
     );
     this.bar = new ProfileBar(host, app, [swap], legend);
     const halves = element('div', { class: 'side-by-side' });
     const flame = element('div', { class: 'half' });
     const table = element('div', { class: 'half column difference-table' });
     table.append(
-      element('div', { class: 'row head', 'aria-hidden': 'true' }, ...['Before', 'After', 'Change'].map((title) => element('span', { class: 'number' }, title)), element('span', { class: 'name' }, 'Function (self)')),
+        element(
+            'div', { class: 'row head', 'aria-hidden': 'true' },
+            ...['Before', 'After', 'Change'].map((title) => element('span', { class: 'number' }, title)),
+            element('span', { class: 'name' }, 'Function (self)')),
     );
     halves.append(flame, table);
     host.append(halves);
@@ -96,27 +99,22 @@ export class DifferenceView implements View {
     return this.list.scroller.contains(document.activeElement) ? this.list.key(event) : this.pane.key(event);
   }
 
-  find(direction: 1 | -1): string | null {
-    return this.pane.find(direction);
-  }
+  find(direction: 1|- 1): string|null { return this.pane.find(direction); }
 
   table(): string[][] {
-    const rows = this.changes.map((change) => [
-      (100 * change.before).toFixed(3),
-      (100 * change.after).toFixed(3),
-      (100 * (change.after - change.before)).toFixed(3),
-      this.nameOf(change.place),
+    const rows = this.changes.map(
+        (change) =>
+            [(100 * change.before).toFixed(3),
+             (100 * change.after).toFixed(3),
+             (100 * (change.after - change.before)).toFixed(3),
+             this.nameOf(change.place),
     ]);
     return [['before %', 'after %', 'change', 'function'], ...rows];
   }
 
-  svg(): string {
-    return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24');
-  }
+  svg(): string { return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24'); }
 
-  canvas(): HTMLCanvasElement {
-    return this.pane.canvas;
-  }
+  canvas(): HTMLCanvasElement { return this.pane.canvas; }
 
   private readonly paint = () => this.list.draw(this.changes.length);
 
@@ -124,9 +122,8 @@ export class DifferenceView implements View {
   private nameOf(place: number): string {
     const [after, before] = this.models!;
     const current = this.union!.currentPlaces[place];
-    return current >= 0
-      ? after.profile.places.names[current]
-      : before.profile.places.names[this.union!.baselinePlaces[place]];
+    return current >= 0 ? after.profile.places.names[current] :
+                          before.profile.places.names[this.union!.baselinePlaces[place]];
   }
 
   private look(search: string): FlameLook {
@@ -135,7 +132,8 @@ export class DifferenceView implements View {
     const found = [after.matches(search), before.matches(search)];
     const { currentPlaces, baselinePlaces } = this.union!;
     const whole = this.selections![0].count || 1;
-    const nameOf = (node: number) => (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.nameOf(tree.places[node]));
+    const nameOf = (node: number) =>
+        (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.nameOf(tree.places[node]));
     return {
       palette: palette(isDark()),
       name: nameOf,
@@ -152,7 +150,9 @@ export class DifferenceView implements View {
       describe(node) {
         const [now, then] = [tree.current[node] / whole, tree.baseline[node] / whole];
         const change = `${now >= then ? '+' : '−'}${formatShare(Math.abs(now - then))}`;
-        return [shortName(nameOf(node)), `before ${formatShare(then)}, after ${formatShare(now)}, change ${change}`];
+        return [
+          shortName(nameOf(node)), `before ${formatShare(then)}, after ${formatShare(now)}, change ${change}`
+        ];
       },
     };
   }
@@ -165,10 +165,10 @@ export class DifferenceView implements View {
       return (place: number) => (place < 0 ? 0 : weights.selves[place] / (selection.count || 1));
     });
     const changes = Array.from(currentPlaces, (current, place) => ({
-      place,
-      after: shares[0](current),
-      before: shares[1](this.union!.baselinePlaces[place]),
-    }));
+                                                place,
+                                                after: shares[0](current),
+                                                before: shares[1](this.union!.baselinePlaces[place]),
+                                              }));
     const size = ({ before, after }: Change) => Math.abs(after - before);
     return changes.filter(({ before, after }) => before > 0 || after > 0).sort((a, b) => size(b) - size(a));
   }
@@ -179,7 +179,8 @@ export class DifferenceView implements View {
 
   private fill(row: HTMLElement, index: number): void {
     const { place, before, after } = this.changes[index];
-    const [beforeCell, afterCell, changeCell, nameCell] = cellsOf(row, ['number', 'number', 'number', 'name']);
+    const [beforeCell, afterCell, changeCell, nameCell] =
+        cellsOf(row, ['number', 'number', 'number', 'name']);
     beforeCell.textContent = formatShare(before);
     afterCell.textContent = formatShare(after);
     const change = after - before;

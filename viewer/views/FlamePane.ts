@@ -1,7 +1,7 @@
-import { Boxes, layOut } from '../model/flameLayout';
-import { childrenOf, pathTo, type Tree } from '../model/tree';
-import { element, fitCanvas, isDark, shortName } from './dom';
-import type { App } from './View';
+import {Boxes, layOut} from '../model/flameLayout';
+import {childrenOf, pathTo, type Tree} from '../model/tree';
+import {element, fitCanvas, isDark, shortName} from './dom';
+import type {App} from './View';
 
 /** What a flame graph shows of a tree's nodes. */
 export interface FlameLook {
@@ -10,7 +10,7 @@ export interface FlameLook {
   colour(node: number): number;
   readonly palette: readonly string[];
   /** 1 for what the search is for; null without a search. */
-  matches(node: number): boolean | null;
+  matches(node: number): boolean|null;
   /** Lines that tell a node, for the tooltip and for screen readers. */
   describe(node: number): string[];
 }
@@ -27,8 +27,9 @@ const fontSize = 12;
 const clickTolerance = 3;
 
 /**
- * One flame graph on a canvas: `focus` fills the width, or a part of it does after a zoom; what stands above it is
- * shown across the whole width. Marks of the pointer and the keyboard lie over the canvas, so that they repaint nothing.
+ * One flame graph on a canvas: `focus` fills the width, or a part of it does after a zoom; what stands above
+ * it is shown across the whole width. Marks of the pointer and the keyboard lie over the canvas, so that they
+ * repaint nothing.
  */
 export class FlamePane {
   readonly canvas = element('canvas', { 'aria-hidden': 'true' });
@@ -36,7 +37,7 @@ export class FlamePane {
   private readonly chosenMark = element('div', { class: 'flame-mark chosen', hidden: true });
   private readonly stage: HTMLElement;
   private readonly boxes = new Boxes();
-  private tree: Tree | null = null;
+  private tree: Tree|null = null;
   private look!: FlameLook;
   private focus = 0;
   private chosen = 0;
@@ -49,16 +50,16 @@ export class FlamePane {
   private width = 0;
   private height = 0;
   private readonly textWidths = new Map<string, number>();
-  private drag: { x: number; y: number; moved: boolean } | null = null;
+  private drag: { x: number; y: number; moved: boolean }|null = null;
 
   constructor(
-    host: HTMLElement,
-    private readonly app: App,
-    /** Whether the root stands at the bottom. */
-    private upward: boolean,
-    /** Called when a node is chosen to be looked into, by a double click or Enter with Shift. */
-    private readonly open: (node: number) => void,
-    label: string,
+      host: HTMLElement,
+      private readonly app: App,
+      /** Whether the root stands at the bottom. */
+      private upward: boolean,
+      /** Called when a node is chosen to be looked into, by a double click or Enter with Shift. */
+      private readonly open: (node: number) => void,
+      label: string,
   ) {
     this.stage = element('div', { class: 'flame', tabindex: '0', role: 'img', 'aria-label': label });
     this.stage.append(this.canvas, this.hoverMark, this.chosenMark);
@@ -66,9 +67,7 @@ export class FlamePane {
     this.listen();
   }
 
-  get shown(): Tree | null {
-    return this.tree;
-  }
+  get shown(): Tree|null { return this.tree; }
 
   /** Shows a tree; `sameNodes` says that its nodes are those of the tree before, so that the zoom is kept. */
   show(tree: Tree, look: FlameLook, sameNodes: boolean): void {
@@ -101,13 +100,14 @@ export class FlamePane {
   };
 
   /** Goes to the next (1) or previous (-1) node that the search is for; returns what it is. */
-  find(direction: 1 | -1): string | null {
+  find(direction: 1|- 1): string|null {
     const { tree, look, boxes } = this;
     if (tree === null) return null;
     const from = this.boxOf(this.chosen);
     const count = boxes.count;
     for (let step = 1; step <= count; ++step) {
-      const index = (((from < 0 && direction > 0 ? -1 : Math.max(from, 0)) + direction * step) % count + count) % count;
+      const index =
+          (((from < 0 && direction > 0 ? -1 : Math.max(from, 0)) + direction * step) % count + count) % count;
       const node = boxes.nodes[index];
       if (node === 0 || look.matches(node) !== true) continue;
       this.choose(node);
@@ -137,8 +137,10 @@ export class FlamePane {
         this.focusOn(0);
         return this.choose(0);
       case 'Enter':
-        if (event.shiftKey) this.open(node);
-        else this.focusOn(node);
+        if (event.shiftKey)
+          this.open(node);
+        else
+          this.focusOn(node);
         return true;
       case 'Backspace':
         this.focusOn(tree.parents[this.focus]);
@@ -170,22 +172,27 @@ export class FlamePane {
       const most = Math.floor(width / 6.5);
       const text = most < 3 ? '' : name.length > most ? `${name.slice(0, most - 1)}…` : name;
       rows.push(
-        `<g><title>${escaped(look.describe(node).join('\n'))}</title>` +
-          `<rect x="${left.toFixed(2)}" y="${y}" width="${Math.max(0.5, width - 0.5).toFixed(2)}" height="${rowHeight - 1}" fill="${look.palette[look.colour(node)]}"/>` +
-          (text === '' ? '' : `<text x="${(left + 3).toFixed(2)}" y="${y + 13}">${escaped(text)}</text>`) +
-          '</g>',
+          `<g><title>${escaped(look.describe(node).join('\n'))}</title>` +
+              `<rect x="${left.toFixed(2)}" y="${y}" width="${
+                  Math.max(0.5, width - 0.5).toFixed(2)}" height="${rowHeight - 1}" fill="${
+                  look.palette[look.colour(node)]}"/>` +
+              (text === '' ? '' :
+                             `<text x="${(left + 3).toFixed(2)}" y="${y + 13}">${escaped(text)}</text>`) +
+              '</g>',
       );
     };
     this.above.forEach((node, depth) => rect(node, 0, this.width, depth));
     for (let i = 0; i < boxes.count; ++i) {
       const left = Math.max(0, boxes.lefts[i]);
-      rect(boxes.nodes[i], left, Math.min(this.width, boxes.lefts[i] + boxes.widths[i]) - left, this.above.length + boxes.depths[i]);
+      rect(
+          boxes.nodes[i], left, Math.min(this.width, boxes.lefts[i] + boxes.widths[i]) - left,
+          this.above.length + boxes.depths[i]);
     }
     const height = this.depthOfAll() * rowHeight;
     return (
-      `<svg xmlns="http://www.w3.org/2000/svg" width="${this.width}" height="${height}" font-family="${fontFamily}" font-size="${fontSize}" fill="${ink}">` +
-      `<rect width="100%" height="100%" fill="${ground}"/>${rows.join('')}</svg>`
-    );
+        `<svg xmlns="http://www.w3.org/2000/svg" width="${this.width}" height="${height}" font-family="${
+            fontFamily}" font-size="${fontSize}" fill="${ink}">` +
+        `<rect width="100%" height="100%" fill="${ground}"/>${rows.join('')}</svg>`);
   }
 
   private lay(tree: Tree): void {
@@ -202,7 +209,8 @@ export class FlamePane {
 
   /** Top of a row in the canvas. */
   private top(depth: number): number {
-    return this.upward ? this.height - (depth + 1) * rowHeight + this.scroll : depth * rowHeight - this.scroll;
+    return this.upward ? this.height - (depth + 1) * rowHeight + this.scroll :
+                         depth * rowHeight - this.scroll;
   }
 
   private paint(context: CanvasRenderingContext2D): void {
@@ -233,7 +241,8 @@ export class FlamePane {
     context.fillStyle = dark ? '#eceef2' : '#1c1f24';
     context.font = `${fontSize}px ${fontFamily}`;
     context.textBaseline = 'middle';
-    for (const batch of batches) for (const i of batch) this.addText(context, i);
+    for (const batch of batches)
+      for (const i of batch) this.addText(context, i);
   }
 
   private addBox(context: CanvasRenderingContext2D, i: number): void {
@@ -246,7 +255,9 @@ export class FlamePane {
     const right = Math.min(width, boxes.lefts[i] + boxes.widths[i]);
     // A gap to the right tells boxes apart; narrow ones would vanish in it.
     const gap = right - left > 2 ? 1 : 0;
-    context.rect(left, this.top(this.above.length + boxes.depths[i]), Math.max(0.5, right - left - gap), rowHeight - 1);
+    context.rect(
+        left, this.top(this.above.length + boxes.depths[i]), Math.max(0.5, right - left - gap),
+        rowHeight - 1);
   }
 
   private addText(context: CanvasRenderingContext2D, i: number): void {
@@ -329,9 +340,7 @@ export class FlamePane {
   }
 
   /** Index of a node's box, or -1. */
-  private boxOf(node: number): number {
-    return this.boxes.nodes.subarray(0, this.boxes.count).indexOf(node);
-  }
+  private boxOf(node: number): number { return this.boxes.nodes.subarray(0, this.boxes.count).indexOf(node); }
 
   /** Returns the node under the pointer, or -1. */
   private nodeAt(event: MouseEvent): number {
@@ -356,16 +365,19 @@ export class FlamePane {
   private listen(): void {
     const { stage } = this;
     stage.addEventListener(
-      'wheel',
-      (event) => {
-        event.preventDefault();
-        const unit = event.deltaMode === 1 ? 16 : 1;
-        const x = event.clientX - stage.getBoundingClientRect().left;
-        if (event.ctrlKey || event.metaKey) this.zoom(Math.exp(event.deltaY * unit * 0.002), x);
-        else if (event.shiftKey || event.deltaX !== 0) this.pan((event.deltaX || event.deltaY) * unit);
-        else this.scrollBy(event.deltaY * unit);
-      },
-      { passive: false },
+        'wheel',
+        (event) => {
+          event.preventDefault();
+          const unit = event.deltaMode === 1 ? 16 : 1;
+          const x = event.clientX - stage.getBoundingClientRect().left;
+          if (event.ctrlKey || event.metaKey)
+            this.zoom(Math.exp(event.deltaY * unit * 0.002), x);
+          else if (event.shiftKey || event.deltaX !== 0)
+            this.pan((event.deltaX || event.deltaY) * unit);
+          else
+            this.scrollBy(event.deltaY * unit);
+        },
+        { passive: false },
     );
     stage.addEventListener('pointerdown', (event) => {
       if (event.button !== 0) return;
@@ -409,5 +421,10 @@ export class FlamePane {
   }
 }
 
-const escapes: Record<string, string> = { '&': '&amp;', '<': '&lt;', '>': '&gt;', '"': '&quot;' };
+const escapes: Record<string, string> = {
+  '&': '&amp;',
+  '<': '&lt;',
+  '>': '&gt;',
+  '"': '&quot;'
+};
 const escaped = (text: string) => text.replace(/[&<>"]/g, (c) => escapes[c]);

@@ -1,15 +1,18 @@
-import { MergedTree } from '../model/MergedTree';
-import type { Selection } from '../model/Selection';
-import { pathTo, type Tree } from '../model/tree';
-import { button, isDark } from './dom';
-import { FlamePane } from './FlamePane';
-import { folded } from './folded';
-import { placeLook, formatPart } from './placeLook';
-import { ProfileBar } from './ProfileBar';
-import type { State } from './store';
-import { type App, samplesChanged, type View } from './View';
+import {MergedTree} from '../model/MergedTree';
+import type {Selection} from '../model/Selection';
+import {pathTo, type Tree} from '../model/tree';
+import {button, isDark} from './dom';
+import {FlamePane} from './FlamePane';
+import {folded} from './folded';
+import {placeLook, formatPart} from './placeLook';
+import {ProfileBar} from './ProfileBar';
+import type {State} from './store';
+import {type App, samplesChanged, type View} from './View';
 
-/** All selected samples by their stacks: by caller from the root, or inverted, by what called the places that took them. */
+/**
+ * All selected samples by their stacks: by caller from the root, or inverted, by what called the places that
+ * took them.
+ */
 export class FlameView implements View {
   readonly id = 'flame';
   readonly title = 'Flame graph';
@@ -19,12 +22,10 @@ export class FlameView implements View {
   private pane!: FlamePane;
   private inverted = false;
   private upward = false;
-  private tree: Tree | null = null;
-  private selection: Selection | null = null;
+  private tree: Tree|null = null;
+  private selection: Selection|null = null;
 
-  available(state: State): boolean {
-    return state.profile !== null;
-  }
+  available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.app = app;
@@ -38,14 +39,19 @@ export class FlameView implements View {
       return made;
     };
     this.bar = new ProfileBar(host, app, [
-      toggle('Inverted', 'By what called the places that took the samples', () => (this.inverted = !this.inverted)),
-      toggle('Root at bottom', 'Grow from the bottom to the top', () => {
-        this.upward = !this.upward;
-        this.pane.setUpward(this.upward);
-        return this.upward;
-      }),
+      toggle(
+          'Inverted', 'By what called the places that took the samples',
+          () => (this.inverted = !this.inverted)),
+      toggle(
+          'Root at bottom', 'Grow from the bottom to the top',
+          () => {
+            this.upward = !this.upward;
+            this.pane.setUpward(this.upward);
+            return this.upward;
+          }),
     ]);
-    this.pane = new FlamePane(host, app, false, (node) => this.openNode(node), 'Flame graph; arrow keys walk it, Enter zooms');
+    this.pane = new FlamePane(
+        host, app, false, (node) => this.openNode(node), 'Flame graph; arrow keys walk it, Enter zooms');
   }
 
   draw(state: State, changed: ReadonlySet<keyof State>): void {
@@ -55,10 +61,12 @@ export class FlameView implements View {
     const before = this.tree;
     if (selection !== this.selection || before === null || this.inverted === (before === this.selection)) {
       this.tree = this.inverted ? MergedTree.inverted(selection) : selection;
-      const sameNodes = this.tree === selection && before === this.selection && selection.profile === this.selection?.profile;
+      const sameNodes = this.tree === selection && before === this.selection &&
+          selection.profile === this.selection?.profile;
       this.selection = selection;
       this.show(state, sameNodes);
-    } else this.show(state, true);
+    } else
+      this.show(state, true);
     this.bar.draw(state);
     this.pane.draw();
   }
@@ -68,9 +76,7 @@ export class FlameView implements View {
     return this.pane.key(event);
   }
 
-  find(direction: 1 | -1): string | null {
-    return this.pane.find(direction);
-  }
+  find(direction: 1|- 1): string|null { return this.pane.find(direction); }
 
   table(): string[][] {
     const { tree, selection } = this;
@@ -80,27 +86,27 @@ export class FlameView implements View {
     this.pane.forEachBox((node) => {
       const total = tree.totals[node] * selection.profile.weight;
       const share = (100 * tree.totals[node]) / selection.count;
-      rows.push([String(pathTo(tree, node).length), String(total), `${share.toFixed(3)}%`, node === 0 ? 'all' : names[tree.places[node]]]);
+      rows.push([
+        String(pathTo(tree, node).length), String(total), `${share.toFixed(3)}%`,
+        node === 0 ? 'all' : names[tree.places[node]]
+      ]);
     });
     return rows;
   }
 
-  folded(): string {
-    return this.selection === null ? '' : folded(this.selection);
-  }
+  folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
-  svg(): string {
-    return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24');
-  }
+  svg(): string { return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24'); }
 
-  canvas(): HTMLCanvasElement {
-    return this.pane.canvas;
-  }
+  canvas(): HTMLCanvasElement { return this.pane.canvas; }
 
   private show(state: State, sameNodes: boolean): void {
     const model = state.profile!;
-    const whole = formatPart(this.selection!.count * model.profile.weight, model.profile.samples.count * model.profile.weight);
-    this.pane.show(this.tree!, placeLook(model, this.tree!, this.selection!, `all samples: ${whole}`, state.search), sameNodes);
+    const whole = formatPart(
+        this.selection!.count * model.profile.weight, model.profile.samples.count * model.profile.weight);
+    this.pane.show(
+        this.tree!, placeLook(model, this.tree!, this.selection!, `all samples: ${whole}`, state.search),
+        sameNodes);
   }
 
   private openNode(node: number): void {

@@ -1,18 +1,18 @@
-import { functionRows, type Order, type SortKey } from '../model/functionRows';
-import { groupings, type Grouping, type GroupWeights } from '../model/groupings';
-import { formatShare } from '../model/axis';
-import type { ProfileModel } from '../model/ProfileModel';
-import type { Selection } from '../model/Selection';
-import { element, isDark, shortName } from './dom';
-import { folded } from './folded';
-import { kindColour } from './placeColours';
-import { formatCount, formatPart } from './placeLook';
-import { ProfileBar } from './ProfileBar';
-import { cellsOf, fillShare, RowList } from './RowList';
-import type { State } from './store';
-import { type App, samplesChanged, type View } from './View';
+import {functionRows, type Order, type SortKey} from '../model/functionRows';
+import {groupings, type Grouping, type GroupWeights} from '../model/groupings';
+import {formatShare} from '../model/axis';
+import type {ProfileModel} from '../model/ProfileModel';
+import type {Selection} from '../model/Selection';
+import {element, isDark, shortName} from './dom';
+import {folded} from './folded';
+import {kindColour} from './placeColours';
+import {formatCount, formatPart} from './placeLook';
+import {ProfileBar} from './ProfileBar';
+import {cellsOf, fillShare, RowList} from './RowList';
+import type {State} from './store';
+import {type App, samplesChanged, type View} from './View';
 
-const columns: readonly (readonly [SortKey, string, string])[] = [
+const columns: readonly(readonly[SortKey, string, string])[] = [
   ['self', 'Self', 'number'],
   ['total', 'Total', 'number'],
   ['name', 'Name', 'name'],
@@ -32,21 +32,22 @@ export class FunctionsView implements View {
   private text = '';
   private order: Order = { key: 'self', descending: true };
   private model!: ProfileModel;
-  private selection: Selection | null = null;
+  private selection: Selection|null = null;
   private grouping!: Grouping;
   private weights!: GroupWeights;
   private rows: number[] = [];
-  private matches: Uint8Array | null = null;
+  private matches: Uint8Array|null = null;
 
-  available(state: State): boolean {
-    return state.profile !== null;
-  }
+  available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.app = app;
     host.classList.add('column');
-    const options = Object.entries(groupings).map(([id, { title }]) => element('option', { value: id }, title));
-    const by: HTMLSelectElement = element('select', { 'aria-label': 'Rows are', change: () => this.change(() => (this.by = by.value)) }, ...options);
+    const options =
+        Object.entries(groupings).map(([id, { title }]) => element('option', { value: id }, title));
+    const by: HTMLSelectElement = element(
+        'select', { 'aria-label': 'Rows are', change: () => this.change(() => (this.by = by.value)) },
+        ...options);
     const text: HTMLInputElement = element('input', {
       type: 'search',
       class: 'filter',
@@ -56,7 +57,8 @@ export class FunctionsView implements View {
       input: () => this.change(() => (this.text = text.value)),
     });
     this.bar = new ProfileBar(host, app, [by, text]);
-    host.append(element('div', { class: 'row head', role: 'row' }, ...columns.map((column) => this.head(...column))));
+    host.append(
+        element('div', { class: 'row head', role: 'row' }, ...columns.map((column) => this.head(...column))));
     const repaint = () => app.store.repaint(this.paint);
     this.list = new RowList(host, 'grid', 'Functions', repaint, (row, index) => this.fill(row, index), {
       choose: (index) => app.announce(this.describe(index)),
@@ -69,10 +71,11 @@ export class FunctionsView implements View {
   }
 
   key(event: KeyboardEvent): boolean {
-    return event.target instanceof HTMLElement && event.target.closest('.head') === null && this.list.key(event);
+    return event.target instanceof HTMLElement && event.target.closest('.head') === null &&
+        this.list.key(event);
   }
 
-  find(direction: 1 | -1): string | null {
+  find(direction: 1|- 1): string|null {
     const { matches, rows } = this;
     if (matches === null) return null;
     for (let step = 1; step <= rows.length; ++step) {
@@ -94,9 +97,7 @@ export class FunctionsView implements View {
     return [['self', 'total', groupings[this.by].title.toLowerCase(), 'where'], ...rows];
   }
 
-  folded(): string {
-    return this.selection === null ? '' : folded(this.selection);
-  }
+  folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
   private readonly paint = () => this.list.draw(this.rows.length);
 
@@ -118,12 +119,13 @@ export class FunctionsView implements View {
   }
 
   private head(key: SortKey, title: string, style: string): HTMLElement {
-    const sort = () =>
-      this.change(() => {
-        const descending = this.order.key === key ? !this.order.descending : key === 'self' || key === 'total';
-        this.order = { key, descending };
-      });
-    const head = element('span', { class: style, role: 'columnheader' }, element('button', { type: 'button', click: sort }, title));
+    const sort = () => this.change(() => {
+      const descending = this.order.key === key ? !this.order.descending : key === 'self' || key === 'total';
+      this.order = { key, descending };
+    });
+    const head = element(
+        'span', { class: style, role: 'columnheader' },
+        element('button', { type: 'button', click: sort }, title));
     this.heads.set(key, head);
     return head;
   }
@@ -149,9 +151,10 @@ export class FunctionsView implements View {
     const { name, detail, kind } = this.grouping.groups[group];
     const { weight } = this.model.profile;
     const whole = this.selection!.count || 1;
-    const [self, total, nameCell, detailCell] = cellsOf(row, ['number share', 'number share', 'name', 'detail']);
+    const [self, total, nameCell, detailCell] =
+        cellsOf(row, ['number share', 'number share', 'name', 'detail']);
     const figure = (cell: HTMLElement, samples: number) =>
-      fillShare(cell, `${formatCount(samples * weight)}  ${formatShare(samples / whole)}`, samples / whole);
+        fillShare(cell, `${formatCount(samples * weight)}  ${formatShare(samples / whole)}`, samples / whole);
     figure(self, this.weights.selves[group]);
     figure(total, this.weights.totals[group]);
     const swatch = element('i', { class: 'swatch' });
@@ -165,13 +168,16 @@ export class FunctionsView implements View {
   private open(index: number): void {
     const group = this.rows[index];
     const { store } = this.app;
-    if (this.grouping.byPlace) store.set({ place: group, panel: 'butterfly' });
-    else if (this.by === 'core') store.set({ filter: { ...store.state.filter, cores: new Set([group]) } });
-    else if (this.by === 'thread') store.set({ filter: { ...store.state.filter, threads: new Set([group]) } });
+    if (this.grouping.byPlace)
+      store.set({ place: group, panel: 'butterfly' });
+    else if (this.by === 'core')
+      store.set({ filter: {...store.state.filter, cores: new Set([group]) } });
+    else if (this.by === 'thread')
+      store.set({ filter: {...store.state.filter, threads: new Set([group]) } });
     else if (this.by === 'process') {
       const { pid } = this.model.profile.processes[group] ?? {};
       const threads = this.model.profile.threads.flatMap((thread, at) => (thread.pid === pid ? [at] : []));
-      store.set({ filter: { ...store.state.filter, threads: new Set(threads) } });
+      store.set({ filter: {...store.state.filter, threads: new Set(threads) } });
     }
   }
 }

@@ -1,16 +1,16 @@
-import { formatDuration, formatShare, formatTime } from '../model/axis';
-import { Lane, LaneChoice, visibleLanes } from '../model/lanes';
-import { pointsBefore, pointsUntil, Slice } from '../model/steps';
-import type { TimechartModel } from '../model/TimechartModel';
-import type { Track } from '../model/tracks';
-import type { State } from './store';
-import { button, element, fitCanvas, isDark, shortName } from './dom';
-import { laneHeight, paintLane, Picture, Pixels, Surface } from './laneRaster';
-import { CanvasWriter, textsReady, Writer, writeTexts } from './laneTexts';
-import { selectRun } from './runs';
-import { SvgPicture } from './SvgPicture';
-import { axisWidth, gutter, setBrush, showTime, shownExtent, timeGestures } from './timeAxis';
-import type { App, View } from './View';
+import {formatDuration, formatShare, formatTime} from '../model/axis';
+import {Lane, LaneChoice, visibleLanes} from '../model/lanes';
+import {pointsBefore, pointsUntil, Slice} from '../model/steps';
+import type {TimechartModel} from '../model/TimechartModel';
+import type {Track} from '../model/tracks';
+import type {State} from './store';
+import {button, element, fitCanvas, isDark, shortName} from './dom';
+import {laneHeight, paintLane, Picture, Pixels, Surface} from './laneRaster';
+import {CanvasWriter, textsReady, Writer, writeTexts} from './laneTexts';
+import {selectRun} from './runs';
+import {SvgPicture} from './SvgPicture';
+import {axisWidth, gutter, setBrush, showTime, shownExtent, timeGestures} from './timeAxis';
+import type {App, View} from './View';
 
 /** A row where it is drawn, in pixels of the page from the top of the view. */
 interface PlacedLane {
@@ -29,16 +29,15 @@ export class LanesView implements View {
   private app!: App;
   private readonly base = element('canvas', { class: 'lanes-base', role: 'img' });
   private readonly overlay = element('canvas', { class: 'lanes-overlay', 'aria-hidden': 'true' });
-  private readonly labels = element('div', { class: 'lanes-labels', role: 'tree', tabindex: '0', 'aria-label': 'Rows of the timechart' });
+  private readonly labels = element(
+      'div', { class: 'lanes-labels', role: 'tree', tabindex: '0', 'aria-label': 'Rows of the timechart' });
   private readonly space = element('div', { class: 'lanes-space' });
   private readonly scroller = element('div', { class: 'lanes-scroll', tabindex: '-1' }, this.space);
-  private pixels: Pixels | null = null;
+  private pixels: Pixels|null = null;
   private placed: PlacedLane[] = [];
   private pending = 0;
 
-  available({ timechart }: State): boolean {
-    return timechart !== null;
-  }
+  available({ timechart }: State): boolean { return timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
@@ -56,7 +55,8 @@ export class LanesView implements View {
 
   draw(state: State, changed: ReadonlySet<keyof State>): void {
     const model = state.timechart!;
-    if (changed.has('timechart') || changed.has('lanes') || this.placed.length === 0) this.space.style.height = `${this.totalHeight(model, state.lanes)}px`;
+    if (changed.has('timechart') || changed.has('lanes') || this.placed.length === 0)
+      this.space.style.height = `${this.totalHeight(model, state.lanes)}px`;
     const moved = (['timechart', 'lanes', 'profile', 'readings'] as const).some((key) => changed.has(key));
     if (moved) this.place(model, state.lanes);
     if (moved || changed.has('visible')) this.paint(state, model);
@@ -83,7 +83,7 @@ export class LanesView implements View {
     return true;
   }
 
-  find(direction: 1 | -1): string | null {
+  find(direction: 1|- 1): string|null {
     const { store } = this.app;
     const { state } = store;
     const wanted = state.search.toLowerCase();
@@ -101,18 +101,23 @@ export class LanesView implements View {
     return null;
   }
 
-  canvas(): HTMLCanvasElement {
-    return this.base;
-  }
+  canvas(): HTMLCanvasElement { return this.base; }
 
   svg(): string {
     const { state } = this.app.store;
     const model = state.timechart!;
     const colours = groundColours();
     const picture = new SvgPicture(gutter + this.width, this.host.clientHeight, colours.ground);
-    const lanes: Picture = { shown: shownExtent(state), close: model.end, width: this.width, scale: 1, dark: isDark() };
-    const shifted: Surface & Writer = {
-      box: (left, right, top, bottom, colour) => picture.box(gutter + left, gutter + right, top, bottom, colour),
+    const lanes: Picture = {
+      shown: shownExtent(state),
+      close: model.end,
+      width: this.width,
+      scale: 1,
+      dark: isDark()
+    };
+    const shifted: Surface&Writer = {
+      box: (left, right, top, bottom, colour) =>
+          picture.box(gutter + left, gutter + right, top, bottom, colour),
       text: (text, x, ...rest) => picture.text(text, gutter + x, ...rest),
     };
     for (const { lane, top, height } of this.placed) {
@@ -134,17 +139,17 @@ export class LanesView implements View {
     p: ({ lane }) => this.toggle('pinned', lane),
     h: ({ lane }) => this.toggle('hidden', lane),
     u: () => this.choose({ hidden: new Set() }),
-    m: (cursor) => this.app.store.set({ mark: this.app.store.state.mark === cursor.time ? null : cursor.time }),
+    m: (cursor) =>
+        this.app.store.set({ mark: this.app.store.state.mark === cursor.time ? null : cursor.time }),
     ']': (cursor) => this.toRun(cursor, 1),
     '[': (cursor) => this.toRun(cursor, -1),
   };
 
-  private get width(): number {
-    return axisWidth(this.host);
-  }
+  private get width(): number { return axisWidth(this.host); }
 
   private allLanes(model: TimechartModel): Lane[] {
-    const { pinned, rest } = visibleLanes(model.tree, { folded: new Set(), hidden: new Set(), pinned: new Set() });
+    const { pinned, rest } =
+        visibleLanes(model.tree, { folded: new Set(), hidden: new Set(), pinned: new Set() });
     return [...pinned, ...rest];
   }
 
@@ -167,7 +172,8 @@ export class LanesView implements View {
     top -= this.scroller.scrollTop;
     for (const lane of rest) {
       const rowHeight = laneHeight(lane);
-      if (top + rowHeight > fixed && top < height) this.placed.push({ lane, top, height: rowHeight, pinned: false });
+      if (top + rowHeight > fixed && top < height)
+        this.placed.push({ lane, top, height: rowHeight, pinned: false });
       top += rowHeight;
     }
   }
@@ -176,7 +182,8 @@ export class LanesView implements View {
     const scale = fitCanvas(this.base, this.width, this.host.clientHeight);
     fitCanvas(this.overlay, this.width, this.host.clientHeight);
     const { width, height } = this.base;
-    if (this.pixels === null || this.pixels.width !== width || this.pixels.height !== height) this.pixels = new Pixels(width, height);
+    if (this.pixels === null || this.pixels.width !== width || this.pixels.height !== height)
+      this.pixels = new Pixels(width, height);
     const { pixels } = this;
     const dark = isDark();
     const { ground, line } = groundColours();
@@ -196,10 +203,14 @@ export class LanesView implements View {
     let late = 0;
     for (const { lane, top } of this.placed) {
       // A frame has time for one that is not ready.
-      if (textsReady(lane, model) || ++late === 1) writeTexts(writer, model, lane, Math.round(top * scale), picture);
+      if (textsReady(lane, model) || ++late === 1)
+        writeTexts(writer, model, lane, Math.round(top * scale), picture);
     }
     if (late > 1) this.repaint();
-    this.base.setAttribute('aria-label', `${this.placed.length} rows from ${formatTime(picture.shown.start)} to ${formatTime(picture.shown.end)}`);
+    this.base.setAttribute(
+        'aria-label',
+        `${this.placed.length} rows from ${formatTime(picture.shown.start)} to ${
+            formatTime(picture.shown.end)}`);
   }
 
   private label(state: State): void {
@@ -208,19 +219,25 @@ export class LanesView implements View {
     const rows = this.placed.map(({ lane, top, height, pinned }) => {
       const folded = state.lanes.folded.has(lane.path);
       const row = element(
-        'div',
-        {
-          class: 'lane' + (lane.tracks.length === 0 ? ' heading' : '') + (pinned ? ' pinned' : ''),
-          role: 'treeitem',
-          id: `lane-${lane.path}`,
-          'aria-level': String(lane.depth + 1),
-          'aria-selected': String(lane.path === current),
-          title: shortName(lane.label),
-        },
-        element('span', { class: 'fold', 'aria-hidden': 'true' }, lane.children.length === 0 ? '' : folded ? '▸' : '▾'),
-        element('span', { class: 'lane-name' }, shortName(lane.label)),
-        button(pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)', () => this.toggle('pinned', lane), { tabindex: '-1' }),
-        button('✕', 'Hide (H)', () => this.toggle('hidden', lane), { tabindex: '-1' }),
+          'div',
+          {
+            class: 'lane' + (lane.tracks.length === 0 ? ' heading' : '') + (pinned ? ' pinned' : ''),
+            role: 'treeitem',
+            id: `lane-${lane.path}`,
+            'aria-level': String(lane.depth + 1),
+            'aria-selected': String(lane.path === current),
+            title: shortName(lane.label),
+          },
+          element(
+              'span', { class: 'fold', 'aria-hidden': 'true' },
+              lane.children.length === 0 ? '' :
+                  folded                 ? '▸' :
+                                           '▾'),
+          element('span', { class: 'lane-name' }, shortName(lane.label)),
+          button(
+              pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)',
+              () => this.toggle('pinned', lane), { tabindex: '-1' }),
+          button('✕', 'Hide (H)', () => this.toggle('hidden', lane), { tabindex: '-1' }),
       );
       if (lane.children.length > 0) row.setAttribute('aria-expanded', String(!folded));
       if (wanted !== '' && lane.label.toLowerCase().includes(wanted)) row.classList.add('match');
@@ -265,16 +282,20 @@ export class LanesView implements View {
       context.lineWidth = 2 * scale;
       const slice = sliceOn(row.lane, state.cursor.time, state.timechart!.end);
       const left = x(slice?.start ?? state.cursor.time) - 1;
-      context.strokeRect(left, row.top * scale + 1, Math.max(2, x(slice?.end ?? state.cursor.time) - left), row.height * scale - 3);
+      context.strokeRect(
+          left, row.top * scale + 1, Math.max(2, x(slice?.end ?? state.cursor.time) - left),
+          row.height * scale - 3);
     }
   }
 
-  private hover(time: number | null, y: number, event: PointerEvent): void {
+  private hover(time: number|null, y: number, event: PointerEvent): void {
     this.app.hover(time);
     const row = time === null ? undefined : this.rowAt(y);
     const inside = event.clientX - this.host.getBoundingClientRect().left >= gutter;
-    if (time === null || row === undefined || !inside || row.lane.tracks.length === 0) this.app.tooltip(null);
-    else this.app.tooltip(this.describe(row.lane, time), event);
+    if (time === null || row === undefined || !inside || row.lane.tracks.length === 0)
+      this.app.tooltip(null);
+    else
+      this.app.tooltip(this.describe(row.lane, time), event);
   }
 
   private click(time: number, y: number): void {
@@ -283,7 +304,7 @@ export class LanesView implements View {
     if (row !== undefined) this.selectAt(row.lane, time);
   }
 
-  private rowAt(y: number): PlacedLane | undefined {
+  private rowAt(y: number): PlacedLane|undefined {
     return this.placed.find(({ top, height }) => y >= top && y < top + height);
   }
 
@@ -298,7 +319,9 @@ export class LanesView implements View {
     const busy = lane.tracks.find(({ role }) => role === 'busy');
     const run = busy === undefined ? null : model.tasks.runOnCore(busy.cpu, time);
     if (run !== null) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
-    lines.push(formatTime(time) + (state.mark === null ? '' : `, ${formatDuration(time - state.mark)} from the mark`));
+    lines.push(
+        formatTime(time) +
+        (state.mark === null ? '' : `, ${formatDuration(time - state.mark)} from the mark`));
     return lines;
   }
 
@@ -307,7 +330,8 @@ export class LanesView implements View {
     const name = shortName(entry.tip || entry.name);
     if (shape === 'state') {
       const slice = steps.sliceAt(time, model.end);
-      if (slice !== null) return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
+      if (slice !== null)
+        return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
       const share = steps.onTime(time - pixel, time + pixel) / (2 * pixel);
       return share > 0 ? [`${name}: ${formatShare(share)} here`] : [];
     }
@@ -316,29 +340,33 @@ export class LanesView implements View {
     const to = pointsUntil(steps.times, time + 3 * pixel);
     const texts = Array.from({ length: Math.min(5, to - from) }, (_, i) => {
       const text = model.markerText(track, from + i);
-      return text === null ? `${name}: ${steps.values[from + i]}` : `${shortName(text.name)} ${shortName(text.detail)}`;
+      return text === null ? `${name}: ${steps.values[from + i]}` :
+                             `${shortName(text.name)} ${shortName(text.detail)}`;
     });
     return to - from > 5 ? [...texts, `and ${to - from - 5} more`] : texts;
   }
 
-  private cursorOf(state: State): PlacedCursor | null {
+  private cursorOf(state: State): PlacedCursor|null {
     if (state.timechart === null) return null;
     const all = this.allLanes(state.timechart);
     const lane = all.find(({ path }) => path === state.cursor?.lane) ?? all[0];
     return lane === undefined ? null : { lane, time: state.cursor?.time ?? shownExtent(state).start };
   }
 
-  private step({ lane, time }: PlacedCursor, direction: 1 | -1): void {
+  private step({ lane, time }: PlacedCursor, direction: 1|- 1): void {
     const { state } = this.app.store;
     const { pinned, rest } = visibleLanes(state.timechart!.tree, state.lanes);
     const rows = [...pinned, ...rest];
-    const at = state.cursor === null ? (direction > 0 ? -1 : 1) : rows.findIndex(({ path }) => path === lane.path);
+    const at =
+        state.cursor === null ? (direction > 0 ? -1 : 1) : rows.findIndex(({ path }) => path === lane.path);
     const next = rows[Math.min(rows.length - 1, Math.max(0, at + direction))];
     if (next !== undefined) this.moveTo(next, time);
   }
 
-  /** Moves the cursor to the row's next or previous point in time; with `extend`, selects what lies between. */
-  private toPoint({ lane, time }: PlacedCursor, direction: 1 | -1, extend: boolean): void {
+  /**
+   * Moves the cursor to the row's next or previous point in time; with `extend`, selects what lies between.
+   */
+  private toPoint({ lane, time }: PlacedCursor, direction: 1|- 1, extend: boolean): void {
     let next = direction > 0 ? Infinity : -Infinity;
     for (const { steps } of lane.tracks) {
       const index = direction > 0 ? pointsUntil(steps.times, time) : pointsBefore(steps.times, time) - 1;
@@ -358,12 +386,13 @@ export class LanesView implements View {
   }
 
   /** Selects the run before or after the cursor of the task that the row shows. */
-  private toRun({ lane, time }: PlacedCursor, direction: 1 | -1): void {
+  private toRun({ lane, time }: PlacedCursor, direction: 1|- 1): void {
     const { tasks } = this.app.store.state.timechart!;
     const task = taskOf(lane) ?? tasks.runOnCore(coreOf(lane), time)?.task;
     if (task === undefined) return;
     const run = direction > 0 ? tasks.runAfter(task, time) : tasks.runBefore(task, time);
-    if (run === null) this.app.announce(direction > 0 ? 'No later run of this task' : 'No earlier run of this task');
+    if (run === null)
+      this.app.announce(direction > 0 ? 'No later run of this task' : 'No earlier run of this task');
     else {
       showTime(this.app.store, run.start);
       this.moveTo(lane, run.start);
@@ -377,10 +406,13 @@ export class LanesView implements View {
     const model = store.state.timechart!;
     this.moveTo(lane, time);
     const task = taskOf(lane);
-    const run = task === undefined ? model.tasks.runOnCore(coreOf(lane), time) : model.tasks.runAt(task, time);
+    const run =
+        task === undefined ? model.tasks.runOnCore(coreOf(lane), time) : model.tasks.runAt(task, time);
     const slice = sliceOn(lane, time, model.end);
-    if (run !== null) selectRun(this.app, run);
-    else setBrush(store, slice);
+    if (run !== null)
+      selectRun(this.app, run);
+    else
+      setBrush(store, slice);
   }
 
   private moveTo(lane: Lane, time: number): void {
@@ -397,7 +429,8 @@ export class LanesView implements View {
     const fixed = pinned.reduce((height, row) => height + laneHeight(row), 0);
     let top = 0;
     for (const row of rest) {
-      if (row.path === lane.path) this.scroller.scrollTop = Math.max(0, top - (this.host.clientHeight - fixed) / 2);
+      if (row.path === lane.path)
+        this.scroller.scrollTop = Math.max(0, top - (this.host.clientHeight - fixed) / 2);
       top += laneHeight(row);
     }
   }
@@ -421,7 +454,7 @@ export class LanesView implements View {
 
   private choose(change: Partial<LaneChoice>): void {
     const { store } = this.app;
-    store.set({ lanes: { ...store.state.lanes, ...change } });
+    store.set({ lanes: {...store.state.lanes, ...change } });
   }
 }
 
@@ -431,17 +464,18 @@ interface PlacedCursor {
 }
 
 /** Colours of the page that are painted rather than styled; page.css has the same. */
-const groundColours = () =>
-  isDark() ? { ground: 0x16181c, line: 0x24272c, text: 0xe4e6ea } : { ground: 0xffffff, line: 0xeef0f3, text: 0x1c1f24 };
+const groundColours = () => isDark() ? { ground: 0x16181c, line: 0x24272c, text: 0xe4e6ea } :
+                                       { ground: 0xffffff, line: 0xeef0f3, text: 0x1c1f24 };
 
 /** Returns the task that a row shows, if it shows one. */
-const taskOf = (lane: Lane): number | undefined => lane.tracks.find(({ entry }) => entry.id.startsWith('proc-'))?.subject;
+const taskOf = (lane: Lane): number|undefined =>
+    lane.tracks.find(({ entry }) => entry.id.startsWith('proc-'))?.subject;
 
 /** Returns the core of a core's row, or -1. */
 const coreOf = (lane: Lane): number => (lane.root === 'cpu' ? lane.tracks[0]?.cpu ?? -1 : -1);
 
 /** Returns the stretch of a row's states that covers a time, or null. */
-function sliceOn(lane: Lane, time: number, close: number): Slice | null {
+function sliceOn(lane: Lane, time: number, close: number): Slice|null {
   for (const { shape, steps } of lane.tracks) {
     const slice = shape === 'state' ? steps.sliceAt(time, close) : null;
     if (slice !== null) return slice;

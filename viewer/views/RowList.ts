@@ -1,12 +1,12 @@
-import { element } from './dom';
+import {element} from './dom';
 
 const rowHeight = 21;
 /** Rows above and below the window that are there before they are scrolled to. */
 const margin = 6;
 
 /**
- * A table of any number of rows, of which only those in sight are elements. `fill` writes a row into its element,
- * which it finds with the cells that it made before or empty.
+ * A table of any number of rows, of which only those in sight are elements. `fill` writes a row into its
+ * element, which it finds with the cells that it made before or empty.
  */
 export class RowList {
   readonly scroller: HTMLElement;
@@ -16,12 +16,12 @@ export class RowList {
   private current = 0;
 
   constructor(
-    host: HTMLElement,
-    role: 'grid' | 'treegrid',
-    label: string,
-    private readonly repaint: () => void,
-    private readonly fill: (row: HTMLElement, index: number) => void,
-    private readonly act: { choose(index: number): void; open(index: number): void },
+      host: HTMLElement,
+      role: 'grid'|'treegrid',
+      label: string,
+      private readonly repaint: () => void,
+      private readonly fill: (row: HTMLElement, index: number) => void,
+      private readonly act: { choose(index: number): void; open(index: number): void },
   ) {
     this.scroller = element('div', { class: 'rows', role, 'aria-label': label, tabindex: '0' }, this.spacer);
     host.append(this.scroller);
@@ -30,9 +30,7 @@ export class RowList {
     this.scroller.addEventListener('dblclick', (event) => this.pick(event, true));
   }
 
-  get chosen(): number {
-    return this.current;
-  }
+  get chosen(): number { return this.current; }
 
   draw(count: number): void {
     this.count = count;
@@ -40,7 +38,8 @@ export class RowList {
     this.spacer.style.height = `${count * rowHeight}px`;
     this.scroller.setAttribute('aria-rowcount', String(count));
     const first = Math.max(0, Math.floor(this.scroller.scrollTop / rowHeight) - margin);
-    const last = Math.min(count, Math.ceil((this.scroller.scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
+    const last = Math.min(
+        count, Math.ceil((this.scroller.scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
     for (const [index, row] of this.pool) {
       if (index >= first && index < last) continue;
       row.remove();
@@ -49,7 +48,11 @@ export class RowList {
     for (let index = first; index < last; ++index) {
       let row = this.pool.get(index);
       if (row === undefined) {
-        row = element('div', { class: 'row', role: 'row', id: `${this.scroller.getAttribute('aria-label')}-${index}`.replace(/\W+/g, '-') });
+        row = element('div', {
+          class: 'row',
+          role: 'row',
+          id: `${this.scroller.getAttribute('aria-label')}-${index}`.replace(/\W+/g, '-')
+        });
         row.style.transform = `translateY(${index * rowHeight}px)`;
         row.setAttribute('aria-rowindex', String(index + 1));
         this.pool.set(index, row);
@@ -68,17 +71,28 @@ export class RowList {
     const top = this.current * rowHeight;
     const { scroller } = this;
     if (top < scroller.scrollTop) scroller.scrollTop = top;
-    if (top + rowHeight > scroller.scrollTop + scroller.clientHeight) scroller.scrollTop = top + rowHeight - scroller.clientHeight;
+    if (top + rowHeight > scroller.scrollTop + scroller.clientHeight)
+      scroller.scrollTop = top + rowHeight - scroller.clientHeight;
     this.act.choose(this.current);
     this.repaint();
   }
 
   key(event: KeyboardEvent): boolean {
     const page = Math.max(1, Math.floor(this.scroller.clientHeight / rowHeight) - 1);
-    const steps: Record<string, number> = { ArrowUp: -1, ArrowDown: 1, PageUp: -page, PageDown: page, Home: -Infinity, End: Infinity };
-    if (event.key in steps) this.choose(this.current + steps[event.key]);
-    else if (event.key === 'Enter') this.act.open(this.current);
-    else return false;
+    const steps: Record<string, number> = {
+      ArrowUp: -1,
+      ArrowDown: 1,
+      PageUp: -page,
+      PageDown: page,
+      Home: -Infinity,
+      End: Infinity
+    };
+    if (event.key in steps)
+      this.choose(this.current + steps[event.key]);
+    else if (event.key === 'Enter')
+      this.act.open(this.current);
+    else
+      return false;
     return true;
   }
 

@@ -1,8 +1,8 @@
-import { formatDuration, formatTime, ticks } from '../model/axis';
-import type { State } from './store';
-import { element, fitCanvas, isDark } from './dom';
-import { axisWidth, brushOf, describeSpan, setBrush, shownExtent, timeGestures, wholeExtent } from './timeAxis';
-import type { App, View } from './View';
+import {formatDuration, formatTime, ticks} from '../model/axis';
+import type {State} from './store';
+import {element, fitCanvas, isDark} from './dom';
+import {axisWidth, brushOf, describeSpan, setBrush, shownExtent, timeGestures, wholeExtent} from './timeAxis';
+import type {App, View} from './View';
 
 const height = 34;
 
@@ -14,9 +14,7 @@ export class RulerView implements View {
   private readonly picture = element('canvas', { role: 'img' });
   private readonly label = element('div', { class: 'ruler-label' });
 
-  available({ profile, timechart }: State): boolean {
-    return profile !== null || timechart !== null;
-  }
+  available({ profile, timechart }: State): boolean { return profile !== null || timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     host.append(this.label, this.picture);
@@ -52,17 +50,17 @@ export class RulerView implements View {
       context.fillStyle = '#d0342c';
       context.fillRect(Math.round(x(state.mark)) - 1, 6, 2, height - 6);
     }
-    const told = brush === null ? `${formatDuration(shown.end - shown.start)} shown` : `${formatDuration(brush.end - brush.start)} selected`;
+    const told = brush === null ? `${formatDuration(shown.end - shown.start)} shown` :
+                                  `${formatDuration(brush.end - brush.start)} selected`;
     if (this.label.textContent !== told) this.label.textContent = told;
     this.picture.setAttribute(
-      'aria-label',
-      `Time from ${formatTime(shown.start)} to ${formatTime(shown.end)}` + (brush === null ? '' : `; selected: ${describeSpan(brush)}`),
+        'aria-label',
+        `Time from ${formatTime(shown.start)} to ${formatTime(shown.end)}` +
+            (brush === null ? '' : `; selected: ${describeSpan(brush)}`),
     );
   }
 
-  key(): boolean {
-    return false;
-  }
+  key(): boolean { return false; }
 
   /** A thin bar over the whole axis with the shown part of it. */
   private drawOverview(context: CanvasRenderingContext2D, state: State, width: number): void {

@@ -1,11 +1,11 @@
-import { formatShare } from '../model/axis';
-import type { SpanUse, TaskUse } from '../model/span';
-import type { TimechartModel } from '../model/TimechartModel';
-import { button, element, shortName } from './dom';
-import { describeRun, selectRun } from './runs';
-import type { State } from './store';
-import { brushOf, describeSpan, showTime, spanOf } from './timeAxis';
-import type { App, View } from './View';
+import {formatShare} from '../model/axis';
+import type {SpanUse, TaskUse} from '../model/span';
+import type {TimechartModel} from '../model/TimechartModel';
+import {button, element, shortName} from './dom';
+import {describeRun, selectRun} from './runs';
+import type {State} from './store';
+import {brushOf, describeSpan, showTime, spanOf} from './timeAxis';
+import type {App, View} from './View';
 
 type Cells = readonly string[];
 
@@ -19,14 +19,12 @@ export class SpanView implements View {
   readonly zone = 'detail';
   private host!: HTMLElement;
   private app!: App;
-  private use: SpanUse | null = null;
+  private use: SpanUse|null = null;
   /** What the figures are about that are shown, or being reckoned. */
   private asked: readonly unknown[] = [];
   private pending = 0;
 
-  available({ timechart }: State): boolean {
-    return timechart !== null;
-  }
+  available({ timechart }: State): boolean { return timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
@@ -49,28 +47,34 @@ export class SpanView implements View {
     const deadline = performance.now() + frameShare;
     let step = work.next();
     while (!step.done && performance.now() < deadline) step = work.next();
-    if (step.done) this.show(step.value, state);
-    else this.pending = requestAnimationFrame(() => this.reckon(work, state));
+    if (step.done)
+      this.show(step.value, state);
+    else
+      this.pending = requestAnimationFrame(() => this.reckon(work, state));
   }
 
   private show(use: SpanUse, state: State): void {
     this.use = use;
-    const head = element('p', { class: 'lead' }, `${brushOf(state) === null ? 'All' : 'Selected'}: ${describeSpan(spanOf(state))}`);
-    this.host.replaceChildren(head, ...this.runLines(state, state.timechart!), ...sections(use).map(([title, rows]) => tableOf(title, rows)));
+    const head = element(
+        'p', { class: 'lead' },
+        `${brushOf(state) === null ? 'All' : 'Selected'}: ${describeSpan(spanOf(state))}`);
+    this.host.replaceChildren(
+        head, ...this.runLines(state, state.timechart!),
+        ...sections(use).map(([title, rows]) => tableOf(title, rows)));
   }
 
-  key(): boolean {
-    return false;
-  }
+  key(): boolean { return false; }
 
   table(): readonly Cells[] {
-    return this.use === null ? [] : sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]);
+    return this.use === null ?
+        [] :
+        sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]);
   }
 
   /** What is known of the selected run, with buttons to the task's next and previous one. */
   private runLines({ run }: State, { tasks }: TimechartModel): HTMLElement[] {
     if (run === null) return [];
-    const step = (direction: 1 | -1) => {
+    const step = (direction: 1|- 1) => {
       const next = direction > 0 ? tasks.runAfter(run.task, run.start) : tasks.runBefore(run.task, run.start);
       if (next === null) return;
       showTime(this.app.store, next.start);
@@ -78,12 +82,12 @@ export class SpanView implements View {
     };
     return [
       element(
-        'p',
-        { class: 'run' },
-        describeRun(tasks, run).join('; ') + ' ',
-        button('‹', 'Run before of this task', () => step(-1)),
-        button('›', 'Next run of this task', () => step(1)),
-      ),
+          'p',
+          { class: 'run' },
+          describeRun(tasks, run).join('; ') + ' ',
+          button('‹', 'Run before of this task', () => step(-1)),
+          button('›', 'Next run of this task', () => step(1)),
+          ),
     ];
   }
 }
@@ -95,20 +99,32 @@ function sections(use: SpanUse): [string, readonly Cells[]][] {
   const length = use.end - use.start;
   const share = (seconds: number) => (length > 0 ? formatShare(seconds / length) : '');
   const counters = [...use.counters.keys()];
-  const cores = use.cores.map(({ label, busy, longestGap }) => [shortName(label), milliseconds(busy), share(busy), milliseconds(longestGap)]);
+  const cores = use.cores.map(
+      ({ label,
+         busy,
+         longestGap }) => [shortName(label), milliseconds(busy), share(busy), milliseconds(longestGap)]);
   const tasks = use.tasks.map((task) => taskCells(task, share, counters));
-  const interrupts = use.interrupts.map(({ label, count, seconds }) => [shortName(label), String(count), milliseconds(seconds), share(seconds)]);
+  const interrupts = use.interrupts.map(
+      ({ label,
+         count,
+         seconds }) => [shortName(label), String(count), milliseconds(seconds), share(seconds)]);
   const all: [string, readonly Cells[]][] = [
     ['Cores', [['Core', 'Busy, ms', 'Share', 'Longest gap, ms'], ...cores]],
     [
       `Tasks: ${use.switches} switches`,
       [
-        ['Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches', 'Longest gap, ms', ...counters.map(shortName)],
+        [
+          'Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches',
+          'Longest gap, ms', ...counters.map(shortName)
+        ],
         ...tasks,
       ],
     ],
     ['Interrupts', [['Interrupt', 'Count', 'Time, ms', 'Share'], ...interrupts]],
-    ['Counters', [['Counter', 'Sum'], ...[...use.counters].map(([name, sum]) => [shortName(name), whole(sum)])]],
+    [
+      'Counters',
+      [['Counter', 'Sum'], ...[...use.counters].map(([name, sum]) => [shortName(name), whole(sum)])]
+    ],
   ];
   return all.filter(([, rows]) => rows.length > 1);
 }
@@ -117,7 +133,10 @@ function taskCells(task: TaskUse, share: (seconds: number) => string, counters: 
   const { label, running, waitCpu, waitIo, waitGpu, switches, longestGap } = task;
   const sums = counters.map((name) => (task.counters.has(name) ? whole(task.counters.get(name)!) : ''));
   const waits = [waitCpu, waitIo, waitGpu].map(milliseconds);
-  return [shortName(label), milliseconds(running), share(running), ...waits, String(switches), milliseconds(longestGap), ...sums];
+  return [
+    shortName(label), milliseconds(running), share(running), ...waits, String(switches),
+    milliseconds(longestGap), ...sums
+  ];
 }
 
 const whole = (sum: number) => Math.round(sum).toLocaleString('en');
@@ -130,10 +149,17 @@ function tableOf(title: string, rows: readonly Cells[]): HTMLElement {
   const shown = body.slice(0, mostRows);
   const left = body.length - shown.length;
   return element(
-    'table',
-    {},
-    element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
-    element('thead', {}, element('tr', {}, ...head.map((cell) => element('th', { scope: 'col' }, cell)))),
-    element('tbody', {}, ...shown.map((cells) => element('tr', {}, ...cells.map((cell, i) => (i === 0 ? element('th', { scope: 'row' }, cell) : element('td', {}, cell)))))),
+      'table',
+      {},
+      element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
+      element('thead', {}, element('tr', {}, ...head.map((cell) => element('th', { scope: 'col' }, cell)))),
+      element(
+          'tbody', {},
+          ...shown.map(
+              (cells) => element(
+                  'tr', {},
+                  ...cells.map(
+                      (cell, i) =>
+                          (i === 0 ? element('th', { scope: 'row' }, cell) : element('td', {}, cell)))))),
   );
 }

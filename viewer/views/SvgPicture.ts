@@ -1,5 +1,5 @@
-import type { Surface } from './laneRaster';
-import type { Writer } from './laneTexts';
+import type {Surface} from './laneRaster';
+import type {Writer} from './laneTexts';
 
 /** A vector picture. Boxes of one colour are one path, in the order in which the colours came. */
 export class SvgPicture implements Surface, Writer {
@@ -7,9 +7,9 @@ export class SvgPicture implements Surface, Writer {
   private readonly texts: string[] = [];
 
   constructor(
-    private readonly width: number,
-    private readonly height: number,
-    private readonly ground: number,
+      private readonly width: number,
+      private readonly height: number,
+      private readonly ground: number,
   ) {}
 
   box(left: number, right: number, top: number, bottom: number, colour: number): void {
@@ -22,16 +22,21 @@ export class SvgPicture implements Surface, Writer {
   text(text: string, x: number, middle: number, room: number, colour: number): void {
     // Widths of letters are not known here; this many fit for certain.
     const characters = Math.floor(room / letter);
-    const fitting = text.length <= characters ? text : characters < 2 ? '' : `${text.slice(0, characters - 1)}…`;
+    const fitting = text.length <= characters ? text :
+        characters < 2                        ? '' :
+                                                `${text.slice(0, characters - 1)}…`;
     if (fitting === '') return;
-    this.texts.push(`<text x="${rounded(x)}" y="${rounded(middle + 4)}" fill="${hex(colour)}">${escaped(fitting)}</text>`);
+    this.texts.push(`<text x="${rounded(x)}" y="${rounded(middle + 4)}" fill="${hex(colour)}">${
+        escaped(fitting)}</text>`);
   }
 
   toString(): string {
     const { width, height } = this;
-    const paths = [...this.paths].map(([colour, path]) => `<path fill="${hex(colour)}" d="${path.join('')}"/>`);
+    const paths =
+        [...this.paths].map(([colour, path]) => `<path fill="${hex(colour)}" d="${path.join('')}"/>`);
     return [
-      `<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${width} ${height}" width="${width}" height="${height}" font-family="sans-serif" font-size="11">`,
+      `<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${width} ${height}" width="${width}" height="${
+          height}" font-family="sans-serif" font-size="11">`,
       `<rect width="${width}" height="${height}" fill="${hex(this.ground)}"/>`,
       ...paths,
       ...this.texts,

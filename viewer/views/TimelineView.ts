@@ -1,11 +1,11 @@
-import { type Density, density, timeRows, type TimeRow } from '../model/density';
-import type { Profile } from '../document/profile';
-import type { Selection } from '../model/Selection';
-import { element, fitCanvas, isDark, shortName } from './dom';
-import { formatCount } from './placeLook';
-import type { State } from './store';
-import { axisWidth, brushOf, gutter, setBrush, shownExtent, timeGestures } from './timeAxis';
-import type { App, View } from './View';
+import {type Density, density, timeRows, type TimeRow} from '../model/density';
+import type {Profile} from '../document/profile';
+import type {Selection} from '../model/Selection';
+import {element, fitCanvas, isDark, shortName} from './dom';
+import {formatCount} from './placeLook';
+import type {State} from './store';
+import {axisWidth, brushOf, gutter, setBrush, shownExtent, timeGestures} from './timeAxis';
+import type {App, View} from './View';
 
 const rowHeight = 18;
 /** Part of the shown time that a key moves the brush by. */
@@ -22,20 +22,19 @@ export class TimelineView implements View {
   private readonly brushMark = element('div', { class: 'timeline-brush', hidden: true });
   private readonly scroller = element('div', { class: 'timeline-scroll', tabindex: '0', role: 'listbox' });
   private readonly spacer = element('div', {});
-  private profile: Profile | null = null;
-  private selection: Selection | null = null;
+  private profile: Profile|null = null;
+  private selection: Selection|null = null;
   private rows: TimeRow[] = [];
   private current = 0;
-  private counted: { readonly question: readonly unknown[]; readonly density: Density } | null = null;
+  private counted: { readonly question: readonly unknown[]; readonly density: Density }|null = null;
 
-  available(state: State): boolean {
-    return state.profile !== null;
-  }
+  available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.app = app;
     this.host = host;
-    this.scroller.setAttribute('aria-label', 'Cores and threads; Enter selects the samples of one, Shift and arrows a span');
+    this.scroller.setAttribute(
+        'aria-label', 'Cores and threads; Enter selects the samples of one, Shift and arrows a span');
     const stage = element('div', { class: 'timeline-stage' }, this.picture, this.brushMark);
     this.scroller.append(this.spacer);
     host.append(this.scroller, stage);
@@ -49,7 +48,8 @@ export class TimelineView implements View {
     stage.addEventListener('click', (event) => {
       const { left, top } = stage.getBoundingClientRect();
       const row = this.rowAt(event.clientY - top);
-      if (event.clientX - left < gutter && row >= 0) this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
+      if (event.clientX - left < gutter && row >= 0)
+        this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
     });
   }
 
@@ -62,7 +62,8 @@ export class TimelineView implements View {
       this.host.style.setProperty('--rows', String(this.rows.length));
     }
     const selection = model.selectionOfAllTime(state.filter);
-    const stale = changed.has('profile') || changed.has('visible') || changed.has('timechart') || selection !== this.selection;
+    const stale = changed.has('profile') || changed.has('visible') || changed.has('timechart') ||
+        selection !== this.selection;
     this.selection = selection;
     if (stale) this.paint();
     this.placeBrush(state);
@@ -94,9 +95,7 @@ export class TimelineView implements View {
     return [['row', 'samples'], ...this.rows.map((row) => [this.nameOf(row), String(row.samples * weight)])];
   }
 
-  canvas(): HTMLCanvasElement {
-    return this.picture;
-  }
+  canvas(): HTMLCanvasElement { return this.picture; }
 
   private readonly paint = (): void => {
     const { selection, picture } = this;
@@ -126,7 +125,9 @@ export class TimelineView implements View {
   };
 
   /** Returns the samples of each pixel, which many repaints have in common. */
-  private count(selection: Selection, rows: readonly TimeRow[], ...place: readonly [number, number, number, number]): Density {
+  private count(
+      selection: Selection, rows: readonly TimeRow[],
+      ...place: readonly[number, number, number, number]): Density {
     const question = [selection, rows.length, ...place];
     if (this.counted === null || question.some((part, index) => part !== this.counted!.question[index])) {
       const [, start, end, columns] = place;
@@ -136,7 +137,9 @@ export class TimelineView implements View {
   }
 
   /** Returns the picture of a row: grey for all samples of a pixel, coloured for the selected ones. */
-  private drawRow({ all, selected, columns }: Density, row: number, { kind }: TimeRow, band: number, dark: boolean, scale: number): ImageData {
+  private drawRow(
+      { all, selected, columns }: Density, row: number, { kind }: TimeRow, band: number, dark: boolean,
+      scale: number): ImageData {
     const image = new ImageData(columns, band);
     const pixels = new Uint32Array(image.data.buffer);
     pixels.fill(dark ? 0xff1c1816 : 0xffffffff);
@@ -144,7 +147,8 @@ export class TimelineView implements View {
     const strong = kind === 'core' ? (dark ? 0xffc98a4a : 0xffc97b35) : dark ? 0xff4a93e0 : 0xff2f86ea;
     const most = all.subarray(row * columns, (row + 1) * columns).reduce((a, b) => Math.max(a, b), 1);
     // A column of one sample stays visible beside one of a thousand.
-    const levels = (count: number) => (count === 0 ? 0 : Math.max(Math.ceil(2 * scale), Math.round((count / most) * band)));
+    const levels = (count: number) =>
+        (count === 0 ? 0 : Math.max(Math.ceil(2 * scale), Math.round((count / most) * band)));
     for (let column = 0; column < columns; ++column) {
       const at = row * columns + column;
       const high = levels(all[at]);
@@ -154,7 +158,9 @@ export class TimelineView implements View {
     return image;
   }
 
-  private drawLabels(context: CanvasRenderingContext2D, rows: readonly TimeRow[], first: number, top: number, dark: boolean): void {
+  private drawLabels(
+      context: CanvasRenderingContext2D, rows: readonly TimeRow[], first: number, top: number,
+      dark: boolean): void {
     const { filter } = this.app.store.state;
     context.font = '12px system-ui, sans-serif';
     context.textBaseline = 'middle';
@@ -194,7 +200,7 @@ export class TimelineView implements View {
     return row < this.rows.length ? row : -1;
   }
 
-  private hover(time: number | null, y: number, event: PointerEvent): void {
+  private hover(time: number|null, y: number, event: PointerEvent): void {
     const row = time === null ? -1 : this.rowAt(y);
     const label = event.clientX - this.host.getBoundingClientRect().left < gutter;
     this.app.hover(label ? null : time);
@@ -211,7 +217,8 @@ export class TimelineView implements View {
     const { scroller } = this;
     scroller.scrollTop = Math.min(y, Math.max(scroller.scrollTop, y + rowHeight - scroller.clientHeight));
     const { samples } = this.rows[this.current];
-    this.app.announce(`${this.nameOf(this.rows[this.current])}, ${formatCount(samples * this.profile!.weight)} samples`);
+    this.app.announce(
+        `${this.nameOf(this.rows[this.current])}, ${formatCount(samples * this.profile!.weight)} samples`);
     this.app.store.repaint(this.paint);
     return true;
   }
@@ -223,10 +230,12 @@ export class TimelineView implements View {
     const key = kind === 'core' ? 'cores' : 'threads';
     const before = store.state.filter[key];
     const chosen = new Set(add ? before : []);
-    if (before?.has(subject) === true && (add || before.size === 1)) chosen.delete(subject);
-    else chosen.add(subject);
+    if (before?.has(subject) === true && (add || before.size === 1))
+      chosen.delete(subject);
+    else
+      chosen.add(subject);
     this.current = index;
-    store.set({ filter: { ...store.state.filter, [key]: chosen.size === 0 ? null : chosen }, run: null });
+    store.set({ filter: {...store.state.filter, [key]: chosen.size === 0 ? null : chosen }, run: null });
   }
 
   private moveBrush(direction: number, extend: boolean): void {
@@ -234,7 +243,8 @@ export class TimelineView implements View {
     const shown = shownExtent(store.state);
     const step = (shown.end - shown.start) * keyStep * direction;
     const { start, end } = brushOf(store.state) ?? { start: shown.start, end: shown.start };
-    const next = extend ? { start, end: Math.max(start, end + step) } : { start: start + step, end: end + step };
+    const next =
+        extend ? { start, end: Math.max(start, end + step) } : { start: start + step, end: end + step };
     setBrush(store, next.end > next.start ? next : null);
   }
 
@@ -244,7 +254,8 @@ export class TimelineView implements View {
     if (brush === null) return;
     const shown = shownExtent(state);
     const width = axisWidth(this.host);
-    const x = (time: number) => Math.max(0, Math.min(width, ((time - shown.start) / (shown.end - shown.start)) * width));
+    const x = (time: number) =>
+        Math.max(0, Math.min(width, ((time - shown.start) / (shown.end - shown.start)) * width));
     this.brushMark.style.transform = `translateX(${gutter + x(brush.start)}px)`;
     this.brushMark.style.width = `${Math.max(1, x(brush.end) - x(brush.start))}px`;
   }

@@ -1,15 +1,15 @@
 /** What every panel of the page is. */
 
-import type { State, Store } from './store';
+import type {State, Store} from './store';
 
 export interface App {
   readonly store: Store;
   /** Tells screen readers, and the status line, what happened. */
   announce(text: string): void;
   /** Shows `lines` beside the pointer, as text; null hides them. */
-  tooltip(lines: readonly string[] | null, event?: MouseEvent): void;
+  tooltip(lines: readonly string[]|null, event?: MouseEvent): void;
   /** Shows a line over all time views where the pointer is; null hides it. */
-  hover(time: number | null): void;
+  hover(time: number|null): void;
 }
 
 export interface View {
@@ -17,19 +17,25 @@ export interface View {
   readonly id: string;
   readonly title: string;
   /** `time` views stand above one another at the top; `detail` views share the rest of the page as tabs. */
-  readonly zone: 'time' | 'detail';
+  readonly zone: 'time'|'detail';
   /** Whether the state holds something to show; views that return false are not listed. */
   available(state: State): boolean;
   /** Fills `host` once; it stays the view's own until the page closes. */
   mount(host: HTMLElement, app: App): void;
-  /** Paints the committed state. `changed` names what differs since this view's last call; all after a resize. */
+  /**
+   * Paints the committed state. `changed` names what differs since this view's last call; all after a
+   * resize.
+   */
   draw(state: State, changed: ReadonlySet<keyof State>): void;
   /** Handles a key press while the view has the focus; returns whether it did. */
   key(event: KeyboardEvent): boolean;
-  /** Moves to the next (1) or previous (-1) match of the state's search; returns what it is, or null without one. */
-  find?(direction: 1 | -1): string | null;
+  /**
+   * Moves to the next (1) or previous (-1) match of the state's search; returns what it is, or null without
+   * one.
+   */
+  find?(direction: 1|- 1): string|null;
   /** What it shows of the selection, as rows of cells; the first row names the columns. */
-  table?(): readonly (readonly string[])[];
+  table?(): readonly(readonly string[])[];
   /** The selected samples as folded stacks. */
   folded?(): string;
   /** What it shows, as a vector picture and as pixels. */
@@ -38,8 +44,8 @@ export interface View {
 }
 
 /** What decides which samples a profile view counts and how it marks them. */
-const ofSamples: readonly (keyof State)[] = ['profile', 'filter', 'search'];
+const ofSamples: readonly(keyof State)[] = ['profile', 'filter', 'search'];
 
 /** Returns whether a view of samples has anything new to show; `more` is what it depends on besides. */
-export const samplesChanged = (changed: ReadonlySet<keyof State>, ...more: readonly (keyof State)[]): boolean =>
-  [...ofSamples, ...more].some((key) => changed.has(key));
+export const samplesChanged = (changed: ReadonlySet<keyof State>, ...more: readonly(keyof State)[]):
+    boolean => [...ofSamples, ...more].some((key) => changed.has(key));

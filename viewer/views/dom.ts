@@ -1,32 +1,35 @@
 /** Elements of the page. Text is only ever set as text. */
 
-type Attributes = Readonly<Record<string, string | boolean | ((event: never) => void)>>;
+type Attributes = Readonly<Record<string, string|boolean|((event: never) => void)>>;
 
 /** Returns a new element: functions become listeners of the event of that name, all else attributes. */
 export function element<K extends keyof HTMLElementTagNameMap>(
-  name: K,
-  attributes: Attributes = {},
-  ...content: readonly (Node | string)[]
-): HTMLElementTagNameMap[K] {
+    name: K, attributes: Attributes = {}, ...content: readonly(Node | string)[]): HTMLElementTagNameMap[K] {
   const made = document.createElement(name);
   for (const [key, value] of Object.entries(attributes)) {
-    if (typeof value === 'function') made.addEventListener(key, value as EventListener);
-    else if (value !== false) made.setAttribute(key, value === true ? '' : value);
+    if (typeof value === 'function')
+      made.addEventListener(key, value as EventListener);
+    else if (value !== false)
+      made.setAttribute(key, value === true ? '' : value);
   }
   made.append(...content);
   return made;
 }
 
 /** Returns a button whose label is also what screen readers say. */
-export function button(label: string, title: string, press: () => void, more: Attributes = {}): HTMLButtonElement {
+export function button(
+    label: string, title: string, press: () => void, more: Attributes = {}): HTMLButtonElement {
   return element('button', { type: 'button', title, 'aria-label': title, click: press, ...more }, label);
 }
 
 const longest = 300;
 
-/** Returns a name of bearable length: a longer one loses its middle. Readers of documents have made it visible. */
+/**
+ * Returns a name of bearable length: a longer one loses its middle. Readers of documents have made it
+ * visible.
+ */
 export const shortName = (name: string): string =>
-  name.length <= longest ? name : `${name.slice(0, longest - 60)}…${name.slice(-59)}`;
+    name.length <= longest ? name : `${name.slice(0, longest - 60)}…${name.slice(-59)}`;
 
 /** Returns whether the page is dark. */
 export const isDark = () => matchMedia('(prefers-color-scheme: dark)').matches;

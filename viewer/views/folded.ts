@@ -1,6 +1,9 @@
-import type { Selection } from '../model/Selection';
+import type {Selection} from '../model/Selection';
 
-/** Returns the selected samples as folded stacks: a line for each stack, its places from the root on, and its count. */
+/**
+ * Returns the selected samples as folded stacks: a line for each stack, its places from the root on, and its
+ * count.
+ */
 export function folded(selection: Selection): string {
   const { profile, selves, parents, places } = selection;
   // A semicolon ends a place.

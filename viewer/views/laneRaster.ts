@@ -1,9 +1,9 @@
 /** Paints the rows of a timechart, so that each column of pixels shows the exact shares of its time. */
 
-import type { Extent } from '../model/axis';
-import type { Lane } from '../model/lanes';
-import { pointsBefore, pointsUntil } from '../model/steps';
-import type { Track } from '../model/tracks';
+import type {Extent} from '../model/axis';
+import type {Lane} from '../model/lanes';
+import {pointsBefore, pointsUntil} from '../model/steps';
+import type {Track} from '../model/tracks';
 
 /** What is painted on: pixels or the elements of a vector picture. Colours are 0xrrggbb. */
 export interface Surface {
@@ -21,7 +21,7 @@ export interface Picture {
   readonly dark: boolean;
 }
 
-type BandKind = 'states' | 'level' | 'marks' | 'texts';
+type BandKind = 'states'|'level'|'marks'|'texts';
 
 /** A part of a row, one above the other: series that may be on together do not share one. */
 interface Band {
@@ -30,7 +30,13 @@ interface Band {
   readonly tracks: Track[];
 }
 
-const heights = { states: 13, overlap: 4, level: 17, marks: 6, texts: 13 };
+const heights = {
+  states: 13,
+  overlap: 4,
+  level: 17,
+  marks: 6,
+  texts: 13
+};
 /** A row of marks alone is as high as the words of its label. */
 const onlyMarks = 13;
 const headingHeight = 17;
@@ -44,15 +50,20 @@ export function bandsOf(lane: Lane): Band[] {
   const marks: Band = { kind: 'marks', height: heights.marks, tracks: [] };
   const texts: Band = { kind: 'texts', height: heights.texts, tracks: [] };
   for (const track of lane.tracks) {
-    if (track.shape === 'level') level.tracks.push(track);
-    else if (track.entry.type === 'events') texts.tracks.push(track);
-    else if (track.shape === 'marks') marks.tracks.push(track);
+    if (track.shape === 'level')
+      level.tracks.push(track);
+    else if (track.entry.type === 'events')
+      texts.tracks.push(track);
+    else if (track.shape === 'marks')
+      marks.tracks.push(track);
     // A task may sleep, or even run, while it waits for the GPU.
-    else if (track.role === 'waitGpu') overlap.tracks.push(track);
-    else states.tracks.push(track);
+    else if (track.role === 'waitGpu')
+      overlap.tracks.push(track);
+    else
+      states.tracks.push(track);
   }
   const bands = [texts, marks, states, overlap, level].filter((band) => band.tracks.length > 0);
-  return bands.length === 1 && bands[0] === marks ? [{ ...marks, height: onlyMarks }] : bands;
+  return bands.length === 1 && bands[0] === marks ? [{...marks, height: onlyMarks }] : bands;
 }
 
 /** Returns the height of a row in pixels of the page. */
@@ -77,15 +88,19 @@ export function paintLane(surface: Surface, lane: Lane, top: number, picture: Pi
   let y = top + (margin / 2) * picture.scale;
   for (const band of bandsOf(lane)) {
     const bottom = y + band.height * picture.scale;
-    if (band.kind === 'states') paintStates(surface, band.tracks, y, bottom, picture);
-    else if (band.kind === 'level') for (const track of band.tracks) paintLevel(surface, track, y + 1, bottom, picture);
-    else for (const track of band.tracks) paintMarks(surface, track, y, bottom, picture);
+    if (band.kind === 'states')
+      paintStates(surface, band.tracks, y, bottom, picture);
+    else if (band.kind === 'level')
+      for (const track of band.tracks) paintLevel(surface, track, y + 1, bottom, picture);
+    else
+      for (const track of band.tracks) paintMarks(surface, track, y, bottom, picture);
     y = bottom;
   }
 }
 
 /** Stacks the shares of several states in each column; equal columns are painted as one box. */
-function paintStates(surface: Surface, tracks: readonly Track[], top: number, bottom: number, picture: Picture): void {
+function paintStates(
+    surface: Surface, tracks: readonly Track[], top: number, bottom: number, picture: Picture): void {
   const { width, shown, close } = picture;
   const used = new Float32Array(width);
   const shares = new Float32Array(width);
@@ -93,7 +108,7 @@ function paintStates(surface: Surface, tracks: readonly Track[], top: number, bo
     if (!touches(track, shown)) continue;
     track.steps.shares(shown.start, shown.end, close, shares);
     const colour = colourOf(track, picture.dark);
-    for (let x = 0; x < width; ) {
+    for (let x = 0; x < width;) {
       const share = shares[x];
       const below = used[x];
       let right = x + 1;
@@ -109,7 +124,10 @@ function paintStates(surface: Surface, tracks: readonly Track[], top: number, bo
   }
 }
 
-/** Shows a value as bars on a scale up to the greatest of the whole series: the least of a column solid, the greatest pale. */
+/**
+ * Shows a value as bars on a scale up to the greatest of the whole series: the least of a column solid, the
+ * greatest pale.
+ */
 function paintLevel(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
   const { shown, width } = picture;
@@ -120,7 +138,7 @@ function paintLevel(surface: Surface, track: Track, top: number, bottom: number,
   const pixel = (shown.end - shown.start) / width;
   const last = Math.min(width, Math.ceil((picture.close - shown.start) / pixel));
   let index = pointsUntil(times, shown.start);
-  for (let x = 0; x < last; ) {
+  for (let x = 0; x < last;) {
     let least = index > 0 ? values[index - 1] : 0;
     let most = least;
     const end = shown.start + (x + 1) * pixel;
@@ -140,14 +158,17 @@ function paintLevel(surface: Surface, track: Track, top: number, bottom: number,
   }
 }
 
-/** Shows each moment as a column; a value of 1 beside greater ones, such as work that ends no frame, is half as high. */
+/**
+ * Shows each moment as a column; a value of 1 beside greater ones, such as work that ends no frame, is half
+ * as high.
+ */
 function paintMarks(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
   const { shown, width } = picture;
   const colour = colourOf(track, picture.dark);
   const pixel = (shown.end - shown.start) / width;
   const low = track.entry.type === 'events' ? top : (top + bottom) / 2;
-  for (let i = pointsBefore(times, shown.start); i < times.length && times[i] < shown.end; ) {
+  for (let i = pointsBefore(times, shown.start); i < times.length && times[i] < shown.end;) {
     const x = Math.floor((times[i] - shown.start) / pixel);
     const end = shown.start + (x + 1) * pixel;
     let most = values[i];
@@ -176,16 +197,14 @@ export class Pixels implements Surface {
   private readonly words: Uint32Array;
 
   constructor(
-    readonly width: number,
-    readonly height: number,
+      readonly width: number,
+      readonly height: number,
   ) {
     this.image = new ImageData(width, height);
     this.words = new Uint32Array(this.image.data.buffer);
   }
 
-  clear(colour: number): void {
-    this.words.fill(word(colour));
-  }
+  clear(colour: number): void { this.words.fill(word(colour)); }
 
   box(left: number, right: number, top: number, bottom: number, colour: number): void {
     const first = Math.max(0, Math.ceil(top));
@@ -203,8 +222,10 @@ export class Pixels implements Surface {
   private row(y: number, left: number, right: number, full: number): void {
     const start = y * this.width;
     // A call costs more than a few stores.
-    if (right - left > 8) this.words.fill(full, start + left, start + right);
-    else for (let x = left; x < right; ++x) this.words[start + x] = full;
+    if (right - left > 8)
+      this.words.fill(full, start + left, start + right);
+    else
+      for (let x = left; x < right; ++x) this.words[start + x] = full;
   }
 
   private blend(y: number, left: number, right: number, colour: number, share: number): void {

@@ -1,11 +1,11 @@
 /** The words on the rows of a timechart, where there is room for them. */
 
-import type { Lane } from '../model/lanes';
-import { pointsBefore } from '../model/steps';
-import type { TimechartModel } from '../model/TimechartModel';
-import type { Track } from '../model/tracks';
-import { shortName } from './dom';
-import { bandsOf, colourOf, margin, Picture } from './laneRaster';
+import type {Lane} from '../model/lanes';
+import {pointsBefore} from '../model/steps';
+import type {TimechartModel} from '../model/TimechartModel';
+import type {Track} from '../model/tracks';
+import {shortName} from './dom';
+import {bandsOf, colourOf, margin, Picture} from './laneRaster';
 
 /** The task that the kernel runs when there is none. */
 const idleTask = 0;
@@ -20,25 +20,29 @@ export interface Writer {
 const leastRoom = 36;
 
 /** Returns whether the texts of a row can be written without long work before. */
-export const textsReady = ({ tracks }: Lane, { tasks }: TimechartModel): boolean =>
-  tracks.every(({ role, cpu }) => role !== 'busy' || tasks.isCoreReady(cpu));
+export const textsReady = ({tracks}: Lane, {tasks}: TimechartModel): boolean =>
+    tracks.every(({role, cpu}) => role !== 'busy' || tasks.isCoreReady(cpu));
 
 /** Writes the texts of a row whose uppermost pixel is at `top`, in device pixels. */
-export function writeTexts(writer: Writer, model: TimechartModel, lane: Lane, top: number, picture: Picture): void {
+export function writeTexts(
+    writer: Writer, model: TimechartModel, lane: Lane, top: number, picture: Picture): void {
   let y = top + (margin / 2) * picture.scale;
   for (const band of bandsOf(lane)) {
     const height = band.height * picture.scale;
     const middle = y + height / 2;
     for (const track of band.tracks) {
-      if (track.role === 'busy') writeTasks(writer, model, track, middle, picture);
-      else if (band.kind === 'texts') writeMarkers(writer, model, track, middle, picture);
+      if (track.role === 'busy')
+        writeTasks(writer, model, track, middle, picture);
+      else if (band.kind === 'texts')
+        writeMarkers(writer, model, track, middle, picture);
     }
     y += height;
   }
 }
 
 /** Writes on a core's busy time which task ran. */
-function writeTasks(writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
+function writeTasks(
+    writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
   const { shown, width, scale } = picture;
   const pixel = (shown.end - shown.start) / width;
   const colour = contrast(colourOf(track, picture.dark));
@@ -46,7 +50,8 @@ function writeTasks(writer: Writer, model: TimechartModel, track: Track, middle:
     if (run.task === idleTask) return;
     const left = Math.max(0, (run.start - shown.start) / pixel);
     const right = Math.min(width, (run.end - shown.start) / pixel);
-    if (right - left >= leastRoom * scale) writer.text(taskName(run.label), left + 3 * scale, middle, right - left - 6 * scale, colour);
+    if (right - left >= leastRoom * scale)
+      writer.text(taskName(run.label), left + 3 * scale, middle, right - left - 6 * scale, colour);
   });
 }
 
@@ -54,11 +59,12 @@ function writeTasks(writer: Writer, model: TimechartModel, track: Track, middle:
 const taskName = (label: string) => shortName(label.replace(/^\d+ - (?=.)/, ''));
 
 /** Writes a marker's name after its moment, as far as the next one. */
-function writeMarkers(writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
+function writeMarkers(
+    writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
   const { times } = track.steps;
   const { shown, width, scale } = picture;
   const pixel = (shown.end - shown.start) / width;
-  for (let i = pointsBefore(times, shown.start); i < times.length && times[i] < shown.end; ) {
+  for (let i = pointsBefore(times, shown.start); i < times.length && times[i] < shown.end;) {
     const left = (times[i] - shown.start) / pixel;
     let next = i + 1;
     while (next < times.length && times[next] === times[i]) ++next;
@@ -66,7 +72,8 @@ function writeMarkers(writer: Writer, model: TimechartModel, track: Track, middl
     const text = model.markerText(track, i);
     if (text !== null && right - left >= leastRoom * scale) {
       const words = shortName(text.detail === '' ? text.name : `${text.name} ${text.detail}`);
-      writer.text(words, left + 4 * scale, middle, right - left - 8 * scale, picture.dark ? 0xe6e6e6 : 0x222222);
+      writer.text(
+          words, left + 4 * scale, middle, right - left - 8 * scale, picture.dark ? 0xe6e6e6 : 0x222222);
     }
     // Moments without room are skipped by columns, not one by one.
     i = right - left >= 1 ? next : Math.max(next, pointsBefore(times, times[i] + pixel));
@@ -84,8 +91,8 @@ export class CanvasWriter implements Writer {
   private readonly widths = new Map<string, number>();
 
   constructor(
-    private readonly context: CanvasRenderingContext2D,
-    private readonly scale: number,
+      private readonly context: CanvasRenderingContext2D,
+      private readonly scale: number,
   ) {}
 
   text(text: string, x: number, middle: number, room: number, colour: number): void {

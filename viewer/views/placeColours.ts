@@ -1,6 +1,6 @@
 /** Colours of places: the kind gives the hue, the library and the function a shade of it. */
 
-import { PlaceKind, type Places } from '../document/profile';
+import {PlaceKind, type Places} from '../document/profile';
 
 const shades = 6;
 
@@ -42,14 +42,16 @@ const palettes = new Map<boolean, string[]>();
 function palette(dark: boolean): readonly string[] {
   let colours = palettes.get(dark);
   if (colours === undefined) {
-    colours = Object.values(hues).flatMap(({ hue, saturation, spread }, kind) =>
-      Array.from({ length: shades }, (_, shade) => {
-        const part = shade / (shades - 1);
-        const cut = kind !== PlaceKind.Cut ? 0 : dark ? cutLightening : -cutDarkening;
-        const lightness = (dark ? 34 + 8 * part : 80 - 9 * part) + cut;
-        const strength = dark ? saturation * 0.62 : saturation;
-        return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
-      }),
+    colours = Object.values(hues).flatMap(
+        ({ hue, saturation, spread }, kind) => Array.from(
+            { length: shades },
+            (_, shade) => {
+              const part = shade / (shades - 1);
+              const cut = kind !== PlaceKind.Cut ? 0 : dark ? cutLightening : -cutDarkening;
+              const lightness = (dark ? 34 + 8 * part : 80 - 9 * part) + cut;
+              const strength = dark ? saturation * 0.62 : saturation;
+              return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
+            }),
     );
     colours.push(dark ? '#2c3037' : '#e4e7ec');
     palettes.set(dark, colours);
@@ -63,7 +65,7 @@ export const noPlace = shades * Object.keys(hues).length;
 /** The colour of a kind by itself, for legends and tables. */
 export const kindColour = (kind: PlaceKind, dark: boolean): string => palette(dark)[kind * shades + 2];
 
-export function placeColours({ kinds, libraries, count }: Places, dark: boolean): PlaceColours {
+export function placeColours({kinds, libraries, count}: Places, dark: boolean): PlaceColours {
   const indices = new Uint8Array(count);
   for (let place = 0; place < count; ++place) {
     const mixed = Math.imul(libraries[place] + 1, 0x9e3779b1) >>> 0;

@@ -1,11 +1,11 @@
-import type { ProfileModel } from '../model/ProfileModel';
-import { describePlace } from '../model/groupings';
-import type { Selection } from '../model/Selection';
-import type { Tree } from '../model/tree';
-import { formatShare } from '../model/axis';
-import { isDark, shortName } from './dom';
-import type { FlameLook } from './FlamePane';
-import { kindNames, noPlace, placeColours } from './placeColours';
+import type {ProfileModel} from '../model/ProfileModel';
+import {describePlace} from '../model/groupings';
+import type {Selection} from '../model/Selection';
+import type {Tree} from '../model/tree';
+import {formatShare} from '../model/axis';
+import {isDark, shortName} from './dom';
+import type {FlameLook} from './FlamePane';
+import {kindNames, noPlace, placeColours} from './placeColours';
 
 const grouped = new Intl.NumberFormat('en', { maximumFractionDigits: 0 });
 
@@ -14,10 +14,11 @@ export const formatCount = (count: number): string => grouped.format(count);
 
 /** Returns samples and their share, such as `1,234 (12.3%)`. */
 export const formatPart = (count: number, whole: number): string =>
-  `${formatCount(count)} (${whole > 0 ? formatShare(count / whole) : '0%'})`;
+    `${formatCount(count)} (${whole > 0 ? formatShare(count / whole) : '0%'})`;
 
 /** Returns how a tree over places of the profile looks. */
-export function placeLook(model: ProfileModel, tree: Tree, selection: Selection, rootName: string, search: string): FlameLook {
+export function placeLook(
+    model: ProfileModel, tree: Tree, selection: Selection, rootName: string, search: string): FlameLook {
   const { profile } = model;
   const { places, weight } = profile;
   const { palette, indices } = placeColours(places, isDark());
@@ -37,7 +38,8 @@ export function placeLook(model: ProfileModel, tree: Tree, selection: Selection,
       const where = describePlace(profile, place);
       const kind = kindNames[places.kinds[place] as keyof typeof kindNames];
       const own = tree === selection ? `self ${formatPart(selection.selves[node] * weight, whole)}` : '';
-      return [name, total, own, where === '' ? kind : `${kind}, ${shortName(where)}`].filter((line) => line !== '');
+      return [name, total, own, where === '' ? kind : `${kind}, ${shortName(where)}`].filter(
+          (line) => line !== '');
     },
   };
 }

@@ -1,11 +1,11 @@
 /** The one state of the page. Setters only mark; one commit a frame tells everyone. */
 
-import type { Extent } from '../model/axis';
-import type { Filter } from '../model/filter';
-import type { LaneChoice } from '../model/lanes';
-import type { ProfileModel } from '../model/ProfileModel';
-import type { Run } from '../model/tasks';
-import type { TimechartModel } from '../model/TimechartModel';
+import type {Extent} from '../model/axis';
+import type {Filter} from '../model/filter';
+import type {LaneChoice} from '../model/lanes';
+import type {ProfileModel} from '../model/ProfileModel';
+import type {Run} from '../model/tasks';
+import type {TimechartModel} from '../model/TimechartModel';
 
 export interface Cursor {
   readonly lane: string;
@@ -18,18 +18,18 @@ export interface Reading {
   readonly name: string;
   readonly bytes: number;
   readonly total: number;
-  readonly state: 'reading' | 'complete' | 'damaged' | 'failed';
+  readonly state: 'reading'|'complete'|'damaged'|'failed';
   readonly message: string;
 }
 
 export interface State {
   readonly readings: readonly Reading[];
-  readonly profile: ProfileModel | null;
+  readonly profile: ProfileModel|null;
   /** The profile that `profile` is compared with. */
-  readonly baseline: ProfileModel | null;
-  readonly timechart: TimechartModel | null;
+  readonly baseline: ProfileModel|null;
+  readonly timechart: TimechartModel|null;
   /** The part of the time axis that is shown; null shows all of it. */
-  readonly visible: Extent | null;
+  readonly visible: Extent|null;
   /** The selected span, threads, cores and text: what all figures are about. */
   readonly filter: Filter;
   /** Text that is highlighted. */
@@ -41,11 +41,13 @@ export interface State {
   /** Rows of the timechart that are folded, hidden or pinned. */
   readonly lanes: LaneChoice;
   /** Where the keyboard stands in the timechart: a row's path and a time; null before its first use. */
-  readonly cursor: Cursor | null;
-  /** The selected run of a task, whose span and thread the filter holds; null if something else is selected. */
-  readonly run: Run | null;
+  readonly cursor: Cursor|null;
+  /**
+   * The selected run of a task, whose span and thread the filter holds; null if something else is selected.
+   */
+  readonly run: Run|null;
   /** A moment to measure from, or null. */
-  readonly mark: number | null;
+  readonly mark: number|null;
 }
 
 type Listener = (state: State, changed: ReadonlySet<keyof State>) => void;
@@ -58,13 +60,11 @@ export class Store {
 
   constructor(private current: State) {}
 
-  get state(): State {
-    return this.current;
-  }
+  get state(): State { return this.current; }
 
   /** Replaces members of the state; views see it with the next frame. */
   set(change: Partial<State>): void {
-    const next = { ...this.current, ...change };
+    const next = {...this.current, ...change };
     for (const key of Object.keys(change) as (keyof State)[]) {
       if (next[key] !== this.current[key]) this.pending.add(key);
     }
@@ -85,9 +85,7 @@ export class Store {
     this.schedule();
   }
 
-  onCommit(listener: Listener): void {
-    this.listeners.push(listener);
-  }
+  onCommit(listener: Listener): void { this.listeners.push(listener); }
 
   private schedule(): void {
     if (this.frame === 0) this.frame = requestAnimationFrame(() => this.commit());
@@ -97,7 +95,8 @@ export class Store {
     this.frame = 0;
     const changed = this.pending;
     this.pending = new Set();
-    if (changed.size > 0) for (const listener of this.listeners) listener(this.current, changed);
+    if (changed.size > 0)
+      for (const listener of this.listeners) listener(this.current, changed);
     const repaints = [...this.repaints];
     this.repaints.clear();
     for (const paint of repaints) paint();

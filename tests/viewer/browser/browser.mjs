@@ -1,10 +1,10 @@
 // A browser with the page in it, and what tests ask of both.
-import { execFileSync } from 'node:child_process';
-import { mkdirSync } from 'node:fs';
-import { createRequire } from 'node:module';
-import { join, resolve } from 'node:path';
-import { pathToFileURL } from 'node:url';
-import { after, before } from 'node:test';
+import {execFileSync} from 'node:child_process';
+import {mkdirSync} from 'node:fs';
+import {createRequire} from 'node:module';
+import {join, resolve} from 'node:path';
+import {after, before} from 'node:test';
+import {pathToFileURL} from 'node:url';
 
 const root = resolve(import.meta.dirname ?? new URL('.', import.meta.url).pathname, '../../..');
 const { chromium } = createRequire(join(root, 'build/viewer/package.json'))('playwright-core');
@@ -30,15 +30,19 @@ export function useBrowser() {
   after(endBrowser);
 }
 
-/** Opens the page in a window of its own; `complaints` holds what went wrong there, and any request that it made. */
-export async function openPage({ fragment = '', file = page, ...options } = {}) {
+/**
+ * Opens the page in a window of its own; `complaints` holds what went wrong there, and any request that it
+ * made.
+ */
+export async function openPage({fragment = '', file = page, ...options} = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 720 }, ...options });
   const opened = await context.newPage();
   opened.complaints = [];
   opened.on('pageerror', (error) => opened.complaints.push(error.message));
   opened.on('console', (message) => message.type() === 'error' && opened.complaints.push(message.text()));
   opened.on('request', (request) => {
-    if (!/^(blob|data):/.test(request.url()) && !request.url().startsWith(pathToFileURL(file).href)) opened.complaints.push(request.url());
+    if (!/^(blob|data):/.test(request.url()) && !request.url().startsWith(pathToFileURL(file).href))
+      opened.complaints.push(request.url());
   });
   await opened.goto(pathToFileURL(file).href + fragment);
   return opened;
@@ -48,19 +52,23 @@ export async function openPage({ fragment = '', file = page, ...options } = {}) 
 export async function openDocuments(opened, ...files) {
   await opened.setInputFiles('input[type=file]', files);
   await opened.locator('.reading').nth(files.length - 1).waitFor();
-  await opened.waitForFunction(() => document.querySelector('.reading.reading') === null || document.querySelectorAll('.reading progress').length === 0);
+  await opened.waitForFunction(
+      () => document.querySelector('.reading.reading') === null ||
+          document.querySelectorAll('.reading progress').length === 0);
   await frame(opened);
 }
 
 /** Waits until what was done is drawn. */
-export const frame = (opened) => opened.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+export const frame = (opened) =>
+    opened.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
 
 /** Returns a table of the page as rows of texts, found by its caption. */
-export const tableOf = (opened, caption) =>
-  opened.evaluate((wanted) => {
-    const table = [...document.querySelectorAll('table')].find((candidate) => candidate.caption?.textContent.startsWith(wanted));
-    return table === undefined ? null : [...table.rows].map((row) => [...row.cells].map((cell) => cell.textContent));
-  }, caption);
+export const tableOf = (opened, caption) => opened.evaluate((wanted) => {
+  const table = [...document.querySelectorAll('table')].find(
+      (candidate) => candidate.caption?.textContent.startsWith(wanted));
+  return table === undefined ? null :
+                               [...table.rows].map((row) => [...row.cells].map((cell) => cell.textContent));
+}, caption);
 
 /** Keeps a picture of the page for a person to look at. */
 export async function keepPicture(opened, name) {
@@ -69,4 +77,5 @@ export async function keepPicture(opened, name) {
 }
 
 /** Returns what one of the example programs prints about a document. */
-export const example = (program, file) => execFileSync(join(root, 'build/dev/examples', program), [file], { encoding: 'utf8' });
+export const example = (program, file) =>
+    execFileSync(join(root, 'build/dev/examples', program), [file], {encoding: 'utf8'});

@@ -1,9 +1,10 @@
 // Names that would like to be markup, and documents that end too early.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
-import { join } from 'node:path';
-import { test } from 'node:test';
-import { documents, frame, openDocuments, openPage, useBrowser } from './browser.mjs';
+import {readFileSync, writeFileSync} from 'node:fs';
+import {join} from 'node:path';
+import {test} from 'node:test';
+
+import {documents, frame, openDocuments, openPage, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -20,10 +21,13 @@ const quoted = (name) => `"${name.replaceAll('"', '\\"').replaceAll('/', '\\/')}
 
 function hostileTimechart() {
   const entries = names.flatMap((name, i) => {
-    const head = `"name":${quoted(name)},"treeId":${quoted(`${name}_proc_root`)},"show":1,"tip":${quoted(name)},"hints":{"white":${quoted(name)},"black":"#12345"}`;
+    const head = `"name":${quoted(name)},"treeId":${quoted(`${name}_proc_root`)},"show":1,"tip":${
+        quoted(name)},"hints":{"white":${quoted(name)},"black":"#12345"}`;
     return [
-      `{"id":"proc-${i}-r0",${head},"type":"binary","class":"proc:running","data":[[0.000000, 1],[1.000000, 0]]}`,
-      `{"id":"proc-${i}-e",${head},"type":"events","class":"proc:events","data":[[0.5,1,${quoted(name)},${quoted(name)},],]}`,
+      `{"id":"proc-${i}-r0",${
+          head},"type":"binary","class":"proc:running","data":[[0.000000, 1],[1.000000, 0]]}`,
+      `{"id":"proc-${i}-e",${head},"type":"events","class":"proc:events","data":[[0.5,1,${quoted(name)},${
+          quoted(name)},],]}`,
       `{"id":"cpu-${i}-b",${head},"type":"binary","class":"cpu:busy","data":[[0.000000,1]]}`,
     ];
   });
@@ -31,13 +35,21 @@ function hostileTimechart() {
 }
 
 function hostileProfile() {
-  const section = (name, rows) => `"${name}":{"descriptions":{},"data":[${rows.map((row) => `${row},`).join('')}]}`;
-  return `{"Description":{"Version":"1.0","Target Chip":${quoted(names[0])},"Start Time":0,"First Sample Time":0,"duration":1},${[
-    section('processes', names.map((name, i) => `[${i + 1},${i},${i},${quoted(name)},]`)),
-    section('libraries', names.map((name, i) => `[${i + 10},1,${quoted(name)},${65536 * i},4096,]`)),
-    section('files', names.map((name, i) => `[${i + 1},${quoted(name)},[[${i + 30},1,],],]`)),
-    section('functions', names.map((name, i) => `[${i + 30},${quoted(name)},${65536 * i},256,[${i + 10},],]`)),
-    section('samples', names.map((_, i) => `[${i + 1},${65536 * i},${i + 30},${i / 10},0,${i + 1},${i},[[${65536 * i},${i + 30},],],]`)),
+  const section = (name, rows) =>
+      `"${name}":{"descriptions":{},"data":[${rows.map((row) => `${row},`).join('')}]}`;
+  return `{"Description":{"Version":"1.0","Target Chip":${
+      quoted(names[0])},"Start Time":0,"First Sample Time":0,"duration":1},${
+          [section('processes', names.map((name, i) => `[${i + 1},${i},${i},${quoted(name)},]`)),
+           section('libraries', names.map((name, i) => `[${i + 10},1,${quoted(name)},${65536 * i},4096,]`)),
+           section('files', names.map((name, i) => `[${i + 1},${quoted(name)},[[${i + 30},1,],],]`)),
+           section(
+               'functions',
+               names.map((name, i) => `[${i + 30},${quoted(name)},${65536 * i},256,[${i + 10},],]`)),
+           section(
+               'samples',
+               names.map(
+                   (_, i) => `[${i + 1},${65536 * i},${i + 30},${i / 10},0,${i + 1},${i},[[${65536 * i},${
+                       i + 30},],],]`)),
   ].join(',')}}`;
 }
 
@@ -62,7 +74,9 @@ test('names with markup, marks of direction, NULs and 10,000 characters do no ha
   await page.keyboard.press('Enter');
   await frame(page);
   assert.equal(await page.evaluate(() => window.harmed), undefined);
-  assert.equal(await page.evaluate(() => document.querySelectorAll('img, svg, iframe, script').length), elements, 'no element came of a name');
+  assert.equal(
+      await page.evaluate(() => document.querySelectorAll('img, svg, iframe, script').length), elements,
+      'no element came of a name');
   const shown = await page.evaluate(() => document.body.innerText);
   assert(shown.includes('<img src=x'), 'names are shown as they are');
   assert(!/[\u200b\u202e\u0000]/.test(shown), 'marks that hide or turn text are not');
@@ -73,7 +87,10 @@ test('a document cut at any byte shows what came before and says where it broke'
   const whole = readFileSync(join(documents, 'timechart.json'), 'latin1');
   const lines = whole.split('\n');
   // Two rows of the demo with few points each, and the list of markers.
-  const small = ['{"entries":[', lines.find((line) => line.includes('"cpu-0-f"')).replace(/^,/, ''), lines.find((line) => line.includes('"evt"'))].join('\n');
+  const small = [
+    '{"entries":[', lines.find((line) => line.includes('"cpu-0-f"')).replace(/^,/, ''),
+    lines.find((line) => line.includes('"evt"'))
+  ].join('\n');
   assert(small.length < 1200, `${small.length}`);
   const page = await openPage();
   const outcomes = await page.evaluate(async (text) => {

@@ -1,9 +1,10 @@
 // What the page says beside what the example programs read from the same documents.
 import assert from 'node:assert/strict';
-import { existsSync } from 'node:fs';
-import { join } from 'node:path';
-import { test } from 'node:test';
-import { documents, example, frame, openDocuments, openPage, tableOf, useBrowser } from './browser.mjs';
+import {existsSync} from 'node:fs';
+import {join} from 'node:path';
+import {test} from 'node:test';
+
+import {documents, example, frame, openDocuments, openPage, tableOf, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -18,7 +19,8 @@ for (const name of ['timechart.json', 'arm-timechart.json']) {
     assert(expected.length >= 2);
     const page = await openPage();
     await openDocuments(page, file);
-    // A state that is on in the end lasts as long as the document does; cpu_load knows the core's own points only.
+    // A state that is on in the end lasts as long as the document does; cpu_load knows the core's own points
+    // only.
     const cores = await tableOf(page, 'Cores');
     for (const [label, busy] of expected) {
       const row = cores.find(([core]) => core === label);
@@ -39,10 +41,11 @@ test('sums of a selection follow from the recording', async () => {
   assert.equal(game[head.indexOf('L1 data cache accesses')], '100,000');
   await page.goto(page.url().replace(/#.*/, '#selected=0.0001,0.00015'));
   await frame(page);
-  assert.deepEqual((await tableOf(page, 'Interrupts')).slice(1).map(([label, count, time]) => [label, count, time]), [
-    ['29 - timer', '1', '0.050'],
-    ['soft 1 - TIMER', '1', '0.025'],
-  ]);
+  assert.deepEqual(
+      (await tableOf(page, 'Interrupts')).slice(1).map(([label, count, time]) => [label, count, time]), [
+        ['29 - timer', '1', '0.050'],
+        ['soft 1 - TIMER', '1', '0.025'],
+      ]);
 });
 
 for (const name of ['profile.json', 'arm-profile.json']) {
@@ -50,16 +53,25 @@ for (const name of ['profile.json', 'arm-profile.json']) {
   test(`the hottest functions of ${name}`, { skip: !existsSync(file) }, async () => {
     const printed = example('hottest_functions', file);
     const [, samples] = /^samples +(\d+)$/m.exec(printed);
-    const expected = [...printed.matchAll(/^ +(\d+) +[\d.]+%  (.+)$/gm)].map(([, count, label]) => [label, Number(count)]);
+    const expected =
+        [...printed.matchAll(/^ +(\d+) +[\d.]+%  (.+)$/gm)].map(([, count, label]) => [label, Number(count)]);
     assert(expected.length >= 8, printed);
     const page = await openPage({ fragment: '#view=functions' });
     await openDocuments(page, file);
-    assert.equal(await page.locator('#view-functions .counted').innerText(), `${Number(samples).toLocaleString('en')} samples`);
-    const rows = await page.locator('#view-functions .rows [role=row]').evaluateAll((all) =>
-      all.map((row) => [row.querySelector('.name').textContent, parseInt(row.querySelector('.number').textContent.replaceAll(',', ''), 10)]),
-    );
+    assert.equal(
+        await page.locator('#view-functions .counted').innerText(),
+        `${Number(samples).toLocaleString('en')} samples`);
+    const rows =
+        await page.locator('#view-functions .rows [role=row]')
+            .evaluateAll(
+                (all) => all.map(
+                    (row) =>
+                        [row.querySelector('.name').textContent,
+                         parseInt(row.querySelector('.number').textContent.replaceAll(',', ''), 10)]),
+            );
     const shown = new Map(rows);
-    for (const [label, count] of expected) assert.equal(shown.get(label.replace(/^\[in (.*)\]$/, '$1')), count, label);
+    for (const [label, count] of expected)
+      assert.equal(shown.get(label.replace(/^\[in (.*)\]$/, '$1')), count, label);
     assert.deepEqual(page.complaints, []);
   });
 }

@@ -1,11 +1,13 @@
-// How documents come into the page: packed, damaged, in pieces, held by the page itself, and given up half-way.
+// How documents come into the page: packed, damaged, in pieces, held by the page itself, and given up
+// half-way.
 import assert from 'node:assert/strict';
-import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
-import { tmpdir } from 'node:os';
-import { join } from 'node:path';
-import { after, test } from 'node:test';
-import { gzipSync } from 'node:zlib';
-import { documents, frame, openDocuments, openPage, page as viewer, useBrowser } from './browser.mjs';
+import {mkdtempSync, readFileSync, rmSync, writeFileSync} from 'node:fs';
+import {tmpdir} from 'node:os';
+import {join} from 'node:path';
+import {after, test} from 'node:test';
+import {gzipSync} from 'node:zlib';
+
+import {documents, frame, openDocuments, openPage, page as viewer, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -42,7 +44,10 @@ test('of a packed document that is cut off, all that can be unpacked is shown', 
 
 test('wrong files get a clear line, and do not hinder a right one', async () => {
   const page = await openPage();
-  const wrong = [written('perf.data', 'PERFILE2 and more'), written('page.html', '<html>'), written('other.json', '{"a":1}')];
+  const wrong = [
+    written('perf.data', 'PERFILE2 and more'), written('page.html', '<html>'),
+    written('other.json', '{"a":1}')
+  ];
   await openDocuments(page, ...wrong, written('right.json', profile));
   const [recording, html, other] = await told(page);
   assert.match(recording, /perf\.data: a recording, not a document/);
@@ -52,14 +57,16 @@ test('wrong files get a clear line, and do not hinder a right one', async () => 
 });
 
 test('documents in the page itself open at once, with their layout file', async () => {
-  const slot = (name, content) => `<script type="application/gzip;base64" data-name="${name}">${gzipSync(content).toString('base64')}</script>`;
+  const slot = (name, content) => `<script type="application/gzip;base64" data-name="${name}">${
+      gzipSync(content).toString('base64')}</script>`;
   const mappings = [{ pid: 100, start: '0x10000', size: '0x10000', original: '0x7f0000010000' }];
   const held = [
     slot('a.json', profile),
     slot('a.json.layout.json', JSON.stringify({ Version: '1.0', depth: 40, mappings })),
     slot('a.timechart.json', timechart),
   ];
-  const file = written('held.html', readFileSync(viewer, 'utf8').replace('<!--documents-->', () => held.join('\n')));
+  const file =
+      written('held.html', readFileSync(viewer, 'utf8').replace('<!--documents-->', () => held.join('\n')));
   const page = await openPage({ file });
   await page.locator('.reading.complete').nth(1).waitFor();
   await frame(page);

@@ -1,9 +1,10 @@
 // The views of a profile, and those of both kinds of documents together, driven by mouse and by keyboard.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
-import { join } from 'node:path';
-import { test } from 'node:test';
-import { documents, example, frame, keepPicture, openDocuments, openPage, useBrowser } from './browser.mjs';
+import {readFileSync, writeFileSync} from 'node:fs';
+import {join} from 'node:path';
+import {test} from 'node:test';
+
+import {documents, example, frame, keepPicture, openDocuments, openPage, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -78,7 +79,9 @@ test('flame graph, call tree and callers are walked by keys', async () => {
   const rows = await page.locator('#view-tree [role=row]').count();
   for (const key of ['ArrowDown', 'ArrowDown', 'ArrowRight']) await page.keyboard.press(key);
   await frame(page);
-  assert((await page.locator('#view-tree [role=row]').count()) !== rows || (await page.locator('#view-tree [aria-selected=true]').count()) === 1);
+  assert(
+      (await page.locator('#view-tree [role=row]').count()) !== rows ||
+      (await page.locator('#view-tree [aria-selected=true]').count()) === 1);
   assert.deepEqual(page.complaints, []);
 });
 
@@ -96,7 +99,12 @@ test('two profiles are compared', async () => {
   // The same recording, had all samples of pick_apple been taken in pick_pear.
   const text = readFileSync(file, 'utf8');
   const keyOf = (name) => new RegExp(`\\[(\\d+),"${name}"`).exec(text)[1];
-  writeFileSync(changed, text.replace(/"samples"[^]*/, (rows) => rows.replaceAll(new RegExp(`(\\[\\d+,\\d+),${keyOf('pick_apple')},`, 'g'), `$1,${keyOf('pick_pear')},`)));
+  writeFileSync(
+      changed,
+      text.replace(
+          /"samples"[^]*/,
+          (rows) => rows.replaceAll(
+              new RegExp(`(\\[\\d+,\\d+),${keyOf('pick_apple')},`, 'g'), `$1,${keyOf('pick_pear')},`)));
   const page = await openPage({ fragment: '#view=difference' });
   await openDocuments(page, file);
   await openDocuments(page, changed);
@@ -110,7 +118,9 @@ test('two profiles are compared', async () => {
   await keepPicture(page, 'difference');
   await openDocuments(page, file);
   await frame(page);
-  assert.deepEqual(await page.locator('.reading').allInnerTexts(), ['changed-profile.json', 'profile.json'], 'a third takes the place of the first');
+  assert.deepEqual(
+      await page.locator('.reading').allInnerTexts(), ['changed-profile.json', 'profile.json'],
+      'a third takes the place of the first');
 });
 
 test('folded stacks hold every selected sample', async () => {
@@ -124,19 +134,23 @@ test('folded stacks hold every selected sample', async () => {
 
 test('one brush selects in both documents, and a run of a task selects its samples', async () => {
   const folder = join(documents, 'joint');
-  // Task 11 runs on core 0 from 1 s to 2 s and from 3 s to 4 s; a sample every 100 ms, of it while it runs, else of 12.
+  // Task 11 runs on core 0 from 1 s to 2 s and from 3 s to 4 s; a sample every 100 ms, of it while it runs,
+  // else of 12.
   const samples = Array.from({ length: 50 }, (_, i) => {
     const time = i / 10 + 0.05;
     const runs = (time > 1 && time < 2) || (time > 3 && time < 4);
     return `[${i + 1},65796,6,${time},0,${runs ? 4 : 5},${runs ? 11 : 12},[],]`;
   });
   const section = (name, rows) => `"${name}":{"descriptions":{},"data":[${rows}]}`;
-  const profile = `{"Description":{"Version":"1.0","Target Chip":"x","Start Time":0,"First Sample Time":0,"duration":5},${[
-    section('processes', '[1,0,0,"kernel",],[4,11,11,"eleven",],[5,12,12,"twelve",],'),
-    section('libraries', '[2,2,"lostAndFound",0,0,],[3,1,"kernel",3221258240,28672,],[7,4,"/app/tool",65536,4096,],'),
-    section('files', ''),
-    section('functions', '[6,"work",65792,256,[7,],],'),
-    section('samples', `${samples.join(',')},`),
+  const profile =
+      `{"Description":{"Version":"1.0","Target Chip":"x","Start Time":0,"First Sample Time":0,"duration":5},${
+              [section('processes', '[1,0,0,"kernel",],[4,11,11,"eleven",],[5,12,12,"twelve",],'),
+               section(
+                   'libraries',
+                   '[2,2,"lostAndFound",0,0,],[3,1,"kernel",3221258240,28672,],[7,4,"/app/tool",65536,4096,],'),
+               section('files', ''),
+               section('functions', '[6,"work",65792,256,[7,],],'),
+               section('samples', `${samples.join(',')},`),
   ].join(',')}}`;
   const timechart = `{"entries":[
 {"id":"proc-11-r0","name":"11 - eleven","treeId":"11_proc_root","type":"binary","class":"proc:running","show":1,"tip":"Running on CPU 0","hints":{"white":"#000000","black":"#ffffff"},"data":[[1.000000, 1],[2.000000, 0],[3.000000, 1],[4.000000, 0]]}

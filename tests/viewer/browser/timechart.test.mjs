@@ -1,8 +1,9 @@
 // The timechart driven by mouse and by keyboard.
 import assert from 'node:assert/strict';
-import { join } from 'node:path';
-import { test } from 'node:test';
-import { documents, frame, keepPicture, openDocuments, openPage, tableOf, useBrowser } from './browser.mjs';
+import {join} from 'node:path';
+import {test} from 'node:test';
+
+import {documents, frame, keepPicture, openDocuments, openPage, tableOf, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -28,7 +29,8 @@ async function stateOf(page) {
 }
 
 const spanOf = (text) => text.split(',').map(Number);
-const near = (actual, expected, tolerance) => assert(Math.abs(actual - expected) <= tolerance, `${actual}, expected ${expected}`);
+const near = (actual, expected, tolerance) =>
+    assert(Math.abs(actual - expected) <= tolerance, `${actual}, expected ${expected}`);
 
 /** The place of a row, by its label. */
 async function rowOf(page, label) {
@@ -109,7 +111,8 @@ test('the keyboard alone zooms to the microsecond, moves, measures and selects',
   await press(page, 'Escape');
   assert.equal((await stateOf(page)).get('selected'), null);
   await press(page, 'z');
-  assert.deepEqual(spanOf((await stateOf(page)).get('selected')), [0.000005, 0.333345], 'undo brings it back');
+  assert.deepEqual(
+      spanOf((await stateOf(page)).get('selected')), [0.000005, 0.333345], 'undo brings it back');
 });
 
 test('a click on a running slice tells the task, its waits, and leads to its next run', async () => {
@@ -119,7 +122,9 @@ test('a click on a running slice tells the task, its waits, and leads to its nex
   const x = gutter + 0.2 * (1280 - gutter - 14);
   await page.mouse.click(x, await rowOf(page, '301 - render'));
   const told = await page.locator('#view-span .run').innerText();
-  assert.match(told, /^301 - render ran on CPU 1 for 3\.04 ms, from 0\.020827 s to 0\.023867 s; 13\.63 ms since it last ran, of which it waited 60 µs for a CPU \(0\.4%\), 13\.57 ms for I\/O \(99\.6%\), 1\.95 ms for the GPU \(14\.3%\)/);
+  assert.match(
+      told,
+      /^301 - render ran on CPU 1 for 3\.04 ms, from 0\.020827 s to 0\.023867 s; 13\.63 ms since it last ran, of which it waited 60 µs for a CPU \(0\.4%\), 13\.57 ms for I\/O \(99\.6%\), 1\.95 ms for the GPU \(14\.3%\)/);
   assert.deepEqual(spanOf((await stateOf(page)).get('selected')), [0.020827, 0.023867]);
 
   await press(page, ']');
@@ -133,7 +138,8 @@ test('a click on a running slice tells the task, its waits, and leads to its nex
   await frame(page);
   await page.mouse.click(x, await rowOf(page, 'CPU 1 Busy'));
   assert.match(await page.locator('#view-span .run').innerText(), /^301 - render ran on CPU 1/);
-  assert.match(await page.locator('.status').innerText(), /^301 - render ran on CPU 1/, 'told to screen readers');
+  assert.match(
+      await page.locator('.status').innerText(), /^301 - render ran on CPU 1/, 'told to screen readers');
   assert.deepEqual(page.complaints, []);
 });
 
@@ -207,7 +213,7 @@ test('a screen reader finds the parts, and hovering repaints no row', async () =
   const painted = await page.evaluate(() => {
     window.painted = 0;
     const { putImageData } = CanvasRenderingContext2D.prototype;
-    CanvasRenderingContext2D.prototype.putImageData = function (...rest) {
+    CanvasRenderingContext2D.prototype.putImageData = function(...rest) {
       ++window.painted;
       return putImageData.apply(this, rest);
     };
@@ -234,7 +240,10 @@ test('what is shown can be copied and saved', async () => {
   for (const [kind, start] of [['PNG', '\x89PNG'], ['SVG', '<svg xmlns']]) {
     await page.locator('.lanes-labels').focus();
     await page.locator('summary', { hasText: 'Save' }).click();
-    const [download] = await Promise.all([page.waitForEvent('download'), page.getByRole('button', { name: new RegExp(kind === 'PNG' ? 'as pixels' : 'vector') }).click()]);
+    const [download] = await Promise.all([
+      page.waitForEvent('download'),
+      page.getByRole('button', { name: new RegExp(kind === 'PNG' ? 'as pixels' : 'vector') }).click()
+    ]);
     const parts = [];
     for await (const part of await download.createReadStream()) parts.push(part);
     assert.equal(Buffer.concat(parts).toString('latin1').slice(0, start.length), start);

@@ -1,8 +1,9 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { readValue } from '../../../viewer/document/json';
-import { Reader } from '../../../viewer/document/Reader';
-import { latin1, pieces } from '../support';
+import {test} from 'node:test';
+
+import {readValue} from '../../../viewer/document/json';
+import {Reader} from '../../../viewer/document/Reader';
+import {latin1, pieces} from '../support';
 
 async function parse(text: string, size?: number): Promise<unknown> {
   const reader = new Reader(pieces(latin1(text + ' '), size));
@@ -25,14 +26,19 @@ const accepted: [string, unknown][] = [
   ['"\xed\xa0\x80\xc0\xaf"', '\\xed\\xa0\\x80\\xc0\\xaf'],
 ];
 
-test('a comma ahead of a closing bracket and raw bytes in names are accepted, however the bytes arrive', async () => {
-  for (const [text, value] of accepted) {
-    for (const size of [1, 2, 3, 1000]) assert.deepEqual(await parse(text, size), value, text);
-  }
-});
+test(
+    'a comma ahead of a closing bracket and raw bytes in names are accepted, however the bytes arrive',
+    async () => {
+      for (const [text, value] of accepted) {
+        for (const size of [1, 2, 3, 1000]) assert.deepEqual(await parse(text, size), value, text);
+      }
+    });
 
 test('all else is as strict as JSON', async () => {
-  const refused = ['[,]', '[1,,2]', '[1 2]', '{"a":1,}', '{"a" 1}', '{a:1}', '01', '-', '1.', '.5', '1e', 'nul', "'a'", '"\\x"'];
+  const refused = [
+    '[,]', '[1,,2]', '[1 2]', '{"a":1,}', '{"a" 1}', '{a:1}', '01', '-', '1.', '.5', '1e', 'nul', '\'a\'',
+    '"\\x"'
+  ];
   for (const text of refused) await assert.rejects(parse(text), /./, text);
   await assert.rejects(parse('['.repeat(100000)), /nested too deep/);
   await assert.rejects(parse('9'.repeat(100000)), /too long/);

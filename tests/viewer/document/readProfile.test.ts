@@ -1,11 +1,13 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { LayoutFile } from '../../../viewer/document/layoutFile';
-import { PlaceKind } from '../../../viewer/document/profile';
-import { latin1, profileText, read, readProfile, rows, sampleLines } from '../support';
+import {test} from 'node:test';
+
+import {LayoutFile} from '../../../viewer/document/layoutFile';
+import {PlaceKind} from '../../../viewer/document/profile';
+import {latin1, profileText, read, readProfile, rows, sampleLines} from '../support';
 
 const markers = '[18446744073709551488,0,]';
-const deep = (entries: number) => Array.from({ length: entries }, (_, i) => `[${65800 + i},${i === 0 ? 6 : 7},]`).join(',');
+const deep = (entries: number) =>
+    Array.from({ length: entries }, (_, i) => `[${65800 + i},${i === 0 ? 6 : 7},]`).join(',');
 const samples = [
   '[1,65796,6,1.5,0,4,7,[[65796,6,],[65544,7,],],]',
   '[2,3221258500,8,1.75,1,4,8,[],]',
@@ -30,10 +32,14 @@ test('samples come in the order of time, with their stacks, without markers of c
 });
 
 test('pieces of any size and white space give the same', async () => {
-  for (const size of [1, 7, 64]) assert.deepEqual(sampleLines((await read(latin1(text), size)) as never), lines);
+  for (const size of [1, 7, 64])
+    assert.deepEqual(sampleLines((await read(latin1(text), size)) as never), lines);
   const spaced = text.replace(/[[\],]/g, ' $& \n');
   assert.deepEqual(sampleLines(await readProfile(spaced)), lines);
-  const unlabelled = text.replace(/^\{.*\n/, '{}').replace(/\n? "[a-z]*": \{\n/g, '{').replace(/\},\{/g, '}{').replace(/\}\n$/, '');
+  const unlabelled = text.replace(/^\{.*\n/, '{}')
+                         .replace(/\n? "[a-z]*": \{\n/g, '{')
+                         .replace(/\},\{/g, '}{')
+                         .replace(/\}\n$/, '');
   assert.match(unlabelled, /^\{\}\{ +"descriptions"/);
   assert.deepEqual(sampleLines(await readProfile(unlabelled)), lines);
 });
@@ -65,8 +71,10 @@ test('every byte that is damaged is found or harmless', async () => {
     const damaged = bytes.slice();
     damaged[at] ^= 0x15;
     const outcome = await read(damaged, 31).catch((error: Error) => error);
-    if (outcome instanceof Error) assert(at < 20, `${at}: ${outcome}`);
-    else if (outcome.kind === 'profile' && outcome.damage === null && at > from) assert.equal(outcome.samples.count, 5);
+    if (outcome instanceof Error)
+      assert(at < 20, `${at}: ${outcome}`);
+    else if (outcome.kind === 'profile' && outcome.damage === null && at > from)
+      assert.equal(outcome.samples.count, 5);
   }
 });
 
@@ -91,8 +99,9 @@ test('malformed rows are damage, not guesses', async () => {
 
 test('a back-trace as deep as the document keeps them is marked as cut', async () => {
   const row = (entries: number) => `[1,65800,6,1.5,0,4,7,[${deep(entries)},],],`;
-  const stack = async (rowsText: string, layout: LayoutFile | null = null) =>
-    sampleLines(await readProfile(profileText({ samples: rowsText }), layout)).map((line) => line.split(' ')[4].slice(0, 4));
+  const stack = async (rowsText: string, layout: LayoutFile|null = null) =>
+      sampleLines(await readProfile(profileText({ samples: rowsText }), layout))
+          .map((line) => line.split(' ')[4].slice(0, 4));
   assert.deepEqual(await stack(row(14)), ['main']);
   assert.deepEqual(await stack(row(15)), ['cut']);
   const layout = LayoutFile.parse('{"depth":20,"mappings":[]}');
@@ -103,11 +112,12 @@ test('a back-trace as deep as the document keeps them is marked as cut', async (
 
 test('places know what they are', async () => {
   const profile = await readProfile(
-    profileText({
-      libraries: `${rows.libraries}[10,5,"/app/tool",1000,4096,],[11,4,"/lib/x\x01.so",2000,16,],`,
-      files: '[20,"a.cc",[[6,12,],],],',
-      samples: '[1,1,6,1,0,4,7,[],],[1,1,8,1,0,4,7,[],],[1,1,9,1,0,4,7,[],],[1,1,10,1,0,4,7,[],],[1,1,77,1,0,4,7,[],],',
-    }),
+      profileText({
+        libraries: `${rows.libraries}[10,5,"/app/tool",1000,4096,],[11,4,"/lib/x\x01.so",2000,16,],`,
+        files: '[20,"a.cc",[[6,12,],],],',
+        samples:
+            '[1,1,6,1,0,4,7,[],],[1,1,8,1,0,4,7,[],],[1,1,9,1,0,4,7,[],],[1,1,10,1,0,4,7,[],],[1,1,77,1,0,4,7,[],],',
+      }),
   );
   const { places, files } = profile;
   const kinds = Object.fromEntries(places.names.map((name, i) => [name, places.kinds[i]]));
@@ -125,20 +135,20 @@ test('places know what they are', async () => {
 
 test('moved addresses are shown as they were', async () => {
   const layout = LayoutFile.parse(
-    '{"mappings":[{"pid":7,"start":"0x40a20000","size":"0x10000","original":"0xb6f00000","file":"x"},' +
-      '{"pid":7,"start":"0x10000","size":"0x1000","original":"0x7f0000010000"}]}',
+      '{"mappings":[{"pid":7,"start":"0x40a20000","size":"0x10000","original":"0xb6f00000","file":"x"},' +
+          '{"pid":7,"start":"0x10000","size":"0x1000","original":"0x7f0000010000"}]}',
   );
   const profile = await readProfile(
-    profileText({
-      libraries: `${rows.libraries}[12,4,"/gap",1084358656,65536,],`,
-      functions: rows.functions.replace('65536,[2,],', '65536,[12,],'),
-      samples: '[1,65796,6,1,0,4,7,[],],[2,1084358660,9,2,0,4,7,[],],[3,65796,6,3,0,1,0,[],],',
-    }),
-    layout,
+      profileText({
+        libraries: `${rows.libraries}[12,4,"/gap",1084358656,65536,],`,
+        functions: rows.functions.replace('65536,[2,],', '65536,[12,],'),
+        samples: '[1,65796,6,1,0,4,7,[],],[2,1084358660,9,2,0,4,7,[],],[3,65796,6,3,0,1,0,[],],',
+      }),
+      layout,
   );
   assert.deepEqual(
-    sampleLines(profile).map((line) => line.split(' ').slice(3).join(' ')),
-    ['7f0000010104 work', 'b6f00004 {tool-b6f00000}', '10104 work'],
+      sampleLines(profile).map((line) => line.split(' ').slice(3).join(' ')),
+      ['7f0000010104 work', 'b6f00004 {tool-b6f00000}', '10104 work'],
   );
 });
 

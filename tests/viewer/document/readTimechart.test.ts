@@ -1,9 +1,11 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { latin1, read, readTimechart } from '../support';
+import {test} from 'node:test';
 
-const entry = (id: string, type: string, data: string) =>
-  `{"id":"${id}","name":"${id} n","treeId":"t","type":"${type}","class":"c","show":1,"tip":"x","hints":{"white":"#000000","black":"#ffffff"},"data":[${data}]}`;
+import {latin1, read, readTimechart} from '../support';
+
+const entry = (id: string, type: string, data: string) => `{"id":"${id}","name":"${
+    id} n","treeId":"t","type":"${
+    type}","class":"c","show":1,"tip":"x","hints":{"white":"#000000","black":"#ffffff"},"data":[${data}]}`;
 const text = `
 {"entries":[
 ${entry('cpu-0-b', 'binary', '[0.000100,1],[0.000150,0]')}
@@ -14,10 +16,12 @@ ${entry('cpu-0-b', 'binary', '[0.000100,1],[0.000150,0]')}
 ,]}`;
 
 const shown = (document: Awaited<ReturnType<typeof readTimechart>>) =>
-  document.entries.map(({ id, show, tip, white, black, times, values, names, details }) => {
-    const string = (index: number) => document.strings[index];
-    return [id, show, tip, white, black, [...times], [...values], [...names].map(string), [...details].map(string)];
-  });
+    document.entries.map(({ id, show, tip, white, black, times, values, names, details }) => {
+      const string = (index: number) => document.strings[index];
+      return [
+        id, show, tip, white, black, [...times], [...values], [...names].map(string), [...details].map(string)
+      ];
+    });
 
 test('entries become columns in the order of time', async () => {
   const document = await readTimechart(text);

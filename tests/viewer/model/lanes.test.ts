@@ -1,14 +1,16 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { Lane, laneTree, visibleLanes } from '../../../viewer/model/lanes';
-import { track } from '../tracks';
+import {test} from 'node:test';
+
+import {Lane, laneTree, visibleLanes} from '../../../viewer/model/lanes';
+import {track} from '../tracks';
 
 const none = new Set<string>();
 const points: [number, number][] = [[1, 1]];
 
 /** The tree as text: a row a line, indented, with its number of tracks. */
 function drawn(lanes: readonly Lane[]): string[] {
-  return lanes.flatMap((lane) => [`${' '.repeat(lane.depth)}${lane.label} ${lane.tracks.length}`, ...drawn(lane.children)]);
+  return lanes.flatMap(
+      (lane) => [`${' '.repeat(lane.depth)}${lane.label} ${lane.tracks.length}`, ...drawn(lane.children)]);
 }
 
 const tree = laneTree([
@@ -28,17 +30,34 @@ const tree = laneTree([
 
 test('tasks lie under their processes and shown rows come first', () => {
   assert.deepEqual(drawn(tree), [
-    'Cores 0', ' CPU 0 Busy 1', '  CPU 0 Frequency 1', '  CPU 0 Idle State 2',
-    'Tasks 0', ' 10 - game 1', '  12 - thread 1', '  cycles 1', ' 9 - idle child 1', ' 30 0', '  31 - orphan 1',
+    'Cores 0',
+    ' CPU 0 Busy 1',
+    '  CPU 0 Frequency 1',
+    '  CPU 0 Idle State 2',
+    'Tasks 0',
+    ' 10 - game 1',
+    '  12 - thread 1',
+    '  cycles 1',
+    ' 9 - idle child 1',
+    ' 30 0',
+    '  31 - orphan 1',
     'FTrace Events 1',
-    'Interrupts 0', ' 29 - timer 1', ' soft 1 - TIMER 1',
+    'Interrupts 0',
+    ' 29 - timer 1',
+    ' soft 1 - TIMER 1',
   ]);
 });
 
 test('folded rows keep their children back and pinned ones come first', () => {
-  const rows = visibleLanes(tree, { folded: new Set(['cpu', 'proc_10']), hidden: new Set(['irq']), pinned: new Set(['proc_10_12', 'cpu_0']) });
+  const rows = visibleLanes(tree, {
+    folded: new Set(['cpu', 'proc_10']),
+    hidden: new Set(['irq']),
+    pinned: new Set(['proc_10_12', 'cpu_0'])
+  });
   assert.deepEqual(rows.pinned.map((lane) => lane.label), ['CPU 0 Busy', '12 - thread']);
-  assert.deepEqual(rows.rest.map((lane) => lane.label), ['Cores', 'Tasks', '10 - game', '9 - idle child', '30', '31 - orphan', 'FTrace Events']);
+  assert.deepEqual(
+      rows.rest.map((lane) => lane.label),
+      ['Cores', 'Tasks', '10 - game', '9 - idle child', '30', '31 - orphan', 'FTrace Events']);
 });
 
 test('hostile tree ids make rows like any other', () => {

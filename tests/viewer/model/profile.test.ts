@@ -1,32 +1,49 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { density, timeRows } from '../../../viewer/model/density';
-import { DifferenceTree, unite } from '../../../viewer/model/difference';
-import { everything, type Filter } from '../../../viewer/model/filter';
-import { Boxes, layOut } from '../../../viewer/model/flameLayout';
-import { functionRows, type Order } from '../../../viewer/model/functionRows';
-import { MergedTree } from '../../../viewer/model/MergedTree';
-import { ProfileModel } from '../../../viewer/model/ProfileModel';
-import { childrenOf, type Tree } from '../../../viewer/model/tree';
-import { profileText, readProfile } from '../support';
+import {test} from 'node:test';
 
-const key: Record<string, number> = { s: 8, m: 7, w: 6 };
-const process: Record<string, number> = { tool: 4, worker: 5 };
+import {density, timeRows} from '../../../viewer/model/density';
+import {DifferenceTree, unite} from '../../../viewer/model/difference';
+
+import {everything, type Filter} from '../../../viewer/model/filter';
+import {Boxes, layOut} from '../../../viewer/model/flameLayout';
+import {functionRows, type Order} from '../../../viewer/model/functionRows';
+import {MergedTree} from '../../../viewer/model/MergedTree';
+import {ProfileModel} from '../../../viewer/model/ProfileModel';
+import {childrenOf, type Tree} from '../../../viewer/model/tree';
+import {profileText, readProfile} from '../support';
+
+const key: Record<string, number> = {
+  s: 8,
+  m: 7,
+  w: 6
+};
+const process: Record<string, number> = {
+  tool: 4,
+  worker: 5
+};
 
 /** A model of samples given as lines: time, core, process, and the stack as letters, outermost first. */
 async function modelOf(lines: readonly string[]): Promise<ProfileModel> {
   const samples = lines.map((line, index) => {
     const [time, core, name, stack] = line.split(' ');
     const frames = [...stack].reverse().map((letter) => `[1,${key[letter]},]`);
-    return `[${index + 1},1,${key[stack.at(-1)!]},${time},${core},${process[name]},${process[name] + 3},[${frames.join(',')},],],`;
+    return `[${index + 1},1,${key[stack.at(-1)!]},${time},${core},${process[name]},${process[name] + 3},[${
+        frames.join(',')},],],`;
   });
   const files = '[20,"main.cc",[[7,1,],],],[21,"work.cc",[[6,12,],],],';
   return new ProfileModel(await readProfile(profileText({ samples: samples.join(''), files })));
 }
 
-const names: Record<string, string> = { schedule: 's', main: 'm', work: 'w' };
+const names: Record<string, string> = {
+  schedule: 's',
+  main: 'm',
+  work: 'w'
+};
 
-/** A tree as text: `m3(w2 s1)` is main with three samples, of which two are below work and one below schedule. */
+/**
+ * A tree as text: `m3(w2 s1)` is main with three samples, of which two are below work and one below
+ * schedule.
+ */
 function treeText(model: ProfileModel, tree: Tree, node = 0): string {
   const children = childrenOf(tree, node).map((child) => treeText(model, tree, child));
   const below = children.length === 0 ? '' : `(${children.join(' ')})`;
@@ -35,7 +52,7 @@ function treeText(model: ProfileModel, tree: Tree, node = 0): string {
 }
 
 const lines = ['1 0 tool m', '2 0 tool mw', '3 1 worker mw', '4 1 tool mws', '5 0 worker s', '6 1 tool wmw'];
-const changed = (change: Partial<Filter>): Filter => ({ ...everything, ...change });
+const changed = (change: Partial<Filter>): Filter => ({...everything, ...change });
 
 test('a filter changes what every node weighs', async () => {
   const model = await modelOf(lines);
@@ -70,16 +87,21 @@ test('inverted, callers and callees count each sample once', async () => {
 
 test('tables group by function, library, file, process, thread and core', async () => {
   const model = await modelOf(lines);
-  const table = (by: string, filter = everything, text = '', order: Order = { key: 'total', descending: true }) => {
-    const grouping = model.grouping(by);
-    const weights = grouping.weigh(model.selection(filter));
-    return functionRows(grouping, weights, text, order)
-      .map((group) => `${grouping.groups[group].name} ${weights.selves[group]}/${weights.totals[group]}`)
-      .join(', ');
-  };
+  const table =
+      (by: string, filter = everything, text = '', order: Order = { key: 'total', descending: true }) => {
+        const grouping = model.grouping(by);
+        const weights = grouping.weigh(model.selection(filter));
+        return functionRows(grouping, weights, text, order)
+            .map(
+                (group) => `${grouping.groups[group].name} ${weights.selves[group]}/${weights.totals[group]}`)
+            .join(', ');
+      };
   assert.equal(table('function'), 'main 1/5, work 3/4, schedule 2/2');
-  assert.equal(table('function', everything, '', { key: 'self', descending: false }), 'main 1/5, schedule 2/2, work 3/4');
-  assert.equal(table('function', everything, 'APP/', { key: 'name', descending: false }), 'main 1/5, work 3/4');
+  assert.equal(
+      table('function', everything, '', { key: 'self', descending: false }),
+      'main 1/5, schedule 2/2, work 3/4');
+  assert.equal(
+      table('function', everything, 'APP/', { key: 'name', descending: false }), 'main 1/5, work 3/4');
   assert.equal(table('library'), '/app/tool 4/5, kernel 2/2');
   assert.equal(table('file'), 'main.cc 1/5, work.cc 3/4, no source file known 2/2');
   assert.equal(table('process'), 'tool 6/6');
@@ -92,13 +114,19 @@ test('a flame graph has the boxes that can be seen, each below its caller', asyn
   const tree = model.selection(everything);
   const boxes = (start: number, end: number, least: number) => {
     const laid = layOut(tree, 0, start, end, 600, least, new Boxes());
-    return Array.from({ length: laid.count }, (_, i) => {
-      const name = laid.nodes[i] === 0 ? '' : names[model.profile.places.names[tree.places[laid.nodes[i]]]];
-      return `${laid.depths[i]}${name}@${laid.lefts[i]}+${laid.widths[i]}`;
-    }).join(' ');
+    return Array
+        .from(
+            { length: laid.count },
+            (_, i) => {
+              const name =
+                  laid.nodes[i] === 0 ? '' : names[model.profile.places.names[tree.places[laid.nodes[i]]]];
+              return `${laid.depths[i]}${name}@${laid.lefts[i]}+${laid.widths[i]}`;
+            })
+        .join(' ');
   };
   assert.equal(boxes(0, 6, 150), '0@0+600 1m@0+400 2w@0+300');
-  assert.equal(boxes(0, 6, 1), '0@0+600 1m@0+400 1s@400+100 1w@500+100 2w@0+300 2m@500+100 3s@0+100 3w@500+100');
+  assert.equal(
+      boxes(0, 6, 1), '0@0+600 1m@0+400 1s@400+100 1w@500+100 2w@0+300 2m@500+100 3s@0+100 3w@500+100');
   assert.equal(boxes(4, 5, 1), '0@-2400+3600 1s@0+600');
   const laid = layOut(tree, 0, 0, 6, 600, 1, new Boxes());
   assert.equal(laid.depths[laid.at(550, 2)], 2);
@@ -109,11 +137,12 @@ test('the time line counts each sample once in its core and once in its thread',
   const model = await modelOf(lines);
   const rowsOfAll = timeRows(model.profile);
   assert.deepEqual(
-    rowsOfAll.map(({ kind, subject, samples }) => `${kind} ${subject}: ${samples}`),
-    ['core 0: 3', 'core 1: 3', 'thread 0: 4', 'thread 1: 2'],
+      rowsOfAll.map(({ kind, subject, samples }) => `${kind} ${subject}: ${samples}`),
+      ['core 0: 3', 'core 1: 3', 'thread 0: 4', 'thread 1: 2'],
   );
   const { all, selected } = density(model.selection(changed({ text: 'sched' })), rowsOfAll, 1, 6, 5);
-  const text = (counts: Uint32Array) => rowsOfAll.map((_, row) => counts.subarray(row * 5, row * 5 + 5).join('')).join(' ');
+  const text = (counts: Uint32Array) =>
+      rowsOfAll.map((_, row) => counts.subarray(row * 5, row * 5 + 5).join('')).join(' ');
   assert.equal(text(all), '11001 00111 11011 00101');
   assert.equal(text(selected), '00001 00010 00010 00001');
   assert.equal(all.reduce((a, b) => a + b, 0), 12);
@@ -122,10 +151,12 @@ test('the time line counts each sample once in its core and once in its thread',
 test('a difference tree has room for what either profile spends', async () => {
   const after = await modelOf(['1 0 tool mw', '2 0 tool mw', '3 0 tool ms', '4 0 tool ms']);
   const before = await modelOf(['1 0 tool mw', '2 0 tool m']);
-  const tree = new DifferenceTree(unite(after.profile, before.profile), after.selection(everything), before.selection(everything));
+  const tree = new DifferenceTree(
+      unite(after.profile, before.profile), after.selection(everything), before.selection(everything));
   const joint = childrenOf(tree, 0)[0];
   assert.deepEqual([tree.current[joint], tree.baseline[joint]], [4, 4]);
-  const children = childrenOf(tree, joint).map((child) => [tree.current[child], tree.baseline[child], tree.totals[child]]);
+  const children =
+      childrenOf(tree, joint).map((child) => [tree.current[child], tree.baseline[child], tree.totals[child]]);
   assert.deepEqual(children.sort(([a], [b]) => a - b), [
     [2, 2, 2],
     [2, 0, 2],

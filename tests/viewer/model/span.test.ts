@@ -1,8 +1,9 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { counted, reckonSpan, SpanUse } from '../../../viewer/model/span';
-import { Tasks } from '../../../viewer/model/tasks';
-import { track } from '../tracks';
+import {test} from 'node:test';
+
+import {counted, reckonSpan, SpanUse} from '../../../viewer/model/span';
+import {Tasks} from '../../../viewer/model/tasks';
+import {track} from '../tracks';
 
 // Task 11 runs on core 0, sleeps for I/O, waits for a core, runs on core 1; task 0 is the idle one.
 const tracks = [
@@ -15,7 +16,9 @@ const tracks = [
   track('proc-11-r1', 'proc:running', '11_10_proc_root', [[4, 1], [5, 0]]),
   track('proc-11-d', 'proc:wait', '11_10_proc_root', [[2, 1], [3, 0]]),
   track('proc-11-w', 'proc:wait', '11_10_proc_root', [[3, 1], [4, 0], [6.5, 1], [7, 0]]),
-  track('proc-11-ctr0', 'ctr:', '0_11_10_proc_root', [[1, 100], [2, 0], [4, 60], [5, 0]], { tip: 'cycles', type: 'bar' }),
+  track(
+      'proc-11-ctr0', 'ctr:', '0_11_10_proc_root', [[1, 100], [2, 0], [4, 60], [5, 0]],
+      { tip: 'cycles', type: 'bar' }),
   track('proc-12-w', 'proc:wait', '12_10_proc_root', [[20, 1], [21, 0]]),
 ];
 
@@ -29,9 +32,11 @@ function spanUse(start: number, end: number): SpanUse {
 
 test('a span tells what cores tasks and interrupts did', () => {
   const use = spanUse(1.5, 8);
-  assert.deepEqual(use.cores.map(({ cpu, busy, longestGap }) => [cpu, busy, longestGap]), [[0, 2.5, 2], [1, 1, 3]]);
+  assert.deepEqual(
+      use.cores.map(({ cpu, busy, longestGap }) => [cpu, busy, longestGap]), [[0, 2.5, 2], [1, 1, 3]]);
   assert.deepEqual(use.interrupts, [{ label: '29 - irq-29-0', count: 2, seconds: 0.75 }]);
-  assert.deepEqual(use.tasks.map(({ task, running, switches }) => [task, running, switches]), [[11, 2.5, 2], [0, 3, 1]]);
+  assert.deepEqual(
+      use.tasks.map(({ task, running, switches }) => [task, running, switches]), [[11, 2.5, 2], [0, 3, 1]]);
   const [task] = use.tasks;
   assert.deepEqual([task.waitIo, task.waitCpu, task.waitGpu, task.longestGap], [1, 1.5, 0, 2]);
   assert.equal(use.switches, 3);

@@ -1,11 +1,15 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { Steps } from '../../../viewer/model/steps';
+import {test} from 'node:test';
+
+import {Steps} from '../../../viewer/model/steps';
 
 const steps = (...points: [number, number][]) =>
-  new Steps(Float64Array.from(points, ([time]) => time), Float64Array.from(points, ([, value]) => value));
+    new Steps(Float64Array.from(points, ([time]) => time), Float64Array.from(points, ([, value]) => value));
 
-/** On from 1 to 2 and from 4 to 7, in two values, with a stretch of no length at 3; on again from 9 to the end, 10. */
+/**
+ * On from 1 to 2 and from 4 to 7, in two values, with a stretch of no length at 3; on again from 9 to the
+ * end, 10.
+ */
 const sample = steps([1, 1], [2, 0], [3, 1], [3, 0], [4, 2], [5, 3], [7, 0], [9, 1]);
 const close = 10;
 
@@ -24,18 +28,22 @@ function slowShares(of: Steps, start: number, end: number, width: number): numbe
 }
 
 test('on-time is exact for any span', () => {
-  for (const [start, end, expected] of [[0, 10, 5], [1.5, 1.75, 0.25], [0, 1, 0], [4.5, 6, 1.5], [6, 9.5, 1.5], [5, 5, 0], [6, 5, 0]]) {
+  for (const [start, end, expected] of [
+           [0, 10, 5], [1.5, 1.75, 0.25], [0, 1, 0], [4.5, 6, 1.5], [6, 9.5, 1.5], [5, 5, 0], [6, 5, 0]]) {
     assert.equal(sample.onTime(start, end), expected, `[${start}, ${end})`);
   }
 });
 
 test('each pixel holds the exact share of its time', () => {
-  const dense = steps(...Array.from({ length: 4000 }, (_, i): [number, number] => [i / 400 + (i % 7) * 1e-4, i % 2]));
+  const dense =
+      steps(...Array.from({ length: 4000 }, (_, i): [number, number] => [i / 400 + (i % 7) * 1e-4, i % 2]));
   for (const of of [sample, dense, steps()]) {
-    for (const [start, end, width] of [[0, 10, 7], [-3, 14, 100], [2.9, 3.1, 5], [8, 30, 3], [11, 12, 4], [0.00001, 9.99, 1600]]) {
+    for (const [start, end, width] of [
+             [0, 10, 7], [-3, 14, 100], [2.9, 3.1, 5], [8, 30, 3], [11, 12, 4], [0.00001, 9.99, 1600]]) {
       const shares = new Float32Array(width);
       of.shares(start, end, close, shares);
-      slowShares(of, start, end, width).forEach((share, x) => assert.ok(Math.abs(share - shares[x]) < 1e-5, `${start} ${end} ${x}`));
+      slowShares(of, start, end, width)
+          .forEach((share, x) => assert.ok(Math.abs(share - shares[x]) < 1e-5, `${start} ${end} ${x}`));
     }
   }
 });

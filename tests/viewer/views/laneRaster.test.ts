@@ -1,8 +1,9 @@
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
-import { laneTree } from '../../../viewer/model/lanes';
-import { laneHeight, paintLane, Surface } from '../../../viewer/views/laneRaster';
-import { track } from '../tracks';
+import {test} from 'node:test';
+
+import {laneTree} from '../../../viewer/model/lanes';
+import {laneHeight, paintLane, Surface} from '../../../viewer/views/laneRaster';
+import {track} from '../tracks';
 
 /** Keeps how much of each column each colour covers, in pixels. */
 class Ledger implements Surface {
@@ -13,7 +14,9 @@ class Ledger implements Surface {
   constructor(private readonly width: number) {}
 
   box(left: number, right: number, top: number, bottom: number, colour: number): void {
-    assert(left >= 0 && right <= this.width && left < right && bottom >= top, `${left} ${right} ${top} ${bottom}`);
+    assert(
+        left >= 0 && right <= this.width && left < right && bottom >= top,
+        `${left} ${right} ${top} ${bottom}`);
     const columns = this.area.get(colour) ?? new Array<number>(this.width).fill(0);
     for (let x = left; x < right; ++x) columns[x] += bottom - top;
     this.area.set(colour, columns);
@@ -22,17 +25,21 @@ class Ledger implements Surface {
   }
 }
 
-function paint(width: number, shown: { start: number; end: number }, ...tracks: ReturnType<typeof track>[]): Ledger {
+function paint(
+    width: number, shown: { start: number; end: number }, ...tracks: ReturnType<typeof track>[]): Ledger {
   const [lane] = laneTree(tracks);
   const ledger = new Ledger(width);
   paintLane(ledger, lane, 100, { shown, close: 10, width, scale: 1, dark: false });
-  if (ledger.area.size > 0) assert(ledger.top >= 100 && ledger.bottom <= 100 + laneHeight(lane), 'within its row');
+  if (ledger.area.size > 0)
+    assert(ledger.top >= 100 && ledger.bottom <= 100 + laneHeight(lane), 'within its row');
   return ledger;
 }
 
-const near = (actual: number[] | undefined, expected: number[]) => {
+const near = (actual: number[]|undefined, expected: number[]) => {
   assert(actual !== undefined, 'painted at all');
-  expected.forEach((value, x) => assert(Math.abs(value - actual[x]) < 1e-4, `column ${x}: ${actual[x]}, expected ${value}`));
+  expected.forEach(
+      (value, x) =>
+          assert(Math.abs(value - actual[x]) < 1e-4, `column ${x}: ${actual[x]}, expected ${value}`));
 };
 
 test('states of one row are stacked by their exact shares', () => {
@@ -44,14 +51,17 @@ test('states of one row are stacked by their exact shares', () => {
 });
 
 test('a value shows the least and the greatest of each column', () => {
-  const level = track('cpu-0-f', 'cpu:freq', 'x_root', [[1, 50], [2, 100], [2.5, 25], [8, 0]], { type: 'bar', white: '#808080' });
+  const level = track(
+      'cpu-0-f', 'cpu:freq', 'x_root', [[1, 50], [2, 100], [2.5, 25], [8, 0]],
+      { type: 'bar', white: '#808080' });
   const ledger = paint(5, { start: 0, end: 10 }, level);
   near(ledger.area.get(0x808080), [0, 4, 4, 4, 0]);
   near(ledger.area.get(0xc0c0c0), [8, 12, 0, 0, 4]);
 });
 
 test('moments are one column each, and those of the second kind are higher', () => {
-  const marks = track('gpu-3-0-i1', 'gpu:issue', 'x_root', [[1, 1], [1.01, 1], [5, 2]], { type: 'marker', white: '#ff0000' });
+  const marks = track(
+      'gpu-3-0-i1', 'gpu:issue', 'x_root', [[1, 1], [1.01, 1], [5, 2]], { type: 'marker', white: '#ff0000' });
   near(paint(10, { start: 0, end: 10 }, marks).area.get(0xff0000), [0, 6.5, 0, 0, 0, 13, 0, 0, 0, 0]);
 });
 
