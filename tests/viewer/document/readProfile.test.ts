@@ -110,6 +110,15 @@ test('a back-trace as deep as the document keeps them is marked as cut', async (
   assert.deepEqual(await stack(row(15) + row(16) + row(15)), ['main', 'main', 'main']);
 });
 
+test('the children of a node are the heaviest first, however many', async () => {
+  const keys = Array.from({ length: 40 }, (_, i) => 100 + (i * 7) % 40);
+  const functions = keys.map((key) => `[${key},"function ${key}",0,1,[5,],],`).join('');
+  const samples = keys.flatMap((key) => Array(key - 99).fill(`[1,1,${key},1,0,4,7,[],],`)).join('');
+  const { stacks } = await readProfile(profileText({ functions, samples }));
+  const weights = Array.from(stacks.children, (node) => stacks.totals[node]);
+  assert.deepEqual(weights, Array.from({ length: 40 }, (_, i) => 40 - i));
+});
+
 test('places know what they are', async () => {
   const profile = await readProfile(
       profileText({
@@ -142,13 +151,14 @@ test('moved addresses are shown as they were', async () => {
       profileText({
         libraries: `${rows.libraries}[12,4,"/gap",1084358656,65536,],`,
         functions: rows.functions.replace('65536,[2,],', '65536,[12,],'),
-        samples: '[1,65796,6,1,0,4,7,[],],[2,1084358660,9,2,0,4,7,[],],[3,65796,6,3,0,1,0,[],],',
+        samples:
+            '[1,65796,6,1,0,4,7,[],],[2,1084358660,9,2,0,4,7,[],],[3,65796,6,3,0,1,0,[],],[4,69632,6,4,0,4,7,[],],',
       }),
       layout,
   );
   assert.deepEqual(
       sampleLines(profile).map((line) => line.split(' ').slice(3).join(' ')),
-      ['7f0000010104 work', 'b6f00004 {tool-b6f00000}', '10104 work'],
+      ['7f0000010104 work', 'b6f00004 {tool-b6f00000}', '10104 work', '11000 work'],
   );
 });
 

@@ -49,6 +49,7 @@ test('every cut shows the points before it', async () => {
     const document = await read(bytes.subarray(0, size), 40);
     assert(document.kind === 'timechart' && document.damage?.offset === size, `${size}`);
     const points = document.entries.reduce((sum, { times }) => sum + times.length, 0);
+    assert(document.entries.every(({ id }) => id !== ''), `${size}`);
     assert(points >= most, `${size}`);
     most = points;
   }

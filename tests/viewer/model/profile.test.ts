@@ -149,17 +149,17 @@ test('the time line counts each sample once in its core and once in its thread',
 });
 
 test('a difference tree has room for what either profile spends', async () => {
-  const after = await modelOf(['1 0 tool mw', '2 0 tool mw', '3 0 tool ms', '4 0 tool ms']);
-  const before = await modelOf(['1 0 tool mw', '2 0 tool m']);
-  const tree = new DifferenceTree(
-      unite(after.profile, before.profile), after.selection(everything), before.selection(everything));
-  const joint = childrenOf(tree, 0)[0];
-  assert.deepEqual([tree.current[joint], tree.baseline[joint]], [4, 4]);
-  const children =
-      childrenOf(tree, joint).map((child) => [tree.current[child], tree.baseline[child], tree.totals[child]]);
-  assert.deepEqual(children.sort(([a], [b]) => a - b), [
-    [2, 2, 2],
-    [2, 0, 2],
+  const after = await modelOf(['1 0 tool mw', '2 0 tool mw', '3 0 tool mw', '4 0 tool m']);
+  const before = await modelOf(['1 0 tool ms', '2 0 tool mw']);
+  const selections = [after.selection(everything), before.selection(everything)] as const;
+  const tree = new DifferenceTree(unite(after.profile, before.profile), ...selections);
+  const figures = (node: number) => [tree.current[node], tree.baseline[node], tree.totals[node]];
+  const [joint] = childrenOf(tree, 0);
+  // Three samples of one child and two of the other, scaled to four samples, have no room in a box of four.
+  assert.deepEqual(figures(joint), [4, 4, 5]);
+  assert.deepEqual(childrenOf(tree, joint).map(figures), [
+    [3, 2, 3],
+    [0, 2, 2],
   ]);
 });
 
