@@ -15,26 +15,38 @@
 extern "C" std::uint8_t __start___sancov_cntrs[] __attribute__((weak));
 extern "C" std::uint8_t __stop___sancov_cntrs[] __attribute__((weak));
 extern "C" int __llvm_profile_write_file() __attribute__((weak));
+// The fuzzer's record of what its target compares. It begins with plain tables of the latest operands, out of
+// which the fuzzer makes inputs that pass a comparison.
+extern "C" char fuzzerTracing[] __asm__("_ZN6fuzzer3TPCE") __attribute__((weak));
 
 namespace {
 
 constexpr unsigned int kMostSeconds = 10;
 
-/// The counters, and a copy that a child can write and its parent read.
-class SharedCounters {
+/// A piece of the fuzzer's memory, and a copy that a child can write and its parent read.
+class Shared {
  public:
-  void publish() const { std::memcpy(_copy, __start___sancov_cntrs, _size); }
-  void takeOver() const { std::memcpy(__start___sancov_cntrs, _copy, _size); }
+  Shared(void* start, std::size_t size) : _start(start), _size(size) {}
+
+  void publish() const { std::memcpy(_copy, _start, _size); }
+  void takeOver() const { std::memcpy(_start, _copy, _size); }
 
  private:
-  std::size_t _size = static_cast<std::size_t>(__stop___sancov_cntrs - __start___sancov_cntrs);
+  void* _start;
+  std::size_t _size;
   void* _copy = mmap(nullptr, _size + 1, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
 };
+
+/// 32 pairs each of numbers of 4 and 8 bytes and of words of up to 64, and 1024 words for searches.
+constexpr std::size_t kWord = 65;
+constexpr std::size_t kComparisons = 32 * 2 * (4 + 8 + kWord) + 1024 * kWord;
 
 }  // namespace
 
 void runIsolated(const std::function<bool()>& run) {
-  static const SharedCounters counters;
+  static const Shared counters(__start___sancov_cntrs,
+                               static_cast<std::size_t>(__stop___sancov_cntrs - __start___sancov_cntrs));
+  static const Shared comparisons(fuzzerTracing, fuzzerTracing != nullptr ? kComparisons : 0);
   const pid_t child = fork();
   if (child == 0) {
     std::signal(SIGALRM, SIG_DFL);
@@ -42,6 +54,7 @@ void runIsolated(const std::function<bool()>& run) {
     alarm(kMostSeconds);
     if (!run()) std::abort();
     counters.publish();
+    comparisons.publish();
     if (__llvm_profile_write_file != nullptr) __llvm_profile_write_file();
     _exit(0);
   }
@@ -52,4 +65,5 @@ void runIsolated(const std::function<bool()>& run) {
   } while (ended < 0 && errno == EINTR);
   if (ended != child || status != 0) std::abort();
   counters.takeOver();
+  comparisons.takeOver();
 }
