@@ -1,6 +1,7 @@
 // Makes the pictures of the documentation from the demo's page: make_pictures.mjs PAGE FOLDER
-import { join, resolve } from 'node:path';
-import { endBrowser, frame, openPage, startBrowser } from '../tests/viewer/browser/browser.mjs';
+import {join, resolve} from 'node:path';
+
+import {endBrowser, frame, openPage, startBrowser} from '../tests/viewer/browser/browser.mjs';
 
 const [file, folder] = process.argv.slice(2).map((path) => resolve(path));
 const pictures = {

@@ -1,9 +1,10 @@
 // Makes large documents for the page's benchmark: make_documents.mjs FOLDER NAME SAMPLES FRAMES
 //
-// FOLDER/NAME.json is a profile document of SAMPLES samples in 30 processes, whose back-traces are walks through a graph
-// of 4,000 functions, FRAMES long at most; 40,000 different ones, some far more often than others.
-// FOLDER/NAME.speedscope.json holds the same samples for speedscope. The numbers are the same on every machine.
-import { closeSync, openSync, writeSync } from 'node:fs';
+// FOLDER/NAME.json is a profile document of SAMPLES samples in 30 processes, whose back-traces are walks
+// through a graph of 4,000 functions, FRAMES long at most; 40,000 different ones, some far more often than
+// others. FOLDER/NAME.speedscope.json holds the same samples for speedscope. The numbers are the same on
+// every machine.
+import {closeSync, openSync, writeSync} from 'node:fs';
 
 const [folder, name, ...numbers] = process.argv.slice(2);
 const [sampleCount, most] = numbers.map(Number);
@@ -25,7 +26,8 @@ function roll(limit) {
   return Number((state >> 11n) % BigInt(limit));
 }
 
-const callees = Array.from({ length: functions }, () => Array.from({ length: 1 + roll(6) }, () => roll(functions)));
+const callees =
+    Array.from({ length: functions }, () => Array.from({ length: 1 + roll(6) }, () => roll(functions)));
 const stacks = Array.from({ length: stackCount }, (_, index) => {
   const owner = index % processes;
   const frames = [owner * 7];
@@ -36,10 +38,12 @@ const stacks = Array.from({ length: stackCount }, (_, index) => {
   }
   return { owner, frames: frames.reverse() };
 });
-const chosen = Array.from({ length: sampleCount }, () => stacks[Math.floor((roll(1 << 20) / (1 << 20)) ** 3 * stackCount)]);
+const chosen = Array.from(
+    { length: sampleCount }, () => stacks[Math.floor((roll(1 << 20) / (1 << 20)) ** 3 * stackCount)]);
 
 const functionName = (index) => `ns::Class${index % 97}<int, std::string>::method_${index}(int, char const*)`;
-const section = (label, rows) => ` "${label}": {"descriptions": {},"data": [${rows.map((row) => `[${row}],`).join('')}]},\n`;
+const section = (label, rows) =>
+    ` "${label}": {"descriptions": {},"data": [${rows.map((row) => `[${row}],`).join('')}]},\n`;
 const range = (count, of) => Array.from({ length: count }, (_, index) => of(index));
 
 /** Writes the parts of a file as they come, in pieces of bearable size. */
@@ -58,25 +62,44 @@ function write(path, head, count, row, tail) {
 }
 
 const head =
-  '{"Description":{"Version":"1.0","Target Chip":"unknown","Start Time":1,"First Sample Time":1,"duration":25},\n' +
-  section('processes', ['1,0,0,"kernel",', '2,4294967295,4294967295,"lostAndFound",', ...range(processes, (i) => `${i + 4},${100 + i},${100 + i},"proc${i}",`)]) +
-  section('libraries', ['2,2,"lostAndFound",0,0,', '3,1,"kernel",3221258240,28672,', `4,4,"/usr/bin/program",${textStart},${functions * functionSize},`]) +
-  section('files', []) +
-  section('functions', range(functions, (i) => `${firstFunctionKey + i},"${functionName(i)}",${textStart + i * functionSize},${functionSize},[4,],`)) +
-  ' "samples": {"descriptions": {},"data": [';
+    '{"Description":{"Version":"1.0","Target Chip":"unknown","Start Time":1,"First Sample Time":1,"duration":25},\n' +
+    section(
+        'processes',
+        [
+          '1,0,0,"kernel",', '2,4294967295,4294967295,"lostAndFound",',
+          ...range(processes, (i) => `${i + 4},${100 + i},${100 + i},"proc${i}",`)
+        ]) +
+    section(
+        'libraries',
+        [
+          '2,2,"lostAndFound",0,0,', '3,1,"kernel",3221258240,28672,',
+          `4,4,"/usr/bin/program",${textStart},${functions * functionSize},`
+        ]) +
+    section('files', []) +
+    section(
+        'functions',
+        range(
+            functions,
+            (i) => `${firstFunctionKey + i},"${functionName(i)}",${textStart + i * functionSize},${
+                functionSize},[4,],`)) +
+    ' "samples": {"descriptions": {},"data": [';
 
 write(`${folder}/${name}.json`, head, sampleCount, (i) => {
   const { owner, frames } = chosen[i];
   const address = (frame) => 0x40000000 + textStart + frame * functionSize + ((frame * 37 + i) % 64) * 4;
   const trace = frames.map((frame) => `[${address(frame)},${frame + firstFunctionKey},],`).join('');
   const time = +(i * interval).toFixed(9);
-  return `[${i + 1},${address(frames[0])},${frames[0] + firstFunctionKey},${time},${i % cores},${owner + 4},${owner + 100},[${trace}],],`;
+  return `[${i + 1},${address(frames[0])},${frames[0] + firstFunctionKey},${time},${i % cores},${owner + 4},${
+      owner + 100},[${trace}],],`;
 }, ']}}\n');
 
 const frames = JSON.stringify(range(functions, (index) => ({ name: functionName(index) })));
 const rows = (of) => range(sampleCount, of).join(',');
 const file = openSync(`${folder}/${name}.speedscope.json`, 'w');
-writeSync(file, `{"$schema":"","shared":{"frames":${frames}},"profiles":[{"type":"sampled","name":"${name}","unit":"seconds","startValue":0,"endValue":${sampleCount * interval},"samples":[`);
+writeSync(
+    file,
+    `{"$schema":"","shared":{"frames":${frames}},"profiles":[{"type":"sampled","name":"${
+        name}","unit":"seconds","startValue":0,"endValue":${sampleCount * interval},"samples":[`);
 for (let i = 0; i < sampleCount; i += 10000) {
   const part = chosen.slice(i, i + 10000).map(({ frames: stack }) => JSON.stringify([...stack].reverse()));
   writeSync(file, (i > 0 ? ',' : '') + part.join(','));

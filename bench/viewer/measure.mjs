@@ -1,12 +1,13 @@
 // Measures the page beside speedscope: measure.mjs PAGE FOLDER MODULES
 //
-// FOLDER holds million.json, three.json, their .speedscope.json, and trace.json; MODULES the two packages of the lock
-// file. CPU seconds and peak memory are those of the renderer, threads of workers included, above an empty page's.
-import { execFileSync } from 'node:child_process';
-import { readFileSync, statSync } from 'node:fs';
-import { createRequire } from 'node:module';
-import { join, resolve } from 'node:path';
-import { pathToFileURL } from 'node:url';
+// FOLDER holds million.json, three.json, their .speedscope.json, and trace.json; MODULES the two packages of
+// the lock file. CPU seconds and peak memory are those of the renderer, threads of workers included, above an
+// empty page's.
+import {execFileSync} from 'node:child_process';
+import {readFileSync, statSync} from 'node:fs';
+import {createRequire} from 'node:module';
+import {join, resolve} from 'node:path';
+import {pathToFileURL} from 'node:url';
 
 const [pagePath, folder, modules] = process.argv.slice(2).map((path) => resolve(path));
 const { chromium } = createRequire(join(modules, 'package.json'))('playwright-core');
@@ -18,8 +19,10 @@ function watch() {
   const seen = { gap: 0, last: 0, start: 0, when: {} };
   window.seen = seen;
   const marks = {
-    rows: () => document.querySelector('main:not([hidden]) .counted')?.textContent || document.querySelector('.lane'),
-    picture: () => [...document.querySelectorAll('.flame canvas, .lanes-base')].some(({ width }) => width > 300),
+    rows: () =>
+        document.querySelector('main:not([hidden]) .counted')?.textContent || document.querySelector('.lane'),
+    picture:
+        () => [...document.querySelectorAll('.flame canvas, .lanes-base')].some(({ width }) => width > 300),
     complete: () => document.querySelector('.reading.complete'),
     // speedscope names the profile in its title once it is shown.
     titled: () => document.title.startsWith('million'),
@@ -29,7 +32,8 @@ function watch() {
     const now = performance.now();
     if (seen.start > 0) {
       if (seen.when.complete === undefined) seen.gap = Math.max(seen.gap, now - seen.last);
-      for (const [name, there] of Object.entries(marks)) if (seen.when[name] === undefined && there()) seen.when[name] = now - seen.start;
+      for (const [name, there] of Object.entries(marks))
+        if (seen.when[name] === undefined && there()) seen.when[name] = now - seen.start;
     }
     seen.last = now;
     requestAnimationFrame(look);
@@ -37,10 +41,14 @@ function watch() {
   requestAnimationFrame(look);
 }
 
-/** Calls `body` with a page in a browser of its own, and a function that returns what its renderer has used so far. */
+/**
+ * Calls `body` with a page in a browser of its own, and a function that returns what its renderer has used
+ * so far.
+ */
 async function withPage(url, body) {
   const executablePath = execFileSync('which', ['chromium'], { encoding: 'utf8' }).trim();
-  const browser = await chromium.launch({ executablePath, args: process.getuid() === 0 ? ['--no-sandbox'] : [] });
+  const browser =
+      await chromium.launch({ executablePath, args: process.getuid() === 0 ? ['--no-sandbox'] : [] });
   try {
     const page = await browser.newPage({ viewport: { width: 1640, height: 1400 } });
     await page.addInitScript(watch);
@@ -66,9 +74,7 @@ async function withPage(url, body) {
 const ours = pathToFileURL(pagePath).href;
 const whole = (number) => (number === undefined ? '' : number.toFixed(0));
 
-function row(...cells) {
-  console.log(`| ${cells.join(' | ')} |`);
-}
+function row(...cells) { console.log(`| ${cells.join(' | ')} |`); }
 
 /** Opens a file and reports what that took. */
 async function opening(label, url, name, done) {
@@ -76,38 +82,52 @@ async function opening(label, url, name, done) {
     const path = join(folder, name);
     const before = used();
     await page.setInputFiles('input[type=file]', path);
-    await page.waitForFunction((mark) => window.seen.when[mark] !== undefined, done, { timeout: 300_000, polling: 50 });
+    await page.waitForFunction(
+        (mark) => window.seen.when[mark] !== undefined, done, { timeout: 300_000, polling: 50 });
     await page.waitForTimeout(1500);
     const after = used();
     const { gap, when } = await page.evaluate(() => window.seen);
     const size = `${(statSync(path).size / 1e6).toFixed(0)} MB`;
-    row(label, size, whole(when.rows), whole(when.picture), whole(when[done]), (after.cpu - before.cpu).toFixed(2), whole(after.peak), whole(before.peak), done === 'complete' ? whole(gap) : '');
+    row(label, size, whole(when.rows), whole(when.picture), whole(when[done]),
+        (after.cpu - before.cpu).toFixed(2), whole(after.peak), whole(before.peak),
+        done === 'complete' ? whole(gap) : '');
   });
 }
 
-/** Sends an event a frame, and returns the times between frames and the script's time in one, in milliseconds. */
-const frames = (page, selector, count, kind) =>
-  page.evaluate(
+/**
+ * Sends an event a frame, and returns the times between frames and the script's time in one, in
+ * milliseconds.
+ */
+const frames = (page, selector, count, kind) => page.evaluate(
     async ([wanted, total, what]) => {
       const target = document.querySelector(wanted);
       const box = target.getBoundingClientRect();
       const times = [];
       let script = 0;
       const { requestAnimationFrame: ask } = window;
-      window.requestAnimationFrame = (callback) =>
-        ask((time) => {
-          const start = performance.now();
-          callback(time);
-          script += performance.now() - start;
-        });
+      window.requestAnimationFrame = (callback) => ask((time) => {
+        const start = performance.now();
+        callback(time);
+        script += performance.now() - start;
+      });
       const next = () => new Promise((done) => ask(done));
       let last = await next();
       for (let i = 0; i < total; ++i) {
-        const place = { clientX: box.left + 300 + ((i * 7) % 900), clientY: box.top + 40 + ((i * 3) % 60), bubbles: true, cancelable: true };
+        const place = {
+          clientX: box.left + 300 + ((i * 7) % 900),
+          clientY: box.top + 40 + ((i * 3) % 60),
+          bubbles: true,
+          cancelable: true
+        };
         const start = performance.now();
-        if (what === 'hover') target.dispatchEvent(new PointerEvent('pointermove', place));
-        else if (what === 'pan') target.dispatchEvent(new WheelEvent('wheel', { ...place, shiftKey: true, deltaY: i % 40 < 20 ? 30 : -30 }));
-        else target.dispatchEvent(new WheelEvent('wheel', { ...place, ctrlKey: true, deltaY: i % 60 < 30 ? -60 : 60 }));
+        if (what === 'hover')
+          target.dispatchEvent(new PointerEvent('pointermove', place));
+        else if (what === 'pan')
+          target.dispatchEvent(
+              new WheelEvent('wheel', {...place, shiftKey: true, deltaY: i % 40 < 20 ? 30 : -30 }));
+        else
+          target.dispatchEvent(
+              new WheelEvent('wheel', {...place, ctrlKey: true, deltaY: i % 60 < 30 ? -60 : 60 }));
         script += performance.now() - start;
         const now = await next();
         times.push(now - last);
@@ -118,7 +138,7 @@ const frames = (page, selector, count, kind) =>
       return { median: times[total >> 1], late: times[Math.floor(total * 0.95)], script: script / total };
     },
     [selector, count, kind],
-  );
+);
 
 const frameCount = 120;
 
@@ -147,8 +167,13 @@ async function brushing(name) {
       const box = target.getBoundingClientRect();
       const { requestAnimationFrame: ask } = window;
       let script = 0;
-      window.requestAnimationFrame = (callback) => ask((time) => { const start = performance.now(); callback(time); script += performance.now() - start; });
-      const send = (type, x) => target.dispatchEvent(new PointerEvent(type, { clientX: box.left + x, clientY: box.top + 20, bubbles: true, pointerId: 1, buttons: 1 }));
+      window.requestAnimationFrame = (callback) => ask((time) => {
+        const start = performance.now();
+        callback(time);
+        script += performance.now() - start;
+      });
+      const send = (type, x) => target.dispatchEvent(new PointerEvent(
+          type, { clientX: box.left + x, clientY: box.top + 20, bubbles: true, pointerId: 1, buttons: 1 }));
       target.setPointerCapture = () => {};
       const found = [];
       send('pointerdown', 400);
@@ -165,14 +190,17 @@ async function brushing(name) {
   });
 }
 
-console.log('Opening: first rows, first picture, complete in ms; CPU in s, peak and empty memory in MB of the renderer; longest gap in ms\n');
+console.log(
+    'Opening: first rows, first picture, complete in ms; CPU in s, peak and empty memory in MB of the renderer; longest gap in ms\n');
 row('what', 'size', 'rows', 'picture', 'complete', 'CPU', 'peak', 'empty', 'gap');
 row(...Array(9).fill('---'));
 await opening('the page, 10^6 samples', ours, 'million.json', 'complete');
-await opening('speedscope, the same samples', pathToFileURL(speedscope).href, 'million.speedscope.json', 'titled');
+await opening(
+    'speedscope, the same samples', pathToFileURL(speedscope).href, 'million.speedscope.json', 'titled');
 await opening('the page, 3.2 10^6 samples', ours, 'three.json', 'complete');
 await opening('the page, 10^6 trace-points', ours, 'trace.json', 'complete');
-console.log('\nMoving: ms from frame to frame, median and 95th percentile, ms of script a frame, and ms of the renderer\'s CPU a frame\n');
+console.log(
+    '\nMoving: ms from frame to frame, median and 95th percentile, ms of script a frame, and ms of the renderer\'s CPU a frame\n');
 row('what', 'median', '95 %', 'script', 'CPU');
 row(...Array(5).fill('---'));
 await moving('flame graph of 10^6 samples', 'million.json', '#view-ruler');

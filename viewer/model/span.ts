@@ -174,7 +174,7 @@ export function counted({steps: {times, values}}: Track, start: number, end: num
     const to = times[i + 1];
     if (to > from)
       sum += (values[i] * Math.max(0, Math.min(to, end) - Math.max(from, start))) / (to - from);
-    else if (from >= start)
+    else
       sum += values[i];
   }
   return sum;

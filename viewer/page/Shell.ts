@@ -162,6 +162,7 @@ export class Shell implements App {
     this.welcome.hidden = opened;
     if (changed.has('readings')) this.drawReadings(state.readings);
     if (changed.has('search') && document.activeElement !== this.search) this.search.value = state.search;
+    if (changed.has('profile') || changed.has('timechart')) this.compareClocks(state);
     const brush = brushOf(state);
     this.brush.hidden = brush === null;
     if (brush !== null) this.brush.textContent = `${describeSpan(brush)} ✕`;
@@ -186,6 +187,14 @@ export class Shell implements App {
       view.draw(state, stale);
       stale.clear();
     }
+  }
+
+  private compareClocks({ profile, timechart }: State): void {
+    if (profile === null || timechart === null ||
+        (profile.start <= timechart.end && timechart.start <= profile.end))
+      return;
+    this.announce(
+        'The profile and the timechart share no time: were both converted with the same time scale?');
   }
 
   /** The detail view that is shown: the chosen one, or the first that has something to show. */

@@ -181,3 +181,8 @@ test('one brush selects in both documents, and a run of a task selects its sampl
   assert.match(await page.locator('.brush').innerText(), /^1 s from 3\.0/);
   assert.deepEqual(page.complaints, []);
 });
+
+test('documents of different time scales are told apart', async () => {
+  const page = await openProfile('', join(documents, 'timechart.json'));
+  assert.match(await page.locator('.status').innerText(), /share no time/);
+});

@@ -24,6 +24,7 @@ const tree = laneTree([
   track('proc-12-r0', 'proc:running', '12_10_proc_root', points, { name: '12 - thread', show: 1 }),
   track('proc-10-r1', 'proc:running', '10_proc_root', points, { name: '10 - game', show: 1 }),
   track('proc-10-ctr0', 'ctr:', '0_10_proc_root', points, { name: '10 - game', tip: 'cycles', show: 1 }),
+  track('proc-0-r0', 'proc:running', '0_10_proc_root', points, { name: '0 - named like a counter' }),
   track('proc-31-r1', 'proc:running', '31_30_proc_root', points, { name: '31 - orphan' }),
   track('evt', 'proc:events', 'evt_root', points, { name: 'FTrace Events', type: 'events', show: 1 }),
 ]);
@@ -38,6 +39,7 @@ test('tasks lie under their processes and shown rows come first', () => {
     ' 10 - game 1',
     '  12 - thread 1',
     '  cycles 1',
+    '  0 - named like a counter 1',
     ' 9 - idle child 1',
     ' 30 0',
     '  31 - orphan 1',

@@ -47,6 +47,7 @@ test('counters of no length count where they stand', () => {
   const burst = track('proc-1-ctr0', 'ctr:', '0_1_proc_root', [[1, 5], [1, 7], [2, 0]], { type: 'bar' });
   assert.equal(counted(burst, 1, 2), 12);
   assert.equal(counted(burst, 1.5, 2), 3.5);
+  assert.equal(counted(burst, 1, 1.25), 6.75);
   assert.equal(counted(burst, 0, 1), 0);
 });
 
@@ -58,6 +59,20 @@ test('runs of a task follow each other over all cores', () => {
   assert.deepEqual(tasks.runAfter(11, run.start)?.start, 7);
   assert.deepEqual(tasks.runBefore(11, run.start)?.cpu, 0);
   assert.equal(tasks.waitBefore(tasks.runBefore(11, run.start)!), null);
+  assert.equal(tasks.runAfter(11, 1)?.start, 4, 'the first of all cores');
   assert.equal(tasks.runAt(11, 3), null);
   assert.deepEqual(tasks.runAt(0, 9)?.end, 10, 'a run without a last point ends with the document');
+});
+
+test('runs on a core are found by time, also those that start together', () => {
+  const both = [20, 21].map(
+      (task) => track(`proc-${task}-r5`, 'proc:running', `${task}_proc_root`, [[1, 1], [task / 10, 0]]));
+  const tasks = new Tasks(both, 10);
+  const found: number[] = [];
+  tasks.forEachRunOnCore(5, 0, 10, 1.05, (run) => found.push(run.task));
+  assert.deepEqual(found, [21], 'the short one is left out');
+  tasks.forEachRunOnCore(5, 0, 10, 0, (run) => found.push(run.task));
+  assert.deepEqual(found.slice(1).sort(), [20, 21]);
+  assert.equal(tasks.runOnCore(5, 5), null);
+  assert.equal(tasks.runOnCore(4, 1.5), null);
 });
