@@ -13,6 +13,7 @@
 
 #include "symbols/CheckedFile.h"
 #include "symbols/Demangler.h"
+#include "symbols/PltSymbols.h"
 #include "symbols/SourceLines.h"
 #include "symbols/SymbolListBuilder.h"
 #include "symbols/UnwindStarts.h"
@@ -114,7 +115,7 @@ class Module {
     return functions;
   }
 
-  /// Tells the builder where code is, and where functions begin in it.
+  /// Tells the builder where code is, where functions begin in it, and what its stubs call.
   void describeCode(SymbolListBuilder& builder) {
     Dwarf_Addr bias = 0;
     Elf* elf = dwfl_module_getelf(_module, &bias);
@@ -128,6 +129,7 @@ class Module {
       if ((header.sh_flags & SHF_EXECINSTR) == 0 || header.sh_size > fileSize) continue;
       builder.addCode(header.sh_addr + bias, header.sh_addr + bias + header.sh_size);
     }
+    addPltSymbols(elf, bias, builder);
     for (const std::uint64_t start : unwindStarts(elf)) builder.addStart(start + bias);
   }
 

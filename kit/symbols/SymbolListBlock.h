@@ -5,9 +5,9 @@
 
 namespace zelkit {
 
-/// "zelsyms3" as a number. A block of another byte order does not have it, nor one that was made by other
+/// "zelsyms4" as a number. A block of another byte order does not have it, nor one that was made by other
 /// rules: the number grows with them.
-constexpr std::uint64_t kListMagic = 0x33736d79736c657a;
+constexpr std::uint64_t kListMagic = 0x34736d79736c657a;
 
 struct ListHeader {
   std::uint64_t magic;

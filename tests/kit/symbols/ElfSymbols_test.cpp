@@ -21,11 +21,11 @@ Symbol named(const SymbolList& list, const std::string& name) {
   return {};
 }
 
-/// The symbols that have names.
+/// The symbols that the symbol table names.
 std::vector<Symbol> allNamed(const SymbolList& list) {
   std::vector<Symbol> symbols;
   for (std::size_t i = 0; i < list.size(); ++i)
-    if (!list[i].name.empty()) symbols.push_back(list[i]);
+    if (!list[i].name.empty() && !list[i].name.ends_with("@plt")) symbols.push_back(list[i]);
   return symbols;
 }
 
@@ -64,7 +64,7 @@ TEST(ElfSymbols, AgreeWithReadelfToTheByte) {
 TEST(ElfSymbols, NameLocalFunctionsAndTheirSources) {
   const SymbolList list = readElfSymbols(ZELKIT_FIXTURE, "");
   const std::pair<const char*, std::uint32_t> functions[] = {
-      {"fixture::hidden(int)", 5}, {"fixture::Shape::twice(int) const", 11}, {"plain_name", 16}};
+      {"fixture::hidden(int)", 7}, {"fixture::Shape::twice(int) const", 13}, {"plain_name", 18}};
   for (const auto& [name, line] : functions) {
     const Symbol symbol = named(list, name);
     EXPECT_EQ(symbol.line, line) << name;
@@ -82,6 +82,15 @@ TEST(ElfSymbols, CloseFunctionsAndLeaveMarksOut) {
   for (const char* mark : {"$a", "$d.1"}) EXPECT_TRUE(named(list, mark).name.empty());
 }
 
+TEST(ElfSymbols, NameStubsByWhatTheyCall) {
+  const ElfWorkshop workshop;
+  const std::string code = workshop.output("objdump -d $FIXTURE | sed -n 's/ <puts@plt>:$//p'");
+  if (code.empty()) GTEST_SKIP() << "no stub in this machine's program";
+  const Symbol stub = named(readElfSymbols(ZELKIT_FIXTURE, ""), "puts@plt");
+  EXPECT_EQ(stub.address, std::stoull(code, nullptr, 16));
+  EXPECT_GE(stub.size, 12u);
+}
+
 TEST(ElfSymbols, ComeFromWhereverAStrippedFileLeftThem) {
   const ElfWorkshop workshop;
   workshop.run("objcopy --only-keep-debug $FIXTURE debug && strip -o stripped $FIXTURE");
@@ -93,7 +102,7 @@ TEST(ElfSymbols, ComeFromWhereverAStrippedFileLeftThem) {
   const SymbolList whole = readElfSymbols(ZELKIT_FIXTURE, "");
   EXPECT_EQ(readElfSymbols(workshop.path("stripped"), workshop.path("debug")).bytes(), whole.bytes());
   EXPECT_EQ(readElfSymbols(workshop.path("stripped"), ZELKIT_FIXTURE).bytes(), whole.bytes());
-  // A debug file holds no code, so nothing is known of its gaps.
+  // A debug file holds no code, so nothing is known of its gaps and stubs.
   const SymbolList debugOnly = readElfSymbols(workshop.path("debug"), "");
   EXPECT_EQ(allNamed(debugOnly), allNamed(whole));
 

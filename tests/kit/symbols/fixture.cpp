@@ -1,19 +1,21 @@
 // A program to make symbol lists of. The tests know the names and lines of its functions.
 
+#include <cstdio>
+
 namespace fixture {
 
-__attribute__((noinline)) static int hidden(int value) {  // line 5
+__attribute__((noinline)) static int hidden(int value) {  // line 7
   return value * 3;
 }
 
 struct Shape {
   int sides;
-  __attribute__((noinline)) int twice(int value) const { return hidden(value) * sides; }  // line 11
+  __attribute__((noinline)) int twice(int value) const { return hidden(value) * sides; }  // line 13
 };
 
 }  // namespace fixture
 
-extern "C" __attribute__((noinline)) int plain_name(int value) {  // line 16
+extern "C" __attribute__((noinline)) int plain_name(int value) {  // line 18
   return fixture::Shape{value}.twice(2);
 }
 
@@ -39,5 +41,6 @@ $d.1:
 )");
 
 int main(int count, char**) {
+  if (count > 9) std::puts("so many");
   return plain_name(count);
 }
