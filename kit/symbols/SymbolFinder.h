@@ -19,18 +19,16 @@ struct FoundFile {
   /// A file of the same build that holds more: a separate debug file or an unstripped copy. Empty if there is
   /// none.
   std::string debugPath;
-  /// One line without a line end, such as "/lib/libc.so.6: build-id 12ab differs from the recording's 34cd in
-  /// ...".
+  /// One line without a line end, such as "/lib/libx.so: FILE has build-id 12ab instead of 34cd".
   std::string refusal;
 
   [[nodiscard]] bool found() const { return !path.empty(); }
 };
 
 /// Looks a recorded path up below each root in turn: as it is, then by its last component, then by build-id
-/// (".build-id/ab/cdef", with "/elf" behind it in perf's own cache), then a file of its name anywhere below.
-/// Links are resolved as if the root were
-/// "/". Files of another build-id than the recorded one, or of another architecture, are passed over, and
-/// told if no other file is found.
+/// (".build-id/ab/cdef", with "/elf" behind it in perf's own cache); then, below each root, any file of its
+/// name. Links are resolved as if the root were "/". Files of another build-id than the recorded one, or of
+/// another architecture, are passed over, and told if no other file is found.
 ///
 /// What a stripped file lacks comes from another copy of the same build below a later root, or from its debug
 /// file: below each root "usr/lib/debug/.build-id/ab/cdef.debug", ".build-id/ab/cdef.debug" and

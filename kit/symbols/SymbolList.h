@@ -20,13 +20,15 @@ struct Symbol {
 };
 
 /// An immutable list of symbols, ascending and disjoint: at most one symbol covers an address, and an address
-/// in a gap has none. No symbol has size 0 or an empty name. SymbolListBuilder makes lists.
+/// in a gap has none. No symbol has size 0. SymbolListBuilder makes lists.
 ///
 /// A list is one block of bytes, which is also what the cache keeps on disk, in this machine's byte order:
 ///
-///     block  = magic (8 bytes) count (u64) entry{count} text
-///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)    ; name and file: offsets into
-///     text text   = bytes, the last one NUL; each name or file ends with a NUL
+///     block  = magic (u64) count (u64) entry{count} text
+///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)
+///     text   = bytes, the last one NUL
+///
+/// `name` and `file` are offsets into `text`, where each of them ends with a NUL.
 ///
 /// The converter's SymbolTable counts the byte past an element's end as the element's own. Whoever fills a
 /// table from a list adds each symbol with `size - 1`, and every address then gets its own name and no other.
