@@ -26,13 +26,9 @@ SymbolTableElement::SymbolTableElement(std::string_view name, unsigned long long
   if (gVerbosity > 0) show();
 }
 
-unsigned int SymbolTableElement::markUsed(unsigned long long /*address*/) {
-  if (!_used) {
-    _file->markUsed(this);
-    _used = true;
-  }
-  ++_useCount;
-  return _key;
+void SymbolTableElement::noteFirstUse() {
+  _file->markUsed(this);
+  _used = true;
 }
 
 void SymbolTableElement::setMapKey(unsigned int key) {

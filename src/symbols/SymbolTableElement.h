@@ -20,7 +20,11 @@ class SymbolTableElement {
                      FileNames* file, unsigned int line);
 
   /// Counts one use; the first also tells the file. Returns the key.
-  unsigned int markUsed(unsigned long long address);
+  unsigned int markUsed(unsigned long long /*address*/) {
+    if (!_used) noteFirstUse();
+    ++_useCount;
+    return _key;
+  }
 
   /// Notes the key of a map that used this symbol, each once, in order of first use.
   void setMapKey(unsigned int key);
@@ -43,6 +47,8 @@ class SymbolTableElement {
   const std::vector<unsigned int>& mapKeys() const { return _mapKeys.keys(); }
 
  private:
+  void noteFirstUse();
+
   std::string_view _name;
   unsigned long long _address = 0;
   unsigned long long _size = 0;
