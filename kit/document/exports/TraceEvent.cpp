@@ -2,12 +2,11 @@
 // Performance panel open. Tasks are threads of their process; cores, GPU and interrupts are threads of
 // processes made for them.
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <set>
 
+#include "document/exports/ChartTrack.h"
 #include "document/exports/ExportFormat.h"
 #include "document/exports/JsonOutput.h"
 
@@ -16,53 +15,6 @@ namespace zelkit {
 namespace {
 
 constexpr double kMicrosecondsPerSecond = 1e6;
-
-/// Processes that no task has: numbers above those that Linux gives.
-enum MadeProcess : std::uint32_t { kCores = 1U << 30U, kGpu, kInterrupts, kMarkers };
-
-constexpr std::array<const char*, 4> kMadeNames = {"Cores", "GPU", "Interrupts", "Markers"};
-
-/// Stands for a thread that only this series is drawn in.
-constexpr std::uint32_t kOwnThread = 0;
-
-struct Track {
-  std::uint32_t pid = 0;
-  std::uint32_t tid = 0;
-  std::string process;
-  std::string thread;
-};
-
-/// Returns the number that begins at that place of the text; 0 if there is none.
-std::uint32_t numberAt(std::string_view text, std::size_t start) {
-  std::uint32_t number = 0;
-  if (start < text.size()) std::from_chars(text.data() + start, text.data() + text.size(), number);
-  return number;
-}
-
-/// Returns the task's parent out of "TASK_PARENT_proc_root", or the task itself if it has none.
-std::uint32_t parentIn(std::string_view treeId, std::uint32_t task) {
-  const std::string own = std::to_string(task) + "_";
-  const std::size_t found = treeId.find(own);
-  const std::string_view rest = found == std::string_view::npos ? "" : treeId.substr(found + own.size());
-  return rest.empty() || rest.starts_with("proc_root") ? task : numberAt(rest, 0);
-}
-
-/// Returns where the series is shown; ids are "cpu-N-...", "gpu-A-B-...", "irq-X-N", "proc-P-..." and "evt".
-/// Slices of one thread must nest, so only those of a task, which does one thing at a time, share theirs.
-Track trackOf(const SeriesHead& head) {
-  const std::string_view id = head.id;
-  if (!id.starts_with("proc-")) {
-    const bool isCore = id.starts_with("cpu-");
-    const bool isGpu = id.starts_with("gpu-");
-    const bool isInterrupt = id.starts_with("irq-");
-    const MadeProcess pid = isCore ? kCores : isGpu ? kGpu : isInterrupt ? kInterrupts : kMarkers;
-    return {pid, kOwnThread, kMadeNames[pid - kCores],
-            isInterrupt ? head.name + " " + std::string(id) : head.name};
-  }
-  const std::uint32_t task = numberAt(id, 5);
-  const std::uint32_t parent = parentIn(head.treeId, task);
-  return {parent, task, task == parent ? head.name : "process " + std::to_string(parent), head.name};
-}
 
 class TraceEvent : public Exporter {
  public:
@@ -75,8 +27,8 @@ class TraceEvent : public Exporter {
 
   void seriesStart(const SeriesHead& head) override {
     _head = head;
-    _track = trackOf(head);
-    if (_track.tid == kOwnThread) _track.tid = ++_ownThreads;
+    _track = ChartTrack::of(head);
+    if (_track.tid == 0) _track.tid = ++_ownThreads;
     _label = validUtf8(head.tip.empty() ? head.name : head.tip);
     _class = validUtf8(head.chartClass);
     _start.reset();
@@ -92,7 +44,7 @@ class TraceEvent : public Exporter {
 
   void event(const SeriesEvent& event) override {
     begin("i", validUtf8(event.name), event.time);
-    _json.member("s", _track.pid == kMarkers ? "g" : "t");
+    _json.member("s", _track.pid == ChartTrack::kMarkers ? "g" : "t");
     _json.key("args");
     _json.startObject();
     _json.member("code", event.code);
@@ -195,7 +147,7 @@ class TraceEvent : public Exporter {
 
   JsonOutput _json;
   SeriesHead _head;
-  Track _track;
+  ChartTrack _track;
   std::string _label;
   std::string _class;
   std::optional<double> _start;

@@ -1,0 +1,335 @@
+// What each format makes of the same small documents, and that all of them tell the same.
+
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <protozero/pbf_reader.hpp>
+#include <sstream>
+
+#include "capture/TemporaryFolder.h"
+#include "document/exports/ExportFormat.h"
+#include "kit/document/Documents.h"
+
+namespace zelkit {
+namespace {
+
+using Json = rapidjson::Value;
+
+std::string wholeFile(const std::string& path) {
+  FileSource source(path);  // which unpacks gzip
+  std::string text;
+  char block[4096];
+  while (const std::size_t count = source.read(block, sizeof block)) text.append(block, count);
+  return text;
+}
+
+std::string exported(const std::string& format, const std::vector<std::string>& documents) {
+  const TemporaryFolder folder;
+  OutputFile output(folder.path() + "/out");
+  const std::unique_ptr<Exporter> exporter = ExportFormat::find(format)->makeExporter(output);
+  for (const std::string& document : documents) {
+    MemorySource source(document, "a.json");
+    exporter->documentStart("a.json");
+    EXPECT_EQ(exporter->read(source).damage, "");
+    exporter->documentEnd();
+  }
+  exporter->finish();
+  output.commit();
+  return wholeFile(folder.path() + "/out");
+}
+
+/// Parses as a strict reader does: no extra comma, valid UTF-8.
+rapidjson::Document parsed(const std::string& text) {
+  rapidjson::Document json;
+  json.Parse<rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag>(text.c_str());
+  EXPECT_FALSE(json.HasParseError()) << rapidjson::GetParseError_En(json.GetParseError()) << " at "
+                                     << json.GetErrorOffset() << " of " << text.substr(0, 200);
+  return json;
+}
+
+using Stacks = std::map<std::string, int>;
+
+/// Reads "NAME;...;NAME COUNT" lines. `withoutProcess` drops the first name, which not every format has.
+Stacks foldedStacks(const std::string& text, bool withoutProcess = true) {
+  Stacks stacks;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t end = line.rfind(' ');
+    const std::size_t start = withoutProcess ? line.find(';') + 1 : 0;
+    stacks[line.substr(start, end - start)] += std::stoi(line.substr(end + 1));
+  }
+  return stacks;
+}
+
+std::string joined(std::vector<std::string> names) {
+  std::string text;
+  for (std::string& name : names) text += (text.empty() ? "" : ";") + name;
+  return text;
+}
+
+Stacks speedscopeStacks(const Json& file) {
+  Stacks stacks;
+  for (const Json& profile : file["profiles"].GetArray()) {
+    EXPECT_EQ(profile["samples"].Size(), profile["weights"].Size());
+    for (rapidjson::SizeType i = 0; i < profile["samples"].Size(); ++i) {
+      std::vector<std::string> names;
+      for (const Json& frame : profile["samples"][i].GetArray())
+        names.emplace_back(file["shared"]["frames"][frame.GetUint()]["name"].GetString());
+      stacks[joined(names)] += profile["weights"][i].GetInt();
+    }
+  }
+  return stacks;
+}
+
+Stacks cpuProfileStacks(const Json& file) {
+  std::map<unsigned, std::string> stackOf;
+  Stacks stacks;
+  for (const Json& node : file["nodes"].GetArray()) {
+    const std::string own = stackOf[node["id"].GetUint()];
+    for (const Json& child : node["children"].GetArray()) {
+      // The root and the threads below it are no frames.
+      const Json& frame = file["nodes"][child.GetUint() - 1]["callFrame"]["functionName"];
+      const bool isThread = node["id"].GetUint() == 1;
+      stackOf[child.GetUint()] = isThread ? "" : own + (own.empty() ? "" : ";") + frame.GetString();
+    }
+  }
+  for (const Json& sample : file["samples"].GetArray()) ++stacks[stackOf[sample.GetUint()]];
+  EXPECT_EQ(file["samples"].Size(), file["timeDeltas"].Size());
+  return stacks;
+}
+
+/// Every table of the file has columns of one length.
+void expectEvenColumns(const Json& table) {
+  for (const auto& member : table.GetObject()) {
+    if (!member.value.IsArray()) continue;
+    EXPECT_EQ(member.value.Size(), table["length"].GetUint()) << member.name.GetString();
+  }
+}
+
+Stacks firefoxStacks(const Json& file) {
+  const Json& shared = file["shared"];
+  for (const auto& table : shared.GetObject())
+    if (table.value.IsObject()) expectEvenColumns(table.value);
+  Stacks stacks;
+  for (const Json& thread : file["threads"].GetArray()) {
+    expectEvenColumns(thread["samples"]);
+    expectEvenColumns(thread["markers"]);
+    for (const Json& sample : thread["samples"]["stack"].GetArray()) {
+      std::vector<std::string> names;
+      for (unsigned at = sample.GetUint(), offset = 1; offset != 0; at -= offset) {
+        const unsigned function =
+            shared["frameTable"]["func"][shared["stackTable"]["frame"][at].GetUint()].GetUint();
+        names.emplace_back(
+            shared["stringArray"][shared["funcTable"]["name"][function].GetUint()].GetString());
+        offset = shared["stackTable"]["prefixOffset"][at].GetUint();
+      }
+      std::reverse(names.begin(), names.end());
+      ++stacks[joined(names)];
+    }
+  }
+  return stacks;
+}
+
+/// What the fields of profile.proto that matter here hold.
+struct PprofFile {
+  explicit PprofFile(const std::string& bytes) {
+    protozero::pbf_reader profile(bytes);
+    while (profile.next()) {
+      if (profile.tag() == 6) {
+        strings.push_back(profile.get_string());
+      } else if (profile.tag() == 2) {
+        samples.push_back(profile.get_message());
+      } else if (profile.tag() == 4) {
+        location(profile.get_message());
+      } else if (profile.tag() == 5) {
+        function(profile.get_message());
+      } else {
+        profile.skip();
+      }
+    }
+  }
+
+  void location(protozero::pbf_reader message) {
+    std::uint64_t id = 0;
+    while (message.next()) {
+      if (message.tag() == 1) {
+        id = message.get_uint64();
+      } else if (message.tag() == 3) {
+        addresses[id] = message.get_uint64();
+      } else if (message.tag() == 4) {
+        protozero::pbf_reader line = message.get_message();
+        while (line.next(1)) functionOf[id] = line.get_uint64();
+      } else {
+        message.skip();
+      }
+    }
+  }
+
+  void function(protozero::pbf_reader message) {
+    std::uint64_t id = 0;
+    while (message.next()) {
+      if (message.tag() == 1) {
+        id = message.get_uint64();
+      } else if (message.tag() == 2) {
+        nameOf[id] = message.get_int64();
+      } else {
+        message.skip();
+      }
+    }
+  }
+
+  Stacks stacks() const {
+    Stacks counted;
+    for (protozero::pbf_reader sample : samples) {
+      std::vector<std::string> names;
+      int count = 0;
+      while (sample.next()) {
+        if (sample.tag() == 1) {
+          for (const std::uint64_t id : sample.get_packed_uint64())
+            names.push_back(strings[static_cast<std::size_t>(nameOf.at(functionOf.at(id)))]);
+        } else if (sample.tag() == 2) {
+          for (const std::int64_t value : sample.get_packed_int64()) count = static_cast<int>(value);
+        } else {
+          sample.skip();
+        }
+      }
+      std::reverse(names.begin(), names.end());
+      counted[joined(names)] += count;
+    }
+    return counted;
+  }
+
+  std::vector<std::string> strings;
+  std::vector<protozero::pbf_reader> samples;
+  std::map<std::uint64_t, std::uint64_t> addresses;
+  std::map<std::uint64_t, std::uint64_t> functionOf;
+  std::map<std::uint64_t, std::int64_t> nameOf;
+};
+
+TEST(Exports, ShowTheSmallProfile) {
+  EXPECT_EQ(exported("folded", {kProfileDocument}),
+            "tool;main;work 1\ntool;main;work;work 1\nworker;main;work;copy 1\nworker;copy;schedule 1\n"
+            "tool;[in /lib/libx.so] 1\nother;main 1\n");
+  EXPECT_EQ(exported("tsv", {kProfileDocument}),
+            "self\ttotal\tfunction\tlibrary\tfile\tline\n"
+            "2\t3\twork\t/app/tool\twork.cpp\t12\n"
+            "1\t4\tmain\t/app/tool\t\t\n"
+            "1\t2\tcopy\t/lib/libx.so\t\t\n"
+            "1\t1\t[in /lib/libx.so]\t/lib/libx.so\t\t\n"
+            "1\t1\tschedule\tkernel\t\t\n");
+  EXPECT_EQ(exported("json", {R"({"processes":{"data":[[1,2,18446744073709551615,"a",],]}})"}),
+            R"({"processes":{"data":[[1,2,18446744073709551615,"a"]]}})");
+}
+
+TEST(Exports, ShowTheSmallTimechart) {
+  const std::string text = exported("trace-event", {kTimechartDocument});
+  for (
+      const char* event : {
+          R"({"ph":"X","name":"Running on CPU 0","cat":"proc:running","pid":10,"tid":11,"ts":1000.0,"dur":1000.0})",
+          R"({"ph":"B","name":"CPU 1 Busy","cat":"cpu:busy","pid":1073741824,"tid":2,"ts":4000.0})",
+          R"({"ph":"C","name":"CPU 0 MHz","cat":"cpu:freq","pid":1073741824,"tid":3,"ts":5000.0,"args":{"value":800.0}})",
+          R"({"ph":"s","name":"wake-up","cat":"proc:wait","pid":10,"tid":11,"ts":3500.0,"id":1})",
+          R"("args":{"code":7,"text":"1 of 2"})",
+      })
+    EXPECT_NE(text.find(event), std::string::npos) << event << "\n" << text;
+  parsed(text);
+}
+
+TEST(Exports, AgreeToTheSample) {
+  const Stacks folded = foldedStacks(exported("folded", {kProfileDocument}));
+  EXPECT_EQ(folded.size(), 6U);
+  EXPECT_EQ(speedscopeStacks(parsed(exported("speedscope", {kProfileDocument}))), folded);
+  EXPECT_EQ(cpuProfileStacks(parsed(exported("cpuprofile", {kProfileDocument}))), folded);
+  EXPECT_EQ(firefoxStacks(parsed(exported("firefox", {kProfileDocument}))), folded);
+  EXPECT_EQ(PprofFile(exported("pprof", {kProfileDocument})).stacks(), folded);
+}
+
+TEST(Exports, StayValidWithAnyByteInNames) {
+  std::string hostile = kProfileDocument;
+  std::string name("</script>;\\t\\n\x01\x7f\xff\xed\xa0\x80\xc3\xa4\xf0\x9f\x98\x80\\\"");
+  name.push_back('\0');
+  for (const char* old : {"\"work\"", "\"tool\"", "\"/app/tool\"", "\"work.cpp\""})
+    hostile.replace(hostile.find(old), std::string(old).size(), "\"" + name + "\"");
+  for (const char* format : {"json", "speedscope", "cpuprofile", "firefox"})
+    EXPECT_TRUE(parsed(exported(format, {hostile})).IsObject()) << format;
+  EXPECT_EQ(foldedStacks(exported("folded", {hostile})).size(), 6U);
+  const std::string table = exported("tsv", {hostile});
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 6);
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\t'), 6 * 5);
+  EXPECT_EQ(PprofFile(exported("pprof", {hostile})).stacks().size(), 6U);
+}
+
+TEST(Firefox, HoldsAProfileAndATimechartTogether) {
+  std::string profile = kProfileDocument;
+  profile.replace(profile.find("[5,7,8,\"worker\",]"), 17, "[5,10,11,\"worker\",]");
+  std::size_t at = 0;
+  while ((at = profile.find(",5,8,[[")) != std::string::npos) profile.replace(at, 7, ",5,11,[[");
+  const rapidjson::Document file = parsed(exported("firefox", {profile, kTimechartDocument}));
+  EXPECT_EQ(file["meta"]["preprocessedProfileVersion"].GetInt(), 70);
+  EXPECT_STREQ(file["meta"]["categories"][0]["color"].GetString(), "grey");
+  const Json* shared = nullptr;
+  for (const Json& thread : file["threads"].GetArray())
+    if (thread["tid"].GetUint() == 11 && std::string(thread["pid"].GetString()) == "10") shared = &thread;
+  ASSERT_NE(shared, nullptr);
+  EXPECT_EQ((*shared)["samples"]["length"].GetUint(), 2U);
+  EXPECT_EQ((*shared)["markers"]["length"].GetUint(), 4U);
+  const Json& counter = file["counters"][0];
+  EXPECT_STREQ(counter["display"]["label"].GetString(), "CPU 0 MHz");
+  // The viewer adds the changes up.
+  EXPECT_EQ(counter["samples"]["count"][0].GetDouble(), 600.0);
+  EXPECT_EQ(counter["samples"]["count"][1].GetDouble(), 200.0);
+  EXPECT_THROW(exported("firefox", {profile, profile}), std::runtime_error);
+}
+
+TEST(Firefox, TellsKernelFromUserAndAddressesWithinLibraries) {
+  const rapidjson::Document file = parsed(exported("firefox", {kProfileDocument}));
+  const Json& frames = file["shared"]["frameTable"];
+  std::map<std::string, std::string> seen;
+  for (rapidjson::SizeType i = 0; i < frames["length"].GetUint(); ++i) {
+    const unsigned name = file["shared"]["funcTable"]["name"][i].GetUint();
+    std::ostringstream text;
+    text << file["meta"]["categories"][frames["category"][i].GetUint()]["name"].GetString() << ' '
+         << file["libs"][frames["lib"][i].GetUint()]["name"].GetString() << ' '
+         << frames["address"][i].GetInt64();
+    seen[file["shared"]["stringArray"][name].GetString()] = text.str();
+  }
+  const std::map<std::string, std::string> expected = {{"main", "User tool 0"},
+                                                       {"work", "User tool 256"},
+                                                       {"copy", "User libx.so 4096"},
+                                                       {"schedule", "Kernel kernel 256"},
+                                                       {"[in /lib/libx.so]", "User libx.so -1"}};
+  EXPECT_EQ(seen, expected);
+}
+
+TEST(Pprof, ShowsTheAddressesOfTheDevice) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path() + "/a.json";
+  std::ofstream(path) << kProfileDocument;
+  std::ofstream(path + ".layout.json")
+      << R"({"mappings":[{"pid":7,"start":"0x40000000","size":"0x2000","original":"0xb6d10000"}]})";
+  OutputFile output(folder.path() + "/out");
+  const std::unique_ptr<Exporter> exporter = ExportFormat::find("pprof")->makeExporter(output);
+  FileSource source(path);
+  exporter->documentStart(path);
+  exporter->read(source);
+  exporter->documentEnd();
+  exporter->finish();
+  output.commit();
+  const PprofFile file(wholeFile(folder.path() + "/out"));
+  std::map<std::string, std::uint64_t> addresses;
+  for (const auto& [id, address] : file.addresses)
+    addresses[file.strings[static_cast<std::size_t>(file.nameOf.at(id))]] = address;
+  const std::map<std::string, std::uint64_t> expected = {{"copy", 0xb6d11000},
+                                                         {"main", 65536},
+                                                         {"work", 65792},
+                                                         {"schedule", 3221258496},
+                                                         {"[in /lib/libx.so]", 0xb6d10000}};
+  EXPECT_EQ(addresses, expected);
+}
+
+}  // namespace
+}  // namespace zelkit
