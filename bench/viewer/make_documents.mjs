@@ -98,7 +98,7 @@ const rows = (of) => range(sampleCount, of).join(',');
 const file = openSync(`${folder}/${name}.speedscope.json`, 'w');
 writeSync(
     file,
-    `{"$schema":"","shared":{"frames":${frames}},"profiles":[{"type":"sampled","name":"${
+    `{"$schema":"https://www.speedscope.app/file-format-schema.json","shared":{"frames":${frames}},"profiles":[{"type":"sampled","name":"${
         name}","unit":"seconds","startValue":0,"endValue":${sampleCount * interval},"samples":[`);
 for (let i = 0; i < sampleCount; i += 10000) {
   const part = chosen.slice(i, i + 10000).map(({ frames: stack }) => JSON.stringify([...stack].reverse()));

@@ -21,6 +21,7 @@ declare module 'node:fs' {
   export function readFileSync(path: string): Uint8Array;
   export function readFileSync(path: string, encoding: string): string;
   export function existsSync(path: string): boolean;
+  export function readdirSync(path: string): string[];
 }
 declare module 'node:zlib' { export function gzipSync(data: Uint8Array|string): Uint8Array; }
 declare const process: { readonly env: Record<string, string|undefined>};
