@@ -114,7 +114,7 @@ void printTracePoint(const Record& record, Block& block) {
 
 std::string readWhole(const char* path) {
   const int file = open(path, O_RDONLY);
-  struct stat status {};
+  struct stat status = {};
   if (file < 0 || fstat(file, &status) != 0) return {};
   std::string bytes;
   bytes.resize(static_cast<std::size_t>(status.st_size));

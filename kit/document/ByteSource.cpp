@@ -25,7 +25,7 @@ int openForReading(const std::string& path) {
 }
 
 bool isFolder(int descriptor) {
-  struct stat status {};
+  struct stat status = {};
   return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 

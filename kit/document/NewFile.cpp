@@ -18,8 +18,8 @@ namespace {
 }
 
 bool areOneFile(const std::string& left, const std::string& right) {
-  struct stat a {};
-  struct stat b {};
+  struct stat a = {};
+  struct stat b = {};
   return stat(left.c_str(), &a) == 0 && stat(right.c_str(), &b) == 0 && a.st_dev == b.st_dev &&
          a.st_ino == b.st_ino;
 }
@@ -28,7 +28,7 @@ bool areOneFile(const std::string& left, const std::string& right) {
 
 NewFile::NewFile(const std::string& path, const std::string& input) : _path(path) {
   if (areOneFile(path, input)) fail(path, "is the input itself, which writing would destroy");
-  struct stat status {};
+  struct stat status = {};
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) fail(path, "is no regular file");
   _temporary = path + ".XXXXXX";
   const int fd = mkostemp(_temporary.data(), O_CLOEXEC);

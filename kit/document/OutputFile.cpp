@@ -11,7 +11,7 @@ namespace zelkit {
 namespace {
 
 bool isPipeOrDevice(const std::string& path) {
-  struct stat status {};
+  struct stat status = {};
   return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 

@@ -59,7 +59,8 @@ void TimechartLoad::widen(double time) {
 }
 
 void TimechartLoad::add(const Series& series, double end) {
-  static constexpr double Task::*kSums[] = {
+  using Sum = double Task::*;
+  static constexpr Sum kSums[] = {
       nullptr, nullptr, &Task::running, &Task::waitingForCpu, &Task::waitingForInput, &Task::waitingForGpu};
   const double length = end - series.start;
   if (series.use == Use::kCore) {

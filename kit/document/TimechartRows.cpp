@@ -12,9 +12,11 @@ constexpr int kPointDepth = 5;
 constexpr std::size_t kPointValues = 2;
 constexpr std::size_t kEventValues = 4;
 
+using Text = std::string SeriesHead::*;
+
 struct Member {
   std::string_view key;
-  std::string SeriesHead::*text;
+  Text text;
 };
 
 constexpr std::array<Member, 6> kMembers = {{

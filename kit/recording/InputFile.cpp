@@ -36,7 +36,7 @@ InputFile::InputFile(const std::string& path) : _path(path) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) fail(path);
   const Descriptor file(fd);
-  struct stat status {};
+  struct stat status = {};
   if (fstat(fd, &status) != 0) fail(path);
   if (!S_ISREG(status.st_mode)) {
     readWhole(fd);

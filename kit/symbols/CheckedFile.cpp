@@ -23,7 +23,7 @@ namespace {
 }
 
 bool isRegular(int descriptor) {
-  struct stat status {};
+  struct stat status = {};
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
@@ -39,7 +39,7 @@ std::string resolveByPath(const std::string& root, const std::string& name) {
   const std::string path = realPath(root + "/" + name);
   if (top.empty() || path.empty()) return {};
   if (top != "/") top += '/';
-  struct stat status {};
+  struct stat status = {};
   return path.starts_with(top) && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? path : "";
 }
 
@@ -81,7 +81,7 @@ Descriptor openRegular(const std::string& path) {
 
 std::string readWhole(const std::string& path) {
   const Descriptor file = openRegular(path);
-  struct stat status {};
+  struct stat status = {};
   if (fstat(file.number(), &status) != 0) fail(path, std::strerror(errno));
   std::string content(static_cast<std::size_t>(status.st_size), '\0');
   std::size_t got = 0;

@@ -44,7 +44,7 @@ SymbolList parseJitMap(std::string_view text, std::size_t& badLines) {
 
 std::string findJitMap(const std::string& root, unsigned int pid) {
   const std::string path = resolveBelow(root, "tmp/perf-" + std::to_string(pid) + ".map");
-  struct stat status {};
+  struct stat status = {};
   if (path.empty() || stat(path.c_str(), &status) != 0) return {};
   return status.st_uid == geteuid() || status.st_uid == 0 ? path : "";
 }

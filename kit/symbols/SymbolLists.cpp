@@ -15,7 +15,7 @@ namespace zelkit {
 namespace {
 
 struct stat statusOf(const std::string& path) {
-  struct stat status {};
+  struct stat status = {};
   if (stat(path.c_str(), &status) != 0) throw std::runtime_error(path + ": " + std::strerror(errno));
   return status;
 }

@@ -37,7 +37,7 @@ class Unfinished {
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
       sigaction(kSignals[i], nullptr, &_before[i]);
       if (_before[i].sa_handler != SIG_DFL) continue;
-      struct sigaction action {};
+      struct sigaction action = {};
       action.sa_handler = emptyFileAndEnd;
       action.sa_flags = static_cast<int>(SA_RESETHAND);
       sigaction(kSignals[i], &action, nullptr);

@@ -42,8 +42,7 @@ class JsomStringWriter {
   /// Finished JSON. Even an empty text counts as a value, comma included.
   void appendJsonValue(std::string_view text);
   /// What the function appends to the buffer.
-  template <typename Append>
-  requires std::invocable<Append, TextBuffer&>
+  template <std::invocable<TextBuffer&> Append>
   void appendJsonValue(Append append) {
     if (beginValue("appendJsonValue")) append(_out);
   }

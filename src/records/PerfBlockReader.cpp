@@ -18,7 +18,7 @@ int PerfBlockReader::open(const char* name) {
   _position = _end = 0;
   _block.reset();
   const int result = PerfReader::open(name);
-  struct stat status {};
+  struct stat status = {};
   if (result == 0 && fstat(_fd, &status) == 0 && S_ISREG(status.st_mode))
     _block = std::make_unique_for_overwrite<char[]>(kBlockSize);
   return result;

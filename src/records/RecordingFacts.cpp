@@ -35,7 +35,7 @@ constexpr std::uint64_t kMostScanned = 64 * 1024 * 1024;
 class RegularFile {
  public:
   explicit RegularFile(const std::string& path) {
-    struct stat status {};
+    struct stat status = {};
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
     _fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (_fd < 0 || fstat(_fd, &status) != 0 || !S_ISREG(status.st_mode)) return;

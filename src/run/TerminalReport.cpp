@@ -47,8 +47,8 @@ std::string share(std::uint64_t part, std::uint64_t whole) {
 }
 
 bool isSameFile(const std::string& one, const std::string& other) {
-  struct stat first {};
-  struct stat second {};
+  struct stat first = {};
+  struct stat second = {};
   return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }

@@ -94,7 +94,7 @@ void NmRun::wait() {
 }
 
 bool NmRun::listIsEmpty() const {
-  struct stat status {};
+  struct stat status = {};
   return _list == nullptr || ::fstat(::fileno(_list), &status) != 0 || status.st_size == 0;
 }
 

@@ -29,13 +29,13 @@ constexpr std::size_t kFewestUsefulSymbols = 2;
 constexpr std::size_t kReadAhead = std::size_t{64} * 1024;
 
 bool isRegular(const char* path) {
-  struct stat status {};
+  struct stat status = {};
   return stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 /// Whether opening the file could do more than open it. A socket cannot be opened, so trying does no harm.
 bool isSpecial(const char* path) {
-  struct stat status {};
+  struct stat status = {};
   return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) &&
          !S_ISSOCK(status.st_mode);
 }
