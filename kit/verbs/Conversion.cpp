@@ -95,6 +95,7 @@ int Conversion::callEngine(Kind kind, const std::string& document, EngineRecords
   if (kind == Kind::timechart) words.emplace_back("-t");
   words.insert(words.end(), _request.engineOptions.begin(), _request.engineOptions.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   return profile(static_cast<int>(words.size()), arguments.data(), records);

@@ -43,7 +43,7 @@ std::string_view ownVdso() {
     std::size_t start = 0;
     std::size_t end = 0;
     if (std::sscanf(line.c_str(), "%zx-%zx", &start, &end) == 2 && start < end)
-      return {reinterpret_cast<const char*>(start), end - start};
+      return {reinterpret_cast<const char*>(start), end - start};  // NOLINT(performance-no-int-to-ptr): as told
   }
   return {};
 }
@@ -134,7 +134,7 @@ Names::Listed Names::make(const MappedFile& file) {
 }
 
 Names::Listed Names::makeFromJitMap(const MappedFile& file) {
-  const Listed none = {std::make_shared<SymbolList>(), "its code was made while it ran, and no map names it"};
+  Listed none = {std::make_shared<SymbolList>(), "its code was made while it ran, and no map names it"};
   for (const std::string& root : _roots) {
     const std::string path = findJitMap(root, file.pid);
     if (path.empty()) continue;
@@ -159,7 +159,7 @@ Names::Listed Names::makeFromFile(const MappedFile& file) {
 
 /// The library that the kernel gives every process lies in no file, but zelkit has it too.
 Names::Listed Names::makeFromVdso(const MappedFile& file) {
-  const Listed none = {std::make_shared<SymbolList>(), "it has no file"};
+  Listed none = {std::make_shared<SymbolList>(), "it has no file"};
   const std::string_view image = ownVdso();
   if (image.empty()) return none;
   if (!_folder) _folder = std::make_unique<TemporaryFolder>();
