@@ -37,8 +37,8 @@ export function readFragment(fragment: string, start: State): Partial<State> {
   const parts = new URLSearchParams(fragment);
   const selected = extentOf(parts.get('selected'));
   const [time, ...lane] = (parts.get('at') ?? '').split(',');
-  const place = Number(parts.get('place') ?? NaN);
-  const mark = Number(parts.get('mark') ?? NaN);
+  const place = numberOf(parts.get('place'));
+  const mark = numberOf(parts.get('mark'));
   const choices = laneChoices.map((choice) => [choice, new Set(parts.getAll(choice))]);
   const filter = {
     ...start.filter,
@@ -56,21 +56,24 @@ export function readFragment(fragment: string, start: State): Partial<State> {
     place: Number.isInteger(place) ? place : -1,
     panel: parts.get('view') ?? start.panel,
     lanes: Object.fromEntries(choices) as LaneChoice,
-    cursor: lane.length > 0 && Number.isFinite(Number(time)) ? { lane: lane.join(), time: Number(time) } :
-                                                               null,
+    cursor: lane.length > 0 && Number.isFinite(numberOf(time)) ? { lane: lane.join(), time: Number(time) } :
+                                                                 null,
     mark: Number.isFinite(mark) ? mark : null,
   };
 }
 
 function extentOf(text: string|null): Extent|null {
-  const [start, end, ...more] = (text ?? '').split(',').map(Number);
+  const [start, end, ...more] = (text ?? '').split(',').map(numberOf);
   return more.length === 0 && Number.isFinite(end - start) && end > start ? { start, end } : null;
 }
 
 function numbersOf(text: string|null): ReadonlySet<number>|null {
   if (text === null) return null;
-  return new Set(text.split(',').map(Number).filter((number) => Number.isInteger(number) && number >= 0));
+  return new Set(text.split(',').map(numberOf).filter((number) => Number.isInteger(number) && number >= 0));
 }
+
+/** Returns NaN also for no text, which Number would take for 0. */
+const numberOf = (text: string|null): number => (text ? Number(text) : NaN);
 
 /** Keeps the URL and the state alike, whichever of them changes. */
 export function followFragment(store: Store): void {
