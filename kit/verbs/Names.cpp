@@ -43,7 +43,8 @@ std::string_view ownVdso() {
     std::size_t start = 0;
     std::size_t end = 0;
     if (std::sscanf(line.c_str(), "%zx-%zx", &start, &end) == 2 && start < end)
-      return {reinterpret_cast<const char*>(start), end - start};  // NOLINT(performance-no-int-to-ptr): as told
+      // The kernel gives the address as text. NOLINTNEXTLINE(performance-no-int-to-ptr)
+      return {reinterpret_cast<const char*>(start), end - start};
   }
   return {};
 }
