@@ -2,7 +2,7 @@
 # make_documents.sh FOLDER: the documents of the page's tests: the demo's, and a real machine's where recordings are at hand
 set -euo pipefail
 folder=$1
-recordings=../shared/recordings/arm32
+recordings=${ZELCONV_RECORDINGS:-../shared/recordings}/arm32
 convert="build/dev/examples/convert_for_machine examples/machine"
 mkdir -p "$folder"
 
