@@ -1,4 +1,5 @@
-import {finishStacks, grown, StackTable} from './StackTable';
+import {grown} from './grown';
+import {finishStacks, StackTable} from './StackTable';
 import type {Samples, Stacks} from './profile';
 import {timeOrder} from './timeOrder';
 

@@ -1,3 +1,4 @@
+import {grown} from './grown';
 import type {Stacks} from './profile';
 
 /** Frames of one place with the same callers share a node; node 0 is the root. */
@@ -63,12 +64,6 @@ export class StackTable {
     this.slots = new Uint32Array(0);
     return { parents: this.parents.subarray(0, this.count), keys: this.keys.subarray(0, this.count) };
   }
-}
-
-export function grown<T extends Uint32Array|Float64Array|Uint16Array>(column: T, capacity: number): T {
-  const larger = new (column.constructor as new (length: number) => T)(capacity);
-  larger.set(column as never);
-  return larger;
 }
 
 /** Adds the totals and the children of each node, the heaviest first, given the node of each sample. */

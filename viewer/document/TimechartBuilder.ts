@@ -1,6 +1,6 @@
 import type {Damage} from './damage';
 import type {Entry, Timechart} from './timechart';
-import {grown} from './StackTable';
+import {grown} from './grown';
 import {shownName} from './text';
 import {timeOrder} from './timeOrder';
 

@@ -5,14 +5,6 @@ import type {Timechart} from './timechart';
 
 export type ZelDocument = Profile|Timechart;
 
-/** A displacement of addresses: those of a process from `start` on were moved by zelkit. */
-export interface Displacement {
-  readonly pid: number;
-  readonly start: number;
-  readonly size: number;
-  readonly original: string;
-}
-
 /** Bytes of a document: a file, or the text of an element of the page (gzip in base64). */
 export interface Source {
   readonly name: string;

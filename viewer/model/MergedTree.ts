@@ -1,3 +1,4 @@
+import {grown} from '../document/grown';
 import type {Selection} from './Selection';
 import type {Tree} from './tree';
 
@@ -119,7 +120,7 @@ export class MergedTree implements Tree {
       for (const column
                of ['places', 'parents', 'totals', 'childStart', 'childEnd', 'children', 'entryStart',
                    'entryEnd'] as const) {
-        this[column] = doubled(this[column]);
+        this[column] = grown(this[column], 2 * this[column].length);
       }
     }
     this.places[node] = place;
@@ -131,16 +132,10 @@ export class MergedTree implements Tree {
   private addEntry(node: number, amount: number): void {
     const at = this.entries++;
     if (at === this.nodes.length) {
-      this.nodes = doubled(this.nodes);
-      this.amounts = doubled(this.amounts);
+      this.nodes = grown(this.nodes, 2 * this.nodes.length);
+      this.amounts = grown(this.amounts, 2 * this.amounts.length);
     }
     this.nodes[at] = node;
     this.amounts[at] = amount;
   }
-}
-
-function doubled(column: Uint32Array): Uint32Array {
-  const larger = new Uint32Array(2 * column.length);
-  larger.set(column);
-  return larger;
 }

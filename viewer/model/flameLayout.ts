@@ -1,3 +1,4 @@
+import {grown} from '../document/grown';
 import type {Tree} from './tree';
 
 /** The boxes of a flame graph, as columns; `count` of their entries are in use. */
@@ -27,15 +28,11 @@ export class Boxes {
   }
 
   private grow(): void {
-    const wider = <T extends Uint32Array|Uint16Array|Float64Array>(column: T): T => {
-      const larger = new (column.constructor as new (length: number) => T)(2 * column.length);
-      larger.set(column);
-      return larger;
-    };
-    this.nodes = wider(this.nodes);
-    this.depths = wider(this.depths);
-    this.lefts = wider(this.lefts);
-    this.widths = wider(this.widths);
+    const capacity = 2 * this.nodes.length;
+    this.nodes = grown(this.nodes, capacity);
+    this.depths = grown(this.depths, capacity);
+    this.lefts = grown(this.lefts, capacity);
+    this.widths = grown(this.widths, capacity);
   }
 }
 

@@ -1,6 +1,6 @@
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
-import {element, isDark, shortName} from './dom';
+import {element, shortName} from './dom';
 import {FlamePane} from './FlamePane';
 import {folded} from './folded';
 import {describePlace} from '../model/groupings';
@@ -86,9 +86,7 @@ export class ButterflyView implements View {
 
   folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
-  svg(): string {
-    return this.callees.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24');
-  }
+  svg(): string { return this.callees.svg(); }
 
   canvas(): HTMLCanvasElement { return this.callees.canvas; }
 }

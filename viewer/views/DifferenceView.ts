@@ -112,7 +112,7 @@ export class DifferenceView implements View {
     return [['before %', 'after %', 'change', 'function'], ...rows];
   }
 
-  svg(): string { return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24'); }
+  svg(): string { return this.pane.svg(); }
 
   canvas(): HTMLCanvasElement { return this.pane.canvas; }
 

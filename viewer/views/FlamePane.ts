@@ -1,6 +1,6 @@
 import {Boxes, layOut} from '../model/flameLayout';
 import {childrenOf, pathTo, type Tree} from '../model/tree';
-import {element, fitCanvas, isDark, shortName} from './dom';
+import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
 import type {App} from './View';
 
 /** What a flame graph shows of a tree's nodes. */
@@ -163,7 +163,7 @@ export class FlamePane {
   }
 
   /** Returns the picture as SVG. */
-  svg(ground: string, ink: string): string {
+  svg(): string {
     const { boxes, look } = this;
     const rows: string[] = [];
     const rect = (node: number, left: number, width: number, depth: number) => {
@@ -191,8 +191,8 @@ export class FlamePane {
     const height = this.depthOfAll() * rowHeight;
     return (
         `<svg xmlns="http://www.w3.org/2000/svg" width="${this.width}" height="${height}" font-family="${
-            fontFamily}" font-size="${fontSize}" fill="${ink}">` +
-        `<rect width="100%" height="100%" fill="${ground}"/>${rows.join('')}</svg>`);
+            fontFamily}" font-size="${fontSize}" fill="${pageColour('text')}">` +
+        `<rect width="100%" height="100%" fill="${pageColour('ground')}"/>${rows.join('')}</svg>`);
   }
 
   private lay(tree: Tree): void {
@@ -216,7 +216,7 @@ export class FlamePane {
   private paint(context: CanvasRenderingContext2D): void {
     const { boxes, look, width, height } = this;
     const dark = isDark();
-    context.fillStyle = dark ? '#16181c' : '#ffffff';
+    context.fillStyle = pageColour('ground');
     context.fillRect(0, 0, width, height);
     const searching = look.matches(this.focus) !== null;
     const match = look.palette.length;
@@ -238,7 +238,7 @@ export class FlamePane {
       context.fill();
     });
     context.globalAlpha = 1;
-    context.fillStyle = dark ? '#eceef2' : '#1c1f24';
+    context.fillStyle = pageColour('text');
     context.font = `${fontSize}px ${fontFamily}`;
     context.textBaseline = 'middle';
     for (const batch of batches)

@@ -1,7 +1,7 @@
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
 import {pathTo, type Tree} from '../model/tree';
-import {button, isDark} from './dom';
+import {button} from './dom';
 import {FlamePane} from './FlamePane';
 import {folded} from './folded';
 import {placeLook, formatPart} from './placeLook';
@@ -96,7 +96,7 @@ export class FlameView implements View {
 
   folded(): string { return this.selection === null ? '' : folded(this.selection); }
 
-  svg(): string { return this.pane.svg(isDark() ? '#16181c' : '#ffffff', isDark() ? '#eceef2' : '#1c1f24'); }
+  svg(): string { return this.pane.svg(); }
 
   canvas(): HTMLCanvasElement { return this.pane.canvas; }
 

@@ -1,7 +1,7 @@
 import {type Density, density, timeRows, type TimeRow} from '../model/density';
 import type {Profile} from '../document/profile';
 import type {Selection} from '../model/Selection';
-import {element, fitCanvas, isDark, shortName} from './dom';
+import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
 import {formatCount} from './placeLook';
 import type {State} from './store';
 import {axisWidth, brushOf, gutter, setBrush, shownExtent, timeGestures} from './timeAxis';
@@ -106,7 +106,7 @@ export class TimelineView implements View {
     const context = picture.getContext('2d', { alpha: false })!;
     const dark = isDark();
     context.setTransform(scale, 0, 0, scale, 0, 0);
-    context.fillStyle = dark ? '#16181c' : '#ffffff';
+    context.fillStyle = pageColour('ground');
     context.fillRect(0, 0, picture.width, picture.height);
     const top = this.scroller.scrollTop;
     const first = Math.floor(top / rowHeight);
@@ -121,7 +121,7 @@ export class TimelineView implements View {
       const image = this.drawRow(counted, index, row, band, dark, scale);
       context.putImageData(image, Math.round(gutter * scale), Math.round((y + 1) * scale));
     });
-    this.drawLabels(context, rows, first, top, dark);
+    this.drawLabels(context, rows, first, top);
   };
 
   /** Returns the samples of each pixel, which many repaints have in common. */
@@ -158,31 +158,32 @@ export class TimelineView implements View {
     return image;
   }
 
-  private drawLabels(
-      context: CanvasRenderingContext2D, rows: readonly TimeRow[], first: number, top: number,
-      dark: boolean): void {
+  private drawLabels(context: CanvasRenderingContext2D, rows: readonly TimeRow[], first: number, top: number):
+      void {
+    const [text, quiet, line, accent, chosenColour] =
+        ['text', 'quiet', 'line', 'accent', 'chosen'].map(pageColour);
     const { filter } = this.app.store.state;
     context.font = '12px system-ui, sans-serif';
     context.textBaseline = 'middle';
     rows.forEach((row, index) => {
       const y = (first + index) * rowHeight - top;
       const chosen = row.kind === 'core' ? filter.cores : filter.threads;
-      context.fillStyle = dark ? '#26344f' : '#e3ecff';
+      context.fillStyle = chosenColour;
       if (chosen?.has(row.subject) === true) context.fillRect(0, y, gutter - 1, rowHeight);
-      context.fillStyle = dark ? '#343941' : '#e9ebef';
+      context.fillStyle = line;
       context.fillRect(0, y + rowHeight - 1, gutter + axisWidth(this.host), 1);
       if (first + index === this.current && this.host.contains(document.activeElement)) {
-        context.strokeStyle = dark ? '#8fb4ff' : '#2f62cc';
+        context.strokeStyle = accent;
         context.strokeRect(1, y + 1, gutter - 3, rowHeight - 3);
       }
       context.save();
       context.beginPath();
       context.rect(0, y, gutter - 52, rowHeight);
       context.clip();
-      context.fillStyle = dark ? '#e4e6ea' : '#1c1f24';
+      context.fillStyle = text;
       context.fillText(shortName(this.nameOf(row)), 10, y + rowHeight / 2);
       context.restore();
-      context.fillStyle = dark ? '#9aa2ae' : '#606874';
+      context.fillStyle = quiet;
       context.textAlign = 'right';
       context.fillText(formatCount(row.samples * (this.profile?.weight ?? 1)), gutter - 8, y + rowHeight / 2);
       context.textAlign = 'left';

@@ -31,6 +31,10 @@ const longest = 300;
 export const shortName = (name: string): string =>
     name.length <= longest ? name : `${name.slice(0, longest - 60)}…${name.slice(-59)}`;
 
+/** Returns a colour of the page's style sheet by its name there, such as `ground` or `text`. */
+export const pageColour = (name: string): string =>
+    getComputedStyle(document.documentElement).getPropertyValue(`--${name}`);
+
 /** Returns whether the page is dark. */
 export const isDark = () => matchMedia('(prefers-color-scheme: dark)').matches;
 
