@@ -29,7 +29,7 @@ ModernRecording& ModernRecording::event(const Event& event) {
 }
 
 ModernRecording& ModernRecording::feature(unsigned int number, const std::string& bytes) {
-  _features.emplace_back(number, bytes);
+  _features[number] = bytes;
   return *this;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "support/RecordingBuilder.h"
@@ -64,7 +64,7 @@ class ModernRecording {
   [[nodiscard]] const Event& eventOf(std::uint64_t id) const;
 
   std::vector<Event> _events;
-  std::vector<std::pair<unsigned int, std::string>> _features;
+  std::map<unsigned int, std::string> _features;  ///< by number
   std::uint64_t _time = 1000;
   Bytes _data;
 };
