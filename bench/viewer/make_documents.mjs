@@ -93,16 +93,16 @@ write(`${folder}/${name}.json`, head, sampleCount, (i) => {
       owner + 100},[${trace}],],`;
 }, ']}}\n');
 
+// One profile a process, as exporters to speedscope write them.
 const frames = JSON.stringify(range(functions, (index) => ({ name: functionName(index) })));
-const rows = (of) => range(sampleCount, of).join(',');
-const file = openSync(`${folder}/${name}.speedscope.json`, 'w');
-writeSync(
-    file,
-    `{"$schema":"https://www.speedscope.app/file-format-schema.json","shared":{"frames":${frames}},"profiles":[{"type":"sampled","name":"${
-        name}","unit":"seconds","startValue":0,"endValue":${sampleCount * interval},"samples":[`);
-for (let i = 0; i < sampleCount; i += 10000) {
-  const part = chosen.slice(i, i + 10000).map(({ frames: stack }) => JSON.stringify([...stack].reverse()));
-  writeSync(file, (i > 0 ? ',' : '') + part.join(','));
-}
-writeSync(file, `],"weights":[${rows(() => interval)}]}]}`);
-closeSync(file);
+const schema = 'https://www.speedscope.app/file-format-schema.json';
+write(
+    `${folder}/${name}.speedscope.json`, `{"$schema":"${schema}","shared":{"frames":${frames}},"profiles":[`,
+    processes, (owner) => {
+      const own = chosen.filter((stack) => stack.owner === owner)
+                      .map((stack) => JSON.stringify([...stack.frames].reverse()));
+      const end = own.length * interval;
+      const head =
+          `{"type":"sampled","name":"${name} ${owner}","unit":"seconds","startValue":0,"endValue":${end}`;
+      return `${owner > 0 ? ',' : ''}${head},"samples":[${own}],"weights":[${own.map(() => interval)}]}`;
+    }, ']}');
