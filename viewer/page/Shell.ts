@@ -1,7 +1,7 @@
 import {button, element, shortName} from '../views/dom';
 import type {Reading, State, Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, setBrush, shownExtent, timeKey} from '../views/timeAxis';
-import type {App, View} from '../views/View';
+import type {App, Direction, View} from '../views/View';
 import {copyText, savePicture} from './copy';
 import {helpDialog} from './help';
 import {History} from './History';
@@ -332,7 +332,7 @@ export class Shell implements App {
     return focused?.view ?? this.panel(this.store.state);
   }
 
-  private find(direction: 1|- 1): void {
+  private find(direction: Direction): void {
     const { state } = this.store;
     const first = this.current();
     const views = this.mounted.filter(({ view, host }) => !host.hidden && view.available(state))

@@ -8,6 +8,7 @@ import {formatPart, placeLook} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import type {State} from './store';
 import {type App, samplesChanged, type View} from './View';
+import type {Direction} from './View';
 
 /** One function: what called it stands above it, what it called below. */
 export class ButterflyView implements View {
@@ -67,7 +68,9 @@ export class ButterflyView implements View {
     return (this.callersHost.contains(document.activeElement) ? this.callers : this.callees).key(event);
   }
 
-  find(direction: 1|- 1): string|null { return this.callees.find(direction) ?? this.callers.find(direction); }
+  find(direction: Direction): string|null {
+    return this.callees.find(direction) ?? this.callers.find(direction);
+  }
 
   table(): string[][] {
     const rows: string[][] = [['direction', 'samples', 'function']];

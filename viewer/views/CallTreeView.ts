@@ -12,6 +12,7 @@ import {ProfileBar} from './ProfileBar';
 import {cellsOf, fillShare, RowList} from './RowList';
 import type {State} from './store';
 import {type App, samplesChanged, type View} from './View';
+import type {Direction} from './View';
 
 interface TreeRow {
   readonly node: number;
@@ -94,7 +95,7 @@ export class CallTreeView implements View {
     return this.list.key(event);
   }
 
-  find(direction: 1|- 1): string|null {
+  find(direction: Direction): string|null {
     const { matches, selection, rows } = this;
     if (matches === null || selection === null) return null;
     for (let step = 1; step <= rows.length; ++step) {

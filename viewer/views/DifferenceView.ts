@@ -8,6 +8,7 @@ import {type LegendEntry, ProfileBar} from './ProfileBar';
 import {cellsOf, RowList} from './RowList';
 import type {State} from './store';
 import {type App, samplesChanged, type View} from './View';
+import type {Direction} from './View';
 
 /** A place's share of either profile's samples. */
 interface Change {
@@ -99,7 +100,7 @@ export class DifferenceView implements View {
     return this.list.scroller.contains(document.activeElement) ? this.list.key(event) : this.pane.key(event);
   }
 
-  find(direction: 1|- 1): string|null { return this.pane.find(direction); }
+  find(direction: Direction): string|null { return this.pane.find(direction); }
 
   table(): string[][] {
     const rows = this.changes.map(

@@ -1,7 +1,7 @@
 import {Boxes, layOut} from '../model/flameLayout';
 import {childrenOf, pathTo, type Tree} from '../model/tree';
 import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
-import type {App} from './View';
+import type {App, Direction} from './View';
 
 /** What a flame graph shows of a tree's nodes. */
 export interface FlameLook {
@@ -100,7 +100,7 @@ export class FlamePane {
   };
 
   /** Goes to the next (1) or previous (-1) node that the search is for; returns what it is. */
-  find(direction: 1|- 1): string|null {
+  find(direction: Direction): string|null {
     const { tree, look, boxes } = this;
     if (tree === null) return null;
     const from = this.boxOf(this.chosen);

@@ -8,6 +8,7 @@ import {placeLook, formatPart} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import type {State} from './store';
 import {type App, samplesChanged, type View} from './View';
+import type {Direction} from './View';
 
 /**
  * All selected samples by their stacks: by caller from the root, or inverted, by what called the places that
@@ -76,7 +77,7 @@ export class FlameView implements View {
     return this.pane.key(event);
   }
 
-  find(direction: 1|- 1): string|null { return this.pane.find(direction); }
+  find(direction: Direction): string|null { return this.pane.find(direction); }
 
   table(): string[][] {
     const { tree, selection } = this;

@@ -11,6 +11,7 @@ import {ProfileBar} from './ProfileBar';
 import {cellsOf, fillShare, RowList} from './RowList';
 import type {State} from './store';
 import {type App, samplesChanged, type View} from './View';
+import type {Direction} from './View';
 
 const columns: readonly(readonly[SortKey, string, string])[] = [
   ['self', 'Self', 'number'],
@@ -75,7 +76,7 @@ export class FunctionsView implements View {
         this.list.key(event);
   }
 
-  find(direction: 1|- 1): string|null {
+  find(direction: Direction): string|null {
     const { matches, rows } = this;
     if (matches === null) return null;
     for (let step = 1; step <= rows.length; ++step) {

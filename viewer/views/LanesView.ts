@@ -10,7 +10,7 @@ import {CanvasWriter, textsReady, Writer, writeTexts} from './laneTexts';
 import {selectRun} from './runs';
 import {SvgPicture} from './SvgPicture';
 import {axisWidth, gutter, setBrush, showTime, shownExtent, timeGestures} from './timeAxis';
-import type {App, View} from './View';
+import type {App, Direction, View} from './View';
 
 /** A row where it is drawn, in pixels of the page from the top of the view. */
 interface PlacedLane {
@@ -83,7 +83,7 @@ export class LanesView implements View {
     return true;
   }
 
-  find(direction: 1|- 1): string|null {
+  find(direction: Direction): string|null {
     const { store } = this.app;
     const { state } = store;
     const wanted = state.search.toLowerCase();
@@ -353,7 +353,7 @@ export class LanesView implements View {
     return lane === undefined ? null : { lane, time: state.cursor?.time ?? shownExtent(state).start };
   }
 
-  private step({ lane, time }: PlacedCursor, direction: 1|- 1): void {
+  private step({ lane, time }: PlacedCursor, direction: Direction): void {
     const { state } = this.app.store;
     const { pinned, rest } = visibleLanes(state.timechart!.tree, state.lanes);
     const rows = [...pinned, ...rest];
@@ -366,7 +366,7 @@ export class LanesView implements View {
   /**
    * Moves the cursor to the row's next or previous point in time; with `extend`, selects what lies between.
    */
-  private toPoint({ lane, time }: PlacedCursor, direction: 1|- 1, extend: boolean): void {
+  private toPoint({ lane, time }: PlacedCursor, direction: Direction, extend: boolean): void {
     let next = direction > 0 ? Infinity : -Infinity;
     for (const { steps } of lane.tracks) {
       const index = direction > 0 ? pointsUntil(steps.times, time) : pointsBefore(steps.times, time) - 1;
@@ -386,7 +386,7 @@ export class LanesView implements View {
   }
 
   /** Selects the run before or after the cursor of the task that the row shows. */
-  private toRun({ lane, time }: PlacedCursor, direction: 1|- 1): void {
+  private toRun({ lane, time }: PlacedCursor, direction: Direction): void {
     const { tasks } = this.app.store.state.timechart!;
     const task = taskOf(lane) ?? tasks.runOnCore(coreOf(lane), time)?.task;
     if (task === undefined) return;

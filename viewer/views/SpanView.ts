@@ -5,7 +5,7 @@ import {button, element, shortName} from './dom';
 import {describeRun, selectRun} from './runs';
 import type {State} from './store';
 import {brushOf, describeSpan, showTime, spanOf} from './timeAxis';
-import type {App, View} from './View';
+import type {App, Direction, View} from './View';
 
 type Cells = readonly string[];
 
@@ -74,7 +74,7 @@ export class SpanView implements View {
   /** What is known of the selected run, with buttons to the task's next and previous one. */
   private runLines({ run }: State, { tasks }: TimechartModel): HTMLElement[] {
     if (run === null) return [];
-    const step = (direction: 1|- 1) => {
+    const step = (direction: Direction) => {
       const next = direction > 0 ? tasks.runAfter(run.task, run.start) : tasks.runBefore(run.task, run.start);
       if (next === null) return;
       showTime(this.app.store, next.start);

@@ -2,6 +2,9 @@
 
 import type {State, Store} from './store';
 
+/** Backward or forward. */
+export type Direction = -1|1;
+
 export interface App {
   readonly store: Store;
   /** Tells screen readers, and the status line, what happened. */
@@ -33,7 +36,7 @@ export interface View {
    * Moves to the next (1) or previous (-1) match of the state's search; returns what it is, or null without
    * one.
    */
-  find?(direction: 1|- 1): string|null;
+  find?(direction: Direction): string|null;
   /** What it shows of the selection, as rows of cells; the first row names the columns. */
   table?(): readonly(readonly string[])[];
   /** The selected samples as folded stacks. */
