@@ -7,8 +7,7 @@ import {describePlace} from '../model/groupings';
 import {formatPart, placeLook} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import type {State} from './store';
-import {type App, samplesChanged, type View} from './View';
-import type {Direction} from './View';
+import {type App, type Direction, samplesChanged, type View} from './View';
 
 /** One function: what called it stands above it, what it called below. */
 export class ButterflyView implements View {

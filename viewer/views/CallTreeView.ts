@@ -11,8 +11,7 @@ import {formatCount, formatPart} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import {cellsOf, fillShare, RowList} from './RowList';
 import type {State} from './store';
-import {type App, samplesChanged, type View} from './View';
-import type {Direction} from './View';
+import {type App, type Direction, samplesChanged, type View} from './View';
 
 interface TreeRow {
   readonly node: number;

@@ -7,8 +7,7 @@ import {formatShare} from '../model/axis';
 import {type LegendEntry, ProfileBar} from './ProfileBar';
 import {cellsOf, RowList} from './RowList';
 import type {State} from './store';
-import {type App, samplesChanged, type View} from './View';
-import type {Direction} from './View';
+import {type App, type Direction, samplesChanged, type View} from './View';
 
 /** A place's share of either profile's samples. */
 interface Change {

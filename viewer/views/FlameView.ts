@@ -7,8 +7,7 @@ import {folded} from './folded';
 import {placeLook, formatPart} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import type {State} from './store';
-import {type App, samplesChanged, type View} from './View';
-import type {Direction} from './View';
+import {type App, type Direction, samplesChanged, type View} from './View';
 
 /**
  * All selected samples by their stacks: by caller from the root, or inverted, by what called the places that

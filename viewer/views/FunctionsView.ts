@@ -10,8 +10,7 @@ import {formatCount, formatPart} from './placeLook';
 import {ProfileBar} from './ProfileBar';
 import {cellsOf, fillShare, RowList} from './RowList';
 import type {State} from './store';
-import {type App, samplesChanged, type View} from './View';
-import type {Direction} from './View';
+import {type App, type Direction, samplesChanged, type View} from './View';
 
 const columns: readonly(readonly[SortKey, string, string])[] = [
   ['self', 'Self', 'number'],
