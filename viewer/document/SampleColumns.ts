@@ -1,4 +1,5 @@
 import {grown} from './grown';
+import {RecentStacks} from './RecentStacks';
 import {finishStacks, StackTable} from './StackTable';
 import type {Samples, Stacks} from './profile';
 import {timeOrder} from './timeOrder';
@@ -32,6 +33,7 @@ export class SampleColumns {
   private high = new Uint32Array(1 << 12);
   private low = new Uint32Array(1 << 12);
   private stacks = new StackTable();
+  private readonly recentStacks = new RecentStacks();
   private readonly threadIndex = new Map<number, Map<number, number>>();
   /** The latest thread; most samples have the thread of one before them. */
   private readonly recent = new Uint32Array(256).fill(cutKey);
@@ -61,10 +63,14 @@ export class SampleColumns {
       entries: number,
       own: boolean,
       ): void {
-    let node = entries >= this.depth ? this.cutRoot(entries) : 0;
-    const { frames, stacks } = this;
-    for (let i = depth - 1; i >= (own ? 1 : 0); --i) node = stacks.child(node, frames[i]);
-    node = stacks.child(node, key);
+    const root = entries >= this.depth ? this.cutRoot(entries) : 0;
+    let frameCount = depth;
+    if (!own) {
+      this.pushFrame(frameCount++, 0);
+      this.frames.copyWithin(1, 0, depth);
+    }
+    this.frames[0] = key;
+    const node = this.nodeOf(root, frameCount);
 
     const at = this.count;
     if (at === this.times.length) this.grow(2 * at);
@@ -150,6 +156,17 @@ export class SampleColumns {
     return { kept, position };
   }
 
+  /** Returns the node of the first `depth` keys of `frames` below `root`. */
+  private nodeOf(root: number, depth: number): number {
+    const { frames, stacks, recentStacks } = this;
+    let node = recentStacks.find(root, frames, depth);
+    if (node !== 0) return node;
+    node = root;
+    for (let i = depth - 1; i >= 0; --i) node = stacks.child(node, frames[i]);
+    recentStacks.remember(root, frames, depth, node);
+    return node;
+  }
+
   /**
    * Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more.
    */
@@ -174,6 +191,7 @@ export class SampleColumns {
     }
     for (let i = 0; i < this.count; ++i) this.nodes[i] = moved[this.nodes[i]];
     this.stacks = merged;
+    this.recentStacks.clear();
     this.cutNode = 0;
   }
 

@@ -106,6 +106,9 @@ test('a back-trace as deep as the document keeps them is marked as cut', async (
   assert.deepEqual(await stack(row(15)), ['cut']);
   const layout = LayoutFile.parse('{"depth":20,"mappings":[]}');
   assert.deepEqual(await stack(row(15) + row(20), layout), ['main', 'cut']);
+  // The marker of a context counts for the document's depth: the same frames, once complete and once cut.
+  const marked = `[1,65800,6,1.5,0,4,7,[${markers},${deep(14)},],],`;
+  assert.deepEqual(await stack(row(14) + marked + row(14)), ['main', 'cut', 'main']);
   // Deeper than documents usually are: the depth that this one keeps is unknown.
   assert.deepEqual(await stack(row(15) + row(16) + row(15)), ['main', 'main', 'main']);
 });
