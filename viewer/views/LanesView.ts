@@ -36,6 +36,8 @@ export class LanesView implements View {
   private pixels: Pixels|null = null;
   private placed: PlacedLane[] = [];
   private pending = 0;
+  /** Rows whose texts are still to be written. */
+  private late: PlacedLane[] = [];
 
   available({ timechart }: State): boolean { return timechart !== null; }
 
@@ -200,17 +202,26 @@ export class LanesView implements View {
     const context = this.base.getContext('2d', { alpha: false })!;
     context.putImageData(pixels.image, 0, 0);
     const writer = new CanvasWriter(context, scale);
-    let late = 0;
-    for (const { lane, top } of this.placed) {
-      // A frame has time for one that is not ready.
-      if (textsReady(lane, model) || ++late === 1)
+    const write = ({ lane, top }: PlacedLane) =>
         writeTexts(writer, model, lane, Math.round(top * scale), picture);
-    }
-    if (late > 1) this.repaint();
+    this.late = this.placed.filter(({ lane }) => !textsReady(lane, model));
+    for (const row of this.placed)
+      if (!this.late.includes(row)) write(row);
+    this.writeLate(this.late, write);
     this.base.setAttribute(
         'aria-label',
         `${this.placed.length} rows from ${formatTime(picture.shown.start)} to ${
             formatTime(picture.shown.end)}`);
+  }
+
+  /** Writes the texts of rows that take long, one a frame, unless the rows are painted anew meanwhile. */
+  private writeLate(late: PlacedLane[], write: (row: PlacedLane) => void): void {
+    if (late.length === 0) return;
+    requestAnimationFrame(() => {
+      if (late !== this.late) return;
+      write(late.shift()!);
+      this.writeLate(late, write);
+    });
   }
 
   private label(state: State): void {
