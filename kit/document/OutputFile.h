@@ -6,21 +6,22 @@
 #include <string>
 #include <string_view>
 
+#include "document/ByteSink.h"
 #include "document/NewFile.h"
 
 namespace zelkit {
 
 /// A new file. "-" is standard output, and a path of a pipe or device is written to as it is.
-class OutputFile {
+class OutputFile : public ByteSink {
  public:
   /// Throws std::runtime_error with "PATH: reason", also if the path is the input's; an empty input is none.
   explicit OutputFile(const std::string& path, const std::string& input = {});
-  ~OutputFile();
+  ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
   /// Throws std::runtime_error with "PATH: reason", as does commit.
-  void write(std::string_view bytes);
+  void write(std::string_view bytes) override;
   void commit();
 
  private:

@@ -2,6 +2,7 @@ import {Byte, type Value, accept, anotherElement, expect, firstElement, peek, re
 import type {ProfileBuilder} from './ProfileBuilder';
 import type {Reader} from './Reader';
 import {Row} from './Row';
+import {SampleBlocks} from './SampleBlocks';
 import {SampleRows} from './SampleRows';
 
 /** The sections in their order, which is all that tells them apart in a document without labels. */
@@ -11,7 +12,7 @@ const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
 export async function readProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   do {
     const label = await reader.unit(() => readLabel(reader));
-    if (sections.includes(label))
+    if (sections.includes(label) || label === 'blocks')
       await readSection(reader, builder, label);
     else if (label === 'Description')
       describe(builder, await reader.unit(() => readValue(reader)));
@@ -52,6 +53,10 @@ async function readSection(reader: Reader, builder: ProfileBuilder, section: str
 }
 
 function readRows(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
+  if (section === 'blocks') {
+    const blocks = new SampleBlocks(reader, builder.samples);
+    return reader.rows(() => blocks.read());
+  }
   if (section === 'samples') {
     const rows = new SampleRows(reader, builder.samples);
     return reader.rows(() => rows.read());

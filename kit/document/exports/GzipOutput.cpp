@@ -11,9 +11,8 @@ constexpr int kMemoryLevel = 8;
 
 }  // namespace
 
-GzipOutput::GzipOutput(OutputFile& output) : _output(output) {
-  if (deflateInit2(&_stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, kMemoryLevel,
-                   Z_DEFAULT_STRATEGY) != Z_OK)
+GzipOutput::GzipOutput(ByteSink& output, int level) : _output(output) {
+  if (deflateInit2(&_stream, level, Z_DEFLATED, kGzipWindow, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK)
     throw std::runtime_error("zlib: out of memory");
 }
 

@@ -1,4 +1,4 @@
-/// Compressed bytes into an output file.
+/// Bytes compressed on their way.
 #pragma once
 
 #include <zlib.h>
@@ -6,26 +6,26 @@
 #include <array>
 #include <string_view>
 
-#include "document/OutputFile.h"
+#include "document/ByteSink.h"
 
 namespace zelkit {
 
 /// A gzip stream, RFC 1952. Throws std::runtime_error when memory or the file fails.
-class GzipOutput {
+class GzipOutput : public ByteSink {
  public:
-  explicit GzipOutput(OutputFile& output);
-  ~GzipOutput();
+  explicit GzipOutput(ByteSink& output, int level = Z_DEFAULT_COMPRESSION);
+  ~GzipOutput() override;
   GzipOutput(const GzipOutput&) = delete;
   GzipOutput& operator=(const GzipOutput&) = delete;
 
-  void write(std::string_view bytes) { compress(bytes, Z_NO_FLUSH); }
+  void write(std::string_view bytes) override { compress(bytes, Z_NO_FLUSH); }
   /// Ends the stream; nothing may be written after it.
   void finish() { compress({}, Z_FINISH); }
 
  private:
   void compress(std::string_view bytes, int flush);
 
-  OutputFile& _output;
+  ByteSink& _output;
   z_stream _stream{};
   std::array<char, 65536> _block;
 };

@@ -1,4 +1,4 @@
-/// JSON that any reader takes, into an output file.
+/// JSON that any reader takes.
 #pragma once
 
 #include <rapidjson/writer.h>
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "document/OutputFile.h"
+#include "document/ByteSink.h"
 
 namespace zelkit {
 
@@ -20,7 +20,7 @@ class JsonStream {
  public:
   using Ch = char;
 
-  explicit JsonStream(OutputFile& output) : _output(output) {}
+  explicit JsonStream(ByteSink& output) : _output(output) {}
 
   void Put(Ch byte) {
     if (_used == _block.size()) Flush();
@@ -32,7 +32,7 @@ class JsonStream {
   }
 
  private:
-  OutputFile& _output;
+  ByteSink& _output;
   std::array<char, 65536> _block;
   std::size_t _used = 0;
 };
@@ -40,7 +40,7 @@ class JsonStream {
 /// Writes JSON; text must be valid UTF-8.
 class JsonOutput {
  public:
-  explicit JsonOutput(OutputFile& output) : _stream(output), _writer(_stream) {}
+  explicit JsonOutput(ByteSink& output) : _stream(output), _writer(_stream) {}
 
   void startObject() { _writer.StartObject(); }
   void endObject() { _writer.EndObject(); }

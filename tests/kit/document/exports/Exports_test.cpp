@@ -11,7 +11,9 @@
 #include <sstream>
 
 #include "capture/TemporaryFolder.h"
+#include "document/exports/Base64Output.h"
 #include "document/exports/ExportFormat.h"
+#include "document/exports/PackedDocument.h"
 #include "kit/document/Documents.h"
 
 namespace zelkit {
@@ -261,6 +263,56 @@ TEST(Exports, StayValidWithAnyByteInNames) {
   EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 6);
   EXPECT_EQ(std::count(table.begin(), table.end(), '\t'), 6 * 5);
   EXPECT_EQ(PprofFile(exported("pprof", {hostile})).stacks().size(), 6U);
+}
+
+/// Keeps what is written.
+class TextSink : public ByteSink {
+ public:
+  void write(std::string_view bytes) override { text += bytes; }
+  std::string text;
+};
+
+std::string packed(const std::string& document) {
+  TextSink sink;
+  PackedDocument visitor(sink);
+  EXPECT_EQ(readText(document, visitor).damage, "");
+  visitor.finish();
+  parsed(sink.text);
+  return sink.text;
+}
+
+TEST(PackedDocument, WritesEachThreadAddressAndBackTraceOnce) {
+  const std::string text = packed(kProfileDocument);
+  EXPECT_EQ(text.find(R"({"Description":{"Version":"1.0","Start Time":5,"duration":0.5},)"
+                      R"("processes":{"data":[[1,0,0,"kernel"],)"),
+            0U);
+  const std::string blocks =
+      R"("blocks":{"data":[[[4,7,5,8,6,9],)"
+      R"([1,21,1,65796,3,22,1,1073745930,5,23,1,3221258500,7,11,1,1073741830,9,20,1,65544],)"
+      R"([1,5,1,20,1,21,4,7,1,20,1,21,1,21,8,6,1,20,1,21,11,2,1,22,13,0],)"
+      R"([1500000000,100000000,100000000,100000000,100000000,100000000],)"
+      R"([0,1,0,1,0,1],[0,0,1,1,0,2],[2,2,4,6,8,10],[3,7,10,12,13,13]]]}})";
+  EXPECT_EQ(text.substr(text.find("\"blocks\"")), blocks);
+}
+
+TEST(PackedDocument, KeepsEverySeriesOfATimechart) {
+  const std::string text = packed(kTimechartDocument);
+  EXPECT_NE(text.find(R"({"id":"cpu-0-f","name":"CPU 0 MHz","treeId":"b_0_cpu_root","type":"bar",)"
+                      R"("class":"cpu:freq","show":1,"hints":{},"data":[[0.002,600.0],[0.005,800.0]]})"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find(R"("data":[[0.0025,7,"frame","1 of 2"]])"), std::string::npos) << text;
+}
+
+TEST(Base64Output, PadsTheLastGroup) {
+  for (const auto& [bytes, expected] : std::map<std::string, std::string>{
+           {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"\xff\xfe!?", "//4hPw=="}}) {
+    TextSink sink;
+    Base64Output output(sink);
+    for (const char byte : bytes) output.write({&byte, 1});
+    output.finish();
+    EXPECT_EQ(sink.text, expected);
+  }
 }
 
 TEST(Firefox, HoldsAProfileAndATimechartTogether) {

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "document/OutputFile.h"
+#include "document/exports/Base64Output.h"
+#include "document/exports/GzipOutput.h"
+
+namespace zelkit {
+
+/// The viewer's page with documents in it, see docs/documents-in-the-page.md.
+class PageFile {
+ public:
+  /// Begins with the empty page: that of the path, or the installed one if the path is empty. Throws
+  /// std::runtime_error with "PATH: reason".
+  PageFile(OutputFile& output, const std::string& emptyPage);
+
+  /// Adds a document or a layout file. `write` writes its bytes into the sink that it is given.
+  template <typename Write>
+  void add(const std::string& name, Write write) {
+    open(name);
+    Base64Output text(_output);
+    GzipOutput packed(text, kLevel);
+    write(packed);
+    packed.finish();
+    text.finish();
+    close();
+  }
+
+  void finish();
+
+ private:
+  /// Of columns of numbers the levels above this one make little less, in twice the time.
+  static constexpr int kLevel = 4;
+
+  void open(const std::string& name);
+  void close();
+
+  OutputFile& _output;
+  std::string _page;
+  std::size_t _mark = 0;
+};
+
+}  // namespace zelkit

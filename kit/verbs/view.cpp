@@ -1,0 +1,110 @@
+// zelkit view RECORDING|CAPTURE|DOCUMENT...: a page with the documents in it, one file to keep or to mail.
+
+#include <spawn.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+
+#include "document/DocumentReader.h"
+#include "document/exports/PackedDocument.h"
+#include "verbs/Documents.h"
+#include "verbs/PageFile.h"
+
+namespace zelkit {
+
+namespace {
+
+/// The page shows back-traces of any depth, so what the kernel recorded is kept.
+constexpr std::size_t kFullDepth = 127;
+
+bool exists(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0;
+}
+
+void copy(ByteSource& from, ByteSink& to) {
+  char block[65536];
+  while (const std::size_t count = from.read(block, sizeof block)) to.write({block, count});
+}
+
+class ViewVerb : public Verb {
+ public:
+  ViewVerb() : Verb("view", "makes a page that shows documents, in one file that needs no network") {
+    _options.request.depth = kFullDepth;
+  }
+
+  void addOptions(CLI::App& command) override {
+    command.add_option("INPUT", _inputs, "documents, perf.data files or captures")->required();
+    command.add_option("-o", _output, "the page to write")->capture_default_str();
+    command.add_flag("--open", _open, "open it in the browser");
+    command.add_option("--page", _page, "the empty page; the installed one without it");
+    _options.addTo(command);
+  }
+
+  Status run() override {
+    Documents documents(_options);
+    for (const std::string& input : _inputs)
+      if (const Status status = documents.add(input); status != Status::kDone) return status;
+    OutputFile output(_output, _inputs.front());
+    PageFile page(output, _page);
+    for (const std::string& path : documents.paths()) add(path, page);
+    page.finish();
+    output.commit();
+    if (_open) openInBrowser();
+    return _damaged ? Status::kUnreadable : Status::kDone;
+  }
+
+ private:
+  void add(const std::string& path, PageFile& page) {
+    const std::string name = nameOf(path);
+    page.add(name, [&](ByteSink& sink) {
+      FileSource source(path);
+      PackedDocument packed(sink);
+      const ReadOutcome outcome = readDocument(source, packed);
+      packed.finish();
+      if (outcome.damage.empty()) return;
+      std::fprintf(stderr, "zelkit: %s; the page shows what came before\n", outcome.damage.c_str());
+      _damaged = true;
+    });
+    const std::string layout = path + ".layout.json";
+    if (path == "-" || !exists(layout)) return;
+    page.add(name + ".layout.json", [&](ByteSink& sink) {
+      FileSource source(layout);
+      copy(source, sink);
+    });
+  }
+
+  /// Returns the file's own name, or its path if another document has that name.
+  std::string nameOf(const std::string& path) {
+    if (path == "-") return "standard input";
+    const std::string name = std::filesystem::path(path).filename().string();
+    return _names.insert(name).second ? name : path;
+  }
+
+  void openInBrowser() const {
+    const std::string program = "xdg-open";
+    std::string file = _output;
+    char* const arguments[] = {const_cast<char*>(program.c_str()), file.data(), nullptr};
+    pid_t child = 0;
+    if (posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ) != 0)
+      std::fprintf(stderr, "zelkit: %s is not there to open %s\n", program.c_str(), file.c_str());
+  }
+
+  std::vector<std::string> _inputs;
+  std::string _output = "report.html";
+  std::string _page;
+  bool _open = false;
+  bool _damaged = false;
+  ConversionOptions _options;
+  std::set<std::string> _names;
+};
+
+ViewVerb verb;
+
+}  // namespace
+
+}  // namespace zelkit
