@@ -95,7 +95,10 @@ export class ProfileBuilder {
     return { process: this.processes.indexOf(row), pid: row.pid, tid, name: shownName((own ?? row).name) };
   }
 
-  /** Returns the places that the keys in `references` name, and replaces each key by its place. */
+  /**
+   * Returns all places, and replaces each key in `references` by its place. Places have the same number in
+   * every picture of a document, so that one which was chosen stays chosen.
+   */
   private places(byKey: ReadonlyMap<number, ProcessRow>, references: Uint32Array): Places {
     const used = new Set(references);
     const table = new PlaceTable();
@@ -113,7 +116,6 @@ export class ProfileBuilder {
     const lines = this.lines();
     const processOf = new Map(this.libraries.map((row) => [row.key, byKey.get(row.process)]));
     for (const row of this.functions) {
-      if (!used.has(row.key)) continue;
       const synthetic = syntheticName.exec(row.name);
       const line = lines.get(row.key);
       if (synthetic !== null) {

@@ -1,5 +1,6 @@
 import {PlaceKind} from '../document/profile';
 import {everything} from '../model/filter';
+import {isEverything} from '../model/Selection';
 
 import {button, element, isDark} from './dom';
 import {kindColour, kindNames} from './placeColours';
@@ -58,7 +59,7 @@ export class ProfileBar {
     const selection = model.selection(state.filter);
     const all = samples.count * weight;
     const about = weight > 1 ? 'about ' : '';
-    const picked = state.filter !== everything;
+    const picked = !isEverything(state.filter);
     this.counted.textContent = picked ?
         `${about}${formatPart(selection.count * weight, all)} of ${formatCount(all)} samples` :
         `${about}${formatCount(all)} samples`;
