@@ -37,6 +37,8 @@ check() {
     grep -q '^CPU 0' "$work/load" || fail "the load lacks CPU 0"
     (cd "$work" && zelconv -h >help && grep -q perf.data help) || fail "zelconv -h does not print its help"
     [ "$("$prefix/bin/zelkit" --version)" = "$version" ] || fail "zelkit does not give the version $version"
+    "$prefix/bin/zelkit" view "$work/profile.json" "$work/timechart.json" -o "$work/report.html"
+    grep -q 'data-name="profile.json"' "$work/report.html" || fail "zelkit view made no page with the documents"
 }
 
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
