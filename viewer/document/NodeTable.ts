@@ -1,4 +1,4 @@
-import {grown} from './StackTable';
+import {grown} from './grown';
 
 /** Nodes of a tree that a packed document hands out block by block; node 0 is the root. */
 export class NodeTable {
