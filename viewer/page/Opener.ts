@@ -39,15 +39,16 @@ export class Opener {
   cancel(id: number): void { this.post(id, { type: 'cancel' }); }
 
   private openSources(sources: readonly Source[]): void {
-    const layouts = new Map<string, Source>();
-    for (const source of sources) {
-      const base = /^(.*)\.layout\.json$/.exec(source.name);
-      if (base !== null) layouts.set(base[1], source);
-    }
-    for (const source of sources) {
-      if (source.name.endsWith('.layout.json')) continue;
-      this.open(source, layouts.get(source.name.replace(/\.gz$/, '')) ?? null);
-    }
+    const layouts = new Map(sources.map((source) => [source.name, source]));
+    const taken = new Set<Source>();
+    const documents = sources.map((source): [Source, Source|null] => {
+      const layout = layouts.get(`${source.name.replace(/\.gz$/, '')}.layout.json`) ?? null;
+      if (layout !== null) taken.add(layout);
+      return [source, layout];
+    });
+    // A layout file without its document is opened like one, and the reader says what it is not.
+    for (const [source, layout] of documents)
+      if (!taken.has(source)) this.open(source, layout);
   }
 
   private open(source: Source, layout: Source|null): void {

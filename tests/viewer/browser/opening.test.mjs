@@ -46,13 +46,14 @@ test('wrong files get a clear line, and do not hinder a right one', async () => 
   const page = await openPage();
   const wrong = [
     written('perf.data', 'PERFILE2 and more'), written('page.html', '<html>'),
-    written('other.json', '{"a":1}')
+    written('other.json', '{"a":1}'), written('lone.json.layout.json', '{"Version":"1.0"}')
   ];
   await openDocuments(page, ...wrong, written('right.json', profile));
-  const [recording, html, other] = await told(page);
+  const [recording, html, other, lone] = await told(page);
   assert.match(recording, /perf\.data: a recording, not a document/);
   assert.match(html, /page\.html: no document of zelconv/);
   assert.match(other, /other\.json: no document of zelconv: its first label is "a"/);
+  assert.match(lone, /lone\.json\.layout\.json: no document of zelconv/);
   assert.equal(await counted(page), '600 samples');
 });
 
