@@ -29,20 +29,24 @@ Record recordAt(const char* place) {
 
 }  // namespace
 
-RecordWalk::RecordWalk(Recording& recording, EventSink& sink, const Recording::Progress& progress)
+RecordWalk::RecordWalk(Recording& recording, EventSink& sink, Recording::Progress progress)
     : _recording(recording),
       _sink(sink),
-      _progress(progress),
+      _progress(std::move(progress)),
       _ids(recording.events()),
       _reader(recording.data()) {}
 
-void RecordWalk::run() {
+void RecordWalk::run(bool ordered) {
   Record record;
   while (_reader.next(record)) {
     if (record.type == kRecordFinishedRound) {
       finishRound();
     } else if (record.type < kFirstOfPerf) {
-      queue(record, _reader.place());
+      if (ordered) {
+        queue(record, _reader.place());
+      } else {
+        emit(record);
+      }
     }
     report(_reader.position());
     use(record);

@@ -8,9 +8,10 @@ namespace zelkit {
 /// that it is.
 class RecordWalk {
  public:
-  RecordWalk(Recording& recording, EventSink& sink, const Recording::Progress& progress);
+  RecordWalk(Recording& recording, EventSink& sink, Recording::Progress progress);
 
-  void run();
+  /// `ordered`: by time, or else as the file has them.
+  void run(bool ordered);
 
  private:
   void queue(const Record& record, const char* place);
@@ -29,7 +30,7 @@ class RecordWalk {
 
   Recording& _recording;
   EventSink& _sink;
-  const Recording::Progress& _progress;
+  Recording::Progress _progress;
   EventIds _ids;
   RecordReader _reader;
   TimeOrder _order;

@@ -155,7 +155,11 @@ void Recording::takeCallChain(std::string_view body) {
 }
 
 void Recording::walk(EventSink& sink, const Progress& progress) {
-  RecordWalk(*this, sink, progress).run();
+  RecordWalk(*this, sink, progress).run(true);
+}
+
+void Recording::walkUnordered(EventSink& sink) {
+  RecordWalk(*this, sink, {}).run(false);
 }
 
 }  // namespace zelkit

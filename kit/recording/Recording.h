@@ -41,6 +41,8 @@ class Recording {
   /// Gives all events to the sink, in the order of time. Records that tell no time come at their place in the
   /// file.
   void walk(EventSink& sink, const Progress& progress = {});
+  /// The same in the order of the file, for who only counts.
+  void walkUnordered(EventSink& sink);
 
  private:
   void describe();

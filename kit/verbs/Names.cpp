@@ -27,13 +27,32 @@ std::string placeName(const MappedFile& file, std::uint64_t address) {
   return '{' + file.path.substr(file.path.rfind('/') + 1) + text;
 }
 
-/// Adds a symbol, its address counted from `low`.
-void addSymbol(SymbolTable& table, const Symbol& symbol, std::uint64_t low = 0) {
-  FileNames* file = nullptr;
-  if (!symbol.file.empty()) file = FileNames::findOrCreate(std::string(symbol.file).c_str());
-  // The engine takes the byte after a symbol for the symbol's.
-  table.addElement(symbol.address - low, symbol.size - 1, symbol.name, file, symbol.line);
-}
+/// Adds symbols to a table of the engine.
+class TableFiller {
+ public:
+  explicit TableFiller(SymbolTable& table) : _table(table) {}
+
+  /// `low`: what addresses are counted from.
+  void add(const Symbol& symbol, std::uint64_t low) {
+    // The engine takes the byte after a symbol for the symbol's.
+    _table.addElement(symbol.address - low, symbol.size - 1, symbol.name, fileOf(symbol), symbol.line);
+  }
+
+ private:
+  /// Most functions have the file of the one before.
+  FileNames* fileOf(const Symbol& symbol) {
+    if (symbol.file.empty()) return nullptr;
+    if (symbol.file != _lastName) {
+      _lastName = symbol.file;
+      _last = FileNames::findOrCreate(_lastName.c_str());
+    }
+    return _last;
+  }
+
+  SymbolTable& _table;
+  std::string _lastName;
+  FileNames* _last = nullptr;
+};
 
 /// Returns the bytes of the kernel's own library in this process, or nothing.
 std::string_view ownVdso() {
@@ -188,12 +207,13 @@ const char* Names::whyKernelUnnamed(std::uint64_t address) {
 
 void Names::addTo(SymbolTable& table, const MappedFile& file) {
   const SymbolList& list = *listed(file).list;
+  TableFiller filler(table);
   for (std::size_t i = 0; i < list.size(); ++i) {
     Symbol symbol = list[i];
     if (symbol.address < file.low || symbol.address >= file.end) continue;
     const std::string place = symbol.name.empty() ? placeName(file, symbol.address) : "";
     if (symbol.name.empty()) symbol.name = place;
-    addSymbol(table, symbol, file.low);
+    filler.add(symbol, file.low);
   }
   // The engine finds nothing in a table of one symbol.
   if (table.elements().size() == 1) table.addElement(~0ULL - 1, 0, "(end of symbols)", nullptr, 0);
@@ -203,7 +223,8 @@ void Names::addKernelTo(SymbolTable& table, std::uint64_t start) {
   // The first address, so that the engine knows the kernel even without its symbols.
   const SymbolList& list = kernel();
   if (list.empty() || list[0].address > start) table.addElement(start, 0, "[kernel]", nullptr, 0);
-  for (std::size_t i = 0; i < list.size(); ++i) addSymbol(table, list[i]);
+  TableFiller filler(table);
+  for (std::size_t i = 0; i < list.size(); ++i) filler.add(list[i], 0);
 }
 
 }  // namespace zelkit

@@ -8,7 +8,7 @@
 namespace zelkit {
 
 Survey::Survey(Recording& recording) : samples(recording.events().size()) {
-  recording.walk(*this);
+  recording.walkUnordered(*this);
 }
 
 void Survey::mapping(const MappingEvent& event) {
