@@ -36,13 +36,7 @@ enum class Mapping : protozero::pbf_tag_type {
 };
 enum class Location : protozero::pbf_tag_type { kId = 1, kMappingId = 2, kAddress = 3, kLine = 4 };
 enum class Line : protozero::pbf_tag_type { kFunctionId = 1, kLine = 2 };
-enum class Function : protozero::pbf_tag_type {
-  kId = 1,
-  kName = 2,
-  kSystemName = 3,
-  kFile = 4,
-  kStartLine = 5
-};
+enum class Function : protozero::pbf_tag_type { kId = 1, kName = 2, kFile = 4, kStartLine = 5 };
 
 /// Texts by their numbers; number 0 is the empty text, as the format wants it.
 class StringTable {
@@ -142,8 +136,8 @@ class Pprof : public Exporter {
     const std::int64_t name = _strings.numberOf(_samples.frameName(key));
     protozero::pbf_builder<Function> function(_profile, Profile::kFunction);
     function.add_uint64(Function::kId, id);
+    // Without a system name: pprof takes one that equals the name for mangled, and cuts parameters off.
     function.add_int64(Function::kName, name);
-    function.add_int64(Function::kSystemName, name);
     const ProfileTables::Function* known = _samples.findFunction(key);
     if (known == nullptr || known->file.empty()) return;
     function.add_int64(Function::kFile, _strings.numberOf(known->file));
