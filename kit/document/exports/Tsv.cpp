@@ -2,19 +2,13 @@
 
 #include <algorithm>
 
+#include "document/ProfileTables.h"
 #include "document/exports/ExportFormat.h"
-#include "document/exports/ThreadSamples.h"
+#include "document/exports/TsvCell.h"
 
 namespace zelkit {
 
 namespace {
-
-/// Tabs and line breaks would shift the columns.
-std::string cell(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](char byte) { return byte == '\t' || byte == '\n' || byte == '\r'; }, ' ');
-  return text;
-}
 
 class Tsv : public Exporter {
  public:
@@ -61,8 +55,9 @@ class Tsv : public Exporter {
     const ProfileTables::Library* library = _tables.libraryOf(key);
     const bool hasFile = function != nullptr && !function->file.empty();
     _output.write(std::to_string(count.self) + '\t' + std::to_string(count.total) + '\t' +
-                  cell(_tables.frameName(key)) + '\t' + cell(library == nullptr ? "" : library->name) + '\t' +
-                  (hasFile ? cell(function->file) + '\t' + std::to_string(function->line) : "\t") + '\n');
+                  tsvCell(_tables.frameName(key)) + '\t' + tsvCell(library == nullptr ? "" : library->name) +
+                  '\t' + (hasFile ? tsvCell(function->file) + '\t' + std::to_string(function->line) : "\t") +
+                  '\n');
   }
 
   OutputFile& _output;

@@ -223,6 +223,12 @@ TEST(Exports, ShowTheSmallProfile) {
             "1\t2\tcopy\t/lib/libx.so\t\t\n"
             "1\t1\t[in /lib/libx.so]\t/lib/libx.so\t\t\n"
             "1\t1\tschedule\tkernel\t\t\n");
+  const std::string samples = exported("tsv-samples", {kProfileDocument});
+  EXPECT_EQ(samples.substr(0, samples.find("\n1.7")),
+            "time\tcore\tpid\ttid\tprocess\taddress\tfunction\tlibrary\tcallers\n"
+            "1.5\t0\t7\t7\ttool\t0x10104\twork\t/app/tool\tmain\n"
+            "1.6\t1\t7\t7\ttool\t0x10104\twork\t/app/tool\twork;main");
+  EXPECT_NE(samples.find("\n2\t1\t9\t9\tother\t0x10008\tmain\t/app/tool\t\n"), std::string::npos);
   EXPECT_EQ(exported("json", {R"({"processes":{"data":[[1,2,18446744073709551615,"a",],]}})"}),
             R"({"processes":{"data":[[1,2,18446744073709551615,"a"]]}})");
 }
