@@ -2,10 +2,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <istream>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "json/JSONData.h"
 
@@ -95,15 +95,19 @@ class JSONParser {
 
   /// A container that is being filled.
   struct Level {
-    JSONData* container;
-    JSONData* child = nullptr;  ///< the member that is being parsed
-    std::string key = {};       ///< of the child, in an object
+    unsigned short type;
+    JSONData* node;  ///< null until it has a member or is closed: opening brackets alone cost no nodes
   };
-  bool parseValue(JSONData& node);
-  bool parseLevel();
-  bool parseMember(Level& level);
-  bool parseKey(Level& level);
-  bool finishMember(Level& level);
+  bool classifyValue();
+  bool parseScalar(JSONData& node);
+  void open(JSONData* node);
+  bool parseMember();
+  bool parseKey();
+  bool finishMember();
+  void close();
+  static JSONData* newNode();
+  static JSONData& nodeOf(Level& level);
+  bool inObject() const { return _levels.back().type == JSONData::kObject; }
 
   /// Steps over the token that fetchNextType has left.
   void step() {
@@ -117,7 +121,10 @@ class JSONParser {
   bool _comma = false;
   bool _colon = false;
   bool _end = false;
-  std::vector<Level> _levels;  ///< open containers, innermost last
+  // Deques, which do not copy what they hold to grow.
+  std::deque<Level> _levels;      ///< open containers, innermost last; the first is the receiving node
+  std::deque<std::string> _keys;  ///< of the unfinished member of each open object, innermost last
+  JSONData* _member = nullptr;    ///< complete, and not in its container yet
 };
 
 template <typename Cursor>
@@ -197,18 +204,29 @@ bool JSONParser<Cursor>::skipComment() {
 
 template <typename Cursor>
 bool JSONParser<Cursor>::parse(JSONData& node) {
-  bool good = parseValue(node);
-  while (good && !_levels.empty()) good = parseLevel();
+  if (!classifyValue()) return false;
+  if (_type != JSONData::kObject && _type != JSONData::kArray) return parseScalar(node);
+  node.setType(_type);
+  open(&node);
+  bool good = true;
+  while (good && !_levels.empty()) good = _member == nullptr ? parseMember() : finishMember();
   // A failure drops what is unfinished; what was complete before it stays in its container.
-  for (; !_levels.empty(); _levels.pop_back())
-    if (_levels.back().child != nullptr) JSONData::release(_levels.back().child);
+  if (_member != nullptr) JSONData::release(_member);
+  for (; _levels.size() > 1; _levels.pop_back())
+    if (_levels.back().node != nullptr) JSONData::release(_levels.back().node);
   return good;
 }
 
-/// Parses a scalar into the node, or opens a container in it.
+/// Whether a value comes next, which stays unread.
 template <typename Cursor>
-bool JSONParser<Cursor>::parseValue(JSONData& node) {
-  if (!fetchNextType() || _comma || _colon || _end) return _cursor.atEnd() ? false : fail("missing value");
+bool JSONParser<Cursor>::classifyValue() {
+  if (fetchNextType() && !_comma && !_colon && !_end) return true;
+  return _cursor.atEnd() ? false : fail("missing value");
+}
+
+/// Parses a value that is no container.
+template <typename Cursor>
+bool JSONParser<Cursor>::parseScalar(JSONData& node) {
   switch (_type) {
     case JSONData::kNull:
       if (!_cursor.takeWord("null")) return fail("invalid null value");
@@ -219,48 +237,65 @@ bool JSONParser<Cursor>::parseValue(JSONData& node) {
     case JSONData::kString:
       node.setType(JSONData::kString);
       return parseJsonString(*node._value.string) || fail("invalid string");
-    case JSONData::kLong:
-      return parseJsonNumberIntoSelf(node) || fail("invalid number");
     default:
-      node.setType(_type);
-      step();
-      _levels.push_back({&node});
-      return true;
+      return parseJsonNumberIntoSelf(node) || fail("invalid number");
   }
 }
 
-/// Continues in the innermost container: parses its next member, or appends one that is complete by now.
+/// Steps over an opening bracket. The node may be null, as that of a level.
 template <typename Cursor>
-bool JSONParser<Cursor>::parseLevel() {
-  const std::size_t depth = _levels.size();
-  if (_levels.back().child == nullptr) {
-    if (!parseMember(_levels.back())) return false;
-    if (_levels.size() != depth || _levels.back().child == nullptr) return true;
-  }
-  return finishMember(_levels.back());
+void JSONParser<Cursor>::open(JSONData* node) {
+  step();
+  _levels.push_back({_type, node});
 }
 
-/// Parses a key, if the container has keys, and begins a value; or closes the container.
 template <typename Cursor>
-bool JSONParser<Cursor>::parseMember(Level& level) {
-  const bool isObject = level.container->_type == JSONData::kObject;
-  if (!fetchNextType()) return fail(isObject ? "object not closed" : "array not closed");
+JSONData* JSONParser<Cursor>::newNode() {
+  auto* node = new JSONData;
+  node->addReference();
+  return node;
+}
+
+template <typename Cursor>
+JSONData& JSONParser<Cursor>::nodeOf(Level& level) {
+  if (level.node == nullptr) {
+    level.node = newNode();
+    level.node->setType(level.type);
+  }
+  return *level.node;
+}
+
+/// Parses a key, if the innermost container has keys, and its value up to an opening bracket; or closes the
+/// container.
+template <typename Cursor>
+bool JSONParser<Cursor>::parseMember() {
+  const char* unclosed = inObject() ? "object not closed" : "array not closed";
+  if (!fetchNextType()) return fail(unclosed);
   if (_end) {
-    if (_type != level.container->_type) return fail(isObject ? "object not closed" : "array not closed");
+    if (_type != _levels.back().type) return fail(unclosed);
     step();
-    _levels.pop_back();
+    close();
     return true;
   }
-  if (isObject && !parseKey(level)) return false;
-  level.child = new JSONData;
-  level.child->addReference();
-  return parseValue(*level.child);
+  if (inObject() && !parseKey()) return false;
+  if (!classifyValue()) return false;
+  if (_type == JSONData::kObject || _type == JSONData::kArray) {
+    open(nullptr);
+    return true;
+  }
+  JSONData* scalar = newNode();
+  if (parseScalar(*scalar)) {
+    _member = scalar;
+    return true;
+  }
+  JSONData::release(scalar);
+  return false;
 }
 
 template <typename Cursor>
-bool JSONParser<Cursor>::parseKey(Level& level) {
+bool JSONParser<Cursor>::parseKey() {
   if (_type != JSONData::kString) return fail("object key must be a string");
-  if (!parseJsonString(level.key)) return fail("invalid string for object key");
+  if (!parseJsonString(_keys.emplace_back())) return fail("invalid string for object key");
   if (!fetchNextType() || !_colon) return fail("object colon expected");
   step();
   return true;
@@ -268,20 +303,29 @@ bool JSONParser<Cursor>::parseKey(Level& level) {
 
 /// Consumes the ',' or closing bracket after a member and appends the member.
 template <typename Cursor>
-bool JSONParser<Cursor>::finishMember(Level& level) {
-  const bool isObject = level.container->_type == JSONData::kObject;
+bool JSONParser<Cursor>::finishMember() {
+  Level& level = _levels.back();
   _type = JSONData::kString;  // of the member's key: a comma leaves it
-  if (!fetchNextType() || !(_comma || (_end && _type == level.container->_type)))
-    return fail(isObject ? "object comma or end expected" : "array comma or end expected");
+  if (!fetchNextType() || !(_comma || (_end && _type == level.type)))
+    return fail(inObject() ? "object comma or end expected" : "array comma or end expected");
   step();
-  JSONData* child = std::exchange(level.child, nullptr);
-  if (isObject) {
-    level.container->_value.entries->push_back(new JSONData::entry{std::move(level.key), child});
+  JSONData* member = std::exchange(_member, nullptr);
+  if (inObject()) {
+    nodeOf(level)._value.entries->push_back(new JSONData::entry{std::move(_keys.back()), member});
+    _keys.pop_back();
   } else {
-    level.container->_value.elements->push_back(child);
+    nodeOf(level)._value.elements->push_back(member);
   }
-  if (_end) _levels.pop_back();
+  if (_end) close();
   return true;
+}
+
+/// Ends the innermost container, which becomes a complete member of the one around it.
+template <typename Cursor>
+void JSONParser<Cursor>::close() {
+  Level closed = _levels.back();
+  _levels.pop_back();
+  if (!_levels.empty()) _member = &nodeOf(closed);
 }
 
 template <typename Cursor>

@@ -174,4 +174,25 @@ TEST_F(Hostile, EventNumbersAndTablesOfEverySize) {
   EXPECT_TRUE(ending.endedWell || ending.aborted);
 }
 
+TEST_F(Hostile, CounterTypesOfNothingButOpeningBrackets) {
+  constexpr long megabytes = 5;
+  constexpr long mostTimes = 40;
+  _folder.environment().set("ZELVIEW_CONFIG", _folder.path("config"));
+  _folder.environment().set("DOCUMENT_ROOT", _folder.path("www"));
+  _folder.write("config/plotx/activeCounters", "11\n");
+  const std::string recording = TraceBuilder().at(1, 0).wakeup(7).build();
+  const auto peakWith = [&](const std::string& opening) {
+    std::string types;
+    while (types.size() < std::size_t{megabytes} << 20) types += opening;
+    _folder.write("www/configx/cfgx-types.json", types);
+    const Ending ending = _folder.runApart(recording, {"-b", "5", "-t"});
+    EXPECT_TRUE(ending.endedWell) << "signal " << ending.signal;
+    return ending.peakMegabytes;
+  };
+  _folder.write("www/configx/cfgx-types.json", "[");
+  const long peakOfOne = _folder.runApart(recording, {"-b", "5", "-t"}).peakMegabytes;
+  for (const char* opening : {"[", "{\"\":", "[{\"\":"})
+    EXPECT_LT(peakWith(opening) - peakOfOne, mostTimes * megabytes) << opening;
+}
+
 }  // namespace
