@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "records/RecordLosses.h"
 
@@ -51,6 +53,7 @@ class PerfFactory {
   /// Returns how many bytes may be read from the start of a record. One in a buffer of the caller's
   /// own is taken to be whole: at most what its size in 16 bits can tell.
   static std::size_t lengthOf(const char* record) {
+    assert(record == _tmp || !isInBuffer(record));  // a record is read from its start on
     return record == _tmp ? static_cast<std::size_t>(_tmpLen) : std::size_t{0xFFFF};
   }
 
@@ -60,6 +63,10 @@ class PerfFactory {
     PerfRecordFunction function = nullptr;
     const char* name = nullptr;
   };
+
+  static bool isInBuffer(const char* byte) {
+    return !std::less<>()(byte, _tmp) && std::less<>()(byte, _tmp + _tmpLen);
+  }
 
   static std::array<RecordFunction, 16> perfRecordFunctions;
   static std::uint32_t _lostBytes;  ///< words passed over by the scan, 4 bytes each

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -28,6 +29,7 @@ class RecordView {
  private:
   template <typename Number>
   Number load(std::size_t offset) const {
+    static_assert(std::endian::native == std::endian::little, "the bytes are taken as they stand");
     Number value = 0;
     if (offset <= _bytes.size() && sizeof value <= _bytes.size() - offset)
       std::memcpy(&value, _bytes.data() + offset, sizeof value);
