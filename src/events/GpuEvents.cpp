@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "base/TargetNumbers.h"
 #include "run/Settings.h"

@@ -1,6 +1,7 @@
 #include "events/PRSE_irq_handler_entry.h"
 
 #include <string>
+#include <string_view>
 
 #include "timechart/TimechartManager.h"
 

@@ -1,5 +1,7 @@
 #include "events/PRSE_task_rename.h"
 
+#include <string>
+
 #include "timechart/TimechartManager.h"
 
 namespace {

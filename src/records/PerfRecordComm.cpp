@@ -5,6 +5,7 @@
 #include "base/NameStore.h"
 #include "json/DocumentSection.h"
 #include "records/PerfFactory.h"
+#include "records/PerfRecordType.h"
 #include "records/RecordView.h"
 #include "run/Settings.h"
 #include "symbols/SymbolTable.h"
@@ -27,7 +28,7 @@ PerfRecordComm PerfRecordComm::_lostAndFound(0xFFFFFFFF, 0xFFFFFFFF, "lostAndFou
 
 namespace {
 
-const PerfAddFactory commFactory(3, "comm", PerfRecordComm::createInstance);
+const PerfAddFactory commFactory(PERF_RECORD_COMM, "comm", PerfRecordComm::createInstance);
 
 constexpr SectionColumn kColumns[] = {
     {"key", "db key for this process element used in other structs as a reference"},

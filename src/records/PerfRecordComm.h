@@ -16,7 +16,7 @@ class SymbolTable;
 class PerfRecordComm : public PerfRecord {
  public:
   /// Takes the next key and enters all tables; in a table by id the first process of that id stays.
-  PerfRecordComm(unsigned int pid, unsigned int tid, std::string_view name);
+  PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string_view name);
   /// Enters the list of all processes only.
   PerfRecordComm();
 

@@ -6,6 +6,7 @@
 #include "records/PerfFactory.h"
 #include "records/PerfRecordComm.h"
 #include "records/PerfRecordSample.h"
+#include "records/PerfRecordType.h"
 #include "records/RecordView.h"
 #include "run/Settings.h"
 #include "symbols/SymbolTable.h"
@@ -19,7 +20,7 @@ MapIndex PerfRecordMMap::_sortedMaps;
 
 namespace {
 
-const PerfAddFactory mmapFactory(1, "mmap", PerfRecordMMap::createInstance);
+const PerfAddFactory mmapFactory(PERF_RECORD_MMAP, "mmap", PerfRecordMMap::createInstance);
 
 /// A mapping from here up is a relocatable library, one below it an executable with absolute symbol
 /// addresses.

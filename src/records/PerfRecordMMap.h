@@ -27,7 +27,7 @@ class PerfRecordMMap : public PerfRecord {
   /// All 0 and null but for the key.
   PerfRecordMMap();
   /// Enters the tables and loads the file's symbols. The first of these also builds the three standing maps.
-  PerfRecordMMap(unsigned int pid, unsigned int tid, unsigned long long start, unsigned long long length,
+  PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned long long start, unsigned long long length,
                  unsigned long long pageOffset, std::string_view name);
 
   static PerfRecord* createInstance(char* record);

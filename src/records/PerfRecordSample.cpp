@@ -11,6 +11,7 @@
 #include "records/PerfFactory.h"
 #include "records/PerfRecordComm.h"
 #include "records/PerfRecordMMap.h"
+#include "records/PerfRecordType.h"
 #include "run/Settings.h"
 #include "run/TimeBase.h"
 #include "symbols/SymbolTable.h"
@@ -24,7 +25,7 @@ std::deque<PerfRecordSample*> PerfRecordSample::_allSamples;
 
 namespace {
 
-const PerfAddFactory sampleFactory(9, "sample", PerfRecordSample::createInstance);
+const PerfAddFactory sampleFactory(PERF_RECORD_SAMPLE, "sample", PerfRecordSample::createInstance);
 
 constexpr unsigned int kHighestCore = 16;
 constexpr unsigned int kDeepestPossible = 255;

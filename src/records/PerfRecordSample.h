@@ -19,8 +19,8 @@ class PerfRecordSample : public PerfRecord {
   /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and
   /// gDeepestTrace are kept at most. Resolves the back-trace with the maps and processes known by now, and
   /// joins the list of all samples.
-  PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid,
-                   unsigned int tid, unsigned long long period, unsigned int nr,
+  PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid_,
+                   unsigned int tid_, unsigned long long period, unsigned int nr,
                    const PerfRecordSampleS& record);
   /// All 0; takes a number and joins no list.
   PerfRecordSample();

@@ -1,12 +1,12 @@
 #include "records/RecordLosses.h"
 
 #include <cstring>
+#include <iterator>
+
+#include "records/PerfRecordType.h"
 
 namespace {
 
-constexpr std::uint32_t kLost = 2;
-constexpr std::uint32_t kSample = 9;
-constexpr std::uint32_t kLostSamples = 13;
 constexpr std::uint32_t kLastReadType = 16;
 constexpr std::uint16_t kHeaderSize = 8;
 constexpr std::uint16_t kLongestRecord = 256;
@@ -75,16 +75,16 @@ void RecordLosses::countRejected(std::uint32_t type, std::uint16_t size) {
     if (size >= kHeaderSize && !recordTypeName(type).empty()) ++passedOver[type];
   } else if (type > 0 && size > kLongestRecord) {
     ++longRecords;
-    if (type == kSample) ++longSamples;
+    if (type == PERF_RECORD_SAMPLE) ++longSamples;
   }
 }
 
 void RecordLosses::countPassedOver(std::uint32_t type, const char* record, std::size_t size) {
   ++passedOver[type];
   // In LOST an id precedes the number.
-  const std::size_t offset = type == kLost ? 16 : 8;
+  const std::size_t offset = type == PERF_RECORD_LOST ? 16 : 8;
   std::uint64_t lost = 0;
-  if ((type != kLost && type != kLostSamples) || size < offset + sizeof lost) return;
+  if ((type != PERF_RECORD_LOST && type != PERF_RECORD_LOST_SAMPLES) || size < offset + sizeof lost) return;
   std::memcpy(&lost, record + offset, sizeof lost);
   lostByKernel += lost;
 }

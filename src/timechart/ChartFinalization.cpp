@@ -2,10 +2,12 @@
 // from the machine, and those of the hardware counters, from the capture's configuration.
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "base/LineReader.h"
 #include "base/MachineFiles.h"
