@@ -13,9 +13,7 @@ int exitStatus(Status status) {
   return static_cast<int>(status);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app{"zelkit: takes any perf.data or a capture of a device and gives the document a user expects"};
   app.set_version_flag("--version", ZELKIT_VERSION);
   app.require_subcommand(1);
@@ -25,12 +23,20 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : exitStatus(Status::kUsage);
   }
+  for (Verb* verb : Verb::all())
+    if (app.got_subcommand(verb->name())) return exitStatus(verb->run());
+  return exitStatus(Status::kUsage);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    for (Verb* verb : Verb::all())
-      if (app.got_subcommand(verb->name())) return exitStatus(verb->run());
+    return run(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "zelkit: %s\n", error.what());
-    return exitStatus(Status::kUnreadable);
+  } catch (...) {
+    std::fputs("zelkit: failed for an unknown reason\n", stderr);
   }
-  return exitStatus(Status::kUsage);
+  return exitStatus(Status::kUnreadable);
 }
