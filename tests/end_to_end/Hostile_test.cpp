@@ -175,7 +175,7 @@ TEST_F(Hostile, EventNumbersAndTablesOfEverySize) {
 }
 
 TEST_F(Hostile, CounterTypesOfNothingButOpeningBrackets) {
-  constexpr long megabytes = 5;
+  constexpr long megabytes = 2;
   constexpr long mostTimes = 40;
   _folder.environment().set("ZELVIEW_CONFIG", _folder.path("config"));
   _folder.environment().set("DOCUMENT_ROOT", _folder.path("www"));

@@ -51,6 +51,7 @@ constexpr Case kCases[] = {
     {"[,1]", "-[]", "missing value", ",1]"},
     {"[1,,2]", "-[1]", "missing value", ",2]"},
     {"[[],{\"a\":[{},[1,[]],],\"b\":{}}]", "+[[],{\"a\":[{},[1,[]]],\"b\":{}}]", "", ""},
+    {"{\"a\":{\"b\":{\"c\":0}},\"d\":1}", "+{\"a\":{\"b\":{\"c\":0}},\"d\":1}", "", ""},
     {"[0,[1,[2]]", "-[0]", "array comma or end expected", ""},
     {"{\"a\":[],\"b\":{\"c\":[1,[{}?", "-{\"a\":[]}", "array comma or end expected", "?"},
     {"{\"a\":1,\"a\":2,}", "+{\"a\":1,\"a\":2}", "", ""},
@@ -181,6 +182,7 @@ TEST(JSONParser, TakesAnyDepthOfNesting) {
   JSONData objects;
   EXPECT_FALSE(objects.setFromJsonStlString(text + "1"));
   EXPECT_EQ(objects.length(), 0);
+  EXPECT_EQ(objects._refCount, 0);
 }
 
 }  // namespace
