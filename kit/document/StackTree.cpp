@@ -7,6 +7,7 @@ namespace zelkit {
 namespace {
 
 constexpr std::size_t kFewestSlots = 1024;
+constexpr std::size_t kRecentPaths = std::size_t{1} << 15U;
 
 /// The finalizer of MurmurHash3: every bit of the input reaches every bit of the result.
 std::uint64_t mixed(std::uint64_t value) {
@@ -22,7 +23,7 @@ std::uint64_t randomSeed() {
 
 }  // namespace
 
-StackTree::StackTree() : _nodes(1), _slots(kFewestSlots), _seed(randomSeed()) {}
+StackTree::StackTree() : _nodes(1), _slots(kFewestSlots), _recent(kRecentPaths), _seed(randomSeed()) {}
 
 StackTree::Node StackTree::child(Node parent, std::uint64_t label) {
   const std::size_t slot = slotOf(parent, label);
@@ -32,6 +33,24 @@ StackTree::Node StackTree::child(Node parent, std::uint64_t label) {
   _nodes.push_back({label, parent, 0});
   if (_nodes.size() * 2 > _slots.size()) grow();
   return node;
+}
+
+StackTree::Node StackTree::path(Node root, std::span<const std::uint32_t> labels) {
+  std::uint64_t hash = _seed ^ root;
+  for (const std::uint32_t label : labels) hash = (hash ^ label) * 0x9E3779B97F4A7C15U;
+  Node& recent = _recent[mixed(hash) & (kRecentPaths - 1)];
+  if (recent != kRoot && isPath(recent, root, labels)) return recent;
+  Node node = root;
+  for (std::size_t i = labels.size(); i-- > 0;) node = child(node, labels[i]);
+  return recent = node;
+}
+
+bool StackTree::isPath(Node node, Node root, std::span<const std::uint32_t> labels) const {
+  for (const std::uint32_t label : labels) {
+    if (node == kRoot || _nodes[node].label != label) return false;
+    node = _nodes[node].parent;
+  }
+  return node == root;
 }
 
 std::size_t StackTree::slotOf(Node parent, std::uint64_t label) const {

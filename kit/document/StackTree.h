@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace zelkit {
@@ -17,6 +18,10 @@ class StackTree {
 
   /// Returns the child of that node for the label, which it makes if there is none.
   Node child(Node parent, std::uint64_t label);
+  /// Returns the node of a whole stack below that node, which it makes if there is none. The innermost label
+  /// comes first, as in a back-trace; samples repeat few stacks, so that most are found without a look at
+  /// each node's children.
+  Node path(Node root, std::span<const std::uint32_t> labels);
   void count(Node node) { ++_nodes[node].self; }
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(_nodes.size()); }
@@ -34,10 +39,13 @@ class StackTree {
 
   std::size_t slotOf(Node parent, std::uint64_t label) const;
   void grow();
+  bool isPath(Node node, Node root, std::span<const std::uint32_t> labels) const;
 
   std::vector<Entry> _nodes;
   /// Open addressing; 0 marks an empty slot, as the root is nobody's child.
   std::vector<Node> _slots;
+  /// Latest results of path, by a hash of its labels; kRoot where there is none.
+  std::vector<Node> _recent;
   std::uint64_t _seed;
 };
 

@@ -23,9 +23,7 @@ class FoldedStacks : public Exporter {
   void sample(const SampleRow& sample) override {
     _frames.clear();
     forEachFrame(sample, [&](std::uint32_t key) { _frames.push_back(key); });
-    StackTree::Node node = _tree.child(StackTree::kRoot, sample.pidKey);
-    for (std::size_t i = _frames.size(); i-- > 0;) node = _tree.child(node, _frames[i]);
-    _tree.count(node);
+    _tree.count(_tree.path(_tree.child(StackTree::kRoot, sample.pidKey), _frames));
   }
 
   void documentEnd() override {

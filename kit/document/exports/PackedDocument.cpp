@@ -131,9 +131,7 @@ std::uint64_t PackedDocument::traceOf(const SampleRow& row) {
     if (_frames.empty()) repeatsOwn = entry.key == row.mapKey || entry.address == row.ip;
     _frames.push_back(entry.key);
   }
-  StackTree::Node node = _traces.child(StackTree::kRoot, 2 * row.trace.size() + (repeatsOwn ? 1 : 0));
-  for (std::size_t i = _frames.size(); i-- > 0;) node = _traces.child(node, _frames[i]);
-  return node;
+  return _traces.path(_traces.child(StackTree::kRoot, 2 * row.trace.size() + (repeatsOwn ? 1 : 0)), _frames);
 }
 
 void PackedDocument::writeBlock() {

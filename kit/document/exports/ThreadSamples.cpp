@@ -24,8 +24,7 @@ void ThreadSamples::sample(const SampleRow& row) {
   }
   _frames.clear();
   forEachFrame(row, [&](std::uint32_t key) { _frames.push_back(key); });
-  StackTree::Node node = StackTree::kRoot;
-  for (std::size_t i = _frames.size(); i-- > 0;) node = _tree.child(node, _frames[i]);
+  const StackTree::Node node = _tree.path(StackTree::kRoot, _frames);
   _tree.count(node);
   _latest->times.push_back(row.time);
   _latest->nodes.push_back(node);
