@@ -29,7 +29,7 @@ constexpr std::uint64_t kEventTableEntry = 72;
 constexpr std::size_t kMostEvents = 1024;
 constexpr std::size_t kLongestText = 256;
 constexpr std::size_t kLongestRecord = 256;
-constexpr std::uint64_t kMostScanned = 64 * 1024 * 1024;
+constexpr std::uint64_t kMostScanned = std::uint64_t{64} * 1024 * 1024;
 
 /// A regular file and its size. Whatever else bears the name is not opened, as that can have effects.
 class RegularFile {
@@ -68,7 +68,7 @@ class RegularFile {
   int _fd = -1;
   std::uint64_t _size = 0;
   bool _isGood = false;
-  mutable std::array<char, 32 * 1024> _block;  ///< what was read last
+  mutable std::array<char, std::size_t{32} * 1024> _block;  ///< what was read last
   mutable std::uint64_t _blockStart = 0;
   mutable std::size_t _blockSize = 0;
 };

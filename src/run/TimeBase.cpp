@@ -36,7 +36,8 @@ void calcTimeConversion() {
 }
 
 double time64ToDouble(unsigned long long nanoseconds) {
-  return static_cast<double>(nanoseconds / kNanosecondsPerSecond) +
+  const unsigned long long seconds = nanoseconds / kNanosecondsPerSecond;
+  return static_cast<double>(seconds) +
          static_cast<double>(nanoseconds % kNanosecondsPerSecond) / 1000000000.0;
 }
 
