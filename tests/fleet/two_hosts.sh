@@ -9,18 +9,21 @@ count=${3:-24}
 top=$(cd "$(dirname "$0")/../.." && pwd)
 work=$(mktemp -d)
 prefix=zf$$
+run=
 
 fail() {
     echo "fleet: $*"
     exit 1
 }
 
-kill_host() { ip netns pids "$prefix$1" | xargs -r kill -9; }
+# Some of them end by themselves meanwhile.
+kill_host() { ip netns pids "$prefix$1" | xargs -r kill -9 2>/dev/null || true; }
 
 clean_up() {
     local host
+    [ -z "$run" ] || kill "$run" 2>/dev/null || true
     for host in 1 2; do
-        kill_host $host 2>/dev/null || true
+        kill_host $host 2>/dev/null
         ip netns del "$prefix$host" 2>/dev/null || true
     done
     ip link del "${prefix}b" 2>/dev/null || true
@@ -36,8 +39,9 @@ start_host() { # start_host NUMBER
     ip -n "$name" addr add "10.213.77.1$1/24" dev eth0
     ip -n "$name" link set eth0 up
     ip -n "$name" link set lo up
+    # A home of its own: what a user's shell does at its start is no part of this, and would be killed with the host.
     ip netns exec "$name" /usr/sbin/sshd -f /dev/null -h "$work/key" -o "AuthorizedKeysFile=$work/key.pub" -o StrictModes=no \
-        -o "PidFile=none" -o UsePAM=no -o PermitRootLogin=prohibit-password
+        -o "PidFile=none" -o "SetEnv=HOME=$work" -o UsePAM=no -o PermitRootLogin=prohibit-password
 }
 
 ssh-keygen -q -t ed25519 -N '' -f "$work/key"
@@ -71,7 +75,8 @@ while [ "$(grep -cs '^10.213.77.12 ' "$work/starts" || true)" -lt 3 ]; do
     sleep 0.05
 done
 kill_host 2
-wait $run || fail "the run failed"
+wait "$run" || fail "the run failed"
+run=
 awk -v start="$start" -v end="$EPOCHREALTIME" -v count="$count" -v starts="$(wc -l <"$work/starts")" \
     'BEGIN { printf "%d recordings in %.1f s, %d begun twice, as their host died\n", count, end - start, starts - count }'
 
