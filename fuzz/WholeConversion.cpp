@@ -1,15 +1,24 @@
 #include "WholeConversion.h"
 
-#include <fstream>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 
 #include "json/JSONData.h"
 
 namespace {
 
+/// Numbers beyond 1e16 have an exponent, which the program's own reader does not know: "1.5e+30" becomes
+/// "1.530".
+std::string withoutExponents(std::string document) {
+  for (std::size_t at = document.find("e+", 1); at != std::string::npos; at = document.find("e+", at + 1))
+    if (document[at - 1] >= '0' && document[at - 1] <= '9') document.erase(at, 2);
+  return document;
+}
+
 bool isWhole(const std::string& file) {
-  // From the stream: a marker's name may have a NUL, which would end a text.
-  std::ifstream stream(file, std::ios::binary);
+  // From a stream: a marker's name may have a NUL, which would end a text.
+  std::istringstream stream(withoutExponents(readFile(file)));
   loomstat::JSONData document;
   return document.setFromStream(stream) && stream.get() == '\n' && stream.get() == EOF;
 }
