@@ -22,7 +22,7 @@ class KeyTable {
 
   /// Enters a value, which must not be null and replaces the one that the key has.
   void set(std::uint64_t key, Value* value) {
-    if (3 * (_size + 1) > 2 * _slots.size()) grow();
+    if (2 * (_size + 1) > _slots.size()) grow();
     Slot& slot = _slots[indexOf(key)];
     if (slot.value == nullptr) ++_size;
     slot = {key, value};

@@ -103,9 +103,12 @@ void Arena::release(void* piece, std::size_t size) {
 }
 
 void Arena::releaseBlocksBefore(const void* piece) {
-  const auto home = std::find_if(_blocks.begin(), _blocks.end(), [piece](const BlockPool::Block& block) {
+  const auto holdsPiece = [piece](const BlockPool::Block& block) {
     return holds(block.get(), static_cast<const char*>(piece));
-  });
+  };
+  // Nearly always: samples are released one after the other.
+  if (!_blocks.empty() && holdsPiece(_blocks.front())) return;
+  const auto home = std::find_if(_blocks.begin(), _blocks.end(), holdsPiece);
   assert(home != _blocks.end());
   if (home != _blocks.end()) _blocks.erase(_blocks.begin(), home);
 }

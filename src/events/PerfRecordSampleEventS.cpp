@@ -7,5 +7,5 @@ std::string_view EventPayload::locatedText(std::size_t offset, std::size_t skip)
 }
 
 EventPayload PerfRecordSampleEventS::payload() const {
-  return {_view, kRaw + (kern_ver < 310 ? 12 : 8)};
+  return {view(), kRaw + (kern_ver < 310 ? 12 : 8)};
 }

@@ -32,21 +32,21 @@ class EventPayload {
 /// recorded (IP, TID, TIME, ID, CPU, RAW; see linux/perf_event.h).
 class PerfRecordSampleEventS {
  public:
-  explicit PerfRecordSampleEventS(const char* record) : _view(record), _sample(record) {}
+  explicit PerfRecordSampleEventS(const char* record) : _sample(record) {}
 
   unsigned long long ip() const { return _sample.ip(); }
   unsigned int pid() const { return _sample.pid(); }
   unsigned int tid() const { return _sample.tid(); }
   unsigned long long time() const { return _sample.time(); }
-  int cpu() const { return _view.i32(40); }
+  int cpu() const { return view().i32(40); }
   /// The kernel's number of the event.
-  std::uint16_t commonType() const { return _view.u16(kRaw); }
-  int commonPid() const { return _view.i32(kRaw + 4); }
+  std::uint16_t commonType() const { return view().u16(kRaw); }
+  int commonPid() const { return view().i32(kRaw + 4); }
 
   /// The payload. Kernels before 3.10 have a word more in the common header.
   EventPayload payload() const;
   /// The payload in the layouts of 64-bit kernels, which never have that word.
-  EventPayload payload64() const { return {_view, kRaw + 8}; }
+  EventPayload payload64() const { return {view(), kRaw + 8}; }
 
   /// The same record as a plain sample would read it.
   const PerfRecordSampleS& sample() const { return _sample; }
@@ -54,6 +54,7 @@ class PerfRecordSampleEventS {
   static constexpr std::size_t kRaw = 52;
 
  private:
-  RecordView _view;
+  const RecordView& view() const { return _sample.view(); }
+
   PerfRecordSampleS _sample;
 };

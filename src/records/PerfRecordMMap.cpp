@@ -213,13 +213,18 @@ void PerfRecordMMap::countPageUse(const Resolution& resolution) {
   resolution.page->markUsed(resolution.page->address());
 }
 
-const Resolution& PerfRecordMMap::resolve(const CodeAddress& code, AddressClass sampleClass) {
-  const ResolutionBasis basis = {static_cast<std::uint32_t>(_allMaps.size()), PerfRecordComm::count(),
-                                 sampleClass};
+ResolutionBasis PerfRecordMMap::basisNow(AddressClass sampleClass) {
+  return {static_cast<std::uint32_t>(_allMaps.size()), PerfRecordComm::count(), sampleClass};
+}
+
+const Resolution& PerfRecordMMap::resolve(const CodeAddress& code, ResolutionBasis& basis) {
   // A verbose run tells of every look-up.
   const Resolution* known = gVerbosity > 0 ? nullptr : addressCache.find(code, basis);
-  const Resolution& resolution =
-      known != nullptr ? *known : addressCache.store(code, basis, lookUp(code, sampleClass));
+  if (known == nullptr) {
+    known = &addressCache.store(code, basis, lookUp(code, basis.sampleClass));
+    basis = basisNow(basis.sampleClass);
+  }
+  const Resolution& resolution = *known;
   if (resolution.map == nullptr) return resolution;
   countPageUse(resolution);
   resolution.map->countUse();
@@ -232,8 +237,8 @@ unsigned int PerfRecordMMap::keyOf(const Resolution& resolution) {
   return resolution.map != nullptr ? resolution.map->key : 0;
 }
 
-unsigned int PerfRecordMMap::resolveCaller(const CodeAddress& caller, AddressClass sampleClass) {
-  return keyOf(resolve(caller, sampleClass));
+unsigned int PerfRecordMMap::resolveCaller(const CodeAddress& caller, ResolutionBasis& basis) {
+  return keyOf(resolve(caller, basis));
 }
 
 unsigned int PerfRecordMMap::resolveSample(const CodeAddress& sample) {
@@ -242,7 +247,8 @@ unsigned int PerfRecordMMap::resolveSample(const CodeAddress& sample) {
   if (sampleClass == AddressClass::stack && _kernelMap != nullptr) _kernelMap->useSymbolAt(sample.address);
   if (gVerbosity > 0 && findMap(sample.address, sample.pid, sample.tid) == nullptr)
     std::puts("SAMP: no map key");
-  const Resolution& resolution = resolve(sample, sampleClass);
+  ResolutionBasis basis = basisNow(sampleClass);
+  const Resolution& resolution = resolve(sample, basis);
   if (resolution.symbol != nullptr && !resolution.unmapped) resolution.symbol->markUsed(sample.address);
   return keyOf(resolution);
 }

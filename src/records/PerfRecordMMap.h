@@ -45,10 +45,12 @@ class PerfRecordMMap : public PerfRecord {
   static PerfRecordMMap* createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
                                             unsigned long long address);
 
-  /// Resolves an address of a back-trace, of a sample whose own address is of the given class, and counts one
-  /// use of the map and of the symbol there. An address without a map gets a synthetic home. Returns the key
-  /// of the symbol or else of the map; 0 if there is no map.
-  static unsigned int resolveCaller(const CodeAddress& caller, AddressClass sampleClass);
+  /// Returns what resolutions follow from by now, for a sample whose own address is of the given class.
+  static ResolutionBasis basisNow(AddressClass sampleClass);
+  /// Resolves an address of a back-trace, and counts one use of the map and of the symbol there. An address
+  /// without a map gets a synthetic home. The basis is the present one, and kept so: a back-trace needs one
+  /// only. Returns the key of the symbol or else of the map; 0 if there is no map.
+  static unsigned int resolveCaller(const CodeAddress& caller, ResolutionBasis& basis);
   /// The same for a sample's own address, which counts two uses of the symbol if a map covers it.
   static unsigned int resolveSample(const CodeAddress& sample);
 
@@ -98,7 +100,7 @@ class PerfRecordMMap : public PerfRecord {
                                          unsigned long long length, unsigned int pidKey,
                                          SymbolTable* symbols);
   static PerfRecordMMap* findPidMap(unsigned int pid, AddressClass addressClass);
-  static const Resolution& resolve(const CodeAddress& code, AddressClass sampleClass);
+  static const Resolution& resolve(const CodeAddress& code, ResolutionBasis& basis);
   static Resolution lookUp(const CodeAddress& code, AddressClass sampleClass);
   static Resolution makeHome(const CodeAddress& code, AddressClass sampleClass);
   static void countPageUse(const Resolution& resolution);

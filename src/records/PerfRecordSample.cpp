@@ -95,15 +95,19 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
     if (record.ips(0) <= kLastInterruptAddress && gVerbosity > 0) std::puts("Not an interrupt");
     skip = 1;
   }
-  if (skip >= _depth) return;
+  if (skip < _depth) resolveTrace(record, skip);
+}
+
+/// Keeps the entries of the back-trace that are not passed over.
+void PerfRecordSample::resolveTrace(const PerfRecordSampleS& record, unsigned int skip) {
   // The entry passed over does not shorten the trace: its last entry is then what follows the ones that the
   // depth covers. Viewers have always been given it.
   std::array<BackTraceEntry, kDeepestPossible> entries;
-  const AddressClass ownClass = classOf(_ip);
+  ResolutionBasis basis = PerfRecordMMap::basisNow(classOf(_ip));
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);
-    entries[i] = {address, PerfRecordMMap::resolveCaller({address, pid, tid}, ownClass)};
+    entries[i] = {address, PerfRecordMMap::resolveCaller({address, pid, tid}, basis)};
   }
   if (address <= kLastStrayMarker) --_depth;
   keepTrace(entries.data());

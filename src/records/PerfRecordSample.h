@@ -63,6 +63,7 @@ class PerfRecordSample : public PerfRecord {
   static bool _keepsSamples;
 
  private:
+  void resolveTrace(const PerfRecordSampleS& record, unsigned int skip);
   void keepTrace(const BackTraceEntry* entries);
 
   static Arena _arena;                      ///< of all samples and their back-traces

@@ -19,6 +19,8 @@ class PerfRecordSampleS {
   unsigned int nr() const { return _view.u32(48); }
   unsigned long long ips(unsigned int index) const { return _view.u64(56 + std::size_t{8} * index); }
 
+  const RecordView& view() const { return _view; }
+
  private:
   RecordView _view;
 };

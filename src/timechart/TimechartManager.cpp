@@ -139,8 +139,11 @@ void TimechartManager::setLastPidForCpu(int pid, int cpu) {
 }
 
 int TimechartManager::pidMigratedFrom(int pid, int cpu) const {
-  for (int other = 0; other < _lastPid.kSlots; ++other)
-    if (*_lastPid.find(other) == pid && other != cpu) return other;
+  int other = 0;
+  for (const int last : _lastPid) {
+    if (last == pid && other != cpu) return other;
+    ++other;
+  }
   return -1;
 }
 

@@ -29,7 +29,8 @@ class PerfRecordMMapTest : public testing::Test {
   }
 
   static unsigned int resolve(unsigned long long address, unsigned int pid = 7) {
-    return PerfRecordMMap::resolveCaller({address, pid, pid}, AddressClass::mapped);
+    ResolutionBasis basis = PerfRecordMMap::basisNow(AddressClass::mapped);
+    return PerfRecordMMap::resolveCaller({address, pid, pid}, basis);
   }
 
   SymbolTableElement* _symbol;
