@@ -43,8 +43,9 @@ class KeyTable {
 
   static constexpr std::size_t kSmallest = 16;
   /// Keys that differ in these bits only are neighbours in the table, too: most keys are given out one after
-  /// the other, and go together through the processor's cache.
-  static constexpr std::uint64_t kNearBits = 15;
+  /// the other, and go together through the processor's cache. More bits make long searches where groups
+  /// meet.
+  static constexpr std::uint64_t kNearBits = 3;
 
   /// Returns the slot that has the key, or else the free one that it would take.
   std::size_t indexOf(std::uint64_t key) const {
