@@ -177,7 +177,7 @@ TEST(ProfileDocument, DoesNotReuseCachedUnmappedAddresses) {
 TEST(ProfileDocument, LastsToTheLatestSampleInTheFileAndNotTheGreatestTime) {
   Conversion conversion;
   RecordingBuilder recording;
-  for (const std::uint64_t seconds : {1, 5, 3})
+  for (const std::uint64_t seconds : {1U, 5U, 3U})
     recording.sample({.ip = 0x10000, .pid = 7, .tid = 7, .time = seconds * 1000000000});
   const std::string document = conversion.run(recording, {"-b", "1"});
   EXPECT_NE(document.find("\"First Sample Time\":1,\"duration\":2}"), std::string::npos);
