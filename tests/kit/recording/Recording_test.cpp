@@ -81,9 +81,9 @@ TEST(Recording, ReadsCompressedRecordsThatEndWithinARecord) {
 TEST(Recording, SortsWhatTheBuffersOfSeveralCoresHold) {
   ModernRecording recording;
   recording.event({});
-  for (const std::uint64_t time : {300, 100}) recording.at(time).sample({.ip = time});
+  for (const std::uint64_t time : {300U, 100U}) recording.at(time).sample({.ip = time});
   recording.round();
-  for (const std::uint64_t time : {500, 250, 400}) recording.at(time).sample({.ip = time});
+  for (const std::uint64_t time : {500U, 250U, 400U}) recording.at(time).sample({.ip = time});
   recording.round();
   recording.at(450).sample({.ip = 450});
   std::string times;

@@ -33,7 +33,7 @@ TEST(SymbolLists, AreMadeOnceAndKeptBetweenRuns) {
   const ElfWorkshop workshop;
   const std::string cache = workshop.path("deep/in/cache");
   std::string first;
-  for (const std::size_t run : {0, 1}) {
+  for (const std::size_t run : {0U, 1U}) {
     SymbolLists lists(cache);
     const auto list = lists.listOf(fixture());
     EXPECT_EQ(lists.listOf(fixture()), list) << "read once a run";
