@@ -110,7 +110,11 @@ TEST(ElfSymbols, ComeFromWhereverAStrippedFileLeftThem) {
   const Symbol hidden = named(whole, "fixture::hidden(int)");
   const std::size_t unnamed = exported.find(hidden.address);
   ASSERT_LT(unnamed, exported.size());
-  EXPECT_EQ(exported[unnamed], (Symbol{hidden.address, hidden.size, ""}));
+  EXPECT_EQ(exported[unnamed].address, hidden.address);
+  EXPECT_EQ(exported[unnamed].name, "");
+  // What fills the place up to the next function belongs to it.
+  EXPECT_GE(exported[unnamed].size, hidden.size);
+  EXPECT_LT(exported[unnamed].size, hidden.size + 16);
 
   if (!ElfWorkshop::has("xz")) GTEST_SKIP() << "no xz to make MiniDebugInfo with";
   workshop.run(
