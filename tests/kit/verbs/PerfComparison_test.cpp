@@ -50,6 +50,12 @@ std::string bareName(std::string name) {
   return name;
 }
 
+/// Returns the bare name; none for code without a symbol and for the entries of a PLT, which stand in no
+/// table, so that the two name different ones.
+std::string comparable(const std::string& name) {
+  return name.starts_with("0x") || name.starts_with('{') || name.ends_with("@plt") ? "" : bareName(name);
+}
+
 /// Shares of functions in percent, from lines "  123  [.] name" of perf's report.
 Counts sharesOfPerf(const std::string& data, const std::string& event) {
   const ProgramRun run =
@@ -68,9 +74,7 @@ Counts sharesOfPerf(const std::string& data, const std::string& event) {
     name.resize(name.find_last_not_of(' ') + 1);
     const double count = std::stod(line);
     all += count;
-    // Names that perf makes up for entries of a PLT stand in no table.
-    const bool nameless = name.starts_with("0x") || name.ends_with("@plt");
-    shares[nameless ? "" : bareName(name)] += count;
+    shares[comparable(name)] += count;
   }
   for (auto& [name, share] : shares) share = 100 * share / all;
   return shares;
@@ -89,7 +93,7 @@ std::size_t samplesOfPerf(const std::string& data, const std::string& event) {
 Counts sharesOf(const ProfileFigures& figures) {
   Counts shares;
   for (const auto& [name, count] : figures.byFunction)
-    shares[bareName(name)] += 100.0 * static_cast<double>(count) / static_cast<double>(figures.samples);
+    shares[comparable(name)] += 100.0 * static_cast<double>(count) / static_cast<double>(figures.samples);
   return shares;
 }
 
