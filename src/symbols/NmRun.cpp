@@ -72,6 +72,8 @@ void NmRun::start(const std::string& path) {
   // The one descriptor that nm inherits beyond the usual three: its end shows that nm has ended.
   const int held = aboveStandard(ends[1]);
   ::fcntl(_alive, F_SETFD, FD_CLOEXEC);
+  // An nm that is a script may leave children with the other end.
+  ::fcntl(_alive, F_SETFL, O_NONBLOCK);
   ::fcntl(held, F_SETFD, 0);
   const pid_t self = ::getpid();
   // Not fork: the tables of a large conversion's memory take longer to copy than nm takes for a small
