@@ -45,7 +45,7 @@ void reportGpuInterrupt(const PerfRecordSampleEventS& record, unsigned int statu
 }
 
 void showGpuValue(const PerfRecordSampleEventS& record, const char* what, unsigned int value) {
-  if (gVerbosity == 0) return;
+  if (!verbose()) return;
   const std::string device(record.payload().locatedText(0));
   std::printf("%s: %u on device: %s\n", what, value, device.c_str());
 }

@@ -20,7 +20,7 @@ PRSE_cpu_idle::PRSE_cpu_idle(const PerfRecordSampleEventS& record) : PerfRecordS
   // The doubling leaves only states 0 and 1 within the chart's four series; documents have always shown those
   // two.
   const unsigned int value = state == kLeftIdle ? kLeftIdle : state * 2 + 1;
-  if (gVerbosity > 0) std::printf("PRSE: cpu_idle.state=%u, cpu_id=%u\n", value, payload.u32(4));
+  if (verbose()) std::printf("PRSE: cpu_idle.state=%u, cpu_id=%u\n", value, payload.u32(4));
   TimechartManager::Instance()->addValueToCPUChart(record.time(), record.cpu(), CPUChart::kIdle,
                                                    static_cast<int>(value));
 }

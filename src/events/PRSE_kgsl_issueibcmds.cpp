@@ -21,7 +21,7 @@ PRSE_kgsl_issueibcmds::PRSE_kgsl_issueibcmds(const PerfRecordSampleEventS& recor
   if (payload.u32(24) != 0) return;
   const unsigned int endOfFrame = payload.u32(20) & kEndOfFrame;
   const unsigned int contextType = payload.u32(28);
-  if (gVerbosity > 0) std::printf("issueibcmds eof: %u, drawctxt_type: %u\n", endOfFrame, contextType);
+  if (verbose()) std::printf("issueibcmds eof: %u, drawctxt_type: %u\n", endOfFrame, contextType);
   const unsigned int kind = contextType <= kLastKnownContext ? contextType : 0;
   const int status = static_cast<int>(ProcessChart::kIssue + kind);
   const unsigned int sub = endOfFrame != 0 ? 1 : 0;

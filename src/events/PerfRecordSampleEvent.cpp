@@ -47,7 +47,7 @@ void enter(std::vector<PerfNameToFunctionS>& table, const PerfNameToFunctionS& e
 PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const char* tableName,
                           const char* name) {
   for (const PerfNameToFunctionS& entry : table) {
-    if (gVerbosity > 0) std::printf("%s cmp %s:%s\n", tableName, name, entry.name);
+    if (verbose()) std::printf("%s cmp %s:%s\n", tableName, name, entry.name);
     if (std::strcmp(name, entry.name) == 0) return entry.function;
   }
   return nullptr;
@@ -68,12 +68,12 @@ void PerfRecordSampleEvent::initVectors() {
 }
 
 void PerfRecordSampleEvent::registerEvent(const char* name, PerfRecordFunction function) {
-  if (gVerbosity > 0) std::printf("registerEvent %s:%x\n", name, shownAddress(function));
+  if (verbose()) std::printf("registerEvent %s:%x\n", name, shownAddress(function));
   enter(*_nameAndFunction, {name, function});
 }
 
 void PerfRecordSampleEvent::registerEvent64(const char* name, PerfRecordFunction function) {
-  if (gVerbosity > 0) std::printf("registerEvent64 %s:%x\n", name, shownAddress(function));
+  if (verbose()) std::printf("registerEvent64 %s:%x\n", name, shownAddress(function));
   enter(*_nameAndFunction64, {name, function});
 }
 
@@ -91,7 +91,7 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
   const std::uint32_t count =
       (static_cast<std::uint32_t>(header.dataOffset) - start) / EventTableEntry::kSize;
   reader.seek(static_cast<int>(start));
-  if (gVerbosity > 0)
+  if (verbose())
     std::printf("Seek to %x (%llx+%llx) c:%d\n", start, static_cast<unsigned long long>(header.attrsSize),
                 static_cast<unsigned long long>(header.attrsOffset), static_cast<int>(count));
   EventTableEntry entry;
@@ -100,8 +100,8 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
     // After the end of the file the last entry is taken again and again, which only a verbose run tells. A
     // count from a damaged header is huge.
     const bool ended = reader.read(entry.bytes, EventTableEntry::kSize) <= 0;
-    if (ended && (gVerbosity == 0 || ++repetitions > kMostRepetitions)) return;
-    if (gVerbosity > 0)
+    if (ended && (!verbose() || ++repetitions > kMostRepetitions)) return;
+    if (verbose())
       std::printf("readEvent: i:%04lld n:%s\n", static_cast<long long>(entry.eventId()), entry.name());
     _functions->store(entry.eventId(), findFunction(entry.name()));
   }
@@ -113,8 +113,7 @@ PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
   const std::uint16_t type = sample.commonType();
   if (_functions == nullptr || !_functions->covers(type)) return nullptr;
   const PerfRecordFunction function = _functions->find(type);
-  if (gVerbosity > 0)
-    std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
+  if (verbose()) std::printf("Found event type:%d func:%x\n", static_cast<int>(type), shownAddress(function));
   if (function == nullptr) return nullptr;
   auto* event = static_cast<PerfRecordSampleEvent*>(function(record));
   event->process(sample);
@@ -123,7 +122,7 @@ PerfRecord* PerfRecordSampleEvent::factoryCreate(char* record) {
 }
 
 void PerfRecordSampleEvent::showBanner(const char* banner) {
-  if (gVerbosity > 0) std::puts(banner);
+  if (verbose()) std::puts(banner);
 }
 
 PerfRecordSampleFactoryRegister::PerfRecordSampleFactoryRegister(const char* name,

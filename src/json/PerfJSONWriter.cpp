@@ -42,7 +42,7 @@ void PerfJSONWriter::close() {
   _isWritten = true;
   _document.append('\n');
   if (_error == 0) _error = _file.write(_document.pieces());
-  if (_error != 0 && gVerbosity > 0)
+  if (_error != 0 && verbose())
     std::printf("Document not written to %s: %s\n", _fileName.c_str(), std::strerror(_error));
 }
 

@@ -46,7 +46,7 @@ bool scan(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes) {
     header.size = static_cast<std::uint16_t>(scanWord >> 16);
     lostBytes += 4;
   } while (!header.plausible());
-  if (gVerbosity > 0) std::puts("FIXED");
+  if (verbose()) std::puts("FIXED");
   return true;
 }
 
@@ -63,7 +63,7 @@ bool passOverDamage(PerfReader& reader, RecordHeader& header, std::uint32_t& los
 }
 
 void showUnused(const char* kind, const RecordHeader& header) {
-  if (gVerbosity > 0) std::printf("%s Type:%x len:%d(%x)\n", kind, header.type, header.size, header.size);
+  if (verbose()) std::printf("%s Type:%x len:%d(%x)\n", kind, header.type, header.size, header.size);
 }
 
 }  // namespace

@@ -50,13 +50,13 @@ PerfRecordComm::PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string
   _mapOfPid.add(pid, this);
   _mapOfTid.add(tid, this);
   _mapOfPidTids.add(bothIds(pid, tid), this);
-  if (gVerbosity > 0) PerfRecordComm::show();
+  if (verbose()) PerfRecordComm::show();
 }
 
 PerfRecordComm::PerfRecordComm() : _name("unknown") {
   key = ++_runningPidKey;
   _elements.push_back(this);
-  if (gVerbosity > 0) PerfRecordComm::show();
+  if (verbose()) PerfRecordComm::show();
 }
 
 PerfRecord* PerfRecordComm::createInstance(char* record) {

@@ -61,7 +61,7 @@ PerfRecordMMap::PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned lo
   if (start >= kLibraryStart && start < gKernelStart) _symbolBase = start;
   addProcessRef();
   findMoreSymbols(_fileName);
-  if (gVerbosity > 0) PerfRecordMMap::show();
+  if (verbose()) PerfRecordMMap::show();
   _allMaps.push_back(this);
   _sortedMaps.insert(this);
 }
@@ -183,7 +183,7 @@ SymbolTableElement* PerfRecordMMap::useSymbolAt(unsigned long long address) cons
 }
 
 unsigned int PerfRecordMMap::getKey(unsigned long long address) {
-  if (gVerbosity > 0) showLookUp(address);
+  if (verbose()) showLookUp(address);
   const SymbolTableElement* symbol = useSymbolAt(address);
   return symbol != nullptr ? symbol->key() : key;
 }
@@ -201,7 +201,7 @@ Resolution PerfRecordMMap::lookUp(const CodeAddress& code, AddressClass sampleCl
   Resolution resolution = {.map = findMap(code.address, code.pid, code.tid)};
   if (resolution.map == nullptr) resolution = makeHome(code, sampleClass);
   if (resolution.map == nullptr) return resolution;
-  if (gVerbosity > 0) resolution.map->showLookUp(code.address);
+  if (verbose()) resolution.map->showLookUp(code.address);
   resolution.symbol = resolution.map->linkSymbolAt(code.address);
   return resolution;
 }
@@ -219,7 +219,7 @@ ResolutionBasis PerfRecordMMap::basisNow(AddressClass sampleClass) {
 
 const Resolution& PerfRecordMMap::resolve(const CodeAddress& code, ResolutionBasis& basis) {
   // A verbose run tells of every look-up.
-  const Resolution* known = gVerbosity > 0 ? nullptr : addressCache.find(code, basis);
+  const Resolution* known = verbose() ? nullptr : addressCache.find(code, basis);
   if (known == nullptr) {
     known = &addressCache.store(code, basis, lookUp(code, basis.sampleClass));
     basis = basisNow(basis.sampleClass);
@@ -245,8 +245,7 @@ unsigned int PerfRecordMMap::resolveSample(const CodeAddress& sample) {
   const AddressClass sampleClass = classOf(sample.address);
   // A stack address is looked up among the kernel's symbols, see findMap.
   if (sampleClass == AddressClass::stack && _kernelMap != nullptr) _kernelMap->useSymbolAt(sample.address);
-  if (gVerbosity > 0 && findMap(sample.address, sample.pid, sample.tid) == nullptr)
-    std::puts("SAMP: no map key");
+  if (verbose() && findMap(sample.address, sample.pid, sample.tid) == nullptr) std::puts("SAMP: no map key");
   ResolutionBasis basis = basisNow(sampleClass);
   const Resolution& resolution = resolve(sample, basis);
   if (resolution.symbol != nullptr && !resolution.unmapped) resolution.symbol->markUsed(sample.address);

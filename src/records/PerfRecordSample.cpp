@@ -63,7 +63,7 @@ PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long tim
   key = static_cast<unsigned int>(++_runningIndex);
   processSample(record);
   if (_keepsSamples) _allSamples.push_back(this);
-  if (gVerbosity > 0) PerfRecordSample::show();
+  if (verbose()) PerfRecordSample::show();
 }
 
 PerfRecordSample::PerfRecordSample() {
@@ -83,8 +83,8 @@ PerfRecord* PerfRecordSample::createInstance(char* record) {
 
 void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
   // In a timechart only a verbose run prints the process.
-  if (_keepsSamples || gVerbosity > 0) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
-  if (_processRecord == nullptr && gVerbosity > 0)
+  if (_keepsSamples || verbose()) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
+  if (_processRecord == nullptr && verbose())
     std::printf("Missing process p:%d t:%d\n", static_cast<int>(pid), static_cast<int>(tid));
   processTrace(record);
 }
@@ -92,7 +92,7 @@ void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
 void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   unsigned int skip = 0;
   if (gRmFirstInterrupt) {
-    if (record.ips(0) <= kLastInterruptAddress && gVerbosity > 0) std::puts("Not an interrupt");
+    if (record.ips(0) <= kLastInterruptAddress && verbose()) std::puts("Not an interrupt");
     skip = 1;
   }
   if (skip < _depth) resolveTrace(record, skip);

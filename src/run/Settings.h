@@ -45,3 +45,8 @@ extern unsigned long long gKernelEnd;    ///< highest address of its symbols
 extern std::string inFileName;   ///< the recording
 extern std::string outFileName;  ///< the document
 extern std::string symPath;      ///< directories to search for programs and libraries, separated by ":"
+
+/// Returns whether diagnostics are printed on standard output, which they are with -v 1 and above.
+inline bool verbose() {
+  return gVerbosity > 0;
+}

@@ -163,7 +163,7 @@ int convert(int argc, char** argv, RecordSource& records, TerminalReport& report
   report.summarize();
   records.close();
   closeKernelLog();
-  if (gVerbosity > 0) PerfFactory::showStats();
+  if (verbose()) PerfFactory::showStats();
   return 0;
 }
 

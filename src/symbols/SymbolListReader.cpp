@@ -137,7 +137,7 @@ void SymbolListReader::read() {
 }
 
 void SymbolListReader::readUnsorted() {
-  if (gVerbosity > 0) std::puts("Unsorted entries in SymbolTable");
+  if (verbose()) std::puts("Unsorted entries in SymbolTable");
   std::map<unsigned long long, std::string> names;
   names[_pending.address] = _pending.name;
   while (nextLine()) {
@@ -151,7 +151,7 @@ void SymbolListReader::readUnsorted() {
     _table.addElement(symbol.first, size, symbol.second, FileNames::_emptyRef, 0);
   };
   for (auto entry = names.begin(); entry != names.end(); ++entry) {
-    if (gVerbosity > 0) std::printf("%llx => %s\n", entry->first, entry->second.c_str());
+    if (verbose()) std::printf("%llx => %s\n", entry->first, entry->second.c_str());
     if (entry == names.begin()) continue;
     const auto previous = std::prev(entry);
     add(*previous, entry->first - previous->first);

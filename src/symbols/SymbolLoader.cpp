@@ -43,7 +43,7 @@ bool isSpecial(const char* path) {
 /// What a verbose run prints and what -m writes tell the order of things, so then nothing is done ahead of
 /// time.
 bool isOrderShown() {
-  return gVerbosity > 0 || gShowMarkers;
+  return verbose() || gShowMarkers;
 }
 
 std::size_t processorCount() {
@@ -66,10 +66,10 @@ void tellOfNm(const NmRun& nm) {
   RunWatcher* const watcher = RunWatcher::_current;
   if (nm.error() != 0) {
     if (watcher != nullptr) watcher->nmNotStarted(nm.error());
-    if (gVerbosity > 0) std::fprintf(stderr, "nm: %s\n", std::strerror(nm.error()));
+    if (verbose()) std::fprintf(stderr, "nm: %s\n", std::strerror(nm.error()));
   }
   // Who watches is told what came of it, and does not want nm's own words in between, one line a library.
-  if (watcher == nullptr || gVerbosity > 0) nm.repeatComplaints();
+  if (watcher == nullptr || verbose()) nm.repeatComplaints();
 }
 
 }  // namespace
@@ -102,7 +102,7 @@ int SymbolTable::checkFile(const std::string& directory, const std::string& file
   result.erase(0, result.find_first_not_of(' '));
   const bool special = isSpecial(result.c_str());
   const int fd = special ? access(result.c_str(), R_OK) : ::open(result.c_str(), O_RDONLY | O_CLOEXEC);
-  if (gVerbosity > 0) std::printf("checkFile %s=%d:%d\n", result.c_str(), fd, errno);
+  if (verbose()) std::printf("checkFile %s=%d:%d\n", result.c_str(), fd, errno);
   if (fd < 0) return 0;
   if (!special) ::close(fd);
   return 1;
@@ -121,7 +121,7 @@ std::string SymbolTable::findPathForFile(const std::string& name, int& index) {
 }
 
 SymbolTable* SymbolTable::generateAndRead(const char* path) {
-  if (gVerbosity > 0) std::printf("SymbolTable:generateAndRead %s\n", path);
+  if (verbose()) std::printf("SymbolTable:generateAndRead %s\n", path);
   writeMarker(path);
   std::unique_ptr<NmRun> nm;
   if (isRegular(path)) {
@@ -138,7 +138,7 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
 
 SymbolTable* SymbolTable::readAlong(const std::string& name, int place, std::string path) {
   while (true) {
-    if (gVerbosity > 0) std::printf("SymbolTable:findAndRead %s\n", path.c_str());
+    if (verbose()) std::printf("SymbolTable:findAndRead %s\n", path.c_str());
     SymbolTable* table = generateAndRead(path.c_str());
     if (table != nullptr || static_cast<std::size_t>(place) >= _paths.size()) return table;
     ++place;
@@ -161,9 +161,9 @@ SymbolTable* SymbolTable::findAndRead(const char* name) {
 }
 
 SymbolTable::Ticket SymbolTable::request(const char* name, SymbolTable*& result) {
-  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", name);
+  if (verbose()) std::printf("SymTab:findAndRead %s\n", name);
   if (result = findExistingSymbolTable(name); result != nullptr) {
-    if (gVerbosity > 0) std::printf("SymTab path found %s\n", name);
+    if (verbose()) std::printf("SymTab path found %s\n", name);
     return 0;
   }
   if (gMachineFiles.addSymbols) {
@@ -174,9 +174,9 @@ SymbolTable::Ticket SymbolTable::request(const char* name, SymbolTable*& result)
   if (const Ticket shared = pendingTables.share(name, name, &result); shared != 0) return shared;
   std::string baseName;
   stripPath(name, baseName);
-  if (gVerbosity > 0) std::printf("SymTab:findAndRead %s\n", baseName.c_str());
+  if (verbose()) std::printf("SymTab:findAndRead %s\n", baseName.c_str());
   if (result = findExistingSymbolTable(baseName); result != nullptr) {
-    if (gVerbosity > 0) std::printf("SymTab file found %s\n", baseName.c_str());
+    if (verbose()) std::printf("SymTab file found %s\n", baseName.c_str());
     return 0;
   }
   if (const Ticket shared = pendingTables.share(name, baseName, &result); shared != 0) return shared;

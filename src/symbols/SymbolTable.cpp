@@ -56,7 +56,7 @@ SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned 
 SymbolTable* SymbolTable::emptyTable(const char* name) {
   static SymbolTable* shared = nullptr;
   // A verbose run tells of every table.
-  if (shared == nullptr || gVerbosity > 0) return shared = new SymbolTable(name, 0, 0);
+  if (shared == nullptr || verbose()) return shared = new SymbolTable(name, 0, 0);
   shared->enterWithBaseName(sharedName(name));
   return shared;
 }
@@ -73,11 +73,11 @@ void SymbolTable::enter(const char* name) {
 
 void SymbolTable::enterWithBaseName(const char* name) {
   enter(name);
-  if (gVerbosity > 0) std::printf("Symtab adding %s\n", name);
+  if (verbose()) std::printf("Symtab adding %s\n", name);
   const char* const slash = std::strrchr(name, '/');
   if (slash == nullptr) return;
   enter(slash + 1);
-  if (gVerbosity > 0) std::printf("Symtab adding %s\n", slash + 1);
+  if (verbose()) std::printf("Symtab adding %s\n", slash + 1);
 }
 
 SymbolTableElement* SymbolTable::addElement(unsigned long long start, unsigned long long size,

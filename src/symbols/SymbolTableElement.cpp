@@ -23,7 +23,7 @@ SymbolTableElement::SymbolTableElement(std::string_view name, unsigned long long
       _size(size > kLargestFunction ? 0 : size),
       _file(file != nullptr ? file : FileNames::emptyRef()),
       _lineNumber(line) {
-  if (gVerbosity > 0) show();
+  if (verbose()) show();
 }
 
 void SymbolTableElement::noteFirstUse() {

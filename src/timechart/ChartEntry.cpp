@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
 
 #include "json/Digits.h"
@@ -24,6 +26,15 @@ ChartColours cpuColours(int cpu) {
   }};
   const bool known = cpu >= 0 && static_cast<std::size_t>(cpu) < colours.size();
   return known ? colours[static_cast<std::size_t>(cpu)] : ChartColours{nullptr, nullptr};
+}
+
+std::string chartText(const char* format, ...) {
+  char text[64];
+  std::va_list numbers;
+  va_start(numbers, format);
+  std::vsnprintf(text, sizeof text, format, numbers);
+  va_end(numbers);
+  return text;
 }
 
 ChartEntry& ChartEntry::text(const char* key, const std::string& value) {

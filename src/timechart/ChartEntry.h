@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdio>
 #include <span>
 #include <string>
 
@@ -21,13 +20,8 @@ ChartColours cpuColours(int cpu);
 /// and nowhere else.
 enum class PointSeparator { comma, commaAndBlank };
 
-/// A short text with numbers in it, as printf makes it.
-template <typename... Numbers>
-std::string chartText(const char* format, Numbers... numbers) {
-  char text[64];
-  std::snprintf(text, sizeof text, format, numbers...);
-  return text;
-}
+/// Returns a text of at most 63 bytes that printf makes of the format.
+[[gnu::format(printf, 1, 2)]] std::string chartText(const char* format, ...);
 
 /// One entry of the timechart document, which is one series: its head key by key, in the order of the calls,
 /// then its points. Nothing is written before the first call.

@@ -53,7 +53,7 @@ void translate(std::array<std::string, Count>& names, const char* group, const s
   for (std::size_t i = 0; i < Count; ++i) {
     if (names[i] != code) continue;
     names[i] = name;
-    if (gVerbosity > 0)
+    if (verbose())
       std::printf("%s[%u] %s => %s\n", group, static_cast<unsigned int>(i), code.c_str(), name.c_str());
   }
 }
