@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-// The kernel hands every process 16 random bytes. Unlike the calls for random numbers these are there on the
-// oldest of targets, and take no file.
+// The kernel gives every process 16 random bytes. Unlike getrandom() they exist on the oldest targets, and
+// unlike /dev/urandom they need no file.
 KeyHash::KeyHash() {
   const unsigned long address = getauxval(AT_RANDOM);
   const char* random = nullptr;

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Hash for tables whose keys come from a recording. It mixes a key with two numbers that differ from run to
-/// run, so that nobody can make a recording whose keys collide. Nothing that is written may depend on the
-/// order of such a table.
+/// Hash for tables whose keys come from a recording. It mixes a key with two random numbers that differ
+/// between runs, so that nobody can prepare a recording whose keys collide. No output may depend on the order
+/// of such a table.
 class KeyHash {
  public:
   KeyHash();
@@ -13,7 +13,7 @@ class KeyHash {
   std::size_t operator()(std::uint64_t key) const noexcept {
     std::uint64_t hash = key + _outer;
     hash = (hash ^ hash >> 32) * 0xFF51AFD7ED558CCD;
-    // Without the second number the two multiplications could be inverted.
+    // Without _inner the two multiplications could be inverted.
     hash = (hash ^ hash >> 29 ^ _inner) * 0xC4CEB9FE1A85EC53;
     return static_cast<std::size_t>(hash ^ hash >> 32);
   }

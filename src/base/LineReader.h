@@ -12,8 +12,8 @@ class LineReader {
   LineReader& operator=(const LineReader&) = delete;
 
   bool isOpen() const { return _file != nullptr; }
-  /// Gets the next line without its line end; a last one without a line end counts. False, with an empty
-  /// line, if there is none.
+  /// Reads the next line, without its line end. The last line may lack one. Returns false, with an empty
+  /// line, at the end of the file.
   bool next(std::string& line);
   /// Returns false once the end of the file was seen: after the last line, or at one without a line end.
   bool good() const { return _good; }

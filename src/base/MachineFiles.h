@@ -13,12 +13,12 @@ struct MachineFiles {
   std::string softInterrupts = "/proc/softirqs";
   std::string traceText = "/sys/kernel/debug/tracing/trace";
   std::string kernelLog = "/dev/kmsg";
-  /// The folder below which programs and libraries are looked for first, such as a copy of the target's
+  /// The directory in which programs and libraries are searched for first, such as a copy of the target's
   /// files. Empty: the machine's own root.
   std::string root;
   /// Adds the symbols of the file that a map names, or of kernelSymbols, to its table, ascending by address.
-  /// Every name then has a table of its own. Unset: what nm prints for the file on the search path, and the
-  /// text of kernelSymbols.
+  /// Every name then has its own table. If unset, symbols come from nm for the file on the search path, and
+  /// from the text of kernelSymbols.
   std::function<void(const char* name, SymbolTable& table)> addSymbols;
 };
 

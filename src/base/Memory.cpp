@@ -10,7 +10,7 @@
 #include <new>
 #include <utility>
 
-// A sanitizer is told which bytes nobody may touch: it cannot see the pieces of a block by itself.
+// Tells the address sanitizer which bytes are free: it cannot see the pieces of a block by itself.
 #ifdef ZELCONV_SANITIZED
 #include <sanitizer/asan_interface.h>
 #else
@@ -58,8 +58,8 @@ void BlockPool::Return::operator()(char* block) const noexcept {
   ASAN_POISON_MEMORY_REGION(block, kBlockSize);
 }
 
-/// Small recordings make do with one chunk of usual pages. From then on large ones are asked for, as each
-/// page costs more time to get than to fill.
+/// One chunk of normal pages is enough for small recordings. Later chunks use huge pages, as getting a page
+/// from the system takes longer than filling it.
 void BlockPool::makeChunk() {
   const bool isFirst = _chunk == nullptr;
   const std::size_t size = isFirst ? kLargePage : kChunkSize;
@@ -106,7 +106,7 @@ void Arena::releaseBlocksBefore(const void* piece) {
   const auto holdsPiece = [piece](const BlockPool::Block& block) {
     return holds(block.get(), static_cast<const char*>(piece));
   };
-  // Nearly always: samples are released one after the other.
+  // The usual case: samples are released one after the other.
   if (!_blocks.empty() && holdsPiece(_blocks.front())) return;
   const auto home = std::find_if(_blocks.begin(), _blocks.end(), holdsPiece);
   assert(home != _blocks.end());

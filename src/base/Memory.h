@@ -4,8 +4,8 @@
 #include <deque>
 #include <memory>
 
-/// Memory in large blocks, for what grows with the recording. A block that is given back is the next one to
-/// be handed out: the document grows into what its samples leave.
+/// Pool of large memory blocks, for data that grows with the recording. The block returned last is the next
+/// one to be reused: the document grows into the blocks that its samples release.
 class BlockPool {
  public:
   static constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
@@ -13,7 +13,7 @@ class BlockPool {
   struct Return {
     void operator()(char* block) const noexcept;
   };
-  /// Goes back to the pool by itself.
+  /// Returns itself to the pool when destroyed.
   using Block = std::unique_ptr<char[], Return>;
 
   /// Returns an uninitialised block of kBlockSize bytes.
@@ -26,7 +26,7 @@ class BlockPool {
 
   static void makeChunk();
 
-  static inline Returned* _returned = nullptr;  ///< list of the blocks given back, the latest first
+  static inline Returned* _returned = nullptr;  ///< list of the returned blocks, the latest first
   static inline char* _chunk = nullptr;         ///< unused tail of the last chunk from the system
   static inline std::size_t _left = 0;          ///< size of that tail
 };
@@ -41,8 +41,8 @@ class Arena {
   /// Allocates `size` bytes, BlockPool::kBlockSize at most. The alignment is a power of two.
   void* allocate(std::size_t size, std::size_t alignment = 8);
 
-  /// Frees a piece of this arena, of the size that was asked for. Only the piece allocated last is given out
-  /// again; the memory of any other stays unused.
+  /// Frees a piece of this arena; `size` is that of its allocation. Only the memory of the latest piece is
+  /// reused; that of any other stays unused.
   void release(void* piece, std::size_t size);
 
   /// Returns all blocks to the pool that were filled before the one that holds the piece, which must be a

@@ -20,8 +20,8 @@ class NameStore {
   Arena _arena;
 };
 
-/// Keeps each text once, however often it comes: threads of a process have one name, and processes that come
-/// and go as well.
+/// Keeps one copy of each text: the threads of a process have the same name, and so have processes that are
+/// started again and again.
 class SharedNames {
  public:
   /// Returns the kept text, up to its NUL.

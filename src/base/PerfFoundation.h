@@ -3,6 +3,6 @@
 /// Root of the records and the symbol tables.
 class PerfFoundation {
  public:
-  /// -d: a symbol table leaves its symbols to the end of the process.
+  /// -d: symbol tables do not free their symbols; the end of the process does.
   static inline bool _bypassDestructor = false;
 };

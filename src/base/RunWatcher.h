@@ -2,24 +2,24 @@
 
 #include <cstddef>
 
-/// Is told what a run does while it goes on, so that somebody can be shown it. All calls come from the run's
-/// one thread and ought to return at once.
+/// Interface of an observer of a run, such as a progress display. All calls come from the run's only thread
+/// and must return quickly.
 class RunWatcher {
  public:
   virtual ~RunWatcher() = default;
 
-  /// The recording has been read up to that offset.
+  /// The recording was read up to `offset`.
   virtual void recordingRead(unsigned long long offset) = 0;
 
-  /// The symbols of a file that a map names are wanted for the first time.
+  /// The symbols of a file that a map names are requested for the first time.
   virtual void symbolsWanted(const char* file) = 0;
 
-  /// The run waits for nm, which is at work over the file; told again and again.
+  /// The run waits for nm, which is reading the file; called repeatedly while it waits.
   virtual void nmAwaited(const char* path) = 0;
   /// nm could not be run, for the reason that errno names.
   virtual void nmNotStarted(int error) = 0;
-  /// Called with the number of symbols that a file gave over which nm was to run.
+  /// Symbols of a file were read, by nm unless that could not be run; `count` may be 0.
   virtual void symbolsRead(const char* path, std::size_t count) = 0;
 
-  static inline RunWatcher* _current = nullptr;  ///< null while nobody watches
+  static inline RunWatcher* _current = nullptr;  ///< null if there is no observer
 };

@@ -1,20 +1,20 @@
 #pragma once
 
-/// Numbers as the 32-bit target converts them, whatever machine this build runs on.
+/// Number conversions with the results of the 32-bit target, whatever machine this build runs on.
 
-/// strtol in base 10 with a 32-bit long: leading white space and a sign are taken, and a number outside the
-/// range becomes the nearest bound. *end, if asked for, is the first character not taken.
+/// strtol in base 10 with a 32-bit long: accepts leading white space and a sign; a number outside the range
+/// becomes the nearest bound. Sets *end, if not null, to the first character that is not part of the number.
 int targetStrtol(const char* text, const char** end = nullptr);
 
-/// Truncates towards zero. What a 64-bit unsigned integer cannot hold becomes the nearest bound, and a
-/// not-a-number becomes 0, as the target's conversion has it.
+/// Truncates towards zero. A value outside the range of the result becomes the nearest bound and a NaN
+/// becomes 0, as in the target's conversion.
 unsigned long long truncateToUnsigned64(double value);
 
-/// The same for a signed integer.
+/// The same for a signed result.
 long long truncateToSigned64(double value);
 
-/// The result of an operation on two operands, with the sign that a not-a-number has on the target, as both
-/// are printed with their sign: one that comes of two numbers, such as infinity minus infinity, is positive
-/// there and negative on a workstation; of two operands that are none the target passes the left one on, and
-/// a compiler for a workstation may exchange them.
+/// Returns `result`, the outcome of an operation on the two operands; if it is a NaN, with the sign that it
+/// has on the target, as NaNs are printed with their sign. A NaN that results from two numbers, such as
+/// infinity minus infinity, is positive there and negative on a workstation. If both operands are NaNs the
+/// target returns the left one, while a compiler for a workstation may exchange them.
 double asOnTarget(double result, double left, double right);

@@ -20,7 +20,7 @@ void EventTable::resize(std::size_t size) {
 
 void EventTable::store(unsigned long long eventId, PerfRecordFunction function) {
   const auto index = static_cast<std::uint32_t>(eventId);
-  // Against the capacity and not the size: a number between the two, and exactly 4000, ends the run below.
+  // Compared with the capacity, not the size: a number between the two, and exactly 4000, ends the run below.
   if (eventId >= _capacity) {
     const std::size_t size = eventId <= kUsualSize ? kUsualSize : static_cast<std::uint32_t>(index + 1);
     if (size > kLargestSize) throw std::out_of_range("vector::_M_range_check");

@@ -6,23 +6,23 @@
 
 #include "records/PerfFactory.h"
 
-/// The decoders' factories by the kernel's event number, as wide as a recording's event table makes it.
+/// Table of the decoders' factories, indexed by the kernel's event number.
 ///
-/// Numbers may be anything, so the width is only told: what is stored ends with the numbers that a
-/// trace-point can have in its 16 bits.
+/// Event numbers are untrusted. The nominal size is only tracked; storage is capped at the 2^16 numbers that
+/// a record can carry.
 class EventTable {
  public:
-  /// Stores a factory, or null for an event that is not decoded. The table has 4000 slots, or one more than
-  /// a larger number, and beyond its width room for as many again, as a vector that is resized would. A
-  /// number that falls into that room, or one whose table would not fit a 32-bit target, ends the run with
+  /// Stores a factory, or null for an event that is not decoded. The nominal size is 4000, or one more than
+  /// the largest number so far; the nominal capacity doubles like that of a resized vector. A number between
+  /// size and capacity, or one whose table would not fit a 32-bit target, ends the run with
   /// std::out_of_range.
   void store(unsigned long long eventId, PerfRecordFunction function);
 
-  /// The factory, or null.
+  /// Returns the factory of an event number, or null.
   PerfRecordFunction find(std::uint16_t number) const {
     return number < _functions.size() ? _functions[number] : nullptr;
   }
-  /// Whether the number is within the table.
+  /// Returns whether the number is below the nominal size.
   bool covers(std::uint16_t number) const { return number < _size; }
 
  private:

@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// A CPU changes its frequency; the CPU is the payload's, and not the one that reports it.
+/// A CPU changes its frequency; it is the CPU in the payload, not the one of the sample.
 ///
 /// Payload as in the kernel's include/trace/events/power.h: state (offset 0, 4 bytes), the frequency in kHz;
 /// cpu_id (4, 4).

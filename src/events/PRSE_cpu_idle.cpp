@@ -9,7 +9,7 @@ namespace {
 
 const PerfRecordSampleFactoryRegister f("power:cpu_idle", PRSE_cpu_idle::factory);
 
-/// PWR_EVENT_EXIT of the kernel: the state that means leaving all of them.
+/// PWR_EVENT_EXIT of the kernel: the CPU leaves its idle state.
 constexpr unsigned int kLeftIdle = 0xFFFFFFFF;
 
 }  // namespace
@@ -17,8 +17,8 @@ constexpr unsigned int kLeftIdle = 0xFFFFFFFF;
 PRSE_cpu_idle::PRSE_cpu_idle(const PerfRecordSampleEventS& record) : PerfRecordSampleEvent(record) {
   const EventPayload payload = record.payload();
   const unsigned int state = payload.u32(0);
-  // The doubling leaves only states 0 and 1 within the chart's four series; documents have always shown those
-  // two.
+  // After the doubling only states 0 and 1 are among the chart's four series; documents have always shown
+  // those two.
   const unsigned int value = state == kLeftIdle ? kLeftIdle : state * 2 + 1;
   if (verbose()) std::printf("PRSE: cpu_idle.state=%u, cpu_id=%u\n", value, payload.u32(4));
   TimechartManager::Instance()->addValueToCPUChart(record.time(), record.cpu(), CPUChart::kIdle,

@@ -12,13 +12,13 @@ class PRSE_sched_switch : public PerfRecordSampleEvent {
   static PerfRecord* factory(char* record);
 
   int process(const PerfRecordSampleEventS& record) override;
-  /// Takes the fields out of the record: overridden for another layout.
+  /// Reads the fields from the record; overridden for another layout.
   virtual void alloc(const PerfRecordSampleEventS& record);
-  /// Hands what they mean to the timechart.
+  /// Reports the fields to the timechart.
   virtual void handle(const PerfRecordSampleEventS& record);
 
  protected:
-  /// Keeps of the state only whether the process sleeps uninterruptibly.
+  /// Sets the fields. Of the state only the bit for an uninterruptible sleep is kept.
   void take(int nextPid, int prevPid, unsigned int prevState);
 
  private:

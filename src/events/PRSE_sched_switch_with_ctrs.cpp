@@ -19,7 +19,7 @@ PRSE_sched_switch_with_ctrs::PRSE_sched_switch_with_ctrs(const PerfRecordSampleE
   TimechartManager* manager = TimechartManager::Instance();
   manager->addCountersToProcessChart(record.time(), record.cpu(), payload.i32(0), payload.u32(8), l1, l2);
 
-  // The span of the process switched in begins at zero.
+  // The bar of the process that is switched in starts at zero.
   const unsigned int zeros[ProcessChart::kL1Counters] = {};
   manager->addCountersToProcessChart(record.time(), record.cpu(), payload.i32(4), 0, zeros, zeros);
 }

@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// How far the hardware counters moved while the process switched out was running.
+/// Increments of the hardware counters during the run of the process that is switched out.
 ///
 /// Payload: pid out (offset 0), pid in (4), cycles (8), four counters of the first level (12), two of the
 /// second (28); 4 bytes each.

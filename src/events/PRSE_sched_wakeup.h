@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// A process becomes runnable. The CPU is the one that did the waking.
+/// A process becomes runnable. The CPU is the one that woke it.
 ///
 /// Payload as in the kernel's include/trace/events/sched.h: name (offset 0, 16 bytes), pid (16, 4).
 class PRSE_sched_wakeup : public PerfRecordSampleEvent {

@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// A soft interrupt's handler ends. Its CPU's chart is not concerned.
+/// A soft interrupt's handler ends. The CPU's chart is not changed.
 ///
 /// Payload as in the kernel's include/trace/events/irq.h: vec (offset 0, 4 bytes).
 class PRSE_softirq_exit : public PerfRecordSampleEvent {

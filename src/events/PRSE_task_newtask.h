@@ -14,14 +14,14 @@ class PRSE_task_newtask : public PerfRecordSampleEvent {
   static PerfRecord* factory(char* record);
 
   int process(const PerfRecordSampleEventS& record) override;
-  /// Takes the fields out of the record: overridden for another layout.
+  /// Reads the fields from the record; overridden for another layout.
   virtual void alloc(const PerfRecordSampleEventS& record);
-  /// Hands what they mean to the timechart.
+  /// Reports the fields to the timechart.
   virtual void handle(const PerfRecordSampleEventS& record);
 
  protected:
-  /// Pid and name have the same offsets in all layouts. Keeps of the flags only whether the task is a thread
-  /// of its creator.
+  /// Pid and name have the same offsets in all layouts. Of the flags only whether the task is a thread of its
+  /// creator is kept.
   void take(const EventPayload& payload, unsigned int cloneFlags);
 
  private:

@@ -2,7 +2,7 @@
 
 #include "events/PerfRecordSampleEvent.h"
 
-/// A task takes a new name, which wins over any that its chart has.
+/// A task gets a new name, which replaces the one that its chart has.
 ///
 /// Payload as in the kernel's include/trace/events/task.h: pid (offset 0, 4 bytes), old name (4, 16), new
 /// name (20, 16).

@@ -15,7 +15,7 @@ unsigned long long PerfRecordSampleEvent::_decoded = 0;
 
 namespace {
 
-/// An entry of the event table; the byte after the name ends a name that has no NUL of its own.
+/// An entry of the event table; the byte after the name terminates a name without a NUL.
 struct EventTableEntry {
   static constexpr int kSize = 72;
   char bytes[kSize + 1] = {};
@@ -30,13 +30,13 @@ struct EventTableEntry {
 
 constexpr std::uint32_t kMostRepetitions = 100000;
 
-/// A function's address as "%x" of the target prints it.
+/// Returns a function's address as "%x" prints it on the target.
 unsigned int shownAddress(PerfRecordFunction function) {
   return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(function));
 }
 
-/// Keeps the table in the order of the names. Static constructors run in one of the linker's choosing, which
-/// a verbose run shall not show.
+/// Keeps the table sorted by name: static constructors run in an order that the linker chooses, and the
+/// output of a verbose run must not depend on it.
 void enter(std::vector<PerfNameToFunctionS>& table, const PerfNameToFunctionS& entry) {
   const auto isBefore = [](const PerfNameToFunctionS& a, const PerfNameToFunctionS& b) {
     return std::strcmp(a.name, b.name) < 0;
@@ -97,8 +97,8 @@ void PerfRecordSampleEvent::readEvents(PerfReader& reader, const PerfRecordHeade
   EventTableEntry entry;
   std::uint32_t repetitions = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    // After the end of the file the last entry is taken again and again, which only a verbose run tells. A
-    // count from a damaged header is huge.
+    // After the end of the file the last entry is repeated, which only a verbose run prints. The count of a
+    // damaged header may be huge.
     const bool ended = reader.read(entry.bytes, EventTableEntry::kSize) <= 0;
     if (ended && (!verbose() || ++repetitions > kMostRepetitions)) return;
     if (verbose())

@@ -16,16 +16,17 @@ struct PerfNameToFunctionS {
   PerfRecordFunction function;
 };
 
-/// Base of all trace-point decoders, PRSE_<event>, and the registry that ties the kernel's event numbers to
+/// Base of all trace-point decoders, PRSE_<event>, and the registry that maps the kernel's event numbers to
 /// them.
 ///
-/// Decoders register by name during static initialisation; the event table of the recording then says which
-/// number each name has there. Decoders hand what they learn to the TimechartManager, in both modes.
+/// Decoders register by name during static initialisation; the event table of the recording then gives the
+/// number of each name. Decoders report to the TimechartManager, in both modes.
 class PerfRecordSampleEvent : public PerfRecordSample {
  public:
   explicit PerfRecordSampleEvent(const PerfRecordSampleEventS& record);
 
-  /// Called once on every new decoder. Decoders whose constructor does the work leave it at that.
+  /// Called once on every new decoder. Returns nonzero. Decoders do their work either in the constructor or
+  /// here, where a derived decoder can read another layout.
   virtual int process(const PerfRecordSampleEventS& /*record*/) { return 1; }
 
   /// A trace-point sample has no row in the profile document.
@@ -33,27 +34,28 @@ class PerfRecordSampleEvent : public PerfRecordSample {
 
   static void initVectors();
   static void registerEvent(const char* name, PerfRecordFunction function);
-  /// For a layout that differs on a 64-bit kernel; with is64 set it is preferred to the general one.
+  /// Registers a decoder for the layout of a 64-bit kernel; if is64 is set it is preferred to the general
+  /// one.
   static void registerEvent64(const char* name, PerfRecordFunction function);
 
-  /// The decoder's factory, or null.
+  /// Returns the factory registered for a name, or null.
   static PerfRecordFunction findFunction(const char* name);
 
   /// Reads the event table between the attributes and the data section: entries of 72 bytes, the event's
-  /// number (8) and its name (64, NUL-terminated). A number that the table of factories cannot take ends the
-  /// run with an uncaught std::out_of_range; so does one whose table would not fit a 32-bit target.
+  /// number (8) and its name (64, NUL-terminated). A number that EventTable::store refuses ends the run with
+  /// an uncaught std::out_of_range.
   static void readEvents(PerfReader& reader, const PerfRecordHeaderS& header);
 
-  /// The decoder of a trace-point sample, or null for a sample outside the selected range or an event without
-  /// one.
+  /// Returns the decoder of a trace-point sample, or null for a sample outside the selected range and for an
+  /// event without a decoder.
   static PerfRecord* factoryCreate(char* record);
 
-  /// How many trace-point samples have been decoded.
+  /// Returns how many trace-point samples were decoded.
   static unsigned long long count() { return _decoded; }
 
  protected:
-  /// What every decoder's factory does: null for a null record, the banner as a line at verbosity above 0, a
-  /// decoder.
+  /// Implements the factory of every decoder: returns null for a null record; otherwise prints the banner in
+  /// a verbose run and returns a new decoder.
   template <typename Decoder>
   static PerfRecord* create(char* record, const char* banner = nullptr) {
     if (record == nullptr) return nullptr;

@@ -15,12 +15,12 @@ class EventPayload {
   unsigned int u32(std::size_t offset) const { return _view.u32(_start + offset); }
   int i32(std::size_t offset) const { return _view.i32(_start + offset); }
 
-  /// A text array. It runs on after its field if the kernel's NUL is missing.
+  /// Returns a text array; without a NUL it continues after the end of its field.
   std::string_view text(std::size_t offset) const { return _view.text(_start + offset); }
 
-  /// The text that the location word at the offset points at, or the rest of it after `skip` characters. The
-  /// word's low half counts from the start of the raw data; the length in its high half is not looked at. A
-  /// position outside the record buffer gives a text without data.
+  /// Returns the text located by the word at the offset (__data_loc of the kernel), without its first `skip`
+  /// characters. The word's low half is an offset from the start of the raw data; the length in its high half
+  /// is ignored. For a position outside the record buffer the text's data() is null.
   std::string_view locatedText(std::size_t offset, std::size_t skip = 0) const;
 
  private:
@@ -39,16 +39,16 @@ class PerfRecordSampleEventS {
   unsigned int tid() const { return _sample.tid(); }
   unsigned long long time() const { return _sample.time(); }
   int cpu() const { return view().i32(40); }
-  /// The kernel's number of the event.
+  /// Returns the kernel's number of the event.
   std::uint16_t commonType() const { return view().u16(kRaw); }
   int commonPid() const { return view().i32(kRaw + 4); }
 
-  /// The payload. Kernels before 3.10 have a word more in the common header.
+  /// Returns the payload. Kernels before 3.10 have one more word in the common header.
   EventPayload payload() const;
-  /// The payload in the layouts of 64-bit kernels, which never have that word.
+  /// Returns the payload in the layouts of 64-bit kernels, which never have that word.
   EventPayload payload64() const { return {view(), kRaw + 8}; }
 
-  /// The same record as a plain sample would read it.
+  /// Returns the same record read as a plain sample.
   const PerfRecordSampleS& sample() const { return _sample; }
 
   static constexpr std::size_t kRaw = 52;

@@ -31,8 +31,8 @@ class BackTraceEntry {
   std::uint32_t _key;
 };
 
-/// Writes back-traces as arrays without white space, [[address,key,],]. The same few entries come again and
-/// again, so their latest texts are kept in a direct-mapped cache.
+/// Writes back-traces as arrays without white space, [[address,key,],]. The same few entries are repeated, so
+/// their latest texts are kept in a direct-mapped cache.
 class BackTraceTexts {
  public:
   void append(std::span<const BackTraceEntry> entries, loomstat::TextBuffer& out) {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-/// The most digits that a number has.
+/// The largest number of digits that a 64-bit number has.
 inline constexpr std::size_t kMostDigits = 20;
 
 /// The two decimal digits of each number below 100.
@@ -28,9 +28,9 @@ inline constexpr std::array<std::uint64_t, kMostDigits> kLeastNumbers = [] {
   return least;
 }();
 
-/// Returns how many decimal digits the number has.
+/// Returns the number of decimal digits.
 constexpr std::size_t digitCount(std::uint64_t number) {
-  // A bit is worth log10(2) digits, about 1233 / 4096; that may be one too many or none.
+  // A bit counts log10(2) digits, about 1233 / 4096; the result is right or one too low.
   const auto count = static_cast<std::size_t>(std::bit_width(number)) * 1233 / 4096;
   return number < kLeastNumbers[count] ? count : count + 1;
 }
@@ -41,7 +41,7 @@ constexpr std::size_t digitCount(std::uint64_t number) {
 /// mode.
 template <std::unsigned_integral Number>
 char* writeDigits(char* text, Number number) {
-  // A 32-bit processor divides larger numbers by a long routine.
+  // A 32-bit processor divides larger numbers in a slow library routine.
   if constexpr (sizeof number > sizeof(std::uint32_t))
     if (number <= 0xFFFFFFFF) return writeDigits(text, static_cast<std::uint32_t>(number));
   if (number < 10) {

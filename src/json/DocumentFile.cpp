@@ -12,24 +12,25 @@
 
 namespace {
 
-/// What ends the program from outside while it writes, by a user, a terminal, a limit of the file size.
+/// Signals that end the program while it writes: from a user, a terminal, a limit of the file size.
 constexpr std::array kSignals = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXFSZ};
 
-/// Of the file that a signal has to empty.
+/// Descriptor of the file that a signal has to empty, or -1.
 volatile std::sig_atomic_t unfinishedFile = -1;
 
-/// What is no file on a disk, such as a pipe, stays as it is.
+/// Anything but a file on a disk, such as a pipe, stays as it is.
 void makeEmpty(int descriptor) {
   [[maybe_unused]] const int result = ::ftruncate(descriptor, 0);
 }
 
-/// The signal has its usual effect again by now, and ends the program as soon as this returns.
+/// The signal's default action is restored by now and ends the program as soon as this returns.
 void emptyFileAndEnd(int signal) {
   makeEmpty(unfinishedFile);
   std::raise(signal);
 }
 
-/// While it lives, a signal that ends the program empties the file first. A signal that is ignored stays so.
+/// During its lifetime a signal that ends the program empties the file first. A signal that is ignored stays
+/// ignored.
 class Unfinished {
  public:
   explicit Unfinished(int descriptor) {
@@ -87,7 +88,7 @@ int DocumentFile::write(std::span<const std::string_view> pieces) {
   if (error != 0) makeEmpty(_descriptor);
   const int closeError = close();
   if (closeError == 0) return error;
-  // A file system over a network may tell only now that there was no room.
+  // A network file system may report only now that the disk is full.
   [[maybe_unused]] const int result = ::truncate(_name.c_str(), 0);
   return closeError;
 }

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// The file that gets the document, as a whole or not at all: a document that cannot be written to its end,
-/// or whose writing a signal interrupts, leaves an empty file.
+/// The output file, which gets the whole document or nothing: it is left empty if writing fails or a signal
+/// interrupts it.
 class DocumentFile {
  public:
   DocumentFile() = default;
@@ -16,7 +16,7 @@ class DocumentFile {
   /// Truncates the file. Returns 0, or the errno of what failed.
   int open(const char* name);
 
-  /// Writes the pieces one after the other and closes the file. Returns 0, or the errno of what failed.
+  /// Writes the pieces in order and closes the file. Returns 0, or the errno of what failed.
   int write(std::span<const std::string_view> pieces);
 
  private:

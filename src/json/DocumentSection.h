@@ -4,7 +4,7 @@
 
 #include "json/PerfJSONWriter.h"
 
-/// A column of a section of the profile document: its name, and a text for humans.
+/// A column of a section of the profile document: its name and its description.
 struct SectionColumn {
   const char* name;
   const char* description;

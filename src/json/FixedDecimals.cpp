@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kMantissaBits = 52;
 constexpr int kExponentOfOne = 1023;
-/// As many bits as a fraction may have for its tenfold, or its thousandfold, to fit 64.
+/// Largest number of bits of a fraction whose tenfold fits 64 bits.
 constexpr int kMostFractionBits = 60;
 constexpr int kMostBitsForThousands = 54;
 
@@ -32,7 +32,7 @@ struct Parts {
 
   std::uint64_t mask() const { return (std::uint64_t{1} << fractionBits) - 1; }
 
-  /// Takes the next three decimals off the fraction.
+  /// Removes the next three decimals from the fraction and returns them.
   std::uint32_t takeTriple() {
     if (fractionBits <= kMostBitsForThousands) return take(1000);
     std::uint32_t triple = 0;
@@ -47,7 +47,7 @@ struct Parts {
     return static_cast<std::uint32_t>(taken);
   }
 
-  /// Whether the rest of the fraction rounds a number up that ends in those digits.
+  /// Returns whether the rest of the fraction rounds up a number that ends in those digits.
   bool roundsUp(std::uint32_t lastDigits) const {
     if (fractionBits == 0) return false;
     const std::uint64_t half = std::uint64_t{1} << (fractionBits - 1);
@@ -60,7 +60,7 @@ struct Parts {
   std::uint64_t fraction = 0;
 };
 
-/// The three decimal digits of each number below 1000, and a byte that makes it four.
+/// The three decimal digits of each number below 1000, padded to four bytes.
 constexpr std::array<char, 4000> kDigitTriples = [] {
   std::array<char, 4000> triples{};
   for (std::size_t number = 0; number < 1000; ++number) {

@@ -23,7 +23,7 @@ void complain(const char* operation, const char* problem) {
   std::fprintf(stderr, "JSOM::%s: %s\n", operation, problem);
 }
 
-/// The number that the whole of a text holds, as a node would parse it; its sign is left to the caller.
+/// Returns the number in a text that holds nothing else, as a node would parse it; without its sign.
 std::optional<double> magnitudeAsDouble(const char* digits, const char* end) {
   if (*digits < '0' || *digits > '9') return std::nullopt;
   JSONData number;
@@ -50,8 +50,8 @@ std::optional<long long> longIn(const std::string& text) {
   return number.longValue();
 }
 
-/// The words that count as a boolean, in any case of letters. "false" and "no" are not among them, and
-/// configuration files have been read without them for long.
+/// Returns the boolean that a word stands for, in upper or lower case. "false" and "no" are not recognised;
+/// configuration files have always been read that way.
 std::optional<bool> booleanIn(std::string word) {
   for (char& c : word) c = static_cast<char>(c | 0x20);
   for (const char* yes : {"t", "y", "1", "on", "yes", "true"})
@@ -110,7 +110,7 @@ JSONData* JSOM::writableNode(const char* caller) {
   return node();
 }
 
-/// Makes sure that there is a node to look into; one made here becomes a container of that type.
+/// Ensures that there is a node to search; a node created here becomes a container of that type.
 bool JSOM::makeContainer(const char* caller, JSONData::Type type) {
   if (_kind == Kind::node) return true;
   makeInfoNode(caller);
@@ -194,7 +194,7 @@ bool JSOM::booleanValue(bool defaultValue) const {
   return *value;
 }
 
-/// The node's string, made from a number or boolean; null for what has none.
+/// Returns the node's string, converting a number or boolean to one; null for any other node.
 std::string* JSOM::stringNode() const {
   if (isBoolean() || isNumber()) {
     std::string text;
@@ -388,7 +388,7 @@ void JSOM::_expandString(JSOM& node) {
     position = end + 1;
   }
   if (!changed) return;
-  // What is left has no reference, or one that is not closed: both stay as written.
+  // The rest has no reference, or one that is not closed: both stay verbatim.
   result.append(text, position, std::string::npos);
   node.setString(result);
 }

@@ -7,15 +7,15 @@
 
 namespace loomstat {
 
-/// The handle through which a document is read and built: it points at a node of a value tree, or at a slot
-/// in a container where a node could be. Lookups return handles by value, so that doc["a"][0] chains.
+/// Handle for reading and building a document: it refers to a node of a value tree, or to a slot in a
+/// container where a node could be. Look-ups return handles by value, so that doc["a"][0] chains.
 ///
-/// A lookup of a missing member gives a handle on the empty slot, and a later write through it makes the
-/// member. A lookup through such a handle counts as a write: doc["a"]["b"] leaves an empty object "a".
-/// The key of a pending handle stays the caller's and must outlive it.
+/// A look-up of a missing member returns a pending handle on the empty slot, and a later write through it
+/// creates the member. A look-up through such a handle counts as a write: doc["a"]["b"] leaves an empty
+/// object "a". The key of a pending handle belongs to the caller and must outlive the handle.
 ///
-/// Nothing throws. A failure prints one line on standard error and gives an invalid handle, which returns
-/// every accessor with its default.
+/// Nothing throws. A failure prints one line on standard error and returns an invalid handle, whose accessors
+/// return their defaults.
 class JSOM {
  public:
   JSOM() = default;
@@ -29,7 +29,7 @@ class JSOM {
 
   /// Deep assignment: copies the tree of a source that holds a node, and does nothing for any other.
   JSOM& operator=(const JSOM& source);
-  /// The same, but a source without a node makes this one the boolean false.
+  /// The same, but a source without a node sets the boolean false.
   JSOM& copy(const JSOM& source);
 
   JSOM at(const std::string& key);
@@ -40,15 +40,15 @@ class JSOM {
   JSOM operator[](const char* key);
   JSOM operator[](int index);
 
-  // Each returns the default when the handle holds nothing suitable. One that converts, a string into a
-  // number or boolean or the other way round, also leaves the converted value in the node.
+  // Return the default if the handle holds no suitable value. A conversion, between a string and a number or
+  // boolean, also stores the converted value in the node.
   long long longValue(long long defaultValue) const;
   bool booleanValue(bool defaultValue) const;
   double doubleValue(double defaultValue) const;
   const std::string& stringValue(const std::string& defaultValue) const;
   const char* stringValuePtr(const char* defaultValue) const;
 
-  // Each makes the node if there is none yet. A null text makes it null.
+  // Create the node if there is none yet. A null text sets null.
   JSOM& setString(const std::string& value);
   JSOM& setString(const char* value);
   JSOM& setDouble(double value);
@@ -62,7 +62,7 @@ class JSOM {
   JSOM& erase(const char* key);
   JSOM& erase(const std::string& key);
 
-  /// Whether the handle holds a node.
+  /// Returns whether the handle holds a node.
   bool found() const { return _kind == Kind::node; }
   bool isNull() const { return hasType(JSONData::kNull); }
   bool isBoolean() const { return hasType(JSONData::kBoolean); }
@@ -79,17 +79,17 @@ class JSOM {
   JSOM& fromString(const std::string& text);
   JSOM& fromString(const char* text);
   JSOM& fromFile(const char* name);
-  /// Writes the indented form. False if the file cannot be written.
+  /// Writes the indented form. Returns false if the file cannot be written.
   bool toFile(const char* name, int precision = defaultPrecision) const;
   std::istream& fromStream(std::istream& stream);
   std::ostream& toStream(std::ostream& stream) const;
 
-  /// Replaces ${NAME} by the environment's value in all strings of the tree, keys excepted. Variables that
-  /// are not set stay as they are, and a substituted value is not scanned again.
+  /// Replaces ${NAME} by the value of the environment variable in all strings of the tree except keys.
+  /// References to variables that are not set stay verbatim, and a substituted value is not scanned again.
   JSOM& expandValues();
 
   static JSOM JERROR;       ///< the invalid handle
-  static const JSOM BLANK;  ///< a handle on nothing yet
+  static const JSOM BLANK;  ///< a handle on nothing
   static const std::string EMPTY_STRING;
   static int defaultPrecision;  ///< decimals of a number that becomes a string, 4 unless changed
 

@@ -15,7 +15,8 @@ void JSONData::release(JSONData* node) {
   if (--node->_refCount == 0) destroy({node});
 }
 
-/// Destroys nodes without a holder and what only they hold. A tree may be too deep to do so by recursion.
+/// Destroys nodes without references, and the nodes that only they refer to. Not recursive, as a tree may be
+/// too deep for that.
 void JSONData::destroy(std::vector<JSONData*> nodes) {
   while (!nodes.empty()) {
     JSONData* node = nodes.back();
@@ -25,7 +26,7 @@ void JSONData::destroy(std::vector<JSONData*> nodes) {
   }
 }
 
-/// Empties a container and adds those of its members that nobody else holds.
+/// Empties a container and adds its members without other references to `unheld`.
 void JSONData::giveUpMembers(std::vector<JSONData*>& unheld) {
   const auto giveUp = [&](JSONData* member) {
     if (--member->_refCount == 0) unheld.push_back(member);
@@ -54,7 +55,7 @@ JSONData* JSONData::getByIndex(int index) const {
   return _type == kArray ? (*_value.elements)[position] : (*_value.entries)[position]->value;
 }
 
-/// The last entry of that key, or -1.
+/// Returns the index of the last entry of that key, or -1.
 int JSONData::findKey(const std::string& key) const {
   if (_type != kObject) return -1;
   int index = length() - 1;
@@ -223,7 +224,7 @@ void JSONData::copy(const JSONData& source) {
   if (_type == kString) {
     *_value.string = *source._value.string;
   } else if (_type == kArray || _type == kObject) {
-    // All copies before the first release: a node may be copied onto itself.
+    // All members are copied before the first release: a node may be copied onto itself.
     const int oldLength = length();
     const int newLength = source.length();
     for (int i = 0; i < newLength; ++i) {

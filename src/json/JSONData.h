@@ -8,7 +8,7 @@ namespace loomstat {
 
 /// One node of a JSON value tree: a tagged value that holds a scalar, a string, an ordered object or an
 /// array. Nodes are shared by reference count and belong to one thread; every element of an array and every
-/// entry of an object holds one reference. A fresh node is unset and has no holder.
+/// entry of an object holds one reference. A new node is unset and has no references.
 struct JSONData {
   enum Type : unsigned short {
     kUnset = 0,
@@ -21,7 +21,7 @@ struct JSONData {
     kDouble = 7,
   };
 
-  /// A member of an object. Keys need not be unique: the last of several is the one found.
+  /// A member of an object. Keys need not be unique; a look-up finds the last one.
   struct entry {
     std::string key;
     JSONData* value;
@@ -34,21 +34,21 @@ struct JSONData {
 
   // Reading
 
-  /// Number of entries or elements; 0 for what is no container.
+  /// Returns the number of entries or elements; 0 for anything but a container.
   int length() const;
-  /// The element or the entry's value at that position, or null.
+  /// Returns the element or the entry's value at that index, or null.
   JSONData* getByIndex(int index) const;
   JSONData* getByKey(const std::string& key) const;
   JSONData* getByKey(const char* key) const;
   const std::string* getKeyAtIndex(int index) const;
-  /// Whether the value's first byte is set, whatever the type; callers look at the type first.
+  /// Returns whether the value's first byte is set, whatever the type; callers check the type first.
   bool booleanValue() const;
-  /// A double is truncated; what is no number and no boolean gives 0.
+  /// Return the number; a double is truncated, and types other than numbers and booleans return 0.
   long long longValue() const;
   double doubleValue() const;
   const std::string* stringValue() const;
 
-  // Writing. A change of type destroys the old content; setting the type that a node has keeps it.
+  // Writing. A change of type destroys the old content; setting the current type keeps it.
 
   void setType(int type);
   void setArray() { setType(kArray); }
@@ -67,49 +67,49 @@ struct JSONData {
   void erase(int index);
   void erase(const char* key);
   void erase(const std::string& key);
-  /// Makes the node an object first. A null value deletes the key.
+  /// Turns the node into an object first. A null value deletes the key.
   void setByKey(const std::string& key, JSONData* value);
   void setByKey(const char* key, JSONData* value);
-  /// Appends at the array's length; an index beyond that prints a message. Within the array the value fills
-  /// the slots before the index, all on one reference, and everything else is dropped unreleased: this
-  /// case is kept for those who know it, and what appends is safe.
+  /// Appends if the index is the array's length; a larger index prints a message. An index within the array
+  /// fills all slots before it with the value, on one reference, and drops everything else without releasing
+  /// it: kept for compatibility. Callers that only append are safe.
   void setByIndex(int index, JSONData* value);
-  /// A deep copy without a holder.
+  /// Returns a deep copy without references.
   JSONData* clone() const;
   void copy(const JSONData& source);
 
   // Printing
 
   static void quoteJsonString(const std::string& text, std::string& out);
-  /// A scalar or a string as plain text, with no quotes.
+  /// Appends a scalar or a string as plain text, without quotes.
   void appendStringValue(std::string& out, int precision) const;
   void appendJsonString(std::string& out, bool pretty, int precision, int depth) const;
   void toJsonString(std::string& out, bool pretty, int precision) const;
-  /// The compact form, with the stream's own precision.
+  /// Writes the compact form, with the stream's precision.
   void appendStream(std::ostream& stream) const;
 
-  // Parsing, see JSONParser.h for the language. A failure prints one line on standard error and leaves what
-  // was completed in place; the end of the text alone is a silent failure.
+  // Parsing, see JSONParser.h for the language. A failure prints one line on standard error and keeps the
+  // members completed before it; an empty text fails silently.
 
-  /// Parses one value. The cursor ends after it, or where the failure was met.
+  /// Parses one value. Sets the cursor to its end, or to the place of the failure.
   bool setFromJsonString(const char*& cursor);
   bool setFromStream(std::istream& stream);
   bool setFromJsonStlString(const std::string& text);
 
-  /// Skips white space and comments and classifies the next token, which stays unread. False at the end of
-  /// the text and for a byte that begins no token. A comma and a colon leave `type` as it is.
+  /// Skips white space and comments and classifies the next token without consuming it. Returns false at the
+  /// end of the text and for a byte that starts no token. A comma or colon does not change `type`.
   static bool fetchNextType(const char*& cursor, unsigned short& type, bool& comma, bool& colon, bool& end);
   static bool fetchNextType(std::istream& stream, unsigned short& type, bool& comma, bool& colon, bool& end);
   /// Parses a string in double quotes.
   static bool parseJsonString(const char*& cursor, std::string& out);
   static bool parseJsonString(std::istream& stream, std::string& out);
   /// Parses an optional minus, digits, and optionally a point and further digits. Integers wrap at 64 bits. A
-  /// failure leaves the node as it was.
+  /// failure does not change the node.
   bool parseJsonNumberIntoSelf(const char*& cursor);
   bool parseJsonNumberIntoSelf(std::istream& stream);
 
   void addReference() { ++_refCount; }
-  /// Gives one reference back; the last one destroys the node.
+  /// Drops one reference; dropping the last one destroys the node.
   static void release(JSONData* node);
 
   unsigned short _type = kUnset;

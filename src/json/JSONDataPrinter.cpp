@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kWidestIndent = 50;
 
-/// A line break and one space a level, fifty at most.
+/// Appends a line break and one space per level, fifty at most.
 void appendIndent(std::string& out, int levels) {
   out += '\n';
   out.append(static_cast<std::size_t>(std::clamp(levels, 0, kWidestIndent)), ' ');

@@ -11,23 +11,23 @@
 
 namespace loomstat {
 
-/// Bytes of a text that ends in a NUL. The caller's cursor moves along.
+/// Cursor over a text that ends in a NUL. Advances the caller's pointer.
 class TextCursor {
  public:
   explicit TextCursor(const char*& cursor) : _cursor(cursor) {}
 
   static constexpr const char* kOperation = "setFromJsonString()";
 
-  /// Takes the next byte; false at the end.
+  /// Reads the next byte; returns false at the end.
   bool next(char& byte) {
     if (*_cursor == '\0') return false;
     byte = *_cursor++;
     return true;
   }
-  /// Puts the byte just taken back.
+  /// Goes back before the byte just read.
   void back() { --_cursor; }
   bool atEnd() const { return *_cursor == '\0'; }
-  /// Takes the word if it comes next, else nothing.
+  /// Consumes the word if it comes next; otherwise nothing.
   bool takeWord(const char* word) {
     const std::size_t length = std::strlen(word);
     if (std::strncmp(_cursor, word, length) != 0) return false;
@@ -39,7 +39,7 @@ class TextCursor {
   const char*& _cursor;
 };
 
-/// Bytes of a stream, which ends once its state is not good after a read.
+/// Cursor over a stream, which ends when its state is not good after a read.
 class StreamCursor {
  public:
   explicit StreamCursor(std::istream& stream) : _stream(stream) {}
@@ -52,7 +52,7 @@ class StreamCursor {
   }
   void back() { _stream.unget(); }
   bool atEnd() const { return _stream.eof(); }
-  /// Takes as many bytes as the word has, whatever they are.
+  /// Consumes as many bytes as the word has, whatever they are.
   bool takeWord(const char* word) {
     bool same = true;
     char byte = 0;
@@ -67,15 +67,15 @@ class StreamCursor {
   std::istream& _stream;
 };
 
-/// Fills a node from JSON text, in one pass and to any depth of nesting. The language is a little wider than
-/// JSON: comments, a trailing comma, unknown escapes kept verbatim; and a little narrower: no exponents,
-/// and \u gives one byte.
+/// Fills a node from JSON text, in one pass and to any depth of nesting. The language extends JSON by
+/// comments, trailing commas and unknown escapes, which are kept verbatim, and lacks exponents; \u yields one
+/// byte.
 template <typename Cursor>
 class JSONParser {
  public:
   explicit JSONParser(Cursor& cursor) : _cursor(cursor) {}
 
-  /// Parses one value into the node; what follows it is not looked at.
+  /// Parses one value into the node and ignores what follows it.
   bool parse(JSONData& node);
 
   // The steps, see the operations of JSONData of the same names.
@@ -109,22 +109,22 @@ class JSONParser {
   static JSONData& nodeOf(Level& level);
   bool inObject() const { return _levels.back().type == JSONData::kObject; }
 
-  /// Steps over the token that fetchNextType has left.
+  /// Consumes the token that fetchNextType has classified.
   void step() {
     char byte = 0;
     _cursor.next(byte);
   }
 
   Cursor& _cursor;
-  // What fetchNextType found. A comma or a colon leaves the type of the token before it.
+  // The results of fetchNextType. After a comma or colon _type is that of the token before it.
   unsigned short _type = JSONData::kUnset;
   bool _comma = false;
   bool _colon = false;
   bool _end = false;
-  // Deques, which do not copy what they hold to grow.
+  // Deques, which grow without moving their elements.
   std::deque<Level> _levels;      ///< open containers, innermost last; the first is the receiving node
   std::deque<std::string> _keys;  ///< of the unfinished member of each open object, innermost last
-  JSONData* _member = nullptr;    ///< complete, and not in its container yet
+  JSONData* _member = nullptr;    ///< complete, but not in its container yet
 };
 
 template <typename Cursor>
@@ -210,21 +210,21 @@ bool JSONParser<Cursor>::parse(JSONData& node) {
   open(&node);
   bool good = true;
   while (good && !_levels.empty()) good = _member == nullptr ? parseMember() : finishMember();
-  // A failure drops what is unfinished; what was complete before it stays in its container.
+  // A failure drops unfinished members; complete ones stay in their container.
   if (_member != nullptr) JSONData::release(_member);
   for (; _levels.size() > 1; _levels.pop_back())
     if (_levels.back().node != nullptr) JSONData::release(_levels.back().node);
   return good;
 }
 
-/// Whether a value comes next, which stays unread.
+/// Returns whether a value comes next, without consuming it.
 template <typename Cursor>
 bool JSONParser<Cursor>::classifyValue() {
   if (fetchNextType() && !_comma && !_colon && !_end) return true;
   return _cursor.atEnd() ? false : fail("missing value");
 }
 
-/// Parses a value that is no container.
+/// Parses a value other than a container.
 template <typename Cursor>
 bool JSONParser<Cursor>::parseScalar(JSONData& node) {
   switch (_type) {
@@ -242,7 +242,7 @@ bool JSONParser<Cursor>::parseScalar(JSONData& node) {
   }
 }
 
-/// Steps over an opening bracket. The node may be null, as that of a level.
+/// Consumes an opening bracket. The node may be null, see Level.
 template <typename Cursor>
 void JSONParser<Cursor>::open(JSONData* node) {
   step();
@@ -375,8 +375,8 @@ bool JSONParser<Cursor>::appendEscape(std::string& out) {
   return true;
 }
 
-/// Four hexadecimal digits, of which the last two make one byte. Upper-case digits count five less than they
-/// should; configuration files have come to rely on it.
+/// Parses four hexadecimal digits, of which the last two make one byte. Upper-case digits count five less
+/// than they should; configuration files have come to rely on it.
 template <typename Cursor>
 bool JSONParser<Cursor>::appendCodePoint(std::string& out) {
   int value = 0;
@@ -400,7 +400,7 @@ bool JSONParser<Cursor>::appendCodePoint(std::string& out) {
   return true;
 }
 
-/// Takes the next byte if it is a digit.
+/// Consumes the next byte if it is a digit.
 template <typename Cursor>
 bool JSONParser<Cursor>::nextDigit(int& digit) {
   char byte = 0;

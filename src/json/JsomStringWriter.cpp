@@ -10,7 +10,7 @@ namespace loomstat {
 
 namespace {
 
-// A newline, 47 spaces and the NUL, which is written too once the nesting is deeper than the spaces last.
+// A newline, 47 spaces and the NUL, which is written too when the nesting is deeper than that.
 constexpr char indentBuffer[] = "\n                                               ";
 static_assert(sizeof indentBuffer == 49);
 

@@ -8,9 +8,9 @@
 
 namespace loomstat {
 
-/// Turns a sequence of calls into JSON text appended to a buffer that belongs to the caller. It decides where
-/// commas, spaces and line breaks go. A call out of order, such as a value without a label in an object,
-/// prints one line on standard error, writes nothing and leaves the writer as it was.
+/// Appends JSON text to a buffer of the caller, one token per call, and inserts commas, spaces and line
+/// breaks. A call out of order, such as a value without a label in an object, prints one line on standard
+/// error, writes nothing and does not change the writer's state.
 class JsomStringWriter {
  public:
   explicit JsomStringWriter(TextBuffer& out) : _out(out) {}
@@ -23,7 +23,7 @@ class JsomStringWriter {
   void startObject();
   void endObject();
 
-  /// A raw text goes between the quotes verbatim, with no escaping.
+  /// A raw text is written verbatim between the quotes, without escaping.
   void appendLabel(const char* text, int length, bool raw);
   void appendLabel(const char* text, bool raw);
 
@@ -31,23 +31,23 @@ class JsomStringWriter {
   void appendUnsignedInt(unsigned int value);
   void appendLong(long long value);
   void appendUnsignedLong(unsigned long long value);
-  /// Up to `precision` decimals, less trailing zeros; an exponent beyond 1e16 in magnitude. A precision of 0
-  /// gives six decimals, untrimmed. Infinity and not-a-number become the C library's words for them.
+  /// Writes up to `precision` decimals without trailing zeros, or an exponent for magnitudes above 1e16. A
+  /// precision of 0 means six decimals, untrimmed. Infinity and NaN are written as the C library does.
   void appendDouble(double value, int precision);
   void appendString(const std::string& text, bool raw);
-  /// A null text becomes the bare word null.
+  /// A null text writes the word null.
   void appendString(const char* text, int length, bool raw);
   void appendBoolean(bool value);
   void appendNull();
-  /// Finished JSON. Even an empty text counts as a value, comma included.
+  /// Appends a value that is JSON already. Even an empty text counts as a value and gets its comma.
   void appendJsonValue(std::string_view text);
-  /// What the function appends to the buffer.
+  /// Appends a value that the function writes to the buffer.
   template <std::invocable<TextBuffer&> Append>
   void appendJsonValue(Append append) {
     if (beginValue("appendJsonValue")) append(_out);
   }
 
-  /// Closes everything that is open; a label without a value gets null.
+  /// Closes all open containers; a label without a value gets null.
   void end();
 
   /// Append raw bytes, bypassing the state machine.
@@ -55,14 +55,14 @@ class JsomStringWriter {
   void writeChar(char byte);
   void flush() {}
 
-  /// Whether to indent and break lines; takes effect on the next token.
+  /// Whether to indent and break lines; takes effect with the next token.
   bool _whiteSpace = false;
 
  private:
-  /// Writes what precedes a value. Returns false, with a message, if there may be no value.
+  /// Writes what precedes a value. Prints a message and returns false if no value is allowed here.
   bool beginValue(const char* operation) {
     if (_state != ']' || _whiteSpace) return beginAnyValue(operation);
-    // Nearly all values of a document are further elements of compact arrays.
+    // Nearly all values of a document follow another element of a compact array.
     _out.append(',');
     return true;
   }
@@ -81,7 +81,7 @@ class JsomStringWriter {
 
   TextBuffer& _out;
   /// 0: no container is open. '{' and '[': in a container without members. '}' and ']': in one that has some.
-  /// ':': a label is written and its value is due.
+  /// ':': after a label, whose value must follow.
   int _state = 0;
   std::string _stack;
   std::string _scratch;  ///< scratch for escaping

@@ -11,10 +11,10 @@
 #include "json/JsomStringWriter.h"
 #include "json/TextBuffer.h"
 
-/// The one way to the document. Every routine that writes a piece of it gets the writer by reference.
+/// Writes the document. Every function that writes a part of it gets the writer by reference.
 ///
-/// The document is built in memory and reaches the file as a whole, at close. The order of calls is:
-/// construct, open, any writes and switches, close. Nothing may be written before open.
+/// The document is built in memory and written to the file as a whole by close. The order of calls is:
+/// constructor, open, writes and switches, close. Nothing may be written before open.
 ///
 /// A non-empty array that is written element by element ends in a comma before its closing bracket, [1,2,]:
 /// the viewer's parser accepts it, and documents have always had it.
@@ -26,18 +26,18 @@ class PerfJSONWriter {
   PerfJSONWriter(const PerfJSONWriter&) = delete;
   PerfJSONWriter& operator=(const PerfJSONWriter&) = delete;
 
-  // A writer of another kind overrides what it wants to know of. The order of the operations is part of the
+  // Derived writers override the operations that they need. The order of the operations is part of the
   // interface.
 
-  /// Both take effect on the next token, in the middle of a container too.
+  /// Both take effect with the next token, even in the middle of a container.
   virtual void setWhiteSpace(bool whiteSpace);
   virtual void setIncludeLabels(bool includeLabels);
 
-  /// Truncates the file. Returns 0, or -1 for a null name. A file that cannot be opened still gives 0; the
-  /// run goes on and its document is lost at close.
+  /// Truncates the file. Returns 0, or -1 for a null name. Returns 0 even for a file that cannot be opened;
+  /// the run continues and its document is lost at close, see error.
   virtual int open(const char* name);
 
-  /// Ends every open container and writes the document and a newline to the file. May be called again, to no
+  /// Ends every open container and writes the document and a newline to the file. Further calls have no
   /// effect.
   virtual void close();
 
@@ -46,11 +46,11 @@ class PerfJSONWriter {
   virtual void write(double value);  ///< up to nine decimals
   virtual void write(const std::string& value);
 
-  /// Keeps finished JSON text back until the next writeArrayEnd, which writes all of it as one value, joined
-  /// by commas.
+  /// Buffers JSON text until the next writeArrayEnd, which writes all buffered texts as one value, joined by
+  /// commas.
   virtual void writeJson(const char* text);
 
-  /// A label and a value; without labels the value alone. A label is not escaped.
+  /// Write a label and a value, or without labels the value alone. A label is not escaped.
   virtual void writeNamed(const char* label, unsigned long long value);
   virtual void writeNamed(const char* label, unsigned int value);
   virtual void writeNamed(const char* label, unsigned short value);
@@ -67,20 +67,20 @@ class PerfJSONWriter {
   virtual void writeStructStart();
   virtual void writeStructEnd();
 
-  /// An object, whatever the label switch says. A null label is left out.
+  /// Starts an object, even without labels. A null label is left out.
   virtual void newElementStart(const char* label);
   virtual void newElementEnd();
 
-  /// An array of `count` numbers, each of them the count; the values are not read.
+  /// Writes an array of `count` numbers, each of which is the count; the values are not read.
   virtual void writeNamed(const char* label, const unsigned long long* values, unsigned int count);
 
-  /// The errno of what kept the document from its file, or 0: after open, and again after close.
+  /// Returns the errno of a failure to open or write the file, or 0; valid after open, and again after close.
   int error() const { return _error; }
 
-  // Bulk operations. They equal calls of the operations above, which any writer but DocumentWriter gets.
+  // Bulk operations, equivalent to calls of the operations above. Only DocumentWriter takes a shorter path.
 
-  /// The same as writeJson of the text that `write(char* out)` makes: at most `most` bytes, whose end it
-  /// returns.
+  /// The same as writeJson of the text that `write(char* out)` writes: at most `most` bytes; it returns their
+  /// end.
   template <typename Write>
   void writeJson(std::size_t most, Write write) {
     _separate(_bulkJson);
@@ -112,12 +112,12 @@ class PerfJSONWriter {
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
-  loomstat::TextBuffer _single;     ///< one value on its way to writeJson of a derived writer
-  loomstat::TextBuffer& _bulkJson;  ///< where values that a function writes go: _buffer or _single
+  loomstat::TextBuffer _single;     ///< one value, to be passed to writeJson of a derived writer
+  loomstat::TextBuffer& _bulkJson;  ///< the target of bulk writeJson: _buffer or _single
   BackTraceTexts _backTraces;
   bool _includeLabels;
   bool _whiteSpace;
-  const bool _isDocumentWriter;  ///< nobody overrides the operations, so bulk need not go through them
+  const bool _isDocumentWriter;  ///< no class overrides the operations, so bulk operations need not call them
 };
 
 /// The writer of a run.

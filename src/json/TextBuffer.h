@@ -13,14 +13,14 @@
 namespace loomstat {
 
 /// A text under construction that can grow to the size of the largest document. It is kept in blocks, so that
-/// growing moves nothing and reuses whatever blocks have become free.
+/// growing copies nothing and reuses free blocks of the pool.
 class TextBuffer {
  public:
   TextBuffer() = default;
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
 
-  /// The text, cut where a block ends. The last piece may be empty.
+  /// Returns the text, cut at the ends of blocks. The last piece may be empty.
   std::vector<std::string_view> pieces() const;
   bool empty() const { return _full.empty() && _end == _block.get(); }
   void clear();
@@ -38,7 +38,8 @@ class TextBuffer {
 
   void append(const TextBuffer& text);
 
-  /// Calls `write(char* out)`, which writes at most `most` bytes, a block at the most, and returns the end.
+  /// Calls `write(char* out)`, which writes at most `most` bytes (<= BlockPool::kBlockSize) and returns their
+  /// end.
   template <typename Write>
   void append(std::size_t most, Write write) {
     makeRoom(most);
@@ -65,7 +66,8 @@ class TextBuffer {
     std::string_view text() const { return {bytes.get(), size}; }
   };
 
-  /// Most texts are short, and a call of memcpy costs more than to copy one.
+  /// Longest text that is copied without memcpy: most texts are short, and a call of memcpy costs more than
+  /// the copy.
   static constexpr std::size_t kLongestShort = 32;
   static void copyShort(std::string_view text, char* out) {
     copyEnds<16>(text, out) || copyEnds<8>(text, out) || copyEnds<4>(text, out) || copyEnds<2>(text, out) ||
@@ -92,8 +94,8 @@ class TextBuffer {
 
   std::vector<FullBlock> _full;
   BlockPool::Block _block;  ///< the one being filled; null before the first
-  char* _end = nullptr;     ///< of the text in it
-  char* _limit = nullptr;   ///< of the room in it
+  char* _end = nullptr;     ///< end of the text in it
+  char* _limit = nullptr;   ///< end of the block
 };
 
 }  // namespace loomstat

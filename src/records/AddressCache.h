@@ -10,7 +10,7 @@
 class PerfRecordMMap;
 class SymbolTableElement;
 
-/// An address that a thread's code ran at or returns to.
+/// An address of code that a thread runs or returns to.
 struct CodeAddress {
   unsigned long long address = 0;
   unsigned int pid = 0;
@@ -24,24 +24,24 @@ struct Resolution {
   PerfRecordMMap* map = nullptr;
   SymbolTableElement* symbol = nullptr;  ///< in the map; null if it has none at the address
   SymbolTableElement* page = nullptr;    ///< the synthetic symbol under the map, for an unmapped address
-  bool unmapped = false;                 ///< no map covers the address, so this is a synthetic home
+  bool unmapped = false;                 ///< no map covers the address; map or page is synthetic
 };
 
-/// What a resolution follows from beside the address and the thread.
+/// What a resolution depends on, besides the address and the thread.
 struct ResolutionBasis {
   std::uint32_t maps = 0;                           ///< how many there are
   std::uint32_t processes = 0;                      ///< how many there are
-  AddressClass sampleClass = AddressClass::kernel;  ///< of the address of the sample that asks
+  AddressClass sampleClass = AddressClass::kernel;  ///< of the sample's own address
 };
 
-/// Direct-mapped cache of address resolutions, keyed by address, pid and tid: samples ask for the same few
+/// Direct-mapped cache of address resolutions, keyed by address, pid and tid: samples contain the same few
 /// addresses again and again.
 ///
-/// A further map makes every entry stale. A further process, and a sample of another class, make those stale
-/// that lead to a page: the map above it depends on both.
+/// A new map makes every entry stale. A new process, or a sample of another class, makes the entries with a
+/// page stale: the map above the page depends on both.
 class AddressCache {
  public:
-  /// Returns the resolution that was stored for the address, or null if there is none or it is stale.
+  /// Returns the resolution stored for the address, or null if there is none or it is stale.
   const Resolution* find(const CodeAddress& code, const ResolutionBasis& now) const {
     const Entry& entry = _entries[slotOf(code)];
     return entry.code == code && isCurrent(entry, now) ? &entry.resolution : nullptr;
@@ -59,7 +59,7 @@ class AddressCache {
  private:
   static constexpr unsigned int kSlotBits = 16;
 
-  /// Fills a cache line of the processor, so that a look-up costs no more than one.
+  /// Occupies one cache line of the processor, so that a look-up touches only one.
   struct alignas(64) Entry {
     CodeAddress code;
     ResolutionBasis basis;

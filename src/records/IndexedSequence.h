@@ -45,7 +45,7 @@ class IndexedSequence {
   static constexpr std::size_t kChunkSize = 1024;
 
   std::size_t chunkOf(std::size_t index) const {
-    // A search ends with many looks into one chunk. An index before its start wraps to a huge number.
+    // The last probes of a search are all in one chunk. An index before its start wraps to a huge number.
     if (index - _starts[_latest] >= _chunks[_latest].size()) {
       const auto next = std::upper_bound(_starts.begin(), _starts.end(), index);
       _latest = static_cast<std::size_t>(next - _starts.begin()) - 1;
@@ -72,5 +72,5 @@ class IndexedSequence {
   std::vector<std::vector<Element>> _chunks;
   std::vector<std::size_t> _starts;  ///< index of each chunk's first element
   std::size_t _size = 0;
-  mutable std::size_t _latest = 0;  ///< the chunk looked into last
+  mutable std::size_t _latest = 0;  ///< the chunk accessed last
 };

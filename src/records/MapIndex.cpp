@@ -23,8 +23,8 @@ void MapIndex::insert(PerfRecordMMap* map) {
   _entries.insert(_entries.partitionPoint(isBefore), {sortKey, map});
 }
 
-/// Returns the first probed map of the process that matches, or null. A map whose key, in the bits that
-/// count, is not above the sought one sends the search upward. A probe at the count ends it.
+/// Returns the first probed map of the process that matches, or null. If a map's key, masked by keyBits, is
+/// not above the sought one, the search continues above it. A probe at the number of maps ends it.
 template <typename Matches>
 PerfRecordMMap* MapIndex::search(unsigned int pid, unsigned long long sought, unsigned long long keyBits,
                                  Matches matches) const {
@@ -34,7 +34,8 @@ PerfRecordMMap* MapIndex::search(unsigned int pid, unsigned long long sought, un
   int middle = count / 2;
   while (low <= middle && middle <= high && middle < count) {
     const Entry& probed = _entries[static_cast<std::size_t>(middle)];
-    // A key has all bits of its process's, so most maps of others need not be looked at.
+    // A key contains all bits of its process's part, so most maps of other processes are rejected without
+    // reading them.
     const bool mayMatch = (pidPart(pid) & ~probed.sortKey) == 0;
     if (mayMatch && probed.map->pid == pid && matches(*probed.map)) return probed.map;
     if (sought >= (probed.sortKey & keyBits)) {

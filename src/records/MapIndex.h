@@ -7,8 +7,8 @@ class PerfRecordMMap;
 /// All maps of a recording, sorted by process, thread and start, and the search for the one that covers an
 /// address.
 ///
-/// The maps are sorted with their tids and searched without them. So where a process has maps from several
-/// threads, a search may miss one; documents have always been made that way.
+/// The maps are sorted with their tids but searched without them, so a search may miss a map of a process
+/// with maps from several threads; documents have always been made that way.
 class MapIndex {
  public:
   /// Inserts a map, before those of the same process, thread and start.
@@ -22,7 +22,7 @@ class MapIndex {
 
  private:
   struct Entry {
-    unsigned long long sortKey;  ///< of 16 bits each of pid and tid, and the start
+    unsigned long long sortKey;  ///< the start, and 16 bits each of pid and tid
     PerfRecordMMap* map;
   };
 

@@ -5,9 +5,9 @@
 
 #include "records/PerfReader.h"
 
-/// A reader that fetches large blocks of a regular file and serves reads from them, with the results that
-/// one read of the operating system each would give. Pipes and other special files are read without a block,
-/// as the result depends on the sizes asked for.
+/// Reader that fetches large blocks of a regular file and serves reads from them, with the same results as
+/// one read() of the operating system for each. Pipes and other special files are read without a block, as
+/// the result depends on the sizes asked for.
 class PerfBlockReader : public PerfReader {
  public:
   int open(const char* name) override;
@@ -20,6 +20,6 @@ class PerfBlockReader : public PerfReader {
   bool fetch(std::size_t size);
 
   std::unique_ptr<char[]> _block;  ///< null for a file that is read directly
-  std::size_t _position = 0;       ///< of the next byte to return
+  std::size_t _position = 0;       ///< index of the next byte to return
   std::size_t _end = 0;
 };

@@ -20,7 +20,7 @@ namespace {
 constexpr int kHeaderSize = 8;
 constexpr int kSmallestBuffer = 1024;
 
-/// Type and size of a record, while they may still prove wrong.
+/// Type and size of a record, which may be implausible.
 struct RecordHeader {
   std::uint32_t type = 0;
   std::uint16_t size = 0;
@@ -37,7 +37,7 @@ bool readHeader(PerfReader& reader, RecordHeader& header) {
   return true;
 }
 
-/// Goes forward to the next plausible header and counts the bytes passed over. False at the end of the file.
+/// Advances to the next plausible header and counts the skipped bytes. Returns false at the end of the file.
 bool scan(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes) {
   std::uint32_t scanWord = 0;
   do {
@@ -50,7 +50,7 @@ bool scan(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes) {
   return true;
 }
 
-/// The same, with an account of what is passed over.
+/// The same, and counts the losses.
 bool passOverDamage(PerfReader& reader, RecordHeader& header, std::uint32_t& lostBytes,
                     RecordLosses& losses) {
   const unsigned long long start = reader.offset() - kHeaderSize;
@@ -86,11 +86,12 @@ void PerfFactory::allocTmpBuffer(int size) {
 PerfRecord* PerfFactory::readNext(PerfReader& reader) {
   RecordHeader header;
   if (!readHeader(reader, header)) return nullptr;
-  // Before any test: a damaged size may grow the buffer, to 65543 bytes at most.
+  // Before the size is checked: a damaged one may grow the buffer, to 65543 bytes at most.
   allocTmpBuffer(header.size + kHeaderSize);
   if (!header.plausible() && !passOverDamage(reader, header, _lostBytes, _losses)) return nullptr;
 
-  // A body cut short by the end of the file is still taken, over what the buffer held before.
+  // A body truncated by the end of the file still makes a record; the rest of the buffer holds bytes of
+  // earlier ones.
   reader.read(_tmp + kHeaderSize, header.size - kHeaderSize);
   PerfRecord* record = create(header.type, header.size, _tmp);
   if (record == nullptr && reader.offset() - header.size < _losses.dataEnd)

@@ -13,8 +13,8 @@ class PerfRecord;
 
 using PerfRecordFunction = PerfRecord* (*)(char* record);
 
-/// Turns the data section of a recording into records: reads one at a time, finds the way back after damage,
-/// and hands the bytes to the creation function that is registered for the type.
+/// Turns the data section of a recording into records: reads one at a time, resynchronises after damage, and
+/// passes the bytes to the creation function that is registered for the type.
 ///
 /// A record begins with a header of 8 bytes: type (4), misc (2), size of the whole record (2), as the
 /// kernel's linux/perf_event.h has it.
@@ -26,34 +26,34 @@ class PerfFactory {
   /// Registers the creation function of a type. Returns -1 if the type is above 15 or taken, else 0.
   static int addFunction(int type, const char* name, PerfRecordFunction function);
 
-  /// Makes the shared record buffer at least that large. Its contents do not survive growing.
+  /// Ensures that the shared record buffer has at least `size` bytes. Growing discards its contents.
   static void allocTmpBuffer(int size);
 
   /// Reads one record. Returns null at the end of the file, and for a record that no creation function turned
   /// into an object; the reader's status tells the two apart.
   ///
-  /// A header that is not plausible starts a scan: two adjacent 32-bit words, the first a plausible type
-  /// and the upper half of the second a plausible size, are taken as the next header. Records longer than 256
-  /// bytes count as damage; that is also what absorbs whatever follows the data section.
+  /// A header that is not plausible starts a scan: two adjacent 32-bit words, the first a plausible type and
+  /// the upper half of the second a plausible size, are taken as the next header. Records longer than 256
+  /// bytes count as damage, as does what follows the data section.
   ///
   /// A creation function gets the shared buffer with the body at offset 8 and must copy what it keeps.
   static PerfRecord* readNext(PerfReader& reader);
 
-  /// Gives a record to the creation function of its type; returns what that returns, or null for a type
-  /// without one. The bytes must be in the shared buffer.
+  /// Passes a record to the creation function of its type and returns its result, or null for a type without
+  /// one. The bytes must be in the shared buffer.
   static PerfRecord* create(std::uint32_t type, std::uint16_t size, char* bytes);
 
-  /// Returns the shared record buffer, of that size at least.
+  /// Returns the shared record buffer, grown to at least `size` bytes.
   static char* buffer(int size);
 
   static void showStats();
 
   static RecordLosses _losses;
 
-  /// Returns how many bytes may be read from the start of a record. One in a buffer of the caller's
-  /// own is taken to be whole: at most what its size in 16 bits can tell.
+  /// Returns how many bytes may be read from the start of a record. A record in a buffer of the caller is
+  /// assumed to be complete: 0xFFFF, as its size has 16 bits.
   static std::size_t lengthOf(const char* record) {
-    assert(record == _tmp || !isInBuffer(record));  // a record is read from its start on
+    assert(record == _tmp || !isInBuffer(record));  // not from the middle of a record
     return record == _tmp ? static_cast<std::size_t>(_tmpLen) : std::size_t{0xFFFF};
   }
 
@@ -69,7 +69,7 @@ class PerfFactory {
   }
 
   static std::array<RecordFunction, 16> perfRecordFunctions;
-  static std::uint32_t _lostBytes;  ///< words passed over by the scan, 4 bytes each
+  static std::uint32_t _lostBytes;  ///< bytes skipped by the scan, a multiple of 4
   static char* _tmp;
   static int _tmpLen;
 };
@@ -82,5 +82,5 @@ class PerfAddFactory {
   }
 };
 
-/// Prints the bytes in hexadecimal, sixteen a line.
+/// Prints the bytes in hexadecimal, sixteen per line.
 void dump(const char* buffer, int size);

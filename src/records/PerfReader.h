@@ -11,20 +11,20 @@ class PerfReader {
   /// Returns 0, or -1 for a null name or a file that cannot be opened.
   virtual int open(const char* name);
 
-  /// One read of the operating system: the number of bytes, 0 at the end of the file, or -1. Nothing is
-  /// retried.
+  /// Calls read() of the operating system once, without a retry. Returns the number of bytes, 0 at the end of
+  /// the file, or -1.
   virtual int read(char* buffer, int size);
 
   virtual void close();
 
-  /// True while the latest read has given something; false before the first.
+  /// Returns whether the latest read returned any bytes; false before the first.
   virtual bool status() const;
 
-  /// Seeks from the start of the file. The offset is signed: one of 2 GiB and more fails, and reading
-  /// continues at the current position.
+  /// Seeks to an offset from the start of the file. The offset is signed: one of 2 GiB or more fails, and
+  /// reading continues at the current position.
   virtual void seek(int offset);
 
-  /// The offset in the file of the next byte that read gives.
+  /// Returns the offset in the file of the next byte that read returns.
   virtual unsigned long long offset() const { return _offset; }
 
  protected:
@@ -33,5 +33,5 @@ class PerfReader {
 
   int _fd = 0;                     ///< 0 before open, and taken as "not open"
   int _lastRead = 0;               ///< result of the latest read that reached the operating system
-  unsigned long long _offset = 0;  ///< in the file, of what the operating system gives next
+  unsigned long long _offset = 0;  ///< offset in the file of the operating system's next read
 };

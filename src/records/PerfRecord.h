@@ -7,7 +7,7 @@
 
 class PerfJSONWriter;
 
-/// Base of every record. Those that are kept live until the process ends.
+/// Base class of all records. Records that are kept live until the process ends.
 class PerfRecord : public PerfFoundation {
  public:
   PerfRecord() : PerfRecord(0, 0) {}
@@ -17,7 +17,7 @@ class PerfRecord : public PerfFoundation {
   PerfRecord& operator=(const PerfRecord&) = delete;
 
   virtual const char* perfRecordType() const { return "BASE"; }
-  /// The number by which other rows of the document refer to this record.
+  /// Returns the number by which other rows of the document refer to this record.
   virtual unsigned int getKey() const { return key; }
   virtual unsigned int getLen() const { return 0; }
   virtual unsigned long long getAddress() const { return 0; }
@@ -26,12 +26,12 @@ class PerfRecord : public PerfFoundation {
   /// Writes this record's row, if it has one. Returns 0.
   virtual int _out(PerfJSONWriter& /*writer*/) { return 0; }
 
-  /// Whether tables hold on to the record. One that is not kept belongs to whoever asked for it.
+  /// Returns whether tables keep the record. If not, the caller that created it must delete it.
   virtual bool isKept() const { return true; }
 
   int out(PerfJSONWriter& writer) { return _out(writer); }
 
-  /// Type and size as they stood in the recording.
+  /// Sets type and size as in the recording.
   void setFraming(unsigned int type, unsigned short size) {
     _type = type;
     _size = size;
@@ -46,5 +46,5 @@ class PerfRecord : public PerfFoundation {
   unsigned short _size = 0;
 };
 
-/// A process or file name without what follows the kernel's mark for one that is gone, " (deleted)".
+/// Returns a process or file name, cut at " (deleted)", which the kernel appends to names of removed files.
 std::string withoutDeletedMark(std::string_view name);

@@ -22,7 +22,8 @@ KeyTable<PerfRecordComm> PerfRecordComm::_mapOfPidTids;
 KeyTable<PerfRecordComm> PerfRecordComm::_mapOfPid;
 KeyTable<PerfRecordComm> PerfRecordComm::_mapOfTid;
 
-// In this order, after the tables that they enter: the kernel has key 1, the lost-and-found process key 2.
+// Constructed in this order, after the tables that they enter: the kernel gets key 1, the lost-and-found
+// process key 2.
 PerfRecordComm PerfRecordComm::_kernelArea(0, 0, "kernel");
 PerfRecordComm PerfRecordComm::_lostAndFound(0xFFFFFFFF, 0xFFFFFFFF, "lostAndFound");
 

@@ -9,27 +9,27 @@
 
 class SymbolTable;
 
-/// A process or thread that the recording mentions, and the tables in which everybody else finds one.
+/// A process or thread named by the recording, and the tables of all of them.
 ///
 /// Body of PERF_RECORD_COMM in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), name (16,
 /// NUL-terminated).
 class PerfRecordComm : public PerfRecord {
  public:
-  /// Takes the next key and enters all tables; in a table by id the first process of that id stays.
+  /// Gets the next key and is added to all tables; a table by id keeps the first process of each id.
   PerfRecordComm(unsigned int pid_, unsigned int tid_, std::string_view name);
-  /// Enters the list of all processes only.
+  /// Is added to the list of all processes only.
   PerfRecordComm();
 
-  /// Renames the process that the record's ids find, or makes a new one. The first record of a run also makes
-  /// the process "*init*", pid 1.
+  /// Renames the process with the record's ids, or creates one. The first record of a run also creates the
+  /// process "*init*", pid 1.
   static PerfRecord* createInstance(char* record);
 
-  /// Both ids 0 give the kernel. Otherwise an exact match counts; with one id 0, the first process of the
-  /// other id does. Null if there is none: a known process with an unknown tid is not found.
+  /// Returns the kernel if both ids are 0; if one is 0, the first process with the other id; otherwise the
+  /// exact match. Returns null if there is none, even for an unknown tid of a known process.
   static PerfRecordComm* findProcessRecord(unsigned int pid, unsigned int tid);
 
-  /// Returns the kernel's symbols for an address at or above gKernelStart, otherwise null: maps know their
-  /// symbols themselves, and a process holds none.
+  /// Returns the kernel's symbols for an address at or above gKernelStart, otherwise null: maps have their
+  /// own symbols, and a process has none.
   SymbolTable* findSymbolTable(unsigned long long address) const;
 
   static std::uint32_t count() { return static_cast<std::uint32_t>(_elements.size()); }
@@ -40,7 +40,7 @@ class PerfRecordComm : public PerfRecord {
   const char* getName() const override { return _name; }
   int _out(PerfJSONWriter& writer) override;
 
-  /// The section "processes", in order of construction.
+  /// Writes the section "processes", in order of construction.
   static void outAll(PerfJSONWriter& writer);
 
   static PerfRecordComm _kernelArea;
@@ -48,10 +48,10 @@ class PerfRecordComm : public PerfRecord {
 
  private:
   static std::vector<PerfRecordComm*> _elements;
-  static unsigned int _runningPidKey;             ///< the last key given
+  static unsigned int _runningPidKey;             ///< the last key assigned
   static KeyTable<PerfRecordComm> _mapOfPidTids;  ///< pid in the upper half of the key, tid in the lower
   static KeyTable<PerfRecordComm> _mapOfPid;
   static KeyTable<PerfRecordComm> _mapOfTid;
 
-  const char* _name;  ///< shared by all of that name
+  const char* _name;  ///< shared by all processes of that name
 };

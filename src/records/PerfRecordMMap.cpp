@@ -55,7 +55,7 @@ PerfRecordMMap::PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned lo
       _start(start),
       _length(length),
       _fileName(SymbolTable::sharedName(withoutDeletedMark(name))) {
-  // Here and no earlier: the kernel map takes its bounds and symbols from what start-up has found.
+  // Not earlier: the bounds and symbols of the kernel map are known only after start-up.
   if (_lostAndFound == nullptr) buildStandingMaps();
   key = ++_indexTotal;
   if (start >= kLibraryStart && start < gKernelStart) _symbolBase = start;
@@ -139,7 +139,7 @@ PerfRecordMMap* PerfRecordMMap::createSyntheticMap(PerfRecordSample* sample, uns
   return home.map;
 }
 
-/// Makes the home of createSyntheticMap, without counting a use of it.
+/// Implements createSyntheticMap, without counting a use.
 Resolution PerfRecordMMap::makeHome(const CodeAddress& code, AddressClass sampleClass) {
   const unsigned long long page = pageOf(code.address);
   if (page == 0) return {.map = _lostAndFound, .unmapped = true};
@@ -161,13 +161,13 @@ Resolution PerfRecordMMap::makeHome(const CodeAddress& code, AddressClass sample
   return {.map = map, .page = symbol, .unmapped = true};
 }
 
-/// Gives the symbol its key, on its first use, and notes the map in it.
+/// Assigns the symbol's key on its first use, and records the map in it.
 void PerfRecordMMap::link(SymbolTableElement& symbol) const {
   if (symbol.key() == 0) symbol.setKey(++_indexTotal);
   symbol.setMapKey(key);
 }
 
-/// Finds and links the symbol at the address; null if there is none.
+/// Links and returns the symbol at the address, or returns null if there is none.
 SymbolTableElement* PerfRecordMMap::linkSymbolAt(unsigned long long address) const {
   SymbolTable::await(_symbolsTicket);
   SymbolTableElement* symbol = _symbols != nullptr ? _symbols->findElement(address - _symbolBase) : nullptr;
@@ -175,7 +175,7 @@ SymbolTableElement* PerfRecordMMap::linkSymbolAt(unsigned long long address) con
   return symbol;
 }
 
-/// Counts one use of the symbol at the address; null if there is none.
+/// Counts one use of the symbol at the address and returns it, or returns null if there is none.
 SymbolTableElement* PerfRecordMMap::useSymbolAt(unsigned long long address) const {
   SymbolTableElement* symbol = linkSymbolAt(address);
   if (symbol != nullptr) symbol->markUsed(address);
@@ -218,7 +218,7 @@ ResolutionBasis PerfRecordMMap::basisNow(AddressClass sampleClass) {
 }
 
 const Resolution& PerfRecordMMap::resolve(const CodeAddress& code, ResolutionBasis& basis) {
-  // A verbose run tells of every look-up.
+  // A verbose run prints every look-up.
   const Resolution* known = verbose() ? nullptr : addressCache.find(code, basis);
   if (known == nullptr) {
     known = &addressCache.store(code, basis, lookUp(code, basis.sampleClass));

@@ -14,48 +14,51 @@ class PerfRecordSample;
 class SymbolTable;
 class SymbolTableElement;
 
-/// One memory mapping of one process: an address range and the file behind it. The class knows what code an
-/// address belongs to.
+/// One memory mapping of one process: an address range and the file mapped there. The class resolves
+/// addresses to symbols.
 ///
 /// Body of PERF_RECORD_MMAP in linux/perf_event.h: pid (offset 8, 4 bytes), tid (12, 4), start (16, 8),
 /// length (24, 8), page offset (32, 8), file name (40, NUL-terminated).
 ///
-/// Kernel and stack have a standing map each, see AddressClass; the maps of a recording are searched for all
-/// other addresses. A range includes the address after its last one.
+/// Kernel and stack have one fixed map each, see AddressClass; the maps of a recording are searched for all
+/// other addresses. A range includes the address after its last byte.
 class PerfRecordMMap : public PerfRecord {
  public:
-  /// All 0 and null but for the key.
+  /// Everything but the key is 0 or null.
   PerfRecordMMap();
-  /// Enters the tables and loads the file's symbols. The first of these also builds the three standing maps.
+  /// Is added to the tables and requests the file's symbols. The first such map also creates the three fixed
+  /// maps.
   PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned long long start, unsigned long long length,
                  unsigned long long pageOffset, std::string_view name);
 
   static PerfRecord* createInstance(char* record);
 
-  /// Returns the map that covers the address, or null. The tid is not looked at, see MapIndex.
+  /// Returns the map that covers the address, or null. The tid is ignored, see MapIndex.
   static PerfRecordMMap* findMap(unsigned long long address, unsigned int pid, unsigned int tid);
   /// The same for the sample's own address; marks the symbol there as used.
   static PerfRecordMMap* findMap(PerfRecordSample* sample);
-  /// Returns any map of the sample's process, or null; for an address of the kernel or the stack their map.
+  /// Returns any map of the sample's process, or null; for an address of the kernel or the stack the fixed
+  /// map.
   static PerfRecordMMap* findPidMap(PerfRecordSample* sample);
 
-  /// Creates a synthetic home for the 64 KiB page of an address that no map covers: a symbol under a map of
-  /// the process if it has any, else a map. Addresses of the first page go to the lost-and-found map. Returns
-  /// the map; null only while there is not even that one.
+  /// Creates a synthetic entry for the 64 KiB page of an address that no map covers: a symbol under a map of
+  /// the process if it has any, else a map. Addresses of the first page belong to the lost-and-found map.
+  /// Returns the map, or null before the fixed maps exist.
   static PerfRecordMMap* createSyntheticMap(PerfRecordSample* sample, unsigned int pid, unsigned int tid,
                                             unsigned long long address);
 
-  /// Returns what resolutions follow from by now, for a sample whose own address is of the given class.
+  /// Returns the current basis of resolutions, for a sample whose own address is of the given class.
   static ResolutionBasis basisNow(AddressClass sampleClass);
   /// Resolves an address of a back-trace, and counts one use of the map and of the symbol there. An address
-  /// without a map gets a synthetic home. The basis is the present one, and kept so: a back-trace needs one
-  /// only. Returns the key of the symbol or else of the map; 0 if there is no map.
+  /// without a map gets a synthetic entry. `basis` must be current and is kept current, so one serves a whole
+  /// back-trace. Returns the key of the symbol, else of the map; 0 if there is no map.
   static unsigned int resolveCaller(const CodeAddress& caller, ResolutionBasis& basis);
   /// The same for a sample's own address, which counts two uses of the symbol if a map covers it.
   static unsigned int resolveSample(const CodeAddress& sample);
 
   using PerfRecord::getKey;
-  /// Returns the key of the symbol at the address, which becomes used, or else of the map.
+  /// Returns the key of the symbol at the address and marks it as used; without a symbol returns the key of
+  /// the map.
   virtual unsigned int getKey(unsigned long long address);
 
   /// Marks the symbol at the sample's address as used.
@@ -69,11 +72,11 @@ class PerfRecordMMap : public PerfRecord {
     return address < _start || address > _start + _length ? 1 : 0;
   }
 
-  /// Looks up the process, unless it is known already.
+  /// Looks up the process unless it is known.
   void addProcessRef();
   static void findMissingProcessRefs();
 
-  /// Loads the symbols of the file; a null name does nothing.
+  /// Requests the symbols of the file; a null name does nothing.
   void findMoreSymbols(const char* name);
 
   void countUse() { ++_useCount; }
@@ -86,10 +89,10 @@ class PerfRecordMMap : public PerfRecord {
   const char* getName() const override { return _fileName; }
   int _out(PerfJSONWriter& writer) override;
 
-  /// The section "libraries": the standing maps, then the maps that samples used.
+  /// Writes the section "libraries": the fixed maps, then the maps that samples used.
   static void outAll(PerfJSONWriter& writer);
 
-  static unsigned int _indexTotal;  ///< the last key given; maps and symbols share the counter
+  static unsigned int _indexTotal;  ///< the last key assigned; maps and symbols share the counter
   static PerfRecordMMap* _lostAndFound;
   static PerfRecordMMap* _kernelMap;
   static PerfRecordMMap* _stackMap;
@@ -115,10 +118,10 @@ class PerfRecordMMap : public PerfRecord {
 
   unsigned long long _start = 0;
   unsigned long long _length = 0;
-  unsigned long long _symbolBase = 0;  ///< what the file's symbol addresses are relative to
-  const char* _fileName = "";          ///< kept by SymbolTable
+  unsigned long long _symbolBase = 0;  ///< base of the file's symbol addresses
+  const char* _fileName = "";          ///< owned by SymbolTable
   unsigned int _pidKey = 0;
-  unsigned int _useCount = 0;  ///< references from samples; a map without any is not written
+  unsigned int _useCount = 0;  ///< uses by samples; an unused map is not written
   PerfRecordComm* _processRecord = nullptr;
   SymbolTable* _symbols = nullptr;
   std::uint32_t _symbolsTicket = 0;  ///< to be awaited before the symbols are used

@@ -82,7 +82,7 @@ PerfRecord* PerfRecordSample::createInstance(char* record) {
 }
 
 void PerfRecordSample::processSample(const PerfRecordSampleS& record) {
-  // In a timechart only a verbose run prints the process.
+  // A timechart does not need the process, except to print it in a verbose run.
   if (_keepsSamples || verbose()) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr && verbose())
     std::printf("Missing process p:%d t:%d\n", static_cast<int>(pid), static_cast<int>(tid));
@@ -98,10 +98,10 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
   if (skip < _depth) resolveTrace(record, skip);
 }
 
-/// Keeps the entries of the back-trace that are not passed over.
+/// Resolves and keeps the entries of the back-trace after the skipped ones.
 void PerfRecordSample::resolveTrace(const PerfRecordSampleS& record, unsigned int skip) {
-  // The entry passed over does not shorten the trace: its last entry is then what follows the ones that the
-  // depth covers. Viewers have always been given it.
+  // A skipped entry does not shorten the trace: its last entry is then the one after those that `nr` covers.
+  // Documents have always contained it.
   std::array<BackTraceEntry, kDeepestPossible> entries;
   ResolutionBasis basis = PerfRecordMMap::basisNow(classOf(_ip));
   unsigned long long address = 0;
@@ -119,7 +119,7 @@ void PerfRecordSample::keepTrace(const BackTraceEntry* entries) {
 }
 
 void PerfRecordSample::verifyKey() {
-  // A process may be named after its samples.
+  // The record that names a process may follow its samples.
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, tid);
   if (_processRecord == nullptr) _processRecord = PerfRecordComm::findProcessRecord(pid, 0);
   if (_processRecord == nullptr) _processRecord = &PerfRecordComm::_lostAndFound;

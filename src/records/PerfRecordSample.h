@@ -12,17 +12,17 @@
 class PerfRecordComm;
 class PerfRecordMMap;
 
-/// One sample: where the program counter stood, when, on which core, in which process, and how it got there.
-/// Trace-point samples derive from it and have no back-trace.
+/// One sample: the program counter, the time, the core, the process and the back-trace. Trace-point samples
+/// derive from it and have no back-trace.
 class PerfRecordSample : public PerfRecord {
  public:
-  /// Times in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and
-  /// gDeepestTrace are kept at most. Resolves the back-trace with the maps and processes known by now, and
-  /// joins the list of all samples.
+  /// `time` is in nanoseconds. `nr` is the number of back-trace entries: 1 counts as none, and at most
+  /// gDeepestTrace are kept. Resolves the back-trace with the maps and processes known so far, and is added
+  /// to the list of all samples.
   PerfRecordSample(unsigned long long ip, unsigned long long time, unsigned int cpu, unsigned int pid_,
                    unsigned int tid_, unsigned long long period, unsigned int nr,
                    const PerfRecordSampleS& record);
-  /// All 0; takes a number and joins no list.
+  /// Everything is 0; counts as a sample but is not added to the list.
   PerfRecordSample();
   ~PerfRecordSample() override;
 
@@ -30,20 +30,20 @@ class PerfRecordSample : public PerfRecord {
   static void* operator new(std::size_t size) { return _arena.allocate(size); }
   static void operator delete(void* sample, std::size_t size) { _arena.release(sample, size); }
 
-  /// A plain sample, or what the event registry makes of a trace-point sample: a core number above 16 tells
-  /// the latter.
+  /// Returns a plain sample, or for a trace-point sample, which has a core number above 16, the result of the
+  /// event registry.
   static PerfRecord* createInstance(char* record);
 
   void processSample(const PerfRecordSampleS& record);
   void processTrace(const PerfRecordSampleS& record);
 
-  /// Final keys for the process and the sample's own address, once the whole recording is known.
+  /// Sets the process and resolves the sample's own address; called after the whole recording was read.
   void verifyKey();
   static void verifyKeys();
 
-  /// How many samples there have been, trace-points included.
+  /// Returns the number of samples so far, trace-points included.
   static unsigned long long count() { return _runningIndex; }
-  /// After verifyKeys: how many samples' own addresses are in no function that has a name.
+  /// Returns, after verifyKeys, the number of samples whose own address is in no named function.
   static unsigned long long countWithoutFunction();
 
   bool isKept() const override { return _keepsSamples; }
@@ -53,13 +53,13 @@ class PerfRecordSample : public PerfRecord {
   const char* getName() const override { return "sample"; }
   int _out(PerfJSONWriter& writer) override;
 
-  /// The section "samples", in the order of the recording. The samples go as they are written, and leave
-  /// their memory to the document.
+  /// Writes the section "samples", in the order of the recording. Releases each sample after its row is
+  /// written, so that the document reuses the memory.
   static void outAll(PerfJSONWriter& writer);
 
-  static double _firstSampleTime;  ///< seconds of the recording's clock; 0.0 until a sample sets it
+  static double _firstSampleTime;  ///< seconds of the recording's clock; 0.0 before the first sample
   static unsigned long long _lastSampleTime;  ///< of the latest sample in the recording, in nanoseconds
-  /// Cleared for a timechart, which has taken all it needs of a sample by the time that there is one.
+  /// False in timechart mode: decoders have extracted their data by the end of construction.
   static bool _keepsSamples;
 
  private:
@@ -67,12 +67,12 @@ class PerfRecordSample : public PerfRecord {
   void keepTrace(const BackTraceEntry* entries);
 
   static Arena _arena;                      ///< of all samples and their back-traces
-  static unsigned long long _runningIndex;  ///< the last sample number given
+  static unsigned long long _runningIndex;  ///< the last sample number assigned
   static std::deque<PerfRecordSample*> _allSamples;
 
-  std::uint8_t _depth = 0;  ///< how many entries _trace has
+  std::uint8_t _depth = 0;  ///< number of entries of _trace
   std::uint8_t _cpu = 0;
-  unsigned int _mapKey = 0;  ///< of the symbol or map at _ip; 0 until verifyKey
+  unsigned int _mapKey = 0;  ///< key of the symbol or map at _ip; 0 until verifyKey
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
   PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never after verifyKey

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/// The types of record that the program takes something from, as linux/perf_event.h numbers them.
+/// The record types that the program uses, with their numbers in linux/perf_event.h.
 enum PerfRecordType : std::uint32_t {
   PERF_RECORD_MMAP = 1,
   PERF_RECORD_LOST = 2,

@@ -65,7 +65,7 @@ static_assert(kFirstOfPerf + std::size(kTypesOfPerf) <= RecordLosses::kTypes);
 
 std::string_view recordTypeName(std::uint32_t type) {
   if (type < std::size(kKernelTypes)) return kKernelTypes[type];
-  // A type below the first of perf's own wraps to a number above the last.
+  // A type below perf's first own type wraps to an index above the last.
   const std::uint32_t index = type - kFirstOfPerf;
   return index < std::size(kTypesOfPerf) ? kTypesOfPerf[index] : std::string_view();
 }
@@ -81,7 +81,7 @@ void RecordLosses::countRejected(std::uint32_t type, std::uint16_t size) {
 
 void RecordLosses::countPassedOver(std::uint32_t type, const char* record, std::size_t size) {
   ++passedOver[type];
-  // In LOST an id precedes the number.
+  // In PERF_RECORD_LOST an id precedes the number.
   const std::size_t offset = type == PERF_RECORD_LOST ? 16 : 8;
   std::uint64_t lost = 0;
   if ((type != PERF_RECORD_LOST && type != PERF_RECORD_LOST_SAMPLES) || size < offset + sizeof lost) return;

@@ -5,28 +5,29 @@
 #include <cstdint>
 #include <string_view>
 
-/// What of a recording's data section came to nothing, counted by kind while it is read. What follows the
-/// data section is read as records as well and comes to nothing by rights, so it is left out here.
+/// Counts, by kind, what is lost of a recording's data section while it is read. What follows the data
+/// section is read as records too but is none, so it does not count as lost.
 struct RecordLosses {
-  /// Types above are no record's.
+  /// One more than the largest type that is counted; records have no larger ones.
   static constexpr std::size_t kTypes = 96;
 
-  std::array<std::uint64_t, kTypes> passedOver{};  ///< records that nothing was made of, by type
-  std::uint64_t longRecords = 0;                   ///< records of more than the 256 bytes that are read
+  std::array<std::uint64_t, kTypes> passedOver{};  ///< records that made no object, by type
+  std::uint64_t longRecords = 0;                   ///< records of more than 256 bytes, which are not read
   std::uint64_t longSamples = 0;                   ///< the samples among them
-  std::uint64_t bytes = 0;                         ///< passed over in search of the next record
-  std::uint64_t lostByKernel = 0;                  ///< as PERF_RECORD_LOST and PERF_RECORD_LOST_SAMPLES say
+  std::uint64_t bytes = 0;                         ///< skipped in search of the next record
+  std::uint64_t lostByKernel = 0;                  ///< total of PERF_RECORD_LOST and PERF_RECORD_LOST_SAMPLES
 
-  std::uint64_t dataEnd = ~std::uint64_t{0};  ///< offset of the data section's end, for who counts
+  std::uint64_t dataEnd =
+      ~std::uint64_t{0};  ///< offset of the data section's end; losses after it do not count
 
-  /// Counts a header that is not read: of a record that is too long, or of a type that the program does not
-  /// know. Other values are damage.
+  /// Counts the header of a record that is too long, or of a type that the program does not know. Headers
+  /// with other values are damage and not counted.
   void countRejected(std::uint32_t type, std::uint16_t size);
 
-  /// Counts a record that nothing was made of; `record` has `size` bytes.
+  /// Counts a record that made no object; `record` has `size` bytes.
   void countPassedOver(std::uint32_t type, const char* record, std::size_t size);
 };
 
-/// The name of a record type without its "PERF_RECORD_", as linux/perf_event.h and perf's own headers have
-/// it; empty for a number that is no type.
+/// Returns the name of a record type in linux/perf_event.h or in perf's own headers, without "PERF_RECORD_";
+/// empty for an unknown number.
 std::string_view recordTypeName(std::uint32_t type);

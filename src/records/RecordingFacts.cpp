@@ -14,7 +14,7 @@
 
 namespace {
 
-// Bits of the header that tell which feature sections there are.
+// Bits of the header that announce feature sections, as in perf's util/header.h.
 constexpr unsigned int kOsRelease = 4;
 constexpr unsigned int kArchitecture = 6;
 constexpr unsigned int kEventDescriptions = 12;
@@ -31,7 +31,7 @@ constexpr std::size_t kLongestText = 256;
 constexpr std::size_t kLongestRecord = 256;
 constexpr std::uint64_t kMostScanned = std::uint64_t{64} * 1024 * 1024;
 
-/// A regular file and its size. Whatever else bears the name is not opened, as that can have effects.
+/// A regular file and its size. Other kinds of file are not opened, as that can have side effects.
 class RegularFile {
  public:
   explicit RegularFile(const std::string& path) {
@@ -51,7 +51,7 @@ class RegularFile {
   bool isGood() const { return _isGood; }
   std::uint64_t size() const { return _size; }
 
-  /// Reads less than a block. False unless all of it is there.
+  /// Reads `size` bytes, less than a block. Returns false unless all of them are in the file.
   bool read(std::uint64_t offset, void* target, std::size_t size) const {
     if (offset < _blockStart || offset - _blockStart > _blockSize ||
         size > _blockSize - (offset - _blockStart)) {
@@ -68,12 +68,12 @@ class RegularFile {
   int _fd = -1;
   std::uint64_t _size = 0;
   bool _isGood = false;
-  mutable std::array<char, std::size_t{32} * 1024> _block;  ///< what was read last
+  mutable std::array<char, std::size_t{32} * 1024> _block;  ///< the block read last
   mutable std::uint64_t _blockStart = 0;
   mutable std::size_t _blockSize = 0;
 };
 
-/// A section of the file, read from its front. It ends at its own end or the file's; a read beyond gives 0
+/// Reads a section of the file from its start. It ends at its own end or the file's; a read beyond returns 0
 /// and makes it bad.
 class Section {
  public:
@@ -96,7 +96,7 @@ class Section {
     _left -= size;
   }
 
-  /// A text in a field of that size, up to its NUL. What is too long to be shown is cut.
+  /// Returns the text in a field of `size` bytes, up to its NUL, truncated if it is too long to show.
   std::string text(std::size_t size) {
     std::string text(std::min(size, kLongestText), '\0');
     take(text.data(), text.size());
@@ -104,7 +104,7 @@ class Section {
     text.resize(_isGood ? std::strlen(text.c_str()) : 0);
     return text;
   }
-  /// The same after the size of its field.
+  /// The same for a field that its size precedes.
   std::string sizedText() { return text(number<std::uint32_t>()); }
 
  private:
@@ -142,7 +142,7 @@ void readEvents(Section attributes, std::uint64_t entrySize, std::uint64_t count
   }
 }
 
-/// The descriptions come in the order of the attributes.
+/// The descriptions are in the order of the attributes.
 void readEventNames(Section section, RecordingFacts& facts) {
   const auto count = section.number<std::uint32_t>();
   const auto attributeSize = section.number<std::uint32_t>();
@@ -197,7 +197,7 @@ std::optional<RecordingFacts> readRecordingFacts(const std::string& path) {
   for (std::uint64_t& word : features) word = header.number<std::uint64_t>();
 
   const bool fits = facts.dataOffset <= file.size() && dataSize <= file.size() - facts.dataOffset;
-  // A recording that was broken off says 0 and has no features.
+  // An aborted recording has size 0 here and no features.
   facts.dataEnd = fits && dataSize > 0 ? facts.dataOffset + dataSize : file.size();
   const std::uint64_t attributesEnd = attributesOffset + attributesSize;
   facts.hasEventTable =
@@ -209,7 +209,7 @@ std::optional<RecordingFacts> readRecordingFacts(const std::string& path) {
 }
 
 std::string mappedFile(const std::string& mapName) {
-  // Other names denote memory without a file, such as "[heap]".
+  // Other names, such as "[heap]", denote memory without a file.
   if (mapName.empty() || mapName.front() != '/') return {};
   return withoutDeletedMark(std::string_view(mapName).substr(mapName.rfind('/') + 1));
 }

@@ -14,8 +14,9 @@ struct RecordedEvent {
   std::uint64_t sampleType = 0;  ///< PERF_SAMPLE_* bits: the fields that its samples hold
 };
 
-/// What a perf.data file says of itself outside its records: the header, the attribute section and the
-/// feature sections, as perf's file format has them. The conversion does not depend on it.
+/// What the header, the attribute section and the feature sections of a perf.data file say about the
+/// recording; see tools/perf/Documentation/perf.data-file-format.txt of the kernel. The conversion does not
+/// depend on it.
 struct RecordingFacts {
   enum class Format { recording, pipe, otherByteOrder, unknown };
 
@@ -23,20 +24,21 @@ struct RecordingFacts {
   std::uint64_t fileSize = 0;
   std::uint64_t dataOffset = 0;
   std::uint64_t dataEnd = 0;
-  bool hasEventTable = false;  ///< whether there is room for an entry before the data section
+  bool hasEventTable = false;  ///< whether an entry fits before the data section
   bool isCompressed = false;
   std::vector<RecordedEvent> events;
-  std::string release;       ///< of the recorded kernel, such as "6.1.0-50-armmp"; empty if it is not told
-  std::string architecture;  ///< of the recorded machine, such as "armv7l"; empty if it is not told
+  std::string release;       ///< of the recorded kernel, such as "6.1.0-50-armmp"; empty if unknown
+  std::string architecture;  ///< of the recorded machine, such as "armv7l"; empty if unknown
 };
 
-/// Returns the facts of a recording, or nothing if the file is no regular one or cannot be opened. What is
-/// damaged or missing is left out.
+/// Returns the facts of a recording, or nothing if it is not a regular file or cannot be opened. Damaged or
+/// missing parts keep their defaults.
 std::optional<RecordingFacts> readRecordingFacts(const std::string& path);
 
-/// Returns how many different files the map records of a recording name, by the name without directories, as
-/// symbols are looked for once by that. 0 for a data section so large that counting takes long.
+/// Returns how many different files the map records of a recording name. Files are distinguished by the name
+/// without directories, as symbols are searched for once per such name. Returns 0 for a data section so large
+/// that counting takes long.
 std::size_t countMappedFiles(const std::string& path, const RecordingFacts& facts);
 
-/// The name by which countMappedFiles counts a map's file, or an empty one for what names no file.
+/// Returns the name by which countMappedFiles distinguishes files, or an empty one for a map without a file.
 std::string mappedFile(const std::string& mapName);

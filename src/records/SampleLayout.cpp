@@ -8,7 +8,7 @@ constexpr std::uint32_t kSoftware = 1;    // PERF_TYPE_SOFTWARE
 constexpr std::uint32_t kTracePoint = 2;  // PERF_TYPE_TRACEPOINT
 constexpr std::uint64_t kDummy = 9;       // PERF_COUNT_SW_DUMMY
 
-/// The number of the bit is the index.
+/// The index is the number of the bit.
 constexpr const char* kFields[] = {
     "ip",
     "tid",
@@ -40,7 +40,7 @@ constexpr const char* kFields[] = {
 enum Field : unsigned int { ip, tid, time, addr, read, callchain, id, cpu, period, streamId, raw };
 constexpr unsigned int kIdentifier = 16;
 
-/// The order of the fields in a sample. What comes later is never read.
+/// The order of the fields in a sample. Later fields are never read.
 constexpr unsigned int kOrder[] = {kIdentifier, ip,  tid,    time, addr,      id,
                                    streamId,    cpu, period, read, callchain, raw};
 

@@ -5,17 +5,17 @@
 
 #include "records/RecordingFacts.h"
 
-/// Names the fields that samples with these PERF_SAMPLE_* bits hold, in the order of the bits: "ip, tid,
-/// time". See linux/perf_event.h.
+/// Returns the names of the fields of samples with these PERF_SAMPLE_* bits, in the order of the bits: "ip,
+/// tid, time". See linux/perf_event.h.
 std::string sampleFields(std::uint64_t sampleType);
 
-/// Says where the event's samples part from the layout in which they are read, PerfRecordSampleS or for
-/// trace-points PerfRecordSampleEventS: "the id stands where the core is read". Empty if they do not. Fields
-/// after those that are read do no harm.
+/// Returns a text about the first field of the event's samples that is not where PerfRecordSampleS, or
+/// PerfRecordSampleEventS for trace-points, reads it: "the id stands where the core is read". Returns an
+/// empty text if there is none; fields after those that are read do no harm.
 std::string misplacedField(const RecordedEvent& event);
 
-/// Whether the event is a trace-point.
+/// Returns whether the event is a trace-point.
 bool isTracePoint(const RecordedEvent& event);
 
-/// Whether the event is there for other records than samples: perf adds one to get those of maps.
+/// Returns whether the event has no samples: perf adds a dummy event to get map records.
 bool hasNoSamples(const RecordedEvent& event);

@@ -84,7 +84,7 @@ void parseOGProtocol(const char* argument) {
   FileNames::_ogProtocol = argument;
 }
 
-/// Text that is no number leaves the value as it was.
+/// A text that is not a number does not change the value.
 void scanDouble(const char* argument, double& value) {
   std::sscanf(argument, "%lf", &value);
 }
@@ -101,8 +101,8 @@ void parseBaseTime(const char* argument) {
   gtodAtStart = baseTime;
 }
 
-/// Takes one end of the selected range. The result is that end in whole seconds of the recording's clock: y =
-/// cx + g solved for x, with -c and -g as set by then.
+/// Parses one end of the selected range. Returns it in whole seconds of the recording's clock: y = cx + g
+/// solved for x, with -c and -g as set so far.
 unsigned long long parseRangeEnd(const char* argument, double& end) {
   gSelectiveProcessing = true;
   end = 0.0;
@@ -110,8 +110,8 @@ unsigned long long parseRangeEnd(const char* argument, double& end) {
   return truncateToUnsigned64((end - timestampOffset) / timestampScaler);
 }
 
-// The range in nanoseconds is one second wider at either end: it is only the coarse filter before the
-// charts' own.
+// The range in nanoseconds is one second wider at both ends: it is a coarse filter, and the charts apply the
+// exact one.
 void parseStartTime(const char* argument) {
   gFirstTimestampToProcess = (parseRangeEnd(argument, gtodAtStart) - 1) * 1000000000;
 }
@@ -126,7 +126,7 @@ void parseOGFilesOnly(const char* argument) {
 
 void parseShowHelp(const char*);
 
-/// In the order of the help. The first row of a letter takes the option, so the second -P is only ever shown.
+/// In the order of the help. The first row of a letter is the one used, so the second -P is only shown.
 const ProgramOption programOptions[] = {
     {parseAddWhiteSpace, 'w', 0, "add white space to the JSON output (D)"},
     {parseAddJSONLabels, 'l', 0, "add labels to the JSON output"},

@@ -25,7 +25,7 @@ int ProgressLine::due() const {
 }
 
 void ProgressLine::show(const std::string& text) {
-  // A line that fills the last column would go on in the next.
+  // A line that fills the last column would wrap to the next line.
   std::string line = text.substr(0, terminalWidth() - 1);
   if (line == _shown) return;
   std::fprintf(stderr, "\r%-*s", static_cast<int>(_shown.size()), line.c_str());
@@ -34,7 +34,7 @@ void ProgressLine::show(const std::string& text) {
 }
 
 void ProgressLine::clear() {
-  // Blanks, as not every terminal knows a command for it.
+  // Overwritten with blanks, as not every terminal has a command to erase a line.
   if (!_shown.empty()) std::fprintf(stderr, "\r%*s\r", static_cast<int>(_shown.size()), "");
   _shown.clear();
 }

@@ -3,22 +3,22 @@
 #include <chrono>
 #include <string>
 
-/// One line on the terminal of standard error that is written over again and again, and leaves nothing
-/// behind. It appears only when a run takes long enough for one to wonder.
+/// One line on standard error's terminal that is overwritten at each update and erased at the end. It appears
+/// only if a run takes long.
 class ProgressLine {
  public:
-  /// Milliseconds until the line may be shown, or be shown anew; 0 if it may be now.
+  /// Returns the milliseconds until the line may be shown or updated; 0 if it may be now.
   int due() const;
 
-  /// Shows the text now, cut to the width of the terminal, unless it is there already.
+  /// Shows the text, truncated to the width of the terminal, unless it is shown already.
   void show(const std::string& text);
 
-  /// Takes the line away. Other lines must not come before that.
+  /// Erases the line. Required before any other line is printed.
   void clear();
 
  private:
   using Clock = std::chrono::steady_clock;
 
   Clock::time_point _next = Clock::now() + std::chrono::milliseconds(500);
-  std::string _shown;  ///< what is on the terminal
+  std::string _shown;  ///< the text on the terminal
 };

@@ -30,9 +30,9 @@ extern bool gRmFirstInterrupt;   ///< -I: pass over the first entry of every bac
 extern bool gShowMarkers;        ///< -m: write debug markers to the kernel's log
 extern std::FILE* gMarkerFile;   ///< the kernel's log, null until the first marker
 extern bool gTimechartMode;      ///< -t: the timechart document instead of the profile document
-extern bool gDoneProcessing;     ///< ends the record walk when set
-/// How many entries of a back-trace are kept, 255 at most. No option sets it: viewers know 15, and programs
-/// that link the converter may ask for more.
+extern bool gDoneProcessing;     ///< ends the reading of records when set
+/// How many entries of a back-trace are kept, 255 at most. No option sets it: viewers expect 15, and programs
+/// that link the converter may set more.
 extern unsigned int gDeepestTrace;
 
 // The recorded kernel

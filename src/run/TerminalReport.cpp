@@ -22,12 +22,13 @@ namespace {
 
 constexpr std::size_t kMostListed = 4;
 
-/// The text without what a terminal would obey: names in a recording may hold anything.
+/// Returns the text with control characters replaced, as names in a recording may contain commands for the
+/// terminal.
 std::string printable(std::string_view text) {
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
-    // In UTF-8, C2 begins the control characters from 80 up.
+    // In UTF-8, C2 starts the control characters U+0080 to U+009F.
     const bool isControl =
         byte < 0x20 || byte == 0x7F ||
         (byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0);
@@ -53,7 +54,7 @@ bool isSameFile(const std::string& one, const std::string& other) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-/// The version as kern_ver has it, 100 times the major one plus the minor one, or 0.
+/// Returns the version in the form of kern_ver, 100 times the major one plus the minor one, or 0.
 int versionOf(const std::string& release) {
   const char* point = nullptr;
   const int major = targetStrtol(release.c_str(), &point);
@@ -64,7 +65,7 @@ std::string versionText(int version) {
   return std::to_string(version / 100) + "." + std::to_string(version % 100);
 }
 
-/// Whether the kernel of a machine that uname calls so has 64 bits.
+/// Returns whether a machine of that architecture, as uname names it, has a 64-bit kernel.
 bool isWide(const std::string& architecture) {
   return architecture.find("64") != std::string::npos || architecture == "armv8l" || architecture == "s390x";
 }
@@ -74,7 +75,7 @@ std::string nameOf(const std::vector<RecordedEvent>& events, std::size_t index) 
   return name.empty() ? "event " + std::to_string(index + 1) : printable(name);
 }
 
-/// Returns the first texts with commas between, and how many more there are.
+/// Returns the first texts, separated by commas, and how many more there are.
 std::string listed(const std::vector<std::string>& texts, std::size_t most) {
   std::string list;
   for (std::size_t i = 0; i < texts.size() && i < most; ++i) {
@@ -181,7 +182,7 @@ void TerminalReport::tellKernel() {
 }
 
 void TerminalReport::tellKernelNames() {
-  // One symbol, the page of interrupt vectors, is not from the file.
+  // One symbol, the page of interrupt vectors, does not come from the file.
   if (SymbolTable::_kernelSymTable->elements().size() < 2)
     return say(gMachineFiles.kernelSymbols +
                " tells no addresses to this user: functions of the kernel stay without names");

@@ -10,39 +10,38 @@
 #include "records/RecordingFacts.h"
 #include "run/ProgressLine.h"
 
-/// What a person at the terminal is told about a run, on standard error: what went wrong, what is about to
-/// come out useless and why, how far a long run has come, and at the end what was kept and lost. Nothing that
-/// a program reads depends on it: the document, standard output and the exit status are the same without, and
-/// where standard error is no terminal it says nothing at all.
+/// Messages about a run to a person at a terminal, on standard error: errors, warnings about a useless result
+/// and its cause, the progress of a long run, and at the end what was kept and lost. The document, standard
+/// output and the exit status do not depend on it, and nothing is printed if standard error is not a
+/// terminal.
 class TerminalReport : public RunWatcher {
  public:
-  /// Says nothing if `speaks` is false.
+  /// Prints nothing if `speaks` is false.
   explicit TerminalReport(bool speaks);
   ~TerminalReport() override;
   TerminalReport(const TerminalReport&) = delete;
   TerminalReport& operator=(const TerminalReport&) = delete;
 
-  /// Whether standard error is a terminal.
+  /// Returns whether standard error is a terminal.
   static bool isTerminal();
 
-  /// Names what the command line has after its options.
+  /// Warns about words after the options, which are ignored.
   void tellIgnored(std::span<char* const> words);
 
-  /// Looks at the recording and at the document's file, while neither is open yet, and tells what the run
-  /// will make of them.
+  /// Examines the recording and the output file, before either is opened, and warns about problems to expect.
   void inspectFiles();
 
-  /// Tells why there is no recording to read: errno, or 0 for an empty file.
+  /// Prints why the recording cannot be read: errno, or 0 for an empty file.
   void tellUnreadable(int error);
 
-  /// Tells, once, why there is no document: errno, or 0 for one that is written.
+  /// Prints, once, why there is no document; `error` is an errno, or 0 if it was written.
   void tellUnwritable(int error);
 
-  /// Progress is shown from the one to the other.
+  /// Start and end the display of progress.
   void watch();
   void stopWatching();
 
-  /// The keys of all samples are final, and the samples are still there.
+  /// Called when the keys of all samples are final, before the samples are released.
   void countSamples();
 
   /// Prints a summary of the conversion.
@@ -71,13 +70,13 @@ class TerminalReport : public RunWatcher {
   bool _saidUnwritable = false;
 
   ProgressLine _line;
-  unsigned long long _offset = 0;        ///< how far the recording is read
-  std::size_t _filesWanted = 0;          ///< programs and libraries whose symbols were looked for
+  unsigned long long _offset = 0;        ///< offset up to which the recording was read
+  std::size_t _filesWanted = 0;          ///< programs and libraries whose symbols were requested
   std::optional<std::size_t> _allFiles;  ///< how many the recording names; counted when first shown
 
   std::size_t _filesRead = 0;  ///< by nm
   std::size_t _filesWithoutSymbols = 0;
   std::string _firstWithoutSymbols;
-  int _nmError = 0;  ///< told already
+  int _nmError = 0;  ///< printed already
   std::uint64_t _samplesWithoutFunction = 0;
 };

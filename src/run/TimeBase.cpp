@@ -21,8 +21,8 @@ double onLoomstatScale(double seconds) {
 }  // namespace
 
 void calcTimeConversion() {
-  // Stays open, as it always has: it takes the lowest descriptor that is free. A run that was started without
-  // standard input would else get 0 for its recording, which PerfReader takes for a file that is not open.
+  // Stays open, as it always has, and occupies the lowest free descriptor. Otherwise a run without standard
+  // input would open its recording as descriptor 0, which PerfReader takes for a closed file.
   std::FILE* file = std::fopen(gMachineFiles.uptime.c_str(), "re");
   if (file == nullptr) return;
   double uptime = 0.0;

@@ -29,7 +29,7 @@
 
 namespace {
 
-/// Takes "major.minor" as 100 * major + minor; any other text leaves the version as it is.
+/// Sets the version to 100 * major + minor of "major.minor"; any other text does not change it.
 void parseKernelVersion(const char* text) {
   const char* point = nullptr;
   const int major = targetStrtol(text, &point);
@@ -57,12 +57,12 @@ void loadKernelSymbols() {
   }
   gKernelStart = kernel->lowAddress();
   gKernelEnd = kernel->highAddress();
-  // After the bounds, which the vector page must not widen.
+  // After the bounds are set: the vector page must not widen them.
   kernel->addElement(0xFFFF0000, 0xFFFF, "*interrupt-FFFF0000*", nullptr, 0);
   SymbolTable::_kernelSymTable = kernel;
 }
 
-/// The recording that the options name.
+/// The recording named by the options.
 class RecordingFile : public RecordSource {
  public:
   explicit RecordingFile(TerminalReport& report) : _report(report) {}
@@ -79,7 +79,7 @@ class RecordingFile : public RecordSource {
     PerfRecordSampleEvent::readEvents(_reader, header);
     _report.watch();
     _reader.seek(static_cast<int>(static_cast<std::uint32_t>(header.dataOffset)));
-    // The size of the data section plays no part: the walk goes on to the end of the file.
+    // The size of the data section is ignored: records are read up to the end of the file.
     while (_reader.status() && !gDoneProcessing)
       if (PerfRecord* record = PerfFactory::readNext(_reader); record != nullptr && !record->isKept())
         delete record;
@@ -114,7 +114,7 @@ void writeDescription(PerfJSONWriter& writer, const char* chip) {
 void writeProfileDocument(PerfJSONWriter& writer, TerminalReport& report) {
   writer.newElementStart(nullptr);
   writeDescription(writer, std::getenv("CHIP"));
-  // Before all sections: it may still make maps and symbols.
+  // Before all sections, as it may create maps and symbols.
   PerfRecordSample::verifyKeys();
   report.stopWatching();
   report.countSamples();
@@ -134,13 +134,14 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
 }
 
 int convert(int argc, char** argv, RecordSource& records, TerminalReport& report) {
-  const PerfRecordMMap firstMap;  // takes key 1 of the maps, so that those of a recording start after it
+  const PerfRecordMMap firstMap;  // has key 1, so that the keys of a recording's maps start at 2
   const SymbolTable defaultTable;
   FileNames::createEmptyRef();
 
   parseOptions(argc, argv);
   if (optind < argc) report.tellIgnored({argv + optind, argv + argc});
-  // Crossed on purpose: the option for white space steers the labels and the one for labels the white space.
+  // Crossed on purpose: the option for white space controls the labels and the one for labels the white
+  // space.
   auto* writer = new DocumentWriter(addJSONWhiteSpace, addJSONLabels);
   calcTimeConversion();
   readEnvironment();

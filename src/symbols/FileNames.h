@@ -7,35 +7,36 @@
 class PerfJSONWriter;
 class SymbolTableElement;
 
-/// The source-search service that the options' help names as the default.
+/// The default source-search service in the help.
 #define ZELCONV_OPENGROK_SERVER "localhost:8080"
 
-/// One source file and the used symbols in it. Files come from symbol lists that carry a file and a line
-/// number; nm as the program runs it prints none, so in an ordinary run there are no files.
+/// One source file and the used symbols in it. Files come from symbol lists with a file and a line number per
+/// symbol; nm as the program calls it prints none, so a normal run has no files.
 class FileNames {
  public:
-  /// The empty file, key 0, which is in no table: what a symbol without a known source refers to.
+  /// The empty file, key 0, in no table: the file of symbols without a known source.
   FileNames();
   explicit FileNames(const char* name);
   virtual ~FileNames() = default;
 
-  /// Makes _emptyRef, once.
+  /// Creates _emptyRef, once.
   static void createEmptyRef();
 
-  /// Returns the file of that name, made on first mention; never null. A null name, or one of at most four
-  /// characters, is taken not to be a file name and gives the empty file.
+  /// Returns the file of that name, created on first use; never null. Returns the empty file for a null name
+  /// and for one of at most four characters.
   static FileNames* findOrCreate(const char* name);
 
-  /// Returns _emptyRef, or a fresh empty file while there is none.
+  /// Returns _emptyRef, or a new empty file before it exists.
   static FileNames* emptyRef();
 
-  /// Notes a used symbol. The caller passes each symbol once.
+  /// Records a used symbol. Each symbol must be passed only once.
   void markUsed(SymbolTableElement* element);
 
-  /// One row: key, name, and for each used symbol its key and line. Nothing for a file without used symbols.
+  /// Writes one row: key, name, and for each used symbol its key and line. Writes nothing for a file without
+  /// used symbols.
   virtual void out(PerfJSONWriter& writer);
 
-  /// The section "files", ascending by name.
+  /// Writes the section "files", ascending by name.
   static void outAll(PerfJSONWriter& writer);
 
   unsigned int key() const { return _key; }
@@ -43,7 +44,7 @@ class FileNames {
 
   static FileNames* _emptyRef;
   static std::map<std::string, FileNames*> _fileTable;
-  static unsigned int _runningKey;  ///< the last key given
+  static unsigned int _runningKey;  ///< the last key assigned
 
   // Kept for the viewer's source search; nothing in the document depends on them.
   static std::string _ogServer;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/KeyHash.h"
-/// Keys in the order of their first mention, each once.
+/// A set of keys in the order in which they were first added.
 class KeyList {
  public:
   void add(unsigned int key);
@@ -15,5 +15,5 @@ class KeyList {
   using Index = std::unordered_set<unsigned int, KeyHash>;
 
   std::vector<unsigned int> _keys;
-  std::unique_ptr<Index> _index;  ///< once there are too many keys to look through
+  std::unique_ptr<Index> _index;  ///< null while there are few enough keys for a linear search
 };

@@ -10,10 +10,11 @@
 
 namespace {
 
-/// Each run that has not been taken holds descriptors, of which a process may have 1024 or fewer.
+/// Limit of runs that are started and not taken yet: each holds descriptors, and a process may have only 1024
+/// or fewer.
 constexpr std::size_t kMostRuns = 64;
 
-/// How often whoever watches is told what is waited for, in milliseconds.
+/// Interval of calls of nmAwaited, in milliseconds.
 constexpr int kWatchInterval = 100;
 
 constexpr int kForEver = -1;
@@ -32,7 +33,7 @@ std::unique_ptr<NmRun> NmQueue::take(const std::string& path) {
   auto job = find(path);
   if (job == _jobs.end()) job = _jobs.insert(_jobs.begin(), {path, {}, nullptr, false});
   if (job->run == nullptr) start(*job);
-  // Others come and go while this one is waited for.
+  // Other runs end and start while this one is awaited.
   while (!(job = find(path))->isDone) waitForAny(path);
   std::unique_ptr<NmRun> run = std::move(job->run);
   _jobs.erase(job);
@@ -76,7 +77,7 @@ void NmQueue::collectEnded() {
     job.isDone = true;
     --_running;
     if (!job.run->listIsEmpty() || !job.next) continue;
-    // Whoever takes this list will ask for that one at once.
+    // An empty list is followed at once by a request for the next file.
     NextFile next = std::move(job.next);
     if (const std::string path = next(); !path.empty() && find(path) == _jobs.end())
       _jobs.insert(_jobs.begin() + static_cast<std::ptrdiff_t>(i) + 1,

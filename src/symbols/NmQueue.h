@@ -8,20 +8,20 @@
 
 #include "symbols/NmRun.h"
 
-/// The runs of nm that are expected. As many as there are processors go on side by side while the recording
-/// is read; each list is kept until it is taken. What nobody takes ends with the queue.
+/// Queue of runs of nm that will be needed. While the recording is read, as many run in parallel as there are
+/// processors; each list is kept until it is taken. The destructor ends the others.
 class NmQueue {
  public:
-  /// Returns, call by call, the files over which nm ought to run if the list of the one before was empty;
-  /// empty if there are no more.
+  /// Each call returns the next file to run nm over if the list of the previous file was empty; empty if
+  /// there are no more.
   using NextFile = std::function<std::string()>;
 
   explicit NmQueue(std::size_t processors);
 
-  /// Runs nm over the file once a processor is free.
+  /// Runs nm over the file as soon as a processor is free.
   void expect(const std::string& path, NextFile next);
 
-  /// Returns the finished run over the file. If it was not expected, or none was free for it, it is started
+  /// Waits for the run over the file and returns it. If it was not expected or not started yet, it is started
   /// now.
   std::unique_ptr<NmRun> take(const std::string& path);
 
@@ -39,7 +39,7 @@ class NmQueue {
   void waitForAny(const std::string& path);
   void collectEnded();
 
-  /// In the order in which the lists will be taken, more or less.
+  /// Approximately in the order in which the lists will be taken.
   std::deque<Job> _jobs;
   std::size_t _processors;
   std::size_t _running = 0;

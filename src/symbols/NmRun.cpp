@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kNotExecuted = 127;
 
-/// Opens a file that has no name and goes with its last descriptor; -1 if there is no room for one.
+/// Opens a file without a name, which disappears with its last descriptor. Returns -1 on failure.
 int openNameless() {
   if (const int inMemory = ::memfd_create("nm", MFD_CLOEXEC); inMemory >= 0) return aboveStandard(inMemory);
   const char* const folder = std::getenv("TMPDIR");
@@ -27,8 +27,8 @@ int openNameless() {
   return aboveStandard(descriptor);
 }
 
-/// Becomes nm, or writes to `held` why not. Runs in a child that shares the memory of its parent until then,
-/// so it only calls the system.
+/// Executes nm, or writes the errno to `held`. Runs in a child that shares its parent's memory until then, so
+/// it makes only system calls.
 [[noreturn]] void becomeNm(const char* path, int list, int complaints, int held, pid_t parent) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) ::_exit(kNotExecuted);
@@ -69,16 +69,15 @@ void NmRun::start(const std::string& path) {
     return;
   }
   _alive = aboveStandard(ends[0]);
-  // The one descriptor that nm inherits beyond the usual three: its end shows that nm has ended.
+  // The only descriptor above 2 that nm inherits: when it is closed, nm has ended.
   const int held = aboveStandard(ends[1]);
   ::fcntl(_alive, F_SETFD, FD_CLOEXEC);
-  // An nm that is a script may leave children with the other end.
+  // An nm that is a script may leave children that hold the other end.
   ::fcntl(_alive, F_SETFL, O_NONBLOCK);
   ::fcntl(held, F_SETFD, 0);
   const pid_t self = ::getpid();
-  // Not fork: the tables of a large conversion's memory take longer to copy than nm takes for a small
-  // library.
-  // The child calls only the system, so sharing the memory until it is nm does no harm.
+  // Not fork: copying the page tables of a large conversion takes longer than nm over a small library. The
+  // child makes only system calls, so sharing the memory until exec does no harm.
   const pid_t process = ::vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)
   // NOLINTNEXTLINE(clang-analyzer-unix.Vfork)
   if (process == 0) becomeNm(path.c_str(), ::fileno(_list), _complaints, held, self);
@@ -93,7 +92,7 @@ void NmRun::wait() {
   }
   _process = 0;
   static_cast<void>(!::read(_alive, &_error, sizeof _error));
-  // nm has moved the position that the descriptor shares with it.
+  // nm has moved the file position, which the descriptors share.
   if (_list != nullptr) std::rewind(_list);
 }
 

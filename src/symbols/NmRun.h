@@ -5,35 +5,36 @@
 #include <cstdio>
 #include <string>
 
-/// One run of nm over a file: "nm -nCg FILE". Mangled names are demangled, only external symbols are listed,
-/// and they come in numeric order. No shell sees the file's name, and the list goes into a file without a
-/// name, in memory where the kernel offers that: nobody can read a command into the one or put a file of his
-/// own in the place of the other, and nm never waits for its reader.
+/// One run of nm over a file: "nm -nCg FILE". Names are demangled, only external symbols are listed, in
+/// numeric order. nm is started without a shell, so the file's name cannot inject a command. The list is
+/// written to a file without a name, in memory if the kernel supports that: no other process can replace it,
+/// and nm never waits for its reader.
 class NmRun {
  public:
-  /// Starts nm, which ends with this process if it has not ended before.
+  /// Starts nm, which is killed when this process ends.
   explicit NmRun(const std::string& path);
-  /// Ends nm if it is still at work.
+  /// Kills nm if it still runs.
   ~NmRun();
   NmRun(const NmRun&) = delete;
   NmRun& operator=(const NmRun&) = delete;
 
-  /// Becomes readable when nm ends; -1 if nm was not started.
+  /// Returns a descriptor that becomes readable when nm ends; -1 if nm was not started.
   int alive() const { return _alive; }
-  /// Whether nm has ended, or was never started.
+  /// Returns whether nm has ended or was not started.
   bool hasEnded() const { return _process <= 0; }
   /// Waits for the end of nm.
   void wait();
 
-  /// What follows is complete once nm has ended.
+  /// Results, complete when nm has ended.
 
-  /// Returns the list from its start, or null if there is no file for it. A failure of nm leaves it empty.
+  /// Returns the list, positioned at its start, or null if no file could be opened for it. It is empty if nm
+  /// failed.
   std::FILE* list() const { return _list; }
   bool listIsEmpty() const;
-  /// Copies what nm has said on its standard error to that of this process.
+  /// Copies nm's standard error to that of this process.
   void repeatComplaints() const;
 
-  /// Returns why nm was not started, as errno has it; 0 if it was.
+  /// Returns the errno of a failure to start nm, or 0.
   int error() const { return _error; }
 
  private:

@@ -8,24 +8,25 @@
 
 class SymbolTable;
 
-/// The symbol tables that maps have asked for and whose lists nm is still making. They are loaded one after
-/// the other in the order in which they were asked for, so that keys of files and the order of tables do not
-/// depend on how fast nm is; what each of them waits for is known by a ticket.
+/// The symbol tables that maps have requested and whose lists nm is still writing. They are loaded in the
+/// order of the requests, so that keys of files and the order of tables do not depend on the speed of nm. A
+/// ticket identifies each.
 class PendingTables {
  public:
-  /// Tickets count up; 0 is for a table that is there already.
+  /// Tickets are ascending numbers; 0 stands for a table that exists already.
   using Ticket = std::uint32_t;
 
-  /// Notes that a file was found at that place of the search path, and will be asked for at `result`.
+  /// Adds a table: its file was found at index `place` of the search path, and the table will be stored in
+  /// `result`.
   Ticket add(const std::string& name, int place, const std::string& path, SymbolTable** result);
 
-  /// Returns the ticket of the pending table that is known under `key`, by the path of its file or its base
-  /// name, or 0. What `name` finds once that is loaded goes to `result`.
+  /// Returns the ticket of the pending table whose file has the path or base name `key`, or 0. Once it is
+  /// loaded, the table found for `name` is stored in `result`.
   Ticket share(const std::string& name, const std::string& key, SymbolTable** result);
 
   bool isLoaded(Ticket ticket) const { return ticket <= _loaded; }
 
-  /// Loads all tables up to that one.
+  /// Loads all tables up to that ticket.
   void load(Ticket ticket);
 
  private:
@@ -35,7 +36,7 @@ class PendingTables {
   };
   struct Pending {
     std::string name;
-    int place;  ///< of the search path
+    int place;  ///< index in the search path
     std::string path;
     SymbolTable** result;
     std::vector<Sharer> sharers;
@@ -45,6 +46,6 @@ class PendingTables {
   void loadFirst();
 
   std::deque<Pending> _pending;
-  std::map<std::string, Ticket> _byName;  ///< by path and by base name
-  Ticket _loaded = 0;                     ///< the last one
+  std::map<std::string, Ticket> _byName;  ///< by path, and by base name
+  Ticket _loaded = 0;                     ///< the last ticket whose table is loaded
 };

@@ -19,7 +19,8 @@ constexpr const char* VALID_SECTIONS = "TtWw";
 constexpr unsigned long long kWideKernelBits = 0xFFFF000000000000;
 constexpr unsigned long long kLastUserAddress = 0x2FFFFFFF;
 
-// Above these the order is not looked at: the kernel's table falls back from its own symbols to its modules'.
+// Above this address the order is not checked: in the kernel's table the symbols of modules, at lower
+// addresses, follow its own.
 constexpr unsigned long long kLastOrderedAddress = 0xBFFFFFFF;
 constexpr unsigned long long kLastOrderedWideAddress = 0xFFFFFFBFFFFFFFFF;
 
@@ -40,9 +41,9 @@ constexpr std::array<std::uint8_t, 256> kHexDigits = [] {
   return values;
 }();
 
-/// Reads the hexadecimal digits at the start of the text and returns their end; null for none and for more
-/// than a number has. The kernel's table has more than a hundred thousand, and std::from_chars makes a
-/// profile of 50,000 samples cost 3 % more instructions.
+/// Parses the hexadecimal digits at the start of the text and returns their end; null if there are none, or
+/// more than 64 bits hold. The kernel's table has more than a hundred thousand addresses, and with
+/// std::from_chars a profile of 50,000 samples takes 3 % more instructions.
 const char* readHex(const char* text, unsigned long long& number) {
   unsigned long long value = 0;
   const char* end = text;
@@ -52,7 +53,7 @@ const char* readHex(const char* text, unsigned long long& number) {
   return end != text && end - text <= 16 ? end : nullptr;
 }
 
-/// Ends the text at the mark and returns what follows it, or null if there is no mark.
+/// Truncates the text at the mark and returns the text after it, or null if there is no mark.
 char* cutAt(char* text, char mark) {
   char* found = std::strchr(text, mark);
   if (found == nullptr) return nullptr;
@@ -62,18 +63,18 @@ char* cutAt(char* text, char mark) {
 
 }  // namespace
 
-/// Gets the next line into _line, up to its size. False at the end, which shows only after a read has failed:
-/// that failed read leaves the last line in the buffer, to be processed again.
+/// Reads the next line into _line, up to its size. Returns false at the end of the list, which is detected
+/// only after a failed read; that read leaves the last line in the buffer, to be processed again.
 bool SymbolListReader::nextLine() {
   if (std::feof(_file) != 0 || std::ferror(_file) != 0) return false;
   [[maybe_unused]] const char* line = std::fgets(_line, kLineSize, _file);
   return true;
 }
 
-/// Whether the line names a symbol at all; if so, _address and _type are its.
+/// Returns whether the line has a symbol, and sets _address and _type to those of the symbol.
 bool SymbolListReader::parseLine() {
   if (isMappingSymbol(_line)) return false;
-  // Nearly all lines begin with plain digits, a blank and the letter; scanf, which takes more, is slow.
+  // Nearly all lines start with digits, a blank and a letter; scanf, which accepts more forms, is slow.
   const char* const end = readHex(_line, _address);
   if (end != nullptr && end[0] == ' ' && std::isgraph(static_cast<unsigned char>(end[1])) != 0) {
     _type = end[1];
@@ -82,8 +83,8 @@ bool SymbolListReader::parseLine() {
   return std::sscanf(_line, "%llx %c ", &_address, &_type) == 2;
 }
 
-/// The name in the line, or null. A type letter within the name is searched for like one before it, so a
-/// name that holds " T " is cut there.
+/// Returns the name in the line, or null. The last type letter is searched for, even within the name, so a
+/// name that contains " T " is cut there.
 char* SymbolListReader::nameInLine() {
   for (const char* pattern : {" T ", " t ", " W ", " w "})
     if (char* found = std::strstr(_line, pattern); found != nullptr) return found + 3;
@@ -95,8 +96,8 @@ bool SymbolListReader::goesBackward() const {
   return _pending.address <= lastOrdered && _address < _pending.address;
 }
 
-/// Cuts the line end of the line just read: the last character of the text from where the previous name
-/// began. A line that ends right there is an empty text, and the character before it is cut.
+/// Cuts the line end of the line just read: the last character of the text that starts where the previous
+/// name did. If the line ends right there, the text is empty and the character before it is cut.
 void SymbolListReader::cutLineEnd() {
   char* const end = _pendingName + std::strlen(_pendingName);
   end[-1] = '\0';
@@ -127,7 +128,7 @@ void SymbolListReader::read() {
     if (std::strchr(VALID_SECTIONS, _type) == nullptr) continue;
     if (_hasPending && goesBackward()) return readUnsorted();
     if (_hasPending) cutLineEnd();
-    char* name = nameInLine();  // after the cut, which may take the end of a " T "
+    char* name = nameInLine();  // after the cut, which may remove the end of a " T "
     if (name == nullptr) continue;
     if (_hasPending)
       _table.addElement(_pending.address, _address - _pending.address, _pending.name, _pending.file,

@@ -7,17 +7,17 @@ class FileNames;
 class SymbolTable;
 
 /// Reads a symbol list into a table: one symbol a line, "address type name", optionally followed by a tab and
-/// a source file with a colon and a line number, or by a tab and a kernel module. A symbol reaches up to its
-/// successor.
+/// a source file with a colon and a line number, or by a tab and a kernel module. A symbol ends where its
+/// successor starts.
 ///
-/// The symbols that come out are those that documents have always shown, odd ends included:
-/// - the last line is processed twice, as the end of the list shows only after a read has failed, so the last
-///   symbol has size 0; a last line without a line end loses its symbol;
+/// Three oddities are kept, as documents have always been made with them:
+/// - the last line is processed twice, because the end of the list is detected only after a failed read; the
+///   last symbol therefore has size 0, and a last line without a line end loses its symbol;
 /// - the first symbol keeps its line end in its name;
-/// - a list whose addresses go backward is read into a map instead from there on.
+/// - from the first descending address on the list is read into a sorted map.
 class SymbolListReader {
  public:
-  /// `kernel` says that the list is the kernel's own, which has addresses of user space to pass over.
+  /// `kernel`: the list is the kernel's own, in which addresses of user space are skipped.
   SymbolListReader(SymbolTable& table, std::FILE* file, bool kernel)
       : _table(table), _file(file), _kernel(kernel) {}
 
@@ -49,6 +49,6 @@ class SymbolListReader {
   unsigned long long _address = 0;  ///< of the line in _line
   char _type = 0;
   bool _hasPending = false;
-  Symbol _pending;               ///< waits for its successor, which tells its size
-  char* _pendingName = nullptr;  ///< where in _line the name of the pending symbol stood
+  Symbol _pending;               ///< waits for its successor, from which its size follows
+  char* _pendingName = nullptr;  ///< position in _line of the pending symbol's name
 };

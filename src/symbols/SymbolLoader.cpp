@@ -22,7 +22,7 @@
 
 namespace {
 
-/// The entry of the search path that means no directory: checkFile strips leading blanks.
+/// The entry of the search path for a name without a directory: checkFile strips leading blanks.
 constexpr const char* kNoDirectory = " ";
 
 constexpr std::size_t kFewestUsefulSymbols = 2;
@@ -33,15 +33,16 @@ bool isRegular(const char* path) {
   return stat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// Whether opening the file could do more than open it. A socket cannot be opened, so trying does no harm.
+/// Returns whether opening the file could have side effects. A socket cannot be opened, so trying is
+/// harmless.
 bool isSpecial(const char* path) {
   struct stat status = {};
   return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode) &&
          !S_ISSOCK(status.st_mode);
 }
 
-/// What a verbose run prints and what -m writes tell the order of things, so then nothing is done ahead of
-/// time.
+/// Returns whether output shows the order of loading: that of a verbose run and of -m. Then nothing is loaded
+/// in advance.
 bool isOrderShown() {
   return verbose() || gShowMarkers;
 }
@@ -53,7 +54,7 @@ std::size_t processorCount() {
 NmQueue nmQueue(processorCount());
 PendingTables pendingTables;
 
-/// Returns the rest of a file's search, place by place.
+/// Returns a function that continues a file's search at the next index of the search path.
 NmQueue::NextFile searchAfter(const std::string& name, int place) {
   return [name, place]() mutable {
     ++place;
@@ -61,14 +62,14 @@ NmQueue::NextFile searchAfter(const std::string& name, int place) {
   };
 }
 
-/// Passes on what nm has said, or that it could not be started.
+/// Passes on the messages of nm, or that it could not be started.
 void tellOfNm(const NmRun& nm) {
   RunWatcher* const watcher = RunWatcher::_current;
   if (nm.error() != 0) {
     if (watcher != nullptr) watcher->nmNotStarted(nm.error());
     if (verbose()) std::fprintf(stderr, "nm: %s\n", std::strerror(nm.error()));
   }
-  // Who watches is told what came of it, and does not want nm's own words in between, one line a library.
+  // An observer gets the number of symbols instead of nm's messages, which are one line per library.
   if (watcher == nullptr || verbose()) nm.repeatComplaints();
 }
 
@@ -128,7 +129,7 @@ SymbolTable* SymbolTable::generateAndRead(const char* path) {
     nm = nmQueue.take(path);
     tellOfNm(*nm);
   }
-  // After nm, so that the lines of a verbose run come after nm's own.
+  // After nm, so that the lines of a verbose run follow those of nm.
   auto* table = new SymbolTable(path, 0, 0);
   if (nm != nullptr && nm->list() != nullptr) table->read(nm->list(), false);
   if (nm != nullptr && RunWatcher::_current != nullptr)

@@ -17,11 +17,11 @@ SymbolTable* SymbolTable::_syntheticSymTable = nullptr;
 
 namespace {
 
-/// Tables by the name of their file, and by its base name. Null for a name without a table so far.
+/// Tables by the name of their file, and by its base name. Null for a name without a table.
 std::map<std::string_view, SymbolTable*> _symbolTables;
-KeyTable<SymbolTableElement> _synthetics;  // by their page
+KeyTable<SymbolTableElement> _synthetics;  // by page
 
-/// The texts of the names above.
+/// Storage of the names above.
 NameStore fileNames;
 
 constexpr SectionColumn kColumns[] = {
@@ -55,7 +55,7 @@ SymbolTable::SymbolTable(const char* name, unsigned long long address, unsigned 
 
 SymbolTable* SymbolTable::emptyTable(const char* name) {
   static SymbolTable* shared = nullptr;
-  // A verbose run tells of every table.
+  // A verbose run prints every table.
   if (shared == nullptr || verbose()) return shared = new SymbolTable(name, 0, 0);
   shared->enterWithBaseName(sharedName(name));
   return shared;
@@ -65,7 +65,7 @@ SymbolTable::~SymbolTable() {
   if (_bypassDestructor) static_cast<void>(_storage.release());
 }
 
-/// Registers the table under a name that it does not copy, unless another table has that already.
+/// Registers the table under a name, which is not copied, unless another table has that name already.
 void SymbolTable::enter(const char* name) {
   SymbolTable*& table = _symbolTables[name];
   if (table == nullptr) table = this;
@@ -111,7 +111,7 @@ SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
       high = middle - 1;
     } else {
       low = middle + 1;
-      // The boundary belongs to both neighbours.
+      // The boundary of two symbols belongs to both.
       if (address <= range.end) return &_storage->symbols[index];
     }
     middle = low + ((high - low) >> 1);
@@ -186,7 +186,6 @@ void SymbolTable::showAllTablesUsed() {
   for (const SymbolTable* table : _allSymbolTables) table->showAllUsed();
   if (_kernelSymTable == nullptr) return;
   _kernelSymTable->showAllUsed();
-  // The kernel's table once more, where one would look for the synthetic one: readers of this output count on
-  // it.
+  // Shows the kernel's table again instead of the synthetic one: readers of this output expect that.
   if (_syntheticSymTable != nullptr) _kernelSymTable->showAllUsed();
 }

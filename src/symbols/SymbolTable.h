@@ -14,7 +14,7 @@
 class FileNames;
 class PerfJSONWriter;
 
-/// What one synthetic symbol covers.
+/// Size of the range that one synthetic symbol covers.
 inline constexpr unsigned long long kPageSize = 0x10000;
 
 /// Returns the start of the page that holds the address.
@@ -40,32 +40,32 @@ class SymbolTable : public PerfFoundation {
                                  FileNames* file, unsigned int line);
 
   /// Returns the symbol that covers the address, or null, by binary search. An address on the boundary of two
-  /// symbols goes to the one probed first. Symbols out of order, such as those of kernel modules, are found
-  /// by chance only.
+  /// symbols belongs to the one probed first. Symbols out of order, such as those of kernel modules, are
+  /// found by chance only.
   SymbolTableElement* findElement(unsigned long long address) const;
 
-  /// Returns the first symbol that covers the address, or null, by a scan from the front.
+  /// Returns the first symbol that covers the address, or null, by linear search.
   SymbolTableElement* findElementLinear(unsigned long long address) const;
 
   static void createSyntheticTable();
 
-  /// Returns the synthetic symbol of the 64 KiB page at the address, made on first mention; later sizes and
-  /// names are dropped.
+  /// Returns the synthetic symbol of the 64 KiB page at the address, created on first use; later sizes and
+  /// names are ignored.
   static SymbolTableElement* addSyntheticEntry(unsigned long long address, unsigned long long size,
                                                std::string_view name);
   /// Returns the synthetic symbol of the page, or null.
   static SymbolTableElement* findSyntheticEntry(unsigned long long address);
 
-  /// Returns the text of a file's name, which is kept once for all its maps and tables and stays valid.
+  /// Returns the shared copy of a file's name, which stays valid until the process ends.
   static const char* sharedName(std::string_view name);
 
   static SymbolTable* findExistingSymbolTable(const std::string& name);
 
-  /// Rows of the used symbols. The number is not read.
+  /// Writes the rows of the used symbols. The number is not used.
   void out(PerfJSONWriter& writer, unsigned int) const;
-  /// The section "functions": all tables in order of creation.
+  /// Writes the section "functions": all tables in order of creation.
   static void outAll(PerfJSONWriter& writer);
-  /// An array "smapkeys" of the keys of the used symbols.
+  /// Writes an array "smapkeys" of the keys of the used symbols.
   void outKeys(PerfJSONWriter& writer) const;
 
   void show() const;
@@ -75,45 +75,47 @@ class SymbolTable : public PerfFoundation {
   // Loading, see SymbolLoader.cpp.
 
   /// Replaces the search path by the ":"-separated directories. A name is always tried verbatim first;
-  /// pieces of one character are dropped.
+  /// entries of one character are dropped.
   static void setPath(const std::string& path);
 
   /// Returns the table of a mapped file: from the cache, or by running nm over the file in each directory of
-  /// the search path that has it, until one gives at least two symbols. A file in none of them gives an empty
-  /// table; null means that the file was found and no symbols were. Failed tries stay in the cache, so
-  /// nothing is searched twice.
+  /// the search path that has it, until one gives at least two symbols. Returns an empty table if no
+  /// directory has the file, and null if the file was found but no symbols were. Failures stay in the cache
+  /// too, so nothing is searched for twice.
   static SymbolTable* findAndRead(const char* name);
 
-  /// Stands for a table whose list nm is still making; 0 for one that is there.
+  /// Identifies a table whose list nm is still writing; 0 for one that exists.
   using Ticket = PendingTables::Ticket;
-  /// The same without waiting for nm: sets `result` at once, or at the latest when the ticket is awaited. The
-  /// result must stay where it is until then.
+  /// The same without waiting for nm: sets `result` now, or at the latest when the ticket is awaited.
+  /// `result` must stay valid until then.
   static Ticket request(const char* name, SymbolTable*& result);
-  /// Waits for the table, and loads those that were asked for before it.
+  /// Waits for the table; first loads those that were requested before it.
   static void await(Ticket ticket);
 
-  /// Reads the file at that place of the search path, or, while that gives too few symbols, those after it.
-  /// Returns null if none does.
+  /// Reads the symbols of `path`, found at index `place` of the search path, or, as long as there are too
+  /// few, of the files found after it. Returns null if no file has enough symbols.
   static SymbolTable* readAlong(const std::string& name, int place, std::string path);
   /// Returns the table known under the name or its base name, or null.
   static SymbolTable* findKnown(const std::string& name);
 
-  /// Runs nm over an existing file, if that is a regular one. Null if that gives fewer than two symbols.
+  /// Runs nm over an existing regular file. Returns null for any other file and for one with fewer than two
+  /// symbols.
   static SymbolTable* generateAndRead(const char* path);
 
   /// Adds the symbols of a list as nm prints it, or of the kernel's table. Returns 0, or -1 if it cannot be
   /// opened.
   int readFromFile(const char* path);
 
-  /// Returns the first file of that name, whole or without its directory, at or after position `index` of the
-  /// search path, and empty if there is none. `index` becomes its position.
+  /// Returns the path of the first file of that name, with or without the name's directory, at or after
+  /// `index` of the search path; empty if there is none. Sets `index` to where it was found.
   static std::string findPathForFile(const std::string& name, int& index);
 
-  /// Joins the two and returns 1 if the result can be opened, else 0. Devices, pipes and sockets are not
-  /// opened to find out, as that may have effects of its own.
+  /// Joins directory and file and returns 1 if the result can be opened, else 0. Devices and pipes are not
+  /// opened to find out, as that may have side effects.
   static int checkFile(const std::string& directory, const std::string& file, std::string& result);
 
-  /// Sets baseName to what follows the last "/" and returns 1; without a "/" returns 0 and leaves it alone.
+  /// Sets baseName to what follows the last "/" and returns 1; without a "/" returns 0 and does not change
+  /// it.
   static int stripPath(const std::string& path, std::string& baseName);
 
   unsigned long long lowAddress() const { return _lowAddress; }
@@ -126,16 +128,16 @@ class SymbolTable : public PerfFoundation {
   static SymbolTable* _syntheticSymTable;
 
  private:
-  /// Of a symbol. Its end belongs to it, and to its neighbour as well.
+  /// Address range of a symbol. The end belongs to it, and to its neighbour too.
   struct Range {
     unsigned long long start;
     unsigned long long end;
   };
 
-  /// What holds the symbols and their names.
+  /// The symbols and their names.
   struct Storage {
     std::deque<SymbolTableElement> symbols;
-    std::vector<Range> ranges;  ///< of the symbols, side by side for the search
+    std::vector<Range> ranges;  ///< of the symbols, contiguous for the search
     NameStore names;
   };
 
@@ -152,5 +154,5 @@ class SymbolTable : public PerfFoundation {
   std::unique_ptr<Storage> _storage;       ///< null until there is a symbol
 };
 
-/// Sets baseName to what follows the last "/" of path, or to the whole of it.
+/// Sets baseName to the text after the last "/" of path, or to path if it has none.
 void fileNameNoPath(const std::string& path, std::string& baseName);

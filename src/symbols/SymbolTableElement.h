@@ -13,25 +13,24 @@ class SymbolTableElement {
  public:
   SymbolTableElement();
 
-  /// The name stays the caller's and must outlive the symbol. A size above 1 MiB is stored as 0: sizes come
-  /// from the distance to the next symbol, and a distance that large is a gap and no function. A null file
-  /// becomes the empty file.
+  /// The name is not copied and must outlive the symbol. A size above 1 MiB is stored as 0: sizes are
+  /// distances to the next symbol, and such a large distance is a gap. A null file becomes the empty file.
   SymbolTableElement(std::string_view name, unsigned long long address, unsigned long long size,
                      FileNames* file, unsigned int line);
 
-  /// Counts one use; the first also tells the file. Returns the key.
+  /// Counts one use and returns the key. The first use also registers the symbol with its file.
   unsigned int markUsed(unsigned long long /*address*/) {
     if (!_used) noteFirstUse();
     ++_useCount;
     return _key;
   }
 
-  /// Notes the key of a map that used this symbol, each once, in order of first use.
+  /// Records the key of a map that used this symbol, once per map.
   void setMapKey(unsigned int key);
 
   void show() const;
 
-  /// One row of the section "functions". The number is not read.
+  /// Writes one row of the section "functions". The number is not used.
   void out(PerfJSONWriter& writer, unsigned int) const;
 
   std::string_view name() const { return _name; }
@@ -55,7 +54,7 @@ class SymbolTableElement {
   FileNames* _file;
   unsigned int _lineNumber = 0;
   unsigned int _useCount = 0;
-  unsigned int _key = 0;  ///< 0 until the first use, then from the counter that maps and symbols share
+  unsigned int _key = 0;  ///< 0 until the first use; maps and symbols share one counter of keys
   bool _used = false;
   KeyList _mapKeys;
 };

@@ -7,19 +7,19 @@
 
 #include "base/Memory.h"
 
-/// What all lists have in common, whatever their elements.
+/// The part of a list that does not depend on the type of its elements.
 class ArrivalListMemory {
  protected:
   static inline Arena _arena;
 };
 
-/// Append-only list. Grows by pieces of 4 to 128 elements of one arena, so growth copies nothing and
-/// thousands of short lists waste little.
+/// Append-only list. Grows by arena pieces of 4 to 128 elements, so growth copies nothing and thousands of
+/// short lists waste little memory.
 template <typename Element>
 class ArrivalList : ArrivalListMemory {
  public:
   ArrivalList() = default;
-  // A copy would append to the same piece.
+  // A copy would append to the same piece of memory.
   ArrivalList(const ArrivalList&) = delete;
   ArrivalList& operator=(const ArrivalList&) = delete;
 
@@ -66,7 +66,7 @@ class ArrivalList : ArrivalListMemory {
 
   Piece* _first = nullptr;
   Piece* _last = nullptr;
-  Element* _end = nullptr;    ///< of what has arrived
-  Element* _limit = nullptr;  ///< of the last piece
-  std::size_t _room = 0;      ///< of all pieces together
+  Element* _end = nullptr;    ///< end of the elements
+  Element* _limit = nullptr;  ///< end of the last piece
+  std::size_t _room = 0;      ///< capacity of all pieces, in elements
 };

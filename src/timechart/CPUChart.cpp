@@ -18,7 +18,7 @@ constexpr std::array<IdleState, 4> kIdleStates = {{
     {"Power Collapse", {"#8fbc8f", "#8fbc8f"}},
 }};
 
-/// The end of every entry of a CPU.
+/// Writes the part that all entries of a CPU have at the end.
 void finish(ChartEntry& entry, ChartColours colours, const ChartSeries& series) {
   entry.hints(colours).writeData(series.changes());
 }

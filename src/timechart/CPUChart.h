@@ -6,19 +6,19 @@
 
 class PerfJSONWriter;
 
-/// For one CPU: when it was busy, at what frequency it ran, and which idle state it was in.
+/// The series of one CPU: busy, frequency, and idle states.
 class CPUChart {
  public:
-  /// What a value is about.
+  /// The series that a value belongs to.
   enum Kind { kBusy = 40, kFrequency = 41, kIdle = 42 };
 
   explicit CPUChart(int cpu) : _cpu(cpu) {}
 
-  /// Adds a value; the frequency is in MHz. A kind below 40 stores nothing, one above 41 is about idling:
-  /// value 1 to 4 enters the idle state below it, 0 leaves the one last entered.
+  /// Adds a value; the frequency is in MHz. A kind below 40 is ignored, and every kind above 41 means kIdle:
+  /// a value of 1 to 4 enters idle state value - 1, and 0 leaves the one entered last.
   void addValue(unsigned long long nanoseconds, int kind, int value);
 
-  /// The busy value that arrived last, or 0.
+  /// Returns the latest busy value, or 0.
   int getBusyState() const { return static_cast<int>(_busy.lastValue()); }
 
   void outCPUChart(PerfJSONWriter& writer) const;
@@ -30,7 +30,7 @@ class CPUChart {
   void outIdle(PerfJSONWriter& writer, std::size_t state) const;
 
   int _cpu;
-  int _lastIdle = -1;  ///< the idle series last entered; -1 for none
+  int _lastIdle = -1;  ///< the idle state entered last; -1 for none
   ChartSeries _busy;
   ChartSeries _frequency;
   std::array<ChartSeries, 4> _idle;

@@ -13,18 +13,18 @@ struct ChartColours {
   const char* black;
 };
 
-/// The colours of what runs on a CPU. CPUs from 4 up have none.
+/// Returns the colours of tasks that run on a CPU; none for CPUs above 3.
 ChartColours cpuColours(int cpu);
 
-/// The text between a point's time and value. The viewer's parser expects the blank where a task runs,
-/// and nowhere else.
+/// The text between a point's time and value. The viewer's parser expects the blank in series of running
+/// tasks and nowhere else.
 enum class PointSeparator { comma, commaAndBlank };
 
-/// Returns a text of at most 63 bytes that printf makes of the format.
+/// Returns the formatted text, truncated to 63 bytes.
 [[gnu::format(printf, 1, 2)]] std::string chartText(const char* format, ...);
 
-/// One entry of the timechart document, which is one series: its head key by key, in the order of the calls,
-/// then its points. Nothing is written before the first call.
+/// Writes one entry of the timechart document, which is one series: the keys of its head in the order of the
+/// calls, then its points.
 class ChartEntry {
  public:
   explicit ChartEntry(PerfJSONWriter& writer) : _writer(writer) {}

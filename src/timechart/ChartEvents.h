@@ -8,15 +8,15 @@ class PerfJSONWriter;
 /// One trace marker.
 struct EventEntryS {
   double time;        ///< seconds relative to gtodAtStart
-  unsigned int code;  ///< its numeric field
+  unsigned int code;  ///< the marker's number
   std::string name;
-  std::string args;  ///< the rest of its text
+  std::string args;  ///< the rest of the marker's text
 };
 
 /// Trace markers in order of arrival; never sorted.
 class ChartEvents {
  public:
-  /// Adds a marker whose time is in seconds as the trace text has it, if it is in the selected range.
+  /// Adds a marker if its time, in seconds of the ftrace text, is in the selected range.
   void add(double seconds, unsigned int code, const std::string& name, const std::string& args);
   bool empty() const { return _events.empty(); }
   /// Writes the array "data" of an entry: time, code, name and arguments of each marker.

@@ -1,5 +1,5 @@
-// The part of TimechartManager that gathers names which records do not carry: those of the soft interrupts,
-// from the machine, and those of the hardware counters, from the capture's configuration.
+// The part of TimechartManager that reads names which records do not contain: those of soft interrupts, from
+// the machine, and those of hardware counters, from the capture's configuration.
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ namespace {
 
 using loomstat::JSOM;
 
-// What "event_type" of a counter type says about its group.
+// Values of "event_type" for the groups of counters.
 constexpr long long kL1Group = 4;
 constexpr long long kL2Group = 6;
 
@@ -34,7 +34,7 @@ bool hasL2Counters() {
   return build != nullptr && std::strcmp(build, "developer") != 0;
 }
 
-/// Takes a counter code from each line. False once a line is empty or the file ends.
+/// Reads a counter code from each line. Returns false at an empty line or the end of the file.
 template <std::size_t Count>
 bool readCodes(LineReader& file, std::array<std::string, Count>& names) {
   std::string line;
@@ -80,8 +80,8 @@ void TimechartManager::readSoftInterruptNames() {
   }
 }
 
-/// One code a line: the cycle counter's, a line passed over, the four of the first level, another one passed
-/// over, and the two of the second level. False if there is no such file.
+/// Reads one code per line: that of the cycle counter, an ignored line, the four of the first level, an
+/// ignored line, and the two of the second level. Returns false if there is no such file.
 bool TimechartManager::readActiveCounters() {
   _cycleCounterName = kUnusedCounter;
   _l1CounterNames.fill(kUnusedCounter);

@@ -14,7 +14,7 @@ class ChartTable {
   /// Returns the chart of that number, or null.
   Chart* find(int number) const { return _charts.find(static_cast<std::uint32_t>(number)); }
 
-  /// Returns the chart, which replaces an existing one of that number.
+  /// Adds a chart, which replaces an existing one of that number, and returns it.
   Chart* add(int number, Chart* chart) {
     _charts.set(static_cast<std::uint32_t>(number), chart);
     return chart;

@@ -5,14 +5,14 @@
 #include "timechart/ChartTime.h"
 #include "timechart/IssueKinds.h"
 
-/// How one series looks; a null tip is left out.
+/// Tip and colours of one series; a null tip is left out.
 struct GpuSeriesLook {
   const char* tip;
   ChartColours colours;
 };
 
-/// What all entries of one kind share: formats that take dimension, device and the series' index, and two
-/// texts.
+/// The common part of all entries of one kind: formats of dimension, device and, in the id, the series'
+/// index; and two texts.
 struct GpuEntryKind {
   const char* id;
   const char* name;
@@ -48,7 +48,7 @@ constexpr GpuEntryKind kInterruptEntry = {"gpu-%d-%d-q%d", "GPU-%dD%d IRQ", "irq
 constexpr GpuEntryKind kIssueEntry = {"gpu-%d-%d-i%d", "GPU-%dD%d Issue", "issue_GPU-%dD%d_kgsl_root",
                                       "marker", "gpu:issue"};
 
-/// The series of a range of statuses that the status names, or null.
+/// Returns the series of a status in the range of statuses that starts at `first`, or null.
 template <std::size_t Kinds>
 ChartSeries* seriesOf(std::array<ChartSeries, Kinds>& series, int status, int first) {
   const long long kind = static_cast<long long>(status) - first;

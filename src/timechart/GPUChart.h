@@ -9,17 +9,17 @@ class PerfJSONWriter;
 struct GpuEntryKind;
 struct GpuSeriesLook;
 
-/// For one GPU core of the kgsl driver: its power state, its frequency, its interrupts and the work issued to
+/// The series of one GPU core of the kgsl driver: power states, frequency, interrupts and the work issued to
 /// it.
 class GPUChart {
  public:
-  /// Facts about a core. Issues, interrupts and power states are ranges of several kinds, counted from these.
+  /// Facts about a core. kIssue, kInterrupt and kPower are the first numbers of ranges.
   enum Status { kIssue = 10, kInterrupt = 17, kPower = 30, kFrequency = 35 };
 
   GPUChart(int dimension, int device) : _dimension(dimension), _device(device) {}
 
-  /// Adds a fact. `sub` is the frequency in MHz, or 1 for an issue that ends a frame.
-  /// An unknown status stores nothing.
+  /// Adds a fact. `sub` is the frequency in MHz, or 1 for an issue that ends a frame. An unknown status is
+  /// ignored.
   void addStatus(unsigned long long nanoseconds, int status, unsigned int sub);
 
   void outGPUChart(PerfJSONWriter& writer) const;
@@ -29,7 +29,7 @@ class GPUChart {
   /// Writes a change-only series, unless it is empty.
   void outSteps(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                 const GpuSeriesLook& look, const ChartSamples& samples) const;
-  /// Writes a series of which every sample counts, unless it is empty.
+  /// Writes a series in which every sample counts, unless it is empty.
   void outMarkers(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
                   const GpuSeriesLook& look, const ChartSeries& series) const;
   ChartEntry head(PerfJSONWriter& writer, const GpuEntryKind& kind, std::size_t index,
@@ -37,7 +37,7 @@ class GPUChart {
 
   int _dimension;
   int _device;
-  ChartSeries _powerState;  ///< the states entered, by number
+  ChartSeries _powerState;  ///< the numbers of the states entered
   std::array<ChartSeries, 4> _issue;
   std::array<ChartSeries, 3> _irqs;
   ChartSeries _frequency;

@@ -7,15 +7,15 @@
 
 class PerfJSONWriter;
 
-/// Soft interrupts share the charts with hard ones; their ids begin here.
+/// The id of soft interrupt 0: hard and soft interrupts are in one table of charts.
 inline constexpr int kFirstSoftInterrupt = 1000;
 
-/// The id under which a soft interrupt's vector is charted.
+/// Returns the id of a soft interrupt's chart.
 inline int softInterruptId(unsigned int vector) {
   return static_cast<int>(vector + static_cast<unsigned int>(kFirstSoftInterrupt));
 }
 
-/// When one interrupt ran, and on which CPU.
+/// The series of one interrupt: when it ran on each CPU.
 class IRQChart {
  public:
   explicit IRQChart(int irq) : _irq(irq) {}

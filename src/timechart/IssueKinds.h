@@ -5,14 +5,14 @@
 
 #include "timechart/ChartEntry.h"
 
-/// A kind of work issued to a GPU core: what issued it decides label and colours of its markers.
+/// Labels and colours of the markers of one kind of work issued to a GPU core.
 struct IssueKind {
   const char* gpuTip;   ///< in the rows of the core; null for none
   const char* taskTip;  ///< in the rows of the task
   ChartColours colours;
 };
 
-/// By number, as the statuses of charts count them from their first issue.
+/// Indexed by status - kIssue.
 inline constexpr std::array<IssueKind, 4> kIssueKinds = {{
     {nullptr, "Issue", {"#66ccff", "#66ccff"}},
     {"GL", "GL Issue", {"#00ff00", "#00ff00"}},

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One value for each CPU that the system can tell apart, which are 16. Other CPU numbers have no slot;
-/// callers drop such data.
+/// One value for each of the 16 CPUs that the system distinguishes. Other CPU numbers have no slot; callers
+/// drop such data.
 template <typename T>
 class PerCpu {
  public:
@@ -18,7 +18,7 @@ class PerCpu {
   T* find(int cpu) { return slotOf(cpu) >= 0 ? &_slots[static_cast<std::size_t>(cpu)] : nullptr; }
   const T* find(int cpu) const { return slotOf(cpu) >= 0 ? &_slots[static_cast<std::size_t>(cpu)] : nullptr; }
 
-  /// Returns the CPU's value; that of a fresh slot if it has none.
+  /// Returns the CPU's value, or a default one if it has no slot.
   T get(int cpu) const { return find(cpu) != nullptr ? *find(cpu) : T{}; }
 
   void set(int cpu, const T& value) {

@@ -21,19 +21,19 @@ std::vector<Element> inTimeOrder(const ArrivalList<Element>& list) {
 
 }  // namespace
 
-/// What all entries of a task share.
+/// The values that all entries of a task share.
 struct ProcessChart::Head {
   std::string label;
   std::string treeId;
   unsigned int show;
 
-  /// The first keys of an entry, in the order of nearly all of them.
+  /// Writes the first keys of an entry, in the usual order.
   void write(ChartEntry& entry, const std::string& id, const char* type) const {
     entry.text("id", id).text("name", label).text("treeId", treeId).text("type", type);
   }
 };
 
-/// What the facts about a task, taken in the order of their times, make of its series.
+/// Derives the series of a task from its facts, which are added in order of time.
 struct ProcessChart::Series {
   explicit Series(const std::vector<Fact>& facts) {
     for (const Fact& fact : facts) take(fact);
@@ -82,7 +82,8 @@ void ProcessChart::addStatus(unsigned long long nanoseconds, unsigned int status
   const auto time = chartTime(nanoseconds);
   if (!time || (status > kGpuAnswered && status < kIssue) || status >= kIssue + kIssueKinds.size()) return;
   const int cpu = static_cast<int>(cpuNumber);
-  // Onto one CPU is off the one where the task was last seen: it never shows as running on two at once.
+  // A task that runs on one CPU has left the one where it was last seen, so it is never shown as running on
+  // two.
   const int left = status == kRunning ? TimechartManager::Instance()->pidMigratedFrom(_pid, cpu) : -1;
   _facts.add({*time, static_cast<std::uint8_t>(status), issueValue(sub), PerCpu<int>::slotOf(cpu),
               PerCpu<int>::slotOf(left)});
@@ -147,7 +148,7 @@ void ProcessChart::outWaitCpu(PerfJSONWriter& writer, const Head& head, const Ch
   entry.hints({"#f0c44c", "#f0e68c"}).writeData(series);
 }
 
-/// Unlike the other two, this one is written even if it never left 0.
+/// Unlike the other waiting series, this one is written even if it is always 0.
 void ProcessChart::outWaitGpu(PerfJSONWriter& writer, const Head& head, const ChartSamples& series) const {
   ChartEntry entry(writer);
   head.write(entry, chartText("proc-%d-g", _pid), "binary");
@@ -188,9 +189,9 @@ void ProcessChart::outCounters(PerfJSONWriter& writer, const Head& head) const {
     outCounter(writer, head, counters, index++, manager.getCounterName(2, i));
 }
 
-/// Each point pairs the time of the sample before it with a value, so that a delta reported when the task is
-/// switched out becomes a bar that begins where it was switched in. Of equal values the first two are
-/// written, and a closing point ends the last bar.
+/// Each point consists of the previous sample's time and this sample's value, so that an increment reported
+/// when the task is switched out becomes a bar that starts when it was switched in. Of equal values the first
+/// two are written, and a closing point ends the last bar.
 void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, const std::vector<Counters>& counters,
                               std::size_t index, const std::string& counterName) const {
   if (counterName == TimechartManager::kUnusedCounter) return;

@@ -12,11 +12,11 @@
 
 class PerfJSONWriter;
 
-/// Everything that the timechart shows about one task: on which CPU it ran and when, what it waited for, the
-/// GPU work that it issued, the trace markers that it wrote, and its hardware counters.
+/// The series of one task: when it ran on each CPU, what it waited for, the GPU work that it issued, its
+/// trace markers and its hardware counters.
 class ProcessChart {
  public:
-  /// Facts about a task. Issues are a range of four kinds.
+  /// Facts about a task. kIssue is the first of four numbers.
   enum Status {
     kRunning = 0,      ///< switched in
     kBlocked = 1,      ///< switched out in an uninterruptible sleep
@@ -30,34 +30,34 @@ class ProcessChart {
   static constexpr std::size_t kL1Counters = 4;
   static constexpr std::size_t kL2Counters = 2;
 
-  /// Name and parent come from the recording's process of that thread, if it is known by now.
+  /// Name and parent are those of the recording's process with that tid, if there is one so far.
   explicit ProcessChart(int pid);
 
-  /// Adds a fact. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for
-  /// an issue that ends a frame. An unknown status stores nothing.
+  /// Adds a fact. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for an
+  /// issue that ends a frame. An unknown status is ignored.
   void addStatus(unsigned long long nanoseconds, unsigned int status, unsigned int cpu, unsigned int sub);
 
   /// Adds a sample to each counter series: the cycles, four of the first level, two of the second.
   void addCounters(unsigned long long nanoseconds, unsigned int cycles, const unsigned int* l1,
                    const unsigned int* l2);
 
-  /// Adds a trace marker, its time in seconds as the trace text has it.
+  /// Adds a trace marker; its time is in seconds of the ftrace text.
   void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);
 
   void outProcessChart(PerfJSONWriter& writer) const;
 
-  int _ppid;          ///< the parent, by which the viewer groups; the task itself while unknown
+  int _ppid;          ///< the parent, by which the viewer groups; the task itself if unknown
   std::string _name;  ///< may be empty
 
  private:
   struct Head;
   struct Series;
 
-  /// A fact about the task. What it means for each series is worked out when the document is written.
+  /// A fact about the task. The series are derived from facts when the document is written.
   struct Fact {
     double time;          ///< seconds relative to gtodAtStart
     std::uint8_t status;  ///< see Status
-    std::uint8_t value;   ///< of an issue
+    std::uint8_t value;   ///< see issueValue; for issues only
     std::int8_t cpu;      ///< -1 for one without a slot
     std::int8_t left;     ///< the CPU where the task was last seen and that it leaves, or -1
   };

@@ -12,7 +12,7 @@ void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Elem
   constexpr auto isBefore = [](const Element& a, const Element& b) {
     return compareChartEntries({a.time, 0}, {b.time, 0});
   };
-  // What precedes the whole other run stays where it is.
+  // Elements before the whole second run stay where they are.
   start = std::upper_bound(start, middle, *middle, isBefore);
   scratch.assign(start, middle);
   for (auto left = scratch.begin(); left != scratch.end(); ++start)
@@ -21,12 +21,12 @@ void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Elem
 
 /// Sorts by the member `time`; elements of one time keep their order.
 ///
-/// A recording holds the buffers of the CPUs in turns, so what comes from it are ascending runs that overlap
-/// little: they are merged two by two.
+/// A recording contains the buffers of the CPUs in turn, so its times form ascending runs that overlap
+/// little; neighbouring runs are merged in pairs.
 template <typename Element>
 void sortByTime(std::vector<Element>& elements) {
   const auto at = [&](std::size_t index) { return elements.begin() + static_cast<std::ptrdiff_t>(index); };
-  std::vector<std::size_t> ends;  // of the runs
+  std::vector<std::size_t> ends;  // ends of the runs
   for (std::size_t i = 1; i < elements.size(); ++i)
     if (compareChartEntries({elements[i].time, 0}, {elements[i - 1].time, 0})) ends.push_back(i);
   ends.push_back(elements.size());

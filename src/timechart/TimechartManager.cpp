@@ -14,7 +14,7 @@ int gpuKey(int dimension, int device) {
   return static_cast<int>(static_cast<unsigned int>(dimension) * 10 + static_cast<unsigned int>(device));
 }
 
-/// A chart and whether it was made just now.
+/// A chart, and whether it was created by this call.
 template <typename Chart>
 struct Found {
   Chart* chart;
@@ -211,7 +211,7 @@ void TimechartManager::outIRQCharts(PerfJSONWriter& writer) const {
   for (const auto& [irq, chart] : _irqCharts.inOrder()) chart->outIRQChart(writer);
 }
 
-// One sort, not a walk of the process tree: nesting the rows is the viewer's business.
+// Sorted by parent instead of walking the process tree: the viewer nests the rows.
 void TimechartManager::outProcessCharts(PerfJSONWriter& writer) const {
   auto charts = _processCharts.inOrder();
   std::stable_sort(charts.begin(), charts.end(),

@@ -14,20 +14,19 @@
 
 class PerfJSONWriter;
 
-/// The one object that the timechart is built around. Decoders hand it what they learn from one record; it
-/// finds or makes the chart that the fact belongs to and keeps what spans charts. Charts live until the
-/// process ends.
+/// Owns all charts. Decoders report what they learn from a record; the manager finds or creates the chart and
+/// keeps state that concerns several charts. Charts live until the process ends.
 ///
-/// Times of records are raw nanoseconds of the recording's clock; the charts convert them. The add operations
-/// return true if they made the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
+/// Times of records are nanoseconds of the recording's clock; the charts convert them. The add operations
+/// return true if they created the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
 class TimechartManager {
  public:
   static TimechartManager* Instance();
 
-  /// Forgets which CPUs have had a counter sample.
+  /// Resets which CPUs have had a counter sample.
   void init();
 
-  // Finding, null for a chart that does not exist; and making one that does not.
+  // get... returns null for a chart that does not exist, create... adds it.
   ProcessChart* getProcessChart(int pid) const;
   ProcessChart* createProcessChart(int pid);
   GPUChart* getGPUChart(int dimension, int device) const;
@@ -38,40 +37,40 @@ class TimechartManager {
   IRQChart* createIRQChart(int irq);
 
   bool addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu, unsigned int sub);
-  /// The first sample of every CPU is dropped: it counts from an unknown start.
+  /// Drops the first sample of every CPU, which counts from an unknown start.
   bool addCountersToProcessChart(unsigned long long time, int cpu, int pid, unsigned int cycles,
                                  const unsigned int* l1, const unsigned int* l2);
   bool addStatusToGPUChart(unsigned long long time, int dimension, int device, int status, unsigned int sub);
   bool addValueToCPUChart(unsigned long long time, int cpu, int kind, int value);
   bool addValueToIRQChart(unsigned long long time, int irq, int value, int cpu);
-  /// A trace marker, for its process and for the list of all; its time in seconds as the trace text has it.
+  /// Adds a trace marker to its process and to the list of all. `time` is in seconds of the ftrace text.
   bool addEvent(double time, int pid, unsigned int code, const std::string& name, const std::string& args);
 
   void setProcessPPid(int pid, int ppid);
-  /// Without force a name that is there already stays.
+  /// Without `force` an existing name is kept.
   void setProcessName(int pid, const std::string& name, bool force);
 
   void setLastPidForCpu(int pid, int cpu);
-  /// The lowest other CPU on which the process was the last to be switched in, or -1.
+  /// Returns the lowest CPU other than `cpu` on which the process was the last to be switched in, or -1.
   int pidMigratedFrom(int pid, int cpu) const;
   void saveLastStateForCPU(int cpu);
   int getLastStateForCPU(int cpu) const;
 
-  // The first name of a number is kept. Soft interrupts are named by their vector.
+  // Add a name unless the number has one. The number of a soft interrupt is its vector.
   void addIrqName(int irq, const std::string& name);
   void addSirqName(int vector, const std::string& name);
-  /// "IRQ" and a line on standard output for one without a name.
+  /// Returns the name, or prints a line on standard output and returns "IRQ".
   std::string getIRQName(int irq) const;
   void outIrqNames() const;
   void outSirqNames() const;
 
-  /// Group 0 is the cycle counter, whatever the index, 1 the first level's, 2 the second's; empty for any
-  /// other.
+  /// Returns the name of a counter: group 0 is the cycle counter, whatever the index, 1 the first level and 2
+  /// the second. Returns an empty text for other groups and indices.
   std::string getCounterName(unsigned int group, unsigned int index) const;
 
   /// Turns the markers of the ftrace text into events, see TraceFileInspection.cpp.
   void inspectTraceFile();
-  /// Gathers the names that records do not carry, see ChartFinalization.cpp.
+  /// Reads the names that records do not contain, see ChartFinalization.cpp.
   void finalizeChartData();
 
   /// Writes the whole timechart document: one flat array of entries.
@@ -79,7 +78,7 @@ class TimechartManager {
   void outCPUCharts(PerfJSONWriter& writer) const;
   void outGPUCharts(PerfJSONWriter& writer) const;
   void outIRQCharts(PerfJSONWriter& writer) const;
-  /// Ascending by parent, then by pid.
+  /// Writes the processes, ascending by parent, then by pid.
   void outProcessCharts(PerfJSONWriter& writer) const;
   void outEventChart(PerfJSONWriter& writer) const;
 
@@ -95,14 +94,14 @@ class TimechartManager {
 
   static TimechartManager* _instance;
 
-  ChartTable<GPUChart> _gpuCharts;  ///< by dimension * 10 + device
+  ChartTable<GPUChart> _gpuCharts;  ///< the number is dimension * 10 + device
   ChartTable<ProcessChart> _processCharts;
   ChartTable<CPUChart> _cpuCharts;
   ChartTable<IRQChart> _irqCharts;
   EventChart _eventChart;
   std::map<int, std::string> _irqNames;
   std::map<int, std::string> _sirqNames;
-  PerCpu<int> _lastPid;    ///< the process that was last switched in
+  PerCpu<int> _lastPid;    ///< the process switched in last
   PerCpu<int> _lastState;  ///< the busy value at the last interrupt entry
   PerCpu<bool> _counterStarted;
   std::string _cycleCounterName;
@@ -110,6 +109,6 @@ class TimechartManager {
   std::array<std::string, ProcessChart::kL2Counters> _l2CounterNames;
 };
 
-/// The order of the tasks' charts: true if the parent of `a` has the lower number. Charts of one parent stay
-/// in the order of their own numbers.
+/// Returns whether the parent of `a` has the lower number. Charts of one parent keep the order of their own
+/// numbers.
 bool comparePPids(const ProcessChart* a, const ProcessChart* b);

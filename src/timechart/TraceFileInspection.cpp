@@ -26,13 +26,13 @@ struct Marker {
   std::string args;
 };
 
-/// The marker in a line, or nothing. Numbers that are none count as 0.
+/// Returns the marker in a line, or nothing. Invalid numbers count as 0.
 std::optional<Marker> markerIn(const std::string& line) {
   const std::size_t event = line.find(kEvent);
   if (event == std::string::npos || line.find(kToken) == std::string::npos) return std::nullopt;
 
-  // A task whose name the trace no longer holds ends in ">-". Any other line is read from its second
-  // character on, which as a rule finds no pid, and documents have always had those markers under process 0.
+  // A task whose name the trace has dropped ends in ">-". Of any other line the pid is read from its second
+  // character on, where usually is none; documents have always had those markers under process 0.
   const std::size_t arrow = line.find(">-");
   const std::size_t pid = arrow == std::string::npos ? 1 : arrow + 2;
   const std::string pidText = line.substr(pid, line.find(' ', pid) - pid);
