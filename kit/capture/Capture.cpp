@@ -18,8 +18,8 @@ bool holdsRecording(const fs::path& folder) {
   return fs::is_regular_file(folder / "perf.data", error);
 }
 
-/// Returns the folder itself or the only one in it, whichever has the recording: a tar may hold the capture's
-/// folder.
+/// Returns the folder itself or its only subfolder, whichever has the recording: a tar may contain the
+/// capture's folder.
 fs::path folderOfRecording(const fs::path& folder) {
   if (holdsRecording(folder)) return folder;
   std::error_code error;

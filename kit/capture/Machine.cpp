@@ -26,8 +26,8 @@ std::string textOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Whether a kernel table gives an address other than 0 in its first lines. Without the right to see them all
-/// are 0.
+/// Returns whether one of the first lines of a kernel table has an address other than 0. For users without
+/// the right to see them all are 0.
 bool showsAddresses(const std::string& path) {
   constexpr int kLinesToLookAt = 64;
   std::ifstream file(path);
@@ -37,7 +37,7 @@ bool showsAddresses(const std::string& path) {
   return false;
 }
 
-/// Drops a kernel table without addresses, and says so.
+/// Drops a kernel table without addresses, and adds that to `missing`.
 void checkKernelSymbols(MachineFolder& machine) {
   if (machine.kernelSymbols.empty()) {
     machine.missing.emplace_back("no kernel symbols: functions of the kernel stay without names");

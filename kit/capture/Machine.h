@@ -1,5 +1,4 @@
-/// The kernel's side of a recording: which machine made it, and the files of that machine that a conversion
-/// reads.
+/// The machine that made a recording: its identity, and the files of it that a conversion reads.
 #pragma once
 
 #include <string>
@@ -14,28 +13,28 @@ struct MachineFolder {
   std::string uptime;          ///< text of /proc/uptime
   std::string traceText;       ///< text of the ftrace buffer
   std::string root;            ///< the folder that holds the machine's files at their own paths
-  /// A line for each thing that is missing and would change a document: what, and what to do about it.
+  /// One line for each missing file that would change a document: which, and how to provide it.
   std::vector<std::string> missing;
 
-  /// Returns what a folder holds: "kallsyms", "softirqs", "uptime", "trace" and "files". Throws
-  /// std::runtime_error with "FOLDER: reason" if it is no folder that can be read.
+  /// Returns those of "kallsyms", "softirqs", "uptime", "trace" and "files" that are in a folder. Throws
+  /// std::runtime_error with "FOLDER: reason" if it cannot be read as a folder.
   static MachineFolder of(const std::string& folder);
 
-  /// Returns the files of the machine that zelkit runs on, with "/" as its root. They belong to a recording
-  /// only if it was made here, see MachineIdentity.
+  /// Returns the files of the machine that zelkit runs on, with "/" as its root. Usable for a recording only
+  /// if it was made here, see MachineIdentity.
   static MachineFolder here();
 };
 
-/// Which machine and kernel. Empty texts are unknown.
+/// Identity of a machine and its kernel. Empty texts are unknown.
 struct MachineIdentity {
   std::string hostName;
   std::string kernelRelease;
   std::string kernelBuildId;  ///< lower-case hexadecimal digits
 
-  /// Returns this machine's own.
+  /// Returns the identity of this machine.
   static MachineIdentity here();
 
-  /// Whether both are surely one machine with one kernel: all three are known and agree.
+  /// Returns whether both are certainly the same machine and kernel: all three members are known and equal.
   [[nodiscard]] bool agreesWith(const MachineIdentity& other) const;
 };
 

@@ -68,7 +68,8 @@ class Unpacking {
     }
   }
 
-  /// Returns where an entry goes. Links are refused, so nothing but the name can lead elsewhere.
+  /// Returns the path at which an entry is unpacked. Links are refused, so only the name could lead outside
+  /// the folder.
   [[nodiscard]] fs::path safePlace(const std::string& name) const {
     const fs::path relative(name);
     bool leadsOut = relative.is_absolute();
@@ -91,7 +92,7 @@ class Unpacking {
     const int error = errno;
     const bool closed = ::close(file) == 0;
     if (status == ARCHIVE_OK && closed) return;
-    // A failed write is the disk's fault, anything else the tar's.
+    // These errors are failed writes; any other is damage of the tar.
     if (!closed || error == ENOSPC || error == EDQUOT || error == EFBIG || error == EIO)
       fail(place, std::strerror(error));
     noteDamage();

@@ -4,7 +4,7 @@
 
 namespace zelkit {
 
-/// A folder of this user alone below $TMPDIR, removed with the object.
+/// A folder below $TMPDIR with access for this user only, removed with the object.
 class TemporaryFolder {
  public:
   /// Throws std::runtime_error with "FOLDER: reason" if it cannot be made.

@@ -1,4 +1,4 @@
-/// Where bytes go: a file, or what compresses or encodes them on their way to one.
+/// Destination of bytes: a file, or a compressor or encoder in front of one.
 #pragma once
 
 #include <string_view>

@@ -19,7 +19,7 @@ std::runtime_error failure(const std::string& name, const char* reason) {
   return std::runtime_error(name + ": " + reason);
 }
 
-/// Opens the file of that path, or a copy of the descriptor of standard input, which the source may close.
+/// Opens the file, or for "-" a copy of standard input's descriptor, which the source may close.
 int openForReading(const std::string& path) {
   return path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
 }

@@ -1,4 +1,4 @@
-/// Where the bytes of a document come from.
+/// Sources of the bytes of a document.
 #pragma once
 
 #include <zlib.h>

@@ -13,12 +13,11 @@ namespace zelkit {
 
 namespace {
 
-/// Every shape that the documents have nests less deeply than this; deeper ones are refused before they cost
-/// stack.
+/// Documents of both kinds nest less deeply than this; deeper input is refused before it uses the stack.
 constexpr int kDeepest = 8;
 
-/// Takes the parser's events and hands those below the root to the reader of the kind that its first key
-/// shows.
+/// Passes the parser's events below the root to the reader of the document's kind, which the first key
+/// determines.
 class Dispatcher : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Dispatcher> {
  public:
   explicit Dispatcher(DocumentVisitor& visitor) : _profile(visitor), _timechart(visitor) {}

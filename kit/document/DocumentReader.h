@@ -12,14 +12,14 @@ enum class DocumentKind { kNone, kProfile, kTimechart };
 
 struct ReadOutcome {
   DocumentKind kind = DocumentKind::kNone;
-  /// Empty if the document was read to its end; else where it broke and why: "NAME: byte N: reason". What
-  /// came before the break has been handed to the visitor.
+  /// Empty if the document was read to its end; otherwise the place and cause of the damage: "NAME: byte N:
+  /// reason". The visitor has received everything before it.
   std::string damage;
 };
 
-/// Reads a document of either kind in one pass and constant memory. It is JSON with a comma before the
-/// closing bracket of an array; bytes of names may be anything. Throws std::runtime_error with "NAME: reason"
-/// if the input cannot be read, or if it is no document at all.
+/// Reads a document of either kind in one pass and constant memory. The format is JSON with a comma before
+/// the closing bracket of an array; names may contain any bytes. Throws std::runtime_error with "NAME:
+/// reason" if the input cannot be read or is not a document.
 ReadOutcome readDocument(ByteSource& source, DocumentVisitor& visitor);
 
 }  // namespace zelkit

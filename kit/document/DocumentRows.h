@@ -1,4 +1,4 @@
-/// What the readers of both kinds of documents share: the parser's events, with the depth at which they come.
+/// Base of the readers of both kinds of documents: the parser's events with their depth.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace zelkit {
 
 enum class Container { kArray, kObject };
 
-/// A value of a document that is no container.
+/// A value of a document other than an object or array.
 struct Scalar {
   enum class Kind { kNothing, kUnsigned, kNegative, kReal, kText };
 
@@ -32,14 +32,14 @@ struct Scalar {
   }
 
   Kind kind = Kind::kNothing;
-  /// A negative number as its two's complement.
+  /// A negative number is stored as its two's complement.
   std::uint64_t integer = 0;
   double real = 0.0;
   std::string_view text;
 };
 
-/// Takes the events of one kind of document. The depth counts open containers: 1 is the root, whose keys are
-/// sections.
+/// Receives the events of one kind of document. The depth counts open containers: 1 is the root, whose keys
+/// are sections.
 class DocumentRows {
  public:
   virtual ~DocumentRows() = default;
@@ -51,7 +51,7 @@ class DocumentRows {
   virtual void close(int depth) = 0;
   virtual void scalar(int depth, const Scalar& value) = 0;
 
-  /// Returns what is wrong with the document; empty as long as nothing is.
+  /// Returns an error message about the document; empty if there is no error so far.
   const std::string& complaint() const { return _complaint; }
 
  protected:

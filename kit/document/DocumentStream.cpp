@@ -14,7 +14,7 @@ constexpr bool needsEscape(char byte) {
   return static_cast<unsigned char>(byte) < 0x20 && byte != '\n' && byte != '\r' && byte != '\t';
 }
 
-/// Looks at every byte without a branch, which a compiler turns into vector instructions.
+/// Examines every byte without a branch, so that the compiler can use vector instructions.
 bool anyNeedsEscape(std::span<const char> bytes) {
   bool found = false;
   for (const char byte : bytes) found |= needsEscape(byte);

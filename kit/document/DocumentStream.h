@@ -1,4 +1,4 @@
-/// The bytes of a document as the JSON parser takes them.
+/// The bytes of a document as input of the JSON parser.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +8,9 @@
 
 namespace zelkit {
 
-/// An input stream in the sense of RapidJSON. Names in a document may hold control bytes, which JSON wants
-/// escaped; the stream hands them on as \u00XX, so that no byte of a name is lost. The end of the input is a
-/// NUL.
+/// An input stream in the sense of RapidJSON. Names in a document may contain control bytes, which JSON
+/// requires to be escaped; the stream returns them as \u00XX, so that no byte of a name is lost. At the end
+/// of the input it returns NUL.
 class DocumentStream {
  public:
   using Ch = char;
@@ -23,10 +23,10 @@ class DocumentStream {
     if (_next == _end) refill();
     return taken;
   }
-  /// Returns how many bytes have been taken, counted after escaping.
+  /// Returns the number of bytes read, counted after escaping.
   std::size_t Tell() const { return _takenBefore + static_cast<std::size_t>(_next - _start); }
 
-  /// These belong to the concept and are for parsing in place, which this stream does not offer.
+  /// Required by the concept for in-place parsing, which this stream does not support.
   Ch* PutBegin() { return nullptr; }
   void Put(Ch) {}
   void Flush() {}

@@ -1,4 +1,5 @@
-/// What the documents hold, row by row. The formats: docs/profile-document.md and docs/timechart-document.md.
+/// The contents of documents, row by row. For the formats see docs/profile-document.md and
+/// docs/timechart-document.md.
 #pragma once
 
 #include <cstdint>
@@ -63,7 +64,7 @@ struct SampleRow {
   std::span<const TraceEntry> trace;
 };
 
-/// What an entry of a timechart says of its series. Members that an entry lacks are empty.
+/// The head of a series in a timechart. Members that the entry lacks are empty.
 struct SeriesHead {
   std::string id;
   std::string name;
@@ -76,7 +77,7 @@ struct SeriesHead {
   bool shown = false;
 };
 
-/// A moment with texts, of a series of type "events". Time in seconds.
+/// A marker of a series of type "events": time in seconds, and texts.
 struct SeriesEvent {
   double time = 0.0;
   std::int64_t code = 0;
@@ -89,7 +90,7 @@ class DocumentVisitor {
  public:
   virtual ~DocumentVisitor() = default;
 
-  /// A member of "Description"; numbers come as their text.
+  /// A member of "Description"; numbers are passed as text.
   virtual void description(std::string_view /*name*/, std::string_view /*value*/) {}
   virtual void process(const ProcessRow& /*row*/) {}
   virtual void library(const LibraryRow& /*row*/) {}
@@ -97,7 +98,7 @@ class DocumentVisitor {
   virtual void function(const FunctionRow& /*row*/) {}
   virtual void sample(const SampleRow& /*row*/) {}
 
-  /// A series begins; its points or events follow, then seriesEnd.
+  /// A series starts; its points or events follow, then seriesEnd.
   virtual void seriesStart(const SeriesHead& /*head*/) {}
   virtual void point(double /*time*/, double /*value*/) {}
   virtual void event(const SeriesEvent& /*event*/) {}

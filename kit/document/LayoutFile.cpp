@@ -20,7 +20,7 @@ std::string wholeText(ByteSource& source) {
   return text;
 }
 
-/// Takes "0x" and hexadecimal digits, as a member of that object.
+/// Returns the address in a member of the object, "0x" and hexadecimal digits.
 std::uint64_t addressIn(const rapidjson::Value& object, const char* member) {
   const auto found = object.FindMember(member);
   if (found == object.MemberEnd() || !found->value.IsString())

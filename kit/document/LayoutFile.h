@@ -1,4 +1,4 @@
-/// The way back to the addresses that a device had, see docs/layout-file.md.
+/// Maps addresses in a document back to those of the device, see docs/layout-file.md.
 #pragma once
 
 #include <cstdint>
@@ -10,14 +10,14 @@ namespace zelkit {
 
 class LayoutFile {
  public:
-  /// Nothing was moved.
+  /// Maps every address to itself.
   LayoutFile() = default;
 
-  /// Reads the file that lies beside a document; without one nothing was moved. Throws std::runtime_error
-  /// with "PATH: reason" if it is there and cannot be understood.
+  /// Reads the layout file in the folder of a document; if there is none, every address maps to itself.
+  /// Throws std::runtime_error with "PATH: reason" if it exists and cannot be parsed.
   static LayoutFile beside(const std::string& documentPath);
 
-  /// Returns the address that the device had for an address in the document, of a mapping of that process.
+  /// Returns the device's address for an address in the document, in a mapping of that process.
   std::uint64_t original(std::uint32_t pid, std::uint64_t address) const;
 
  private:

@@ -4,21 +4,21 @@
 
 namespace zelkit {
 
-/// A place beside a file's own, at which it is written, and from which it is renamed when it is whole: nobody
-/// finds half of it, and a failed run leaves what was there.
+/// A temporary file in the folder of the file to be written, renamed to it when complete: readers never see a
+/// partial file, and a failed run keeps the old one.
 class NewFile {
  public:
-  /// Throws std::runtime_error with "PATH: reason", also if the path is the input's: writing would destroy
-  /// it. An empty input is none.
+  /// Throws std::runtime_error with "PATH: reason", also if the path is that of the input, which writing
+  /// would destroy. An empty `input` means none.
   explicit NewFile(const std::string& path, const std::string& input = {});
-  /// Removes what was written, unless it was committed.
+  /// Removes the temporary file unless it was committed.
   ~NewFile();
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  /// Where to write.
+  /// Returns the path of the temporary file.
   [[nodiscard]] const std::string& path() const { return _temporary; }
-  /// Puts the file into its place. Throws std::runtime_error with "PATH: reason".
+  /// Renames the temporary file. Throws std::runtime_error with "PATH: reason".
   void commit();
 
  private:

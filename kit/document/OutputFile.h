@@ -1,4 +1,4 @@
-/// Where a document or an export goes.
+/// Output file of a document or an export.
 #pragma once
 
 #include <cstdio>
@@ -11,10 +11,11 @@
 
 namespace zelkit {
 
-/// A new file. "-" is standard output, and a path of a pipe or device is written to as it is.
+/// A new file. "-" is standard output; a pipe or device is written to directly.
 class OutputFile : public ByteSink {
  public:
-  /// Throws std::runtime_error with "PATH: reason", also if the path is the input's; an empty input is none.
+  /// Throws std::runtime_error with "PATH: reason", also if the path is that of the input. An empty `input`
+  /// means none.
   explicit OutputFile(const std::string& path, const std::string& input = {});
   ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
@@ -28,7 +29,7 @@ class OutputFile : public ByteSink {
   [[noreturn]] void fail() const;
 
   std::string _path;
-  /// None for what is no regular file.
+  /// Empty for standard output, a pipe or a device.
   std::optional<NewFile> _place;
   std::FILE* _file = nullptr;
 };

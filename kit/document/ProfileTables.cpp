@@ -6,7 +6,7 @@ namespace zelkit {
 
 namespace {
 
-/// The key that the library of the kernel has in every document that has libraries.
+/// The key of the kernel's library in every document with libraries.
 constexpr std::uint32_t kKernelLibrary = 3;
 
 template <typename Table>

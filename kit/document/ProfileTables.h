@@ -1,4 +1,4 @@
-/// The names and places behind the keys of a profile document.
+/// The processes, libraries, files and functions that the keys of a profile document refer to.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace zelkit {
 
-/// Gathers processes, libraries, files and functions as their rows come; the samples that follow refer to
-/// them by key.
+/// Collects processes, libraries, files and functions from their rows; samples, which follow, refer to them
+/// by key.
 class ProfileTables : public DocumentVisitor {
  public:
   struct Process {
@@ -40,27 +40,27 @@ class ProfileTables : public DocumentVisitor {
   void file(const FileRow& row) override;
   void function(const FunctionRow& row) override;
 
-  /// Forgets everything, for the next document.
+  /// Removes everything, for the next document.
   void clear() { *this = {}; }
 
-  /// These return null for a key that the document does not have.
+  /// Return null for an unknown key.
   const Process* findProcess(std::uint32_t key) const;
   const Library* findLibrary(std::uint32_t key) const;
   const Function* findFunction(std::uint32_t key) const;
 
-  /// Returns the name of the process to which the thread of that key belongs: the latest of its main thread,
-  /// or the thread's own if the document does not name that.
+  /// Returns the name of the process to which the thread of that key belongs: the latest name of its main
+  /// thread, or the thread's own name if the document has no main thread.
   std::string processName(std::uint32_t key) const;
 
-  /// Returns the name to show for the key of a sample or of a back-trace entry: that of the function, or
-  /// "[in LIBRARY]" where only the library is known.
+  /// Returns the name for the key of a sample or of a back-trace entry: that of the function, or "[in
+  /// LIBRARY]" if only the library is known.
   std::string frameName(std::uint32_t key) const;
 
   /// Returns the library that holds the frame, or null. A function that was hit in several has the first of
   /// them.
   const Library* libraryOf(std::uint32_t key) const;
 
-  /// Whether the frame belongs to the kernel.
+  /// Returns whether the frame belongs to the kernel.
   bool isKernel(std::uint32_t key) const;
 
  private:
@@ -69,11 +69,11 @@ class ProfileTables : public DocumentVisitor {
   std::map<std::uint32_t, std::string> _mainNames;
   std::map<std::uint32_t, Library> _libraries;
   std::map<std::uint32_t, Function> _functions;
-  /// Files come before the functions that they hold.
+  /// Rows of files precede those of their functions.
   std::map<std::uint32_t, std::pair<std::string, std::uint32_t>> _sourceLines;
 };
 
-/// Hands the frames of a sample to `visit`, innermost first: its own key, then those of its back-trace.
+/// Calls `visit` for the frames of a sample, innermost first: its own key, then those of its back-trace.
 /// Context markers of the kernel (the addresses above -4096, enum perf_callchain_context) are no frames, and
 /// neither is the entry of the back-trace that repeats the sample's own address at its start.
 template <typename Visit>

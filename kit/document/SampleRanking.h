@@ -1,4 +1,4 @@
-/// Which functions, libraries, processes... take most samples.
+/// Ranks functions, libraries, processes and so on by their samples.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@
 
 namespace zelkit {
 
-/// Counts the samples of a profile document by group: those in the group itself, and those in what it called
-/// too. A recursive call counts once.
+/// Counts the samples of a profile document by group: those in the group itself, and the total with those in
+/// its callees. A recursive call counts once.
 class SampleRanking : public ProfileTables {
  public:
   enum class By { kFunction, kLibrary, kFile, kProcess, kThread, kCore };
 
   struct Group {
     std::string name;
-    /// For functions that of their library; else empty.
+    /// For functions the name of their library; otherwise empty.
     std::string library;
     std::uint64_t self = 0;
     std::uint64_t total = 0;
@@ -31,13 +31,12 @@ class SampleRanking : public ProfileTables {
   void sample(const SampleRow& row) override;
 
   std::uint64_t sampleCount() const { return _samples; }
-  /// Seconds from the first sample to the last.
+  /// Returns the seconds from the first sample to the last.
   double duration() const { return _samples == 0 ? 0.0 : _lastTime - _firstTime; }
-  /// Whether a group stands for frames, so that its own samples are fewer than all.
+  /// Returns whether groups consist of frames, so that totals differ from own samples.
   bool countsFrames() const { return _by <= By::kFile; }
 
-  /// Returns the groups with most samples of their own first, then by their totals and names; at most that
-  /// many.
+  /// Returns at most `most` groups, sorted by own samples, total and name.
   std::vector<Group> groups(std::size_t most) const;
 
  private:
@@ -58,7 +57,7 @@ class SampleRanking : public ProfileTables {
   double _lastTime = 0.0;
   std::vector<Group> _groups;
   std::map<std::pair<std::string, std::string>, GroupId> _byName;
-  /// By the frame's key, or by the number that tells the samples of one group.
+  /// By the frame's key, or by the number that identifies the group of a sample.
   std::map<std::uint64_t, GroupId> _byKey;
   std::vector<GroupId> _frames;
   std::vector<std::pair<GroupId, GroupId>> _calls;

@@ -55,7 +55,8 @@ bool StackTree::isPath(Node node, Node root, std::span<const std::uint32_t> labe
 
 std::size_t StackTree::slotOf(Node parent, std::uint64_t label) const {
   const std::size_t mask = _slots.size() - 1;
-  // Labels come from the document: mixed twice with a seed, so that nobody can choose ones that collide.
+  // Labels come from the document: they are mixed twice with a seed, so that nobody can choose labels that
+  // collide.
   std::size_t slot = mixed(mixed(label ^ _seed) + parent) & mask;
   for (; _slots[slot] != kRoot; slot = (slot + 1) & mask)
     if (const Entry& entry = _nodes[_slots[slot]]; entry.parent == parent && entry.label == label) break;

@@ -7,8 +7,8 @@
 
 namespace zelkit {
 
-/// A prefix tree of stacks, from the root outward. Node 0 is the root; nodes are numbered in the order of
-/// arrival, so a parent comes before its children. Takes 24 bytes a node.
+/// A prefix tree of stacks, outermost frame first. Node 0 is the root; nodes are numbered in order of
+/// creation, so a parent's number is lower than its children's. A node takes 24 bytes.
 class StackTree {
  public:
   using Node = std::uint32_t;
@@ -16,18 +16,17 @@ class StackTree {
 
   StackTree();
 
-  /// Returns the child of that node for the label, which it makes if there is none.
+  /// Returns the node's child with that label, and creates it if needed.
   Node child(Node parent, std::uint64_t label);
-  /// Returns the node of a whole stack below that node, which it makes if there is none. The innermost label
-  /// comes first, as in a back-trace; samples repeat few stacks, so that most are found without a look at
-  /// each node's children.
+  /// Returns the node of a whole stack below `root`, and creates it if needed. The innermost label comes
+  /// first, as in a back-trace. Most stacks are repetitions and found in a cache of whole stacks.
   Node path(Node root, std::span<const std::uint32_t> labels);
   void count(Node node) { ++_nodes[node].self; }
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(_nodes.size()); }
   Node parent(Node node) const { return _nodes[node].parent; }
   std::uint64_t label(Node node) const { return _nodes[node].label; }
-  /// Returns how many samples end at the node.
+  /// Returns the number of samples that end at the node.
   std::uint32_t self(Node node) const { return _nodes[node].self; }
 
  private:

@@ -6,7 +6,7 @@ namespace zelkit {
 
 TimechartLoad::Use TimechartLoad::useOf(const SeriesHead& head) {
   if (head.chartClass == "cpu:busy") return Use::kCore;
-  // Task 0 runs when nobody else does.
+  // Task 0 is the idle task.
   if (head.id.starts_with("proc-0-")) return Use::kNone;
   if (head.chartClass == "proc:running") return Use::kRunning;
   if (head.chartClass != "proc:wait") return Use::kNone;

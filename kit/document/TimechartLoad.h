@@ -1,4 +1,4 @@
-/// What cores and tasks did in a timechart: how long they ran, and who waited longest for what.
+/// Load of cores and tasks in a timechart: running times and the longest waits.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ class TimechartLoad : public DocumentVisitor {
   };
   struct Wait {
     std::string task;
-    /// What it waited for, as the series says: "Waiting for I/O".
+    /// What the task waited for, from the series: "Waiting for I/O".
     std::string what;
     double start = 0.0;
     double length = 0.0;
@@ -32,7 +32,7 @@ class TimechartLoad : public DocumentVisitor {
     double busy = 0.0;
   };
 
-  /// Keeps that many of the longest waits.
+  /// Keeps at most `mostWaits` of the longest waits.
   explicit TimechartLoad(std::size_t mostWaits) : _mostWaits(mostWaits) {}
 
   void seriesStart(const SeriesHead& head) override;
@@ -40,20 +40,21 @@ class TimechartLoad : public DocumentVisitor {
   void event(const SeriesEvent& event) override { widen(event.time); }
   void seriesEnd() override;
 
-  /// To be called once everything has been read: what is on then lasts until the last point of the document.
+  /// To be called after the document was read: series that are still on last until the last point of the
+  /// document.
   void finish();
 
-  /// Seconds from the first point of the document to the last one.
+  /// Returns the seconds from the first point of the document to the last one.
   double duration() const { return _lastTime > _firstTime ? _lastTime - _firstTime : 0.0; }
-  /// In the order of the document.
+  /// Returns the cores in the order of the document.
   const std::vector<Core>& cores() const { return _cores; }
-  /// Those that ran longest first.
+  /// Returns at most `most` tasks, the longest running first.
   std::vector<Task> tasks(std::size_t most) const;
-  /// The longest first.
+  /// Returns the waits, the longest first.
   const std::vector<Wait>& waits() const { return _waits; }
 
  private:
-  /// Where the time of a series goes; its id tells.
+  /// What the time of a series is added to; determined by its id.
   enum class Use { kNone, kCore, kRunning, kWaitForCpu, kWaitForInput, kWaitForGpu };
   struct Series {
     Use use = Use::kNone;
