@@ -8,13 +8,13 @@
 
 namespace zelkit {
 
-/// What became of a recording: every record is kept, made, changed or dropped, and every sample comes out or
-/// is told as lost. The invariant is balanced().
+/// Statistics of a conversion: every record is kept, created, changed or dropped, and every sample is in the
+/// output or counted as lost. The invariant is balanced().
 struct Account {
   /// Counts by name.
   using Tally = std::map<std::string, std::uint64_t, std::less<>>;
 
-  /// A piece of code that lies elsewhere in the document than on the device.
+  /// A code mapping whose address in the document differs from that on the device.
   struct MovedMapping {
     std::uint32_t pid;
     std::uint64_t start;
@@ -23,23 +23,24 @@ struct Account {
     std::size_t file;  ///< index into MappedFiles
   };
 
-  std::uint64_t samplesIn = 0;  ///< all records of samples, of trace-points too
+  std::uint64_t samplesIn = 0;  ///< all sample records, including those of trace-points
   std::uint64_t plainSamplesOut = 0;
   std::uint64_t tracePointsOut = 0;
   Tally samplesLost;  ///< by reason
 
   Tally kept;       ///< records, by kind
-  Tally made;       ///< records that the recording does not have, by kind
+  Tally made;       ///< records created by the layout, by kind
   Tally dropped;    ///< records, by kind and reason
   Tally shortened;  ///< names and back-traces, by kind
   Tally unnamed;    ///< samples without a function, by reason
-  Tally noPlace;    ///< mappings whose addresses had to stay, by name
+  Tally noPlace;    ///< mappings that could not be moved, by name
 
   std::uint64_t recordsLostByKernel = 0;
   std::uint64_t samplesLostByKernel = 0;
-  std::uint64_t highCores = 0;   ///< plain samples that are shown on core 16 although theirs is higher
-  std::uint64_t userStacks = 0;  ///< samples whose callers would have to be unwound from a copied stack
-  std::uint64_t cutTraces = 0;   ///< back-traces of which the outermost entries were left out
+  std::uint64_t highCores = 0;  ///< plain samples of cores above 16, which are shown on core 16
+  std::uint64_t userStacks =
+      0;  ///< samples whose callers are only in a copy of the stack, which is not unwound
+  std::uint64_t cutTraces = 0;  ///< back-traces without their outermost entries
   std::uint64_t cutEntries = 0;
   std::vector<MovedMapping> moved;
 
@@ -48,13 +49,13 @@ struct Account {
     for (const auto& [reason, count] : samplesLost) sum += count;
     return sum;
   }
-  /// Samples in are samples out and told losses.
+  /// Returns whether all samples are accounted for: samples in = samples out + losses.
   [[nodiscard]] bool balanced() const {
     return samplesIn == plainSamplesOut + tracePointsOut + lostSamples();
   }
 };
 
-/// Adds to a count of a tally.
+/// Adds `number` to the count of that name.
 inline void count(Account::Tally& tally, std::string_view name, std::uint64_t number = 1) {
   const auto found = tally.find(name);
   if (found != tally.end()) {

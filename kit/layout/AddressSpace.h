@@ -12,15 +12,15 @@ class AddressSpace {
   struct Mapping {
     std::uint64_t start = 0;
     std::uint64_t end = 0;     ///< the first address after it
-    std::size_t entered = 0;   ///< number in MappedFiles
+    std::size_t entered = 0;   ///< number returned by MappedFiles::enter
     std::uint64_t offset = 0;  ///< of `start` in the file
   };
 
-  /// Puts a mapping in the place of whatever lies there.
+  /// Inserts a mapping and removes what it overlaps.
   void insert(const Mapping& mapping);
-  /// Takes a range out; mappings that reach over its ends keep what lies outside.
+  /// Removes a range; mappings that overlap its ends keep the parts outside.
   void cut(std::uint64_t start, std::uint64_t end);
-  /// Returns the mapping that holds the address, or null.
+  /// Returns the mapping that contains the address, or null.
   [[nodiscard]] const Mapping* find(std::uint64_t address) const;
   [[nodiscard]] std::size_t size() const { return _mappings.size(); }
 

@@ -1,4 +1,4 @@
-/// Bytes as text on their way.
+/// Sink that encodes bytes as text.
 #pragma once
 
 #include <array>
@@ -15,7 +15,7 @@ class Base64Output : public ByteSink {
   explicit Base64Output(ByteSink& output) : _output(output) {}
 
   void write(std::string_view bytes) override;
-  /// Writes the last bytes with their padding; nothing may be written after it.
+  /// Writes the last bytes with their padding. Nothing may be written afterwards.
   void finish();
 
  private:

@@ -10,14 +10,14 @@ namespace {
 
 constexpr std::array<const char*, 4> kMadeNames = {"Cores", "GPU", "Interrupts", "Markers"};
 
-/// Returns the number that begins at that place of the text; 0 if there is none.
+/// Returns the number at index `start` of the text; 0 if there is none.
 std::uint32_t numberAt(std::string_view text, std::size_t start) {
   std::uint32_t number = 0;
   if (start < text.size()) std::from_chars(text.data() + start, text.data() + text.size(), number);
   return number;
 }
 
-/// Returns the task's parent out of "TASK_PARENT_proc_root", or the task itself if it has none.
+/// Returns the parent in "TASK_PARENT_proc_root", or the task itself if there is none.
 std::uint32_t parentIn(std::string_view treeId, std::uint32_t task) {
   const std::string own = std::to_string(task) + "_";
   const std::size_t found = treeId.find(own);

@@ -1,4 +1,4 @@
-/// Where a series of a timechart is drawn in viewers that know processes and threads.
+/// The track of a series in viewers that draw processes and threads.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,14 @@
 
 namespace zelkit {
 
-/// Tasks are threads of their process; cores, GPU, interrupts and markers are threads of processes made for
-/// them, with numbers above those that Linux gives.
+/// Tasks are threads of their process; cores, GPU, interrupts and markers are threads of synthetic processes,
+/// with ids above those of Linux.
 struct ChartTrack {
   enum MadeProcess : std::uint32_t { kCores = 1U << 30U, kGpu, kInterrupts, kMarkers };
 
   std::uint32_t pid = 0;
-  /// 0 for a series that is drawn alone: those of a task, which does one thing at a time, share its thread.
+  /// 0 for a series with its own track. The series of a task share its thread, as a task does one thing at a
+  /// time.
   std::uint32_t tid = 0;
   std::string process;
   std::string thread;

@@ -38,7 +38,8 @@ class CpuProfile : public Exporter {
     StackTree::Node node = StackTree::kRoot;
   };
 
-  /// Copies the stacks of each thread below a node for the thread, and all samples into one order of time.
+  /// Copies the stacks of each thread below a node for the thread, and sorts the samples of all threads by
+  /// time.
   void gather() {
     std::uint32_t index = 0;
     for (const ThreadSamples::Thread& thread : _samples.threads()) {
@@ -88,7 +89,7 @@ class CpuProfile : public Exporter {
     _json.endArray();
   }
 
-  /// Ids start at 1.
+  /// Ids of the format start at 1.
   static std::uint32_t idOf(StackTree::Node node) { return node + 1; }
 
   void writeFrame(StackTree::Node node) {

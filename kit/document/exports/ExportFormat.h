@@ -1,4 +1,4 @@
-/// The formats of other viewers: each registers itself, one source a format.
+/// The formats of other viewers, one source file per format; each registers itself.
 #pragma once
 
 #include <memory>
@@ -10,18 +10,17 @@
 
 namespace zelkit {
 
-/// Takes documents, one after the other, and writes them in a format. What streams is written as it comes.
+/// Reads documents, one after the other, and writes them in a format, as a stream if the format allows.
 class Exporter : public DocumentVisitor {
  public:
-  /// Reads a document and takes its rows; a format that copies the document token by token reads in its own
-  /// way.
+  /// Reads a document and receives its rows; overridden by formats that copy the document token by token.
   virtual ReadOutcome read(ByteSource& source) { return readDocument(source, *this); }
 
-  /// A document begins; keys of the one before mean nothing in it. `name` is for titles.
+  /// A document starts; keys are only valid within one document. `name` is for titles.
   virtual void documentStart(const std::string& /*name*/) {}
   virtual void documentEnd() {}
 
-  /// All documents have been read: writes what is left.
+  /// Called after all documents were read; writes the rest.
   virtual void finish() = 0;
 };
 
@@ -33,7 +32,7 @@ class ExportFormat {
   struct Takes {
     bool profile = false;
     bool timechart = false;
-    /// Whether one file can hold more than one document.
+    /// Whether one file can contain several documents.
     bool several = false;
   };
 
@@ -47,7 +46,7 @@ class ExportFormat {
   bool takesSeveral() const { return _takes.several; }
   std::unique_ptr<Exporter> makeExporter(OutputFile& output) const { return _maker(output); }
 
-  /// Returns all formats in the order of their names.
+  /// Returns all formats, sorted by name.
   static std::vector<const ExportFormat*> all();
   /// Returns null if there is no format of that name.
   static const ExportFormat* find(const std::string& name);

@@ -1,6 +1,6 @@
 // The processed profile of the Firefox Profiler, version 70 (its docs-developer/CHANGELOG-formats.md): tables
 // of columns that refer to each other by index. A profile and a timechart can share one file: tasks are
-// threads, and what they did stands as markers beside their samples.
+// threads, with their samples and, from the timechart, markers.
 
 #include <algorithm>
 #include <cmath>
@@ -19,10 +19,10 @@ namespace {
 
 constexpr int kProcessedVersion = 70;
 constexpr int kGeckoVersion = 36;
-/// What a resource is: a library.
+/// The type of resource that is a library.
 constexpr int kLibraryResource = 1;
 
-/// Indices into meta.categories. The viewer wants a grey one, for what has no other.
+/// Indices into meta.categories. The viewer requires a grey one as default.
 enum Category : int { kOther, kUser, kKernel };
 
 enum Phase : int { kInstant, kInterval, kIntervalStart };
@@ -32,7 +32,7 @@ struct Marker {
   Phase phase = kInstant;
   double start = 0.0;
   double end = 0.0;
-  /// Of an event: its code and text.
+  /// Code and text, for events only.
   std::optional<std::pair<std::int64_t, std::string>> event;
 };
 
@@ -43,7 +43,7 @@ struct Counter {
   std::vector<double> values;
 };
 
-/// A thread of the file: one of the profile, one of the timechart, or one of both.
+/// A thread of the file, from the profile, the timechart, or both.
 struct Thread {
   std::uint32_t pid = 0;
   std::uint32_t tid = 0;
@@ -55,7 +55,7 @@ struct Thread {
   bool isMain() const { return pid == tid; }
 };
 
-/// Texts by their index in shared.stringArray.
+/// Texts and their indices in shared.stringArray.
 class Strings {
  public:
   std::uint32_t indexOf(const std::string& text) {
@@ -70,14 +70,14 @@ class Strings {
   std::vector<const std::string*> _texts;
 };
 
-/// A frame, which has a function of its own in the file.
+/// A frame; each has its own function in the file.
 struct Frame {
   std::uint32_t name = 0;
   std::optional<std::uint32_t> library;
   std::optional<std::uint32_t> source;
   std::uint32_t line = 0;
   Category category = kOther;
-  /// Of the function within its library, if it is known.
+  /// The function's address within its library, if known.
   std::optional<std::uint64_t> address;
   std::uint64_t size = 0;
 };
@@ -175,7 +175,7 @@ class Firefox : public Exporter {
     return *thread;
   }
 
-  /// Puts the samples of a task beside its markers and orders threads by process, the main thread first.
+  /// Joins the samples and markers of a task, and sorts threads by process, the main thread first.
   void joinThreads() {
     for (const ThreadSamples::Thread& sampled : _samples.threads()) {
       const ProfileTables::Process* process = _samples.findProcess(sampled.pidKey);
@@ -219,7 +219,7 @@ class Firefox : public Exporter {
     frame.line = function->line;
     frame.size = function->size;
     if (library != nullptr) {
-      // Those of a program and of the kernel are absolute.
+      // Addresses in a program and in the kernel are absolute.
       const bool isAbsolute = function->start - library->start <= library->size;
       frame.address = isAbsolute ? function->start - library->start : function->start;
     }
@@ -264,7 +264,7 @@ class Firefox : public Exporter {
 
   /// Returns milliseconds since the first moment of the file.
   double milliseconds(double seconds) const {
-    // To whole nanoseconds, which is what documents have.
+    // Rounded to nanoseconds, the resolution of documents.
     return std::round((seconds - _firstTime) * 1e9) / 1e6;
   }
 
@@ -358,7 +358,7 @@ class Firefox : public Exporter {
   }
 
   void writeShared() {
-    // Their names are texts of the list, which is written last.
+    // The names are texts of the string array, which is written last.
     std::vector<std::uint32_t> libraryNames;
     for (const std::string* name : byIndex(_libraries)) libraryNames.push_back(_strings.indexOf(*name));
     std::vector<std::uint32_t> sourceNames;
@@ -434,7 +434,7 @@ class Firefox : public Exporter {
     length(symbols.size());
   }
 
-  /// Resources are the libraries, in the same order.
+  /// The resources are the libraries, in the same order.
   void writeResources(const std::vector<std::uint32_t>& names) {
     std::uint32_t next = 0;
     column("lib", names, [&](std::uint32_t) { _json.value(next++); });
@@ -530,7 +530,7 @@ class Firefox : public Exporter {
     });
   }
 
-  /// The viewer adds up what it finds, so each sample holds the change since the one before.
+  /// The viewer sums the values, so each sample is the difference from the previous one.
   void writeCounterSamples(const Counter& counter) {
     column("time", counter.times, [&](double time) { _json.value(milliseconds(time)); });
     double before = 0.0;

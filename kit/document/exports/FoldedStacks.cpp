@@ -1,5 +1,5 @@
-// Folded stacks, one line each: "process;outermost;...;innermost count". Semicolons separate, so names lose
-// theirs.
+// Folded stacks, one line each: "process;outermost;...;innermost count". Semicolons in names are removed, as
+// they separate frames.
 
 #include <algorithm>
 #include <map>

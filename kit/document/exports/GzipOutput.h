@@ -1,4 +1,4 @@
-/// Bytes compressed on their way.
+/// Sink that compresses bytes.
 #pragma once
 
 #include <zlib.h>
@@ -19,7 +19,7 @@ class GzipOutput : public ByteSink {
   GzipOutput& operator=(const GzipOutput&) = delete;
 
   void write(std::string_view bytes) override { compress(bytes, Z_NO_FLUSH); }
-  /// Ends the stream; nothing may be written after it.
+  /// Ends the stream. Nothing may be written afterwards.
   void finish() { compress({}, Z_FINISH); }
 
  private:

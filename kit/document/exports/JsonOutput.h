@@ -1,4 +1,4 @@
-/// JSON that any reader takes.
+/// Strict JSON output.
 #pragma once
 
 #include <rapidjson/writer.h>
@@ -11,8 +11,8 @@
 
 namespace zelkit {
 
-/// Returns the text with each byte that belongs to no UTF-8 character replaced by U+FFFD. Names of a
-/// recording may hold any byte, and strict readers refuse a whole file for one of them.
+/// Returns the text with each byte that is not part of a UTF-8 character replaced by U+FFFD. Names in a
+/// recording may contain any bytes, and strict readers refuse a file with a single invalid one.
 std::string validUtf8(std::string_view text);
 
 /// An output stream in the sense of RapidJSON.
@@ -69,7 +69,7 @@ class JsonOutput {
     value(content);
   }
 
-  /// Writes what is still in memory.
+  /// Writes the buffered bytes.
   void flush() { _stream.Flush(); }
 
  private:

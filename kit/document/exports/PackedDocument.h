@@ -1,4 +1,4 @@
-/// Documents in fewer bytes, for a page that holds them.
+/// A compact form of documents, embedded in the viewer's page.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 
 namespace zelkit {
 
-/// Writes a document without its descriptions of columns, and the samples of a profile in blocks, in which
-/// each thread, address and back-trace is written once: docs/documents-in-the-page.md has the form.
+/// Writes a document without its descriptions of columns, and with the samples of a profile in blocks that
+/// contain each thread, address and back-trace once. For the format see docs/documents-in-the-page.md.
 class PackedDocument : public DocumentVisitor {
  public:
   explicit PackedDocument(ByteSink& output) : _json(output) {}
@@ -30,13 +30,13 @@ class PackedDocument : public DocumentVisitor {
   void event(const SeriesEvent& event) override;
   void seriesEnd() override;
 
-  /// To be called once everything has been read.
+  /// To be called after the document was read.
   void finish();
 
  private:
   using Numbers = std::vector<std::uint64_t>;
 
-  /// Opens the section, and closes the one before; "Description" is an object, the others have rows.
+  /// Closes the current section and opens the named one; "Description" is an object, the others have rows.
   void open(const char* section);
   void close();
 
@@ -59,7 +59,7 @@ class PackedDocument : public DocumentVisitor {
   std::vector<std::uint32_t> _frames;
   std::int64_t _latestTime = 0;
 
-  /// The block that is being gathered.
+  /// The block under construction.
   Numbers _newThreads;
   std::vector<std::int64_t> _timeSteps;
   Numbers _cores;

@@ -1,4 +1,4 @@
-// pprof's profile.proto, gzipped: samples with equal stacks of one thread are one sample with a count.
+// pprof's profile.proto, gzipped: samples of a thread with equal stacks become one sample with a count.
 
 #include <cmath>
 #include <cstdlib>
@@ -38,7 +38,7 @@ enum class Location : protozero::pbf_tag_type { kId = 1, kMappingId = 2, kAddres
 enum class Line : protozero::pbf_tag_type { kFunctionId = 1, kLine = 2 };
 enum class Function : protozero::pbf_tag_type { kId = 1, kName = 2, kFile = 4, kStartLine = 5 };
 
-/// Texts by their numbers; number 0 is the empty text, as the format wants it.
+/// Texts and their indices; index 0 is the empty text, as the format requires.
 class StringTable {
  public:
   StringTable() { numberOf(""); }
@@ -113,7 +113,7 @@ class Pprof : public Exporter {
     label.add_int64(Label::kNumber, process == nullptr ? 0 : process->pid);
   }
 
-  /// Returns the id of the frame's location, which it writes with its function when the frame is new.
+  /// Returns the id of the frame's location. Writes the location and its function on first use.
   std::uint64_t locationOf(std::uint32_t key) {
     const auto [place, isNew] = _locations.try_emplace(key, _locations.size() + 1);
     if (!isNew) return place->second;
@@ -136,7 +136,7 @@ class Pprof : public Exporter {
     const std::int64_t name = _strings.numberOf(_samples.frameName(key));
     protozero::pbf_builder<Function> function(_profile, Profile::kFunction);
     function.add_uint64(Function::kId, id);
-    // Without a system name: pprof takes one that equals the name for mangled, and cuts parameters off.
+    // No system name: pprof regards a system name equal to the name as mangled, and cuts off parameters.
     function.add_int64(Function::kName, name);
     const ProfileTables::Function* known = _samples.findFunction(key);
     if (known == nullptr || known->file.empty()) return;
@@ -153,7 +153,7 @@ class Pprof : public Exporter {
     mapping.add_uint64(Mapping::kStart, start);
     mapping.add_uint64(Mapping::kLimit, start + library.size);
     mapping.add_int64(Mapping::kFile, _strings.numberOf(library.name));
-    // Keeps pprof from looking for the file to name the addresses itself.
+    // Keeps pprof from searching for the file to symbolise the addresses itself.
     mapping.add_bool(Mapping::kHasFunctions, true);
     return place->second;
   }
@@ -163,8 +163,8 @@ class Pprof : public Exporter {
     return _layout.original(process == nullptr ? 0 : process->pid, library.start);
   }
 
-  /// Returns where the function begins in the process. Those of a library are relative to its map in the
-  /// document.
+  /// Returns the function's address in the process. In the document, addresses of a library are relative to
+  /// its map.
   std::uint64_t addressOf(std::uint32_t key, const ProfileTables::Library* library) const {
     const ProfileTables::Function* function = _samples.findFunction(key);
     const std::uint64_t start = function == nullptr ? 0 : function->start;

@@ -1,5 +1,5 @@
 // The file format of speedscope (its file-format-schema.json): one list of frames, and for each thread its
-// samples in the order of time, each a list of frames from the outermost on.
+// samples in order of time, each a list of frames, outermost first.
 
 #include <array>
 #include <charconv>
@@ -88,7 +88,7 @@ class Speedscope : public Exporter {
     _json.endObject();
   }
 
-  /// Returns "[frame,frame]" from the outermost frame on.
+  /// Returns "[frame,frame]", outermost frame first.
   const std::string& stackText(StackTree::Node node) {
     _path.clear();
     for (; node != StackTree::kRoot; node = _samples.tree().parent(node)) _path.push_back(_frames[node]);

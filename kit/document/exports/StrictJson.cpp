@@ -16,7 +16,7 @@ namespace zelkit {
 
 namespace {
 
-/// Writes each token of the parser as it comes.
+/// Writes each token of the parser.
 class Copy : public rapidjson::Writer<JsonStream> {
  public:
   explicit Copy(JsonStream& stream) : Writer(stream) {}

@@ -1,4 +1,4 @@
-/// The samples of a profile by thread, with their stacks in one tree: what most formats are made of.
+/// The samples of a profile by thread, with their stacks in one tree; the base of most formats.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace zelkit {
 
 class ThreadSamples : public ProfileTables {
  public:
-  /// One thread and its samples in the order of time: for each its time in seconds and the node of its stack.
+  /// A thread and its samples in order of time: time in seconds and the node of the stack.
   struct Thread {
     std::uint32_t pidKey = 0;
     std::uint32_t tid = 0;
@@ -24,18 +24,18 @@ class ThreadSamples : public ProfileTables {
 
   void sample(const SampleRow& row) override;
 
-  /// Puts the samples of each thread into the order of time; to be called once all have come.
+  /// Sorts the samples of each thread by time; to be called after the document was read.
   void sort();
 
   /// Returns the threads in the order of their first samples in the document.
   const std::deque<Thread>& threads() const { return _threads; }
   const StackTree& tree() const { return _tree; }
-  /// Returns the key of the function or library of a node; a node of the first level too is a frame.
+  /// Returns the key of the function or library of a node.
   static std::uint32_t frameKey(const StackTree& tree, StackTree::Node node) {
     return static_cast<std::uint32_t>(tree.label(node));
   }
 
-  /// Returns "NAME TID", or the number alone for a process that the document does not name.
+  /// Returns "NAME TID", or only the number for a process without a name in the document.
   std::string threadTitle(const Thread& thread) const;
 
   void clear() { *this = {}; }

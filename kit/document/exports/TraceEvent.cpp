@@ -1,6 +1,6 @@
-// The Trace Event format (Google's "Trace Event Format" document): what Perfetto's page and the browsers'
-// Performance panel open. Tasks are threads of their process; cores, GPU and interrupts are threads of
-// processes made for them.
+// The Trace Event format (Google's "Trace Event Format" document): opened by Perfetto's page and the
+// browsers' Performance panel. Tasks are threads of their process; cores, GPU and interrupts are threads of
+// synthetic processes.
 
 #include <cmath>
 #include <optional>
@@ -74,7 +74,7 @@ class TraceEvent : public Exporter {
  private:
   void nameTrack() {
     if (_named.insert({_track.pid, 0}).second) metadata("process_name", 0, validUtf8(_track.process));
-    // Counters have tracks of their own, by their names.
+    // Counters have their own tracks, identified by name.
     if (_head.type != "bar" && _named.insert({_track.pid, _track.tid}).second)
       metadata("thread_name", _track.tid, validUtf8(_track.thread));
   }
@@ -92,7 +92,7 @@ class TraceEvent : public Exporter {
     _json.endObject();
   }
 
-  /// Opens an event; the caller adds to it and closes it.
+  /// Opens an event object; the caller adds members and closes it.
   void begin(const char* phase, const std::string& name, double time) {
     _json.startObject();
     _json.member("ph", phase);
@@ -104,7 +104,7 @@ class TraceEvent : public Exporter {
   }
 
   static double microseconds(double seconds) {
-    // Points have microseconds at most; what comes below them is the error of the parse.
+    // Points have a resolution of microseconds; smaller digits are parsing errors.
     return std::round(seconds * kMicrosecondsPerSecond);
   }
 
@@ -118,7 +118,7 @@ class TraceEvent : public Exporter {
 
   bool isWaitForCpu() const { return _head.id.starts_with("proc-") && _head.id.ends_with("-w"); }
 
-  /// Draws an arrow from the moment when something woke the task to the run that begins when its wait ends.
+  /// Draws an arrow from the moment when the task was woken to the run that starts when its wait ends.
   void wakeUp(double woken, double running) {
     ++_flows;
     begin("s", "wake-up", woken);

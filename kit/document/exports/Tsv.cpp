@@ -44,7 +44,7 @@ class Tsv : public Exporter {
   void finish() override {}
 
  private:
-  /// Samples in the function itself, and those in what it called too; a recursive call counts once.
+  /// Samples in the function itself, and the total with those in its callees; a recursive call counts once.
   struct Count {
     std::uint64_t self = 0;
     std::uint64_t total = 0;

@@ -49,7 +49,7 @@ class TsvSamples : public Exporter {
   void finish() override {}
 
  private:
-  /// Adds a cell and the tab after it.
+  /// Appends a cell and a tab.
   void append(const std::string& text) { _line += tsvCell(text) + '\t'; }
   template <typename Number, typename... Base>
   void append(Number number, Base... base) {
@@ -59,7 +59,7 @@ class TsvSamples : public Exporter {
     _line += '\t';
   }
 
-  /// The callers from the innermost out; semicolons separate them.
+  /// Appends the callers, innermost first, separated by semicolons.
   void appendCallers(const SampleRow& row) {
     std::size_t depth = 0;
     forEachFrame(row, [&](std::uint32_t key) {
