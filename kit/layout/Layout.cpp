@@ -8,14 +8,14 @@ namespace zelkit {
 
 namespace {
 
-/// Entries of a back-trace from here up are no addresses but say whose the following ones are,
-/// PERF_CONTEXT_*.
+/// The lowest context marker (PERF_CONTEXT_*): entries of a back-trace from here up are not addresses but say
+/// what the following ones belong to.
 constexpr std::uint64_t kFirstMarker = ~std::uint64_t{0} - 4094;
 constexpr std::uint64_t kKernelMarker = ~std::uint64_t{0} - 127;
 constexpr std::uint64_t kUserMarker = ~std::uint64_t{0} - 511;
 constexpr std::uint64_t kDeferredMarker = ~std::uint64_t{0} - 639;
 
-/// The lowest kernel address of any 64-bit machine; user space ends far below.
+/// Below the kernel addresses of every 64-bit machine, and far above user space.
 constexpr std::uint64_t kWideKernel = 0xFF00000000000000;
 
 Mode modeAfter(std::uint64_t marker) {
@@ -23,8 +23,8 @@ Mode modeAfter(std::uint64_t marker) {
   return marker == kKernelMarker ? Mode::kernel : Mode::hypervisor;
 }
 
-/// Returns the index of the last number that is not above the sought one, or 0. Every entry of every
-/// back-trace comes by here, in no order that branches could be predicted by: the loop has none but its end.
+/// Returns the index of the last number that is not above the sought one, or 0. Called for every entry of
+/// every back-trace, in unpredictable order, so the loop is free of branches.
 std::size_t notAbove(const std::vector<std::uint64_t>& ascending, std::uint64_t sought) {
   const std::uint64_t* first = ascending.data();
   for (std::size_t count = ascending.size(); count > 1;) {
@@ -56,7 +56,7 @@ void Layout::mapping(const MappingEvent& event) {
   Process& process = _processes.of(event.pid);
   AddressSpace::Mapping mapping{event.start, event.start + event.length};
   if (mapping.end <= mapping.start) return count(_account.dropped, "mapping: of no length");
-  // Android's recorder names code that is interpreted, which lies in mappings of data.
+  // Android's recorder reports interpreted code, which is in data mappings.
   const bool holdsCode = event.executable || (_info.android() && event.name.starts_with('/'));
   if (holdsCode) mapping.entered = _files.enter(event);
   mapping.offset = event.pageOffset;
@@ -113,13 +113,13 @@ void Layout::tracePoint(const Sample& sample) {
     return count(_account.samplesLost,
                  "of a trace-point that no chart shows: " + _info.events[sample.event].label());
   announce(_processes.of(sample.pid), sample.tid);
-  // Addresses of trace-points are shown nowhere.
+  // Addresses of trace-points are not shown.
   _records.tracePoint({sample.ip, sample.pid, sample.tid, sample.time, sample.cpu, sample.period}, number,
                       _raw);
   ++_account.tracePointsOut;
 }
 
-/// The engine builds its map of the kernel with the first mapping that it reads, and knows no kernel before.
+/// The engine creates its map of the kernel with the first mapping that it reads.
 void Layout::tellKernel() {
   if (_kernelTold) return;
   _kernelTold = true;
@@ -148,9 +148,9 @@ void Layout::plainSample(const Sample& sample) {
   ++_account.plainSamplesOut;
 }
 
-/// Makes the records that name a sample's process and thread.
+/// Writes the records that name a sample's process and thread, if not written before.
 void Layout::announce(Process& process, std::uint32_t tid) {
-  // The engine knows these two itself: the idle task, and what has ended.
+  // The engine has these two itself: the idle task and the one for ended processes.
   if (process.pid == 0 || process.pid == MappingEvent::kKernelPid) return;
   Thread& leader = _processes.threadOf(process, process.pid);
   if (leader.told.empty()) tell(process, process.pid, leader, _account.made);
@@ -205,13 +205,13 @@ void Layout::addTrace(Process& process, const Sample&, const Chain& chain, Mode 
       continue;
     }
     mode = modeAfter(entry);
-    // A number follows by which the user's part of the back-trace would be found.
+    // Followed by a number that identifies the user part of the back-trace.
     if (entry == kDeferredMarker) ++i;
   }
 }
 
-/// Returns how the addresses around this one move, or null if no mapping holds it. The answer lasts until the
-/// next one.
+/// Returns how the addresses around this one move, or null if no mapping contains it. Valid until the next
+/// call.
 const Process::Shift* Layout::shiftOf(Process& process, std::uint64_t address) {
   const std::size_t index = notAbove(process.starts, address);
   if (index < process.shifts.size()) {
@@ -252,8 +252,8 @@ bool Layout::place(Process& process, const AddressSpace::Mapping& mapping, Proce
   return true;
 }
 
-/// Finds a range for a file in a process and makes the record of its mapping. `firstAddress`: the lowest
-/// symbol address that is mapped, as far as is known.
+/// Allocates a range for a file in a process and writes the record of its mapping. `firstAddress`: the lowest
+/// mapped symbol address, as far as is known.
 PlacedFile Layout::placeFile(Process& process, std::size_t index, std::uint64_t firstAddress) {
   const MappedFile& file = _files[index];
   const std::uint64_t size = file.end - file.low;
@@ -268,7 +268,7 @@ PlacedFile Layout::placeFile(Process& process, std::size_t index, std::uint64_t 
     }
     placed.start = *start;
   }
-  // Where addresses are absolute, the record need not begin at 0.
+  // With absolute addresses the record need not start at 0.
   const std::uint64_t unused = stays ? firstAddress : 0;
   _records.mapping(process.pid, placed.start + unused, size - unused, file.name);
   count(_account.made, "mmap");

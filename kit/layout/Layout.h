@@ -17,28 +17,28 @@
 namespace zelkit {
 
 /// Makes the payload of a trace-point that the engine decodes: its number in the event table and the raw
-/// data. Returns false for one that the engine does not know.
+/// data. Returns false for a trace-point that the engine does not know.
 using PayloadMaker = std::function<bool(const Sample& sample, std::uint16_t& number, std::string& raw)>;
 
-/// What a layout makes of a recording.
+/// Choices for the layout of a recording.
 struct LayoutChoice {
   static constexpr std::size_t kNoEvent = ~std::size_t{0};
 
-  std::size_t event = kNoEvent;                    ///< whose samples become the plain ones
-  std::size_t depth = OldRecords::kDeepestInFile;  ///< of back-traces
+  std::size_t event = kNoEvent;                    ///< the event whose samples become plain samples
+  std::size_t depth = OldRecords::kDeepestInFile;  ///< maximum number of entries of back-traces
   PayloadMaker payloads = {};                      ///< unset: trace-points are left out
   bool countsNames = false;                        ///< whether samples without a function are counted
-  std::uint64_t kernelStart = ~std::uint64_t{0};   ///< lowest address of the kernel, as far as it is known
+  std::uint64_t kernelStart = ~std::uint64_t{0};   ///< lowest address of the kernel, if known
 };
 
-/// Turns the events of a recording into one stream of old-layout records in which every address is where the
-/// engine names it right.
+/// Converts the events of a recording into a stream of old-layout records, with addresses moved to ranges in
+/// which the engine resolves them correctly.
 ///
-/// - Every file that a process maps gets a range of its own, from its symbol address 0 up, and the addresses
-///   of samples and back-traces move with it (Places tells where and why).
-/// - Records of a process and its mappings are made when a sample first needs them, so a child that never
-///   says what it inherited has them too.
-/// - Context markers leave a back-trace, and its outermost entries beyond the depth.
+/// - Every file that a process maps gets its own range, starting with its symbol address 0, and the addresses
+///   of samples and back-traces move with it; see Places.
+/// - Records of a process and its mappings are written when a sample first needs them, including those of
+///   mappings that a child inherited.
+/// - Context markers are removed from back-traces, and so are their outermost entries beyond the depth.
 class Layout : public EventSink {
  public:
   /// `knowledge` may be null; all references must outlive the layout.
@@ -81,7 +81,7 @@ class Layout : public EventSink {
   Processes _processes;
   Account _account;
   bool _kernelTold = false;
-  std::vector<std::uint64_t> _trace;  ///< of the sample at hand
+  std::vector<std::uint64_t> _trace;  ///< of the current sample
   std::string _raw;
 };
 

@@ -11,7 +11,7 @@ namespace zelkit {
 namespace {
 
 constexpr std::string_view kDeletedMark = " (deleted)";
-/// Programs linked higher than this cannot be laid out from their address 0 up.
+/// Programs linked above this cannot get a range that starts with their address 0.
 constexpr std::uint64_t kHighestLinkEnd = 0x40000000;
 constexpr std::uint64_t kPage = 0x1000;
 
@@ -92,7 +92,7 @@ std::size_t MappedFiles::addFile(const std::string& key, MappedFile file) {
   }
   std::string name = shortenedFromLeft(file.name, OldRecords::kLongestFileName);
   if (name != file.name) ++_shortened;
-  // Two files of one path, or two long names with one end, are told apart.
+  // Distinguishes files of one path, and long names with the same end.
   for (int number = 2; _byName.contains(name); ++number) {
     const std::string mark = " #" + std::to_string(number);
     name = shortenedFromLeft(file.name, OldRecords::kLongestFileName - mark.size()) + mark;
@@ -108,7 +108,7 @@ const MappedFile* MappedFiles::find(const std::string& name) const {
   return found != _byName.end() ? &_files[found->second] : nullptr;
 }
 
-/// Where a piece would lie in a file that is not at hand: as most linkers do, at its offset.
+/// Returns the assumed position in a file that is not available: address = offset, as with most linkers.
 FileKnowledge::Link MappedFiles::guess(const MappedPiece& piece) const {
   FileKnowledge::Link link;
   link.address = piece.offset;
@@ -120,8 +120,8 @@ FileKnowledge::Link MappedFiles::guess(const MappedPiece& piece) const {
   return link;
 }
 
-/// Whether programs that are not position-independent usually begin there. Position-independent ones never
-/// do.
+/// Returns whether it is the usual link address of programs that are not position-independent.
+/// Position-independent ones are never there.
 bool MappedFiles::isUsualLinkAddress(std::uint64_t address) const {
   if (_architecture.starts_with("arm")) return address == 0x8000 || address == 0x10000;
   if (_architecture == "x86_64" || _architecture == "aarch64") return address == 0x400000;

@@ -13,38 +13,37 @@
 
 namespace zelkit {
 
-/// A file of which processes map pieces, or a piece of anonymous memory that holds code.
+/// A mapped file, or a piece of anonymous memory with code.
 struct MappedFile {
-  std::string name;           ///< in the records made; no two files have the same
+  std::string name;           ///< in the records written; unique
   std::string path;           ///< as recorded, without the mark of a deleted file
   std::string buildId;        ///< lower-case hexadecimal, empty if unknown
-  std::uint64_t low = 0;      ///< the symbol address that the start of a record made stands for
-  std::uint64_t end = 0;      ///< where the symbol addresses that are mapped end
-  std::uint32_t pid = 0;      ///< the process that made the code, of anonymous memory; else 0
-  bool fixed = false;         ///< runs where it was linked
-  bool inPlace = false;       ///< its symbols have the addresses of the process
-  bool known = false;         ///< whether the file itself was at hand
-  std::uint64_t samples = 0;  ///< that hit it
+  std::uint64_t low = 0;      ///< the symbol address at the start of a written mapping
+  std::uint64_t end = 0;      ///< end of the mapped symbol addresses
+  std::uint32_t pid = 0;      ///< for anonymous memory the process that generated the code; else 0
+  bool fixed = false;         ///< runs at its link address
+  bool inPlace = false;       ///< its symbols have addresses of the process
+  bool known = false;         ///< whether the file itself was available
+  std::uint64_t samples = 0;  ///< number of samples in it
 };
 
-/// The files of a recording, by what the mappings say. Names in the records are shortened to what a record
-/// can hold.
+/// The mapped files of a recording. Names are shortened to fit a record.
 class MappedFiles {
  public:
-  /// `architecture`: as uname -m has it. `knowledge` may be null.
+  /// `architecture`: as printed by uname -m. `knowledge` may be null.
   MappedFiles(std::string architecture, const std::map<std::string, std::string>& buildIds,
               FileKnowledge* knowledge)
       : _architecture(std::move(architecture)), _buildIds(buildIds), _knowledge(knowledge) {}
 
-  /// Enters what a mapping maps; returns its number for placeOf.
+  /// Adds the file of a mapping; returns its number for placeOf.
   std::size_t enter(const MappingEvent& mapping);
 
   struct Place {
     std::size_t file;
     std::uint64_t address;  ///< symbol address of the piece's first byte
   };
-  /// Returns the file of a piece of what was entered under the number, and where among the file's symbols it
-  /// begins.
+  /// Returns the file of a piece of the mapping with that number, and the symbol address at which the piece
+  /// starts.
   Place placeOf(std::size_t entered, std::uint64_t start, std::uint64_t length, std::uint64_t offset);
 
   [[nodiscard]] const MappedFile& operator[](std::size_t index) const { return _files[index]; }
@@ -52,7 +51,7 @@ class MappedFiles {
   [[nodiscard]] std::size_t size() const { return _files.size(); }
   /// Returns the file of a name in the records, or null.
   [[nodiscard]] const MappedFile* find(const std::string& name) const;
-  /// Returns how many names were shortened.
+  /// Returns the number of shortened names.
   [[nodiscard]] std::uint64_t shortened() const { return _shortened; }
 
  private:
@@ -71,7 +70,8 @@ class MappedFiles {
   std::uint64_t _shortened = 0;
 };
 
-/// Returns the text cut to `size` bytes from the left, "..." and whole last components of a path if they fit.
+/// Returns the text shortened to `size` bytes: "..." and its end, which starts at a component of the path if
+/// one fits.
 std::string shortenedFromLeft(std::string_view text, std::size_t size);
 
 }  // namespace zelkit

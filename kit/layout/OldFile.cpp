@@ -17,7 +17,7 @@ constexpr std::size_t kDataSizeOffset = 48;
 constexpr std::size_t kAttributeSize = 96;
 constexpr std::size_t kAttributeEntry = kAttributeSize + 16;
 constexpr std::size_t kEventNameSize = 64;
-/// IP, TID, TIME, CALLCHAIN, CPU and PERIOD of linux/perf_event.h: what plain samples hold.
+/// The sample_type of plain samples: IP, TID, TIME, CALLCHAIN, CPU and PERIOD of linux/perf_event.h.
 constexpr std::uint64_t kPlainSampleType = 0x1A7;
 
 template <typename Number>
@@ -25,7 +25,7 @@ void append(std::string& bytes, Number number) {
   bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-/// An attribute that tells other readers what plain samples hold: a software event, the CPU's clock.
+/// Returns an attribute that describes plain samples for other readers: a software event, cpu-clock.
 std::string attributeEntry() {
   std::string bytes;
   append<std::uint32_t>(bytes, 1);

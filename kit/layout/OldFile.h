@@ -10,16 +10,16 @@
 
 namespace zelkit {
 
-/// A recording in the layout that the engine reads, as perf wrote it in the days of kernel 3.4: header,
-/// attributes, the table of trace-points right after them, and the records.
+/// Writes a recording in the layout that the engine reads, that of perf of kernel 3.4: header, attributes,
+/// the table of trace-points, and the records.
 class OldFile : public RecordTaker {
  public:
   using EventTable = std::vector<std::pair<std::uint16_t, std::string>>;
 
-  /// Returns the bytes of a table: u64 number and 64 bytes of name an entry.
+  /// Returns the bytes of a table; an entry has a number (u64) and a name of 64 bytes.
   static std::string tableBytes(const EventTable& events);
 
-  /// Makes the file. Throws std::runtime_error with "PATH: reason", as do the others.
+  /// Creates the file. Throws std::runtime_error with "PATH: reason", as do the other operations.
   OldFile(const std::string& path, const EventTable& events);
   ~OldFile() override;
   OldFile(const OldFile&) = delete;
@@ -28,7 +28,7 @@ class OldFile : public RecordTaker {
   char* room(std::size_t size) override;
   void done(std::size_t size) override { _used += size; }
 
-  /// Writes what is left, and into the header how much there is.
+  /// Writes the buffered records, and the final sizes into the header.
   void finish();
 
  private:

@@ -14,7 +14,7 @@ constexpr std::size_t aligned(std::size_t size) {
   return (size + kAlignment - 1) / kAlignment * kAlignment;
 }
 
-/// Fills the room of one record, field after field.
+/// Writes the fields of one record.
 class Writer {
  public:
   Writer(RecordTaker& taker, RecordType type, std::size_t size)
@@ -32,7 +32,7 @@ class Writer {
     std::memcpy(_to, &number, sizeof number);
     _to += sizeof number;
   }
-  /// Puts bytes into a field that is filled up with NULs.
+  /// Writes bytes into a field of `width` bytes, padded with NULs.
   void put(std::string_view bytes, std::size_t width) {
     std::memcpy(_to, bytes.data(), bytes.size());
     std::memset(_to + bytes.size(), 0, width - bytes.size());
@@ -59,7 +59,7 @@ void OldRecords::mapping(std::uint32_t pid, std::uint64_t start, std::uint64_t l
                          std::string_view file) {
   const std::size_t width = aligned(file.size() + 1);
   Writer record(_taker, kRecordMmap, 40 + width);
-  // The engine sorts by the thread too but searches without it, so all maps of a process have one.
+  // The tid: the engine sorts maps by it but searches without it, so all maps of a process have the same.
   record.put(pid);
   record.put(pid);
   record.put(start);
@@ -87,7 +87,7 @@ void OldRecords::tracePoint(const OldSample& sample, std::uint16_t number, std::
   record.put(sample.pid);
   record.put(sample.tid);
   record.put(sample.time);
-  // A word above every core number tells the engine that this is no plain sample.
+  // A value above every core number marks a trace-point sample for the engine.
   record.put<std::uint64_t>(kHighestCore + 1 + number);
   record.put(sample.cpu);
   record.put<std::uint32_t>(0);

@@ -9,16 +9,16 @@
 
 namespace zelkit {
 
-/// Takes finished records: a file, or the engine itself.
+/// Receiver of records: a file, or the engine itself.
 class RecordTaker {
  public:
   virtual ~RecordTaker() = default;
-  /// Returns room for a record of that size, in which it is written before done() is called.
+  /// Returns a buffer for a record of that size, to be filled before done() is called.
   virtual char* room(std::size_t size) = 0;
   virtual void done(std::size_t size) = 0;
 };
 
-/// A plain sample to be written.
+/// The fields of a sample to be written.
 struct OldSample {
   std::uint64_t ip = 0;
   std::uint32_t pid = 0;
@@ -50,7 +50,7 @@ class OldRecords {
   void comm(std::uint32_t pid, std::uint32_t tid, std::string_view name);
   void mapping(std::uint32_t pid, std::uint64_t start, std::uint64_t length, std::string_view file);
   void sample(const OldSample& sample, const std::vector<std::uint64_t>& trace);
-  /// `number` of the event in the event table; it is also written as the raw data's common_type.
+  /// `number`: that of the event in the event table, also written as the raw data's common_type.
   void tracePoint(const OldSample& sample, std::uint16_t number, std::string_view raw);
 
  private:

@@ -6,10 +6,10 @@ namespace zelkit {
 
 namespace {
 
-/// The engine names addresses of no map by units of this size.
+/// The size of the engine's pages for addresses without a map.
 constexpr std::uint64_t kUnit = 0x10000;
 
-/// Beyond so many programs that share 16 bits of their process id, the rest move.
+/// Limit of claims by processes with the same lower 16 bits of the id; further programs are moved.
 constexpr std::size_t kMostClaims = 64;
 
 constexpr std::uint64_t unitOf(std::uint64_t address) {

@@ -10,29 +10,30 @@
 
 namespace zelkit {
 
-/// Gives out ranges of the addresses in which the engine looks mappings up one by one and takes their symbols
-/// as counted from their start: 0x40000000 to 0xAFFFFFFF. Below, it takes symbols for absolute; above, it
-/// sees a stack.
+/// Allocates address ranges for mappings, from 0x40000000 to 0xAFFFFFFF, where the engine regards symbol
+/// addresses as relative to the mapping's start. Below, it regards them as absolute; above, it assumes a
+/// stack.
 ///
-/// The engine sorts maps by 16 bits of the process id, so processes that share them share one set of ranges.
+/// The engine sorts maps by the lower 16 bits of the process id, so processes with the same bits share one
+/// set of ranges.
 class Places {
  public:
   static constexpr std::uint64_t kFirst = 0x40000000;
   static constexpr std::uint64_t kLimit = 0xB0000000;
 
-  /// Ranges end below the kernel's addresses, wherever those begin.
+  /// Sets the lowest address of the kernel, below which ranges must end.
   void limit(std::uint64_t kernelStart);
 
-  /// Returns the start of a fresh range, or nothing if there is none left. The engine counts the byte after a
-  /// map as the map's, so ranges do not touch.
+  /// Returns the start of a new range, or nothing if none is left. Ranges do not touch, as the engine
+  /// includes the byte after a map in the map.
   std::optional<std::uint64_t> allocate(std::uint32_t pid, std::uint64_t size);
 
-  /// Takes a range below kFirst for a process, as programs that run where they were linked have it. Returns
-  /// false if another process that shares its 16 bits has a part of it.
+  /// Claims a range below kFirst for a program at its link address. Returns false if a process with the same
+  /// 16 bits has claimed a part of it.
   bool claim(std::uint32_t pid, std::uint64_t start, std::uint64_t end);
 
-  /// Returns where an address of no mapping goes: it stays, and what surrounds it is given to nobody, unless
-  /// it lies in a range that was given out; it then goes to a fresh one of its own.
+  /// Returns the new address for one without a mapping: the same address, whose surroundings are then never
+  /// allocated; or, if it is in an allocated range, one in a new range.
   std::uint64_t keep(std::uint32_t pid, std::uint64_t address);
 
  private:
@@ -41,11 +42,12 @@ class Places {
     std::uint64_t end;
     std::uint32_t pid;
   };
-  /// What processes with one set of 16 bits have.
+  /// The addresses in use by processes with the same 16 bits.
   struct Taken {
     std::uint64_t next = kFirst;
-    std::set<std::uint64_t> kept;  ///< units that addresses of no mapping have
-    std::unordered_map<std::uint64_t, std::uint64_t, SeededHash> moved;  ///< such units, where they went
+    std::set<std::uint64_t> kept;  ///< units with unmapped addresses
+    std::unordered_map<std::uint64_t, std::uint64_t, SeededHash>
+        moved;  ///< their new units, if they had to move
     std::vector<Claim> claims;
   };
 

@@ -4,7 +4,7 @@ namespace zelkit {
 
 namespace {
 
-/// Real machines stay far below it; a recording made to grow the tables beyond its own size does not.
+/// Limit against recordings made to grow tables beyond their own size; real ones stay far below it.
 constexpr std::uint64_t kMostCopies = 2'000'000;
 
 }  // namespace

@@ -16,63 +16,65 @@
 
 namespace zelkit {
 
-/// A thread and the name that the records made so far give it.
+/// A thread, and its name in the records written so far.
 struct Thread {
   std::string name;
-  std::string told;  ///< empty until a record named it
+  std::string told;  ///< empty before the first record of it
 };
 
-/// Where the file of a mapping lies in the records made.
+/// The range of a file in the records written.
 struct PlacedFile {
   std::uint64_t start = 0;
-  std::uint64_t end = 0;  ///< symbol addresses below this one have a place
+  std::uint64_t end = 0;  ///< end of the symbol addresses in the range
   bool placed = false;    ///< false if there was no range left
 };
 
-/// A process as it is at one moment of the recording.
+/// The state of a process at one time of the recording.
 struct Process {
   /// How the addresses of a mapping move.
   struct Shift {
     std::uint64_t end = 0;       ///< the first address after the mapping
-    std::uint64_t shift = 0;     ///< what takes a recorded address to that in the records made
-    std::uint64_t toSymbol = 0;  ///< what takes a recorded address to the symbol's
+    std::uint64_t shift = 0;     ///< added to a recorded address for that in the records written
+    std::uint64_t toSymbol = 0;  ///< added to a recorded address for the symbol address
     std::size_t file = 0;        ///< index into MappedFiles
   };
 
   std::uint32_t pid = 0;
   std::shared_ptr<AddressSpace> space =
-      std::make_shared<AddressSpace>();  ///< copied when one of its owners changes
+      std::make_shared<AddressSpace>();  ///< shared with forked processes, copied on change
   std::map<std::uint32_t, Thread> threads;
-  std::map<std::size_t, PlacedFile> places;                     ///< by file
-  std::set<std::pair<std::uint64_t, std::uint64_t>> toldMoves;  ///< old and new starts of mappings told
-  /// Of the mappings that samples have touched since the last change: starts, ascending, and the rest.
+  std::map<std::size_t, PlacedFile> places;  ///< by file
+  std::set<std::pair<std::uint64_t, std::uint64_t>>
+      toldMoves;  ///< old and new starts of mappings in the account
+  /// The mappings hit by samples since the last change: starts, ascending, and the other values.
   std::vector<std::uint64_t> starts;
   std::vector<Shift> shifts;
 
-  /// Forgets what followed from the mappings.
+  /// Clears what was derived from the mappings.
   void mappingsChanged() {
     starts.clear();
     shifts.clear();
   }
 };
 
-/// The processes of a recording, who descends from whom and what each has mapped.
+/// The processes of a recording, their threads and mappings.
 class Processes {
  public:
-  /// Returns the process, which is entered on first mention.
+  /// Returns the process, created on first use.
   Process& of(std::uint32_t pid);
-  /// Returns the thread, whose name is ":TID" until it has one.
+  /// Returns the thread; before it has a name it is called ":TID".
   Thread& threadOf(Process& process, std::uint32_t tid);
 
-  /// A thread takes a name; at an exec the process's mappings go.
+  /// Sets the name of a thread; an exec also removes the process's mappings.
   Thread& name(std::uint32_t pid, std::uint32_t tid, std::string_view name, bool exec);
-  /// A child has its parent's name, and a new process the parent's mappings from this moment on.
+  /// Creates a child, which inherits its parent's name, and if it is a new process also the parent's
+  /// mappings.
   void fork(std::uint32_t pid, std::uint32_t parentPid, std::uint32_t tid, std::uint32_t parentTid,
             bool inheritsMappings);
-  /// Puts a mapping into a process, or takes the range out of it if the mapping holds no code.
+  /// Adds a mapping to a process, or only removes its range from the others if it has no code.
   void map(Process& process, const AddressSpace::Mapping& mapping, bool executable);
 
-  /// Returns how many times mappings were not inherited since too many had been copied already.
+  /// Returns how many times mappings were not inherited because too many had been copied already.
   [[nodiscard]] std::uint64_t cutLineages() const { return _cutLineages; }
 
  private:
@@ -80,7 +82,7 @@ class Processes {
 
   std::unordered_map<std::uint64_t, Process, SeededHash> _processes;
   Process* _last = nullptr;
-  std::uint64_t _copied = 0;  ///< mappings, for processes that changed what they had inherited
+  std::uint64_t _copied = 0;  ///< number of mappings copied for processes that changed inherited ones
   std::uint64_t _cutLineages = 0;
 };
 

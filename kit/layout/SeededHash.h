@@ -6,7 +6,7 @@
 
 namespace zelkit {
 
-/// Hashes numbers that a recording chose, with a seed of the run's own: nobody can pick them to collide.
+/// Hash for numbers from a recording, with a random seed per run, so that nobody can choose colliding ones.
 struct SeededHash {
   std::size_t operator()(std::uint64_t key) const {
     static const std::uint64_t seed = std::random_device{}() | std::uint64_t{std::random_device{}()} << 32;

@@ -46,7 +46,7 @@ std::uint64_t takeVarint(Bytes& bytes) {
   return value;
 }
 
-/// Reads the next field; false at the end and at what is no field.
+/// Reads the next field; returns false at the end and at an invalid field.
 bool nextField(Bytes& message, Field& field) {
   enum WireType : std::uint64_t { kVarint = 0, kEight = 1, kBytes = 2, kFour = 5 };
   if (message.left() == 0) return false;
@@ -98,7 +98,7 @@ bool readMessage(Bytes bytes, RecordedFile& file) {
   return bytes.ok() && !file.path.empty();
 }
 
-/// Reads a list of entries that each begin with their size.
+/// Reads a list of entries, each preceded by its size.
 template <typename ReadEntry>
 std::vector<RecordedFile> readEntries(std::string_view section, std::vector<std::string>& damage,
                                       ReadEntry readEntry) {

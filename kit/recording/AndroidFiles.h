@@ -1,4 +1,4 @@
-/// The feature sections of Android's recorder that hold files with their symbols.
+/// The feature sections of Android's recorder with files and their symbols.
 #pragma once
 
 #include <string>
@@ -9,11 +9,11 @@
 
 namespace zelkit {
 
-/// Reads the first form: size, path, kind, lowest address, symbols (address, size, name), and what the kind
-/// has besides. An entry that is damaged is told and passed over.
+/// Reads the first form: size, path, kind, lowest address, symbols (address, size, name), and further fields
+/// that depend on the kind. Damaged entries are skipped and added to `damage`.
 std::vector<RecordedFile> readAndroidFiles(std::string_view section, std::vector<std::string>& damage);
 
-/// Reads the second form, of the year 2021 and later: size and a protocol-buffer message for each file.
+/// Reads the second form, since 2021: size and a protocol-buffer message for each file.
 std::vector<RecordedFile> readAndroidFiles2(std::string_view section, std::vector<std::string>& damage);
 
 }  // namespace zelkit

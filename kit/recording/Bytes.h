@@ -1,4 +1,4 @@
-/// The one gate through which the bytes of a recording come in.
+/// Bounds-checked access to all bytes of a recording.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace zelkit {
 
-/// A shrinking view of little-endian bytes. A read past the end gives 0 or an empty text and clears ok(),
-/// which stays cleared: a reader takes all its fields and asks once.
+/// A shrinking view of little-endian bytes. A read past the end returns 0 or an empty text and clears ok()
+/// for good, so a reader can read all fields and check once.
 class Bytes {
  public:
   Bytes() = default;
@@ -34,7 +34,7 @@ class Bytes {
     const std::string_view field = take(size);
     return field.substr(0, field.find('\0'));
   }
-  /// Returns the text up to the next NUL, which is passed over; without one it is short.
+  /// Returns the text up to the next NUL and skips that; without one ok() is cleared.
   std::string_view text() {
     const std::size_t end = _bytes.find('\0');
     if (end == std::string_view::npos) return runShort();
@@ -69,7 +69,7 @@ class Bytes {
   bool _ok = true;
 };
 
-/// Returns the unsigned number at a place that is known to lie inside the bytes.
+/// Returns the unsigned number at an offset that must be inside the bytes.
 template <typename Number>
 Number numberAt(std::string_view bytes, std::size_t offset) {
   Number value = 0;

@@ -10,7 +10,7 @@ namespace zelkit {
 
 namespace {
 
-/// A piece has this many fresh bytes at most, whatever a few compressed bytes claim to become.
+/// The largest number of new bytes in a piece, so that few compressed bytes cannot demand much memory.
 constexpr std::size_t kPieceSize = std::size_t{1} << 20;
 
 }  // namespace

@@ -10,8 +10,8 @@ struct ZSTD_DCtx_s;
 
 namespace zelkit {
 
-/// The records inside of compressed ones (perf record -z): one zstd stream through all of them, of which a
-/// record may end in the middle. What came out stays in memory until it is let go.
+/// Decompresses the records inside of PERF_RECORD_COMPRESSED (perf record -z): one zstd stream through all of
+/// them, which may split a record. Decompressed pieces stay in memory until keepOnly.
 class Decompressor {
  public:
   Decompressor();
@@ -19,14 +19,14 @@ class Decompressor {
   Decompressor(const Decompressor&) = delete;
   Decompressor& operator=(const Decompressor&) = delete;
 
-  /// Takes the next compressed bytes, which must last until slice() has returned false.
+  /// Sets the next compressed bytes, which must stay valid until slice() returns false.
   void feed(std::string_view compressed);
 
-  /// Makes the next piece of the stream, which begins with `rest`, the bytes of the piece before that are not
-  /// used up. Returns false when the input is used up. A damaged stream throws std::runtime_error.
+  /// Decompresses the next piece of the stream and prepends `rest`, the unused bytes of the previous piece.
+  /// Returns false when the input is used up. Throws std::runtime_error for a damaged stream.
   bool slice(std::string_view rest, std::string_view& piece);
 
-  /// Frees the pieces but the newest and those that hold one of the places.
+  /// Frees all pieces except the newest and those that contain one of the places.
   void keepOnly(const std::vector<const char*>& places);
   [[nodiscard]] bool empty() const { return _pieces.empty(); }
 
@@ -38,9 +38,9 @@ class Decompressor {
 
   ZSTD_DCtx_s* _stream;
   std::string_view _input;
-  bool _more = false;  ///< whether the last output filled its room, so that more may be there
+  bool _more = false;  ///< whether the last output buffer was filled, so that there may be more
   std::vector<char> _output;
-  std::map<const char*, Piece> _pieces;  ///< by where they begin
+  std::map<const char*, Piece> _pieces;  ///< by start
   const char* _newest = nullptr;
 };
 

@@ -14,7 +14,7 @@ EventIds::EventIds(const std::vector<EventDescription>& events) {
 }
 
 std::optional<std::size_t> EventIds::eventOf(std::string_view sampleBody) {
-  // All events tell the id at the same place, or there is one event.
+  // All events have the id at the same offset, or there is only one event.
   if (_fields.empty()) return std::nullopt;
   if (_fields.size() == 1 || !_fields.front().hasSampleId()) return 0;
   const std::uint64_t id = _fields.front().sampleId(sampleBody);

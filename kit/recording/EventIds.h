@@ -11,16 +11,15 @@
 
 namespace zelkit {
 
-/// Tells which event a record belongs to, by the id that it bears.
+/// Determines the event of a record from the record's id.
 class EventIds {
  public:
   explicit EventIds(const std::vector<EventDescription>& events);
 
-  /// Returns the index of the event of a sample, of whose body these are the bytes; nothing if its id is
-  /// unknown.
+  /// Returns the index of a sample's event, from the sample's body; nothing if its id is unknown.
   std::optional<std::size_t> eventOf(std::string_view sampleBody);
 
-  /// Where a sample of the event, or the end of any other record, tells the time.
+  /// Returns the offsets of the time in samples of the event, and at the end of other records.
   [[nodiscard]] const SampleFields& fields(std::size_t event) const { return _fields[event]; }
 
  private:

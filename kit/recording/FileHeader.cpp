@@ -14,7 +14,7 @@ constexpr std::uint64_t kOldHeaderSize = 72;
 constexpr std::uint64_t kHeaderSize = 104;
 constexpr std::uint64_t kSectionSize = 16;
 constexpr int kFeatureCount = 256;
-/// The attribute of the first kernels with perf, and more than any kernel may ever have.
+/// Limits of an attribute's size: that of the first kernels with perf, and more than any kernel will use.
 constexpr std::uint64_t kSmallestAttribute = 64 + kSectionSize;
 constexpr std::uint64_t kLargestAttribute = 4096;
 

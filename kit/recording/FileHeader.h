@@ -13,11 +13,11 @@ struct Section {
   std::uint64_t offset = 0;
   std::uint64_t size = 0;
 
-  /// Returns the bytes, as many of them as the file has.
+  /// Returns the bytes of the section, truncated at the end of the file.
   [[nodiscard]] std::string_view of(std::string_view file) const;
 };
 
-/// The numbers of feature sections, HEADER_* of perf's file format; those from 128 up are Android's.
+/// Numbers of feature sections, HEADER_* in perf's util/header.h; those from 128 up are Android's.
 enum class Feature : std::uint32_t {
   tracingData = 1,
   buildIds = 2,
@@ -43,7 +43,7 @@ enum class Feature : std::uint32_t {
 /// The sections of the features are listed after the data, one for each bit set.
 struct FileHeader {
   bool pipe = false;
-  std::uint64_t attributeSize = 0;  ///< of an entry, which ends with the section of its ids
+  std::uint64_t attributeSize = 0;  ///< size of an entry, including the section of its ids
   Section attributes = {};
   Section data = {};
   Section eventTypes = {};  ///< names of trace-points as perf before 3.8 wrote them
@@ -52,8 +52,8 @@ struct FileHeader {
     Section section;
   };
   std::vector<FeatureSection> features = {};
-  /// What of the header the file does not have, such as the sections after the data of an unfinished
-  /// recording; empty if all is there.
+  /// The parts of the header that are missing, such as the sections after the data in an aborted recording;
+  /// empty if none.
   std::string damage = {};
 
   /// Reads the header. Throws std::runtime_error with the reason alone.

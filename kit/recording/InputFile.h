@@ -7,12 +7,12 @@
 
 namespace zelkit {
 
-/// The bytes of a file, mapped where that is possible and read whole where not (a pipe).
+/// The bytes of a file, which is mapped if possible and otherwise read as a whole (a pipe).
 class InputFile {
  public:
   /// Throws std::runtime_error with "FILE: reason".
   explicit InputFile(const std::string& path);
-  /// Takes bytes that are in memory already; the path is for messages.
+  /// Uses bytes that are in memory already; the path is for messages.
   InputFile(std::string path, std::string bytes)
       : _path(std::move(path)), _copy(std::move(bytes)), _bytes(_copy) {}
   ~InputFile();
@@ -22,7 +22,7 @@ class InputFile {
   [[nodiscard]] const std::string& path() const { return _path; }
   [[nodiscard]] std::string_view bytes() const { return _bytes; }
 
-  /// Gives the memory of all pages back; they are read again when they are used again.
+  /// Releases the memory of all pages, which are read again on their next use.
   void release();
 
  private:
@@ -30,7 +30,7 @@ class InputFile {
   void readWhole(int fd);
 
   std::string _path;
-  std::string _copy;  ///< of what cannot be mapped
+  std::string _copy;  ///< contents of a file that cannot be mapped
   std::string_view _bytes;
 };
 

@@ -47,15 +47,14 @@ bool RecordReader::nextOuter(Record& record) {
   return true;
 }
 
-/// Passes over data that lies after its record: a trace of the hardware, or formats of trace-points in pipe
-/// mode.
+/// Skips data that follows its record: a hardware trace, or in pipe mode formats of trace-points.
 void RecordReader::skipFollowing(const Record& record) {
   constexpr std::uint64_t alignment = 8;
   std::uint64_t size = 0;
   if (record.type == kRecordAuxTrace) size = numberAt<std::uint64_t>(record.body, 0);
   if (record.type == kRecordTracingData) {
     const std::uint64_t told = numberAt<std::uint32_t>(record.body, 0);
-    // Android's recorder puts them into the record.
+    // Android's recorder puts the data into the record.
     const bool inside = record.body.size() >= sizeof(std::uint32_t) + told;
     _tracingData = inside ? record.body.substr(sizeof(std::uint32_t), told) : _data.substr(_position, told);
     if (!inside) size = (told + alignment - 1) / alignment * alignment;

@@ -10,27 +10,27 @@
 
 namespace zelkit {
 
-/// Walks the records of a data section in the order of the file, those inside of compressed ones too, and
-/// passes over the data that follows some records.
+/// Reads the records of a data section in the order of the file, including those inside of compressed ones,
+/// and skips the data that follows some records.
 class RecordReader {
  public:
-  /// `compressed`: false leaves compressed records as they are.
+  /// `decompress`: false returns compressed records as they are.
   explicit RecordReader(std::string_view data, bool decompress = true)
       : _data(data), _decompress(decompress) {}
 
-  /// Returns false at the end, or where the data is damaged. The record stays valid until keepOnly().
+  /// Returns false at the end and at damage. The record stays valid until keepOnly().
   bool next(Record& record);
 
-  /// Returns the place of the record that next() gave last.
+  /// Returns the address of the record that next() returned last.
   [[nodiscard]] const char* place() const { return _place; }
-  /// Returns how far the walk has come in the section.
+  /// Returns the current offset in the section.
   [[nodiscard]] std::size_t position() const { return _position; }
-  /// Returns what ended the walk before the section's end; empty if nothing did.
+  /// Returns a message about the damage that ended the reading, or an empty text.
   [[nodiscard]] const std::string& damage() const { return _damage; }
-  /// The bytes that follow a record of tracing data, of the last such record.
+  /// Returns the bytes that followed the last record of tracing data.
   [[nodiscard]] std::string_view tracingData() const { return _tracingData; }
 
-  /// Lets decompressed records go, but for those at these places.
+  /// Frees decompressed records except those at these addresses.
   void keepOnly(const std::vector<const char*>& places);
 
  private:
@@ -45,8 +45,8 @@ class RecordReader {
   const char* _place = nullptr;
   std::string _damage;
   std::string_view _tracingData;
-  std::unique_ptr<Decompressor> _decompressor;  ///< null until there is a compressed record
-  std::string_view _piece;                      ///< what is left of the decompressed bytes
+  std::unique_ptr<Decompressor> _decompressor;  ///< null before the first compressed record
+  std::string_view _piece;                      ///< the unread decompressed bytes
 };
 
 }  // namespace zelkit

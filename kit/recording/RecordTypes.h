@@ -36,8 +36,7 @@ enum RecordType : std::uint32_t {
   kRecordCallChain = 32775,
 };
 
-/// One record as it lies in the file: a header of 8 bytes (u32 type, u16 misc, u16 size of the whole), then
-/// its body.
+/// One record of the file: a header of 8 bytes (u32 type, u16 misc, u16 size with the header), then the body.
 struct Record {
   static constexpr std::size_t kHeaderSize = 8;
 
@@ -45,14 +44,15 @@ struct Record {
   std::uint16_t misc = 0;
   std::string_view body;
 
-  /// Returns the record that the bytes begin with, its size included in `size`; false if they do not hold it
-  /// whole.
+  /// Reads the record at the start of the bytes and its size. Returns false if the bytes do not contain all
+  /// of it.
   static bool first(std::string_view bytes, Record& record, std::size_t& size) {
     if (bytes.size() < kHeaderSize) return false;
     record.type = numberAt<std::uint32_t>(bytes, 0);
     record.misc = numberAt<std::uint16_t>(bytes, 4);
     size = numberAt<std::uint16_t>(bytes, 6);
-    // Android's own records are longer than 16 bits can tell, and have no use for the misc field.
+    // The sizes of Android's own records need more than 16 bits; the misc field, which they do not use, holds
+    // the upper ones.
     if (record.type >= kFirstOfAndroid) size |= static_cast<std::size_t>(record.misc) << 16;
     if (size < kHeaderSize || size > bytes.size()) return false;
     record.body = bytes.substr(kHeaderSize, size - kHeaderSize);

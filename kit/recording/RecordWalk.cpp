@@ -12,11 +12,11 @@ constexpr std::uint16_t kForkExec = 1 << 13;  ///< of a FORK record
 constexpr std::uint16_t kHasBuildId = 1 << 14;
 
 constexpr std::uint32_t kExecutableProtection = 4;
-/// No protection but a mark of Android's recorder.
+/// Not a protection flag but a mark of Android's recorder.
 constexpr std::uint32_t kMadeCode = 0x4000;
 constexpr std::uint64_t kLongestBuildId = 20;
 constexpr std::uint64_t kProgressStep = std::uint64_t{4} << 20;
-/// After so many bytes the pages of the file are given back, whose records may be far apart.
+/// The file's pages are released after so many bytes of records, which may be far apart.
 constexpr std::uint64_t kReleaseStep = std::uint64_t{16} << 20;
 
 Record recordAt(const char* place) {
@@ -61,7 +61,7 @@ void RecordWalk::emitAt(const char* place) {
   use(record);
 }
 
-/// Counts bytes of the file that were looked at.
+/// Counts the bytes of the file that were read, and releases pages.
 void RecordWalk::use(const Record& record) {
   _used += record.body.size() + Record::kHeaderSize;
   if (_used < kReleaseStep) return;
@@ -77,7 +77,7 @@ void RecordWalk::report(std::uint64_t done) {
 
 void RecordWalk::queue(const Record& record, const char* place) {
   const std::uint64_t time = timeOf(record);
-  // What perf makes up for processes that were there before has no time, and comes first.
+  // Records that perf synthesises for existing processes have no time and come first.
   if (time == 0 || time == SampleFields::kNoTime) return emit(record);
   _order.add(time, place);
 }
@@ -129,7 +129,7 @@ void RecordWalk::emitSample(const Record& record) {
   _sink.sample(sample);
 }
 
-/// Returns the body of a record without the fields at its end that tell where and when.
+/// Returns the body of a record without the id, time and so on at its end.
 std::string_view RecordWalk::withoutTrailer(std::string_view body) const {
   const std::size_t size = _ids.fields(0).trailerSize();
   return size > body.size() ? body : body.substr(0, body.size() - size);
@@ -184,7 +184,7 @@ void RecordWalk::emitTask(const Record& record) {
   event.parentTid = bytes.u32();
   const std::uint64_t time = bytes.u64();
   if (!bytes.ok()) return _sink.damaged(record.type);
-  // A record that perf made for a process that was there before is followed by the process's own mappings.
+  // A record synthesised for an existing process is followed by records of all of its mappings.
   event.inheritsMappings = (record.misc & kForkExec) == 0 && time != 0;
   if (record.type == kRecordFork) {
     _sink.fork(event);

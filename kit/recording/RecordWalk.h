@@ -4,13 +4,12 @@
 
 namespace zelkit {
 
-/// One walk through a recording: puts records into the order of time and gives each to the sink as the event
-/// that it is.
+/// One pass over a recording: sorts the records by time and passes each to the sink as an event.
 class RecordWalk {
  public:
   RecordWalk(Recording& recording, EventSink& sink, Recording::Progress progress);
 
-  /// `ordered`: by time, or else as the file has them.
+  /// `ordered`: by time; otherwise in the order of the file.
   void run(bool ordered);
 
  private:

@@ -67,8 +67,8 @@ void Recording::readFeatures() {
   }
 }
 
-/// Goes once through the data for the records of perf and Android themselves, which describe all others and
-/// may come after them.
+/// Reads the records of perf and Android themselves in a first pass, as they describe all others and may come
+/// after them.
 void Recording::readOwnRecords() {
   constexpr std::size_t releaseStep = std::size_t{16} << 20;
   RecordReader reader(data(), false);
@@ -124,7 +124,7 @@ void Recording::takeOwnRecord(const Record& record, std::string_view whole, std:
   }
 }
 
-/// Pipe mode: the attribute, which tells its own size, then the event's ids.
+/// Pipe mode: the attribute, which contains its own size, then the event's ids.
 void Recording::takeAttribute(std::string_view body) {
   const std::size_t size = std::min<std::size_t>(numberAt<std::uint32_t>(body, 4), body.size());
   EventDescription event = EventDescription::of(body.substr(0, size));

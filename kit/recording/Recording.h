@@ -17,14 +17,14 @@
 
 namespace zelkit {
 
-/// A perf.data file of any age: file and pipe mode, compressed or not, of perf or of Android's recorder.
-/// It is the only reader of recordings; everybody else takes the events that it gives.
+/// A perf.data file of any version: file or pipe mode, compressed or not, of perf or of Android's recorder.
+/// The only reader of recordings; all other code receives its events.
 class Recording {
  public:
-  /// Opens the file and reads what it says about itself. Throws std::runtime_error with "FILE: reason" for
-  /// what is no recording; what is damaged gives what came before the damage.
+  /// Opens the file and reads its header and descriptions. Throws std::runtime_error with "FILE: reason" if
+  /// it is not a recording. Of a damaged file the part before the damage is read.
   explicit Recording(const std::string& path);
-  /// The same of bytes in memory; the path is for messages.
+  /// The same for bytes in memory; the path is for messages.
   Recording(std::string path, std::string bytes);
 
   [[nodiscard]] const std::string& path() const { return _file.path(); }
@@ -32,16 +32,15 @@ class Recording {
   [[nodiscard]] const RecordingInfo& info() const { return _info; }
   [[nodiscard]] const std::vector<EventDescription>& events() const { return _info.events; }
   [[nodiscard]] bool pipeMode() const { return _header.pipe; }
-  /// Returns what was damaged, as far as the walks so far have come.
+  /// Returns messages about the damage found so far.
   [[nodiscard]] const std::vector<std::string>& damage() const { return _info.damage; }
 
-  /// Called now and then with the bytes of data that are done and that there are.
+  /// Called from time to time with the numbers of bytes done and of all bytes.
   using Progress = std::function<void(std::uint64_t done, std::uint64_t all)>;
 
-  /// Gives all events to the sink, in the order of time. Records that tell no time come at their place in the
-  /// file.
+  /// Passes all events to the sink, in order of time. Records without a time keep their position in the file.
   void walk(EventSink& sink, const Progress& progress = {});
-  /// The same in the order of the file, for who only counts.
+  /// The same in the order of the file, which is faster.
   void walkUnordered(EventSink& sink);
 
  private:
@@ -59,7 +58,7 @@ class Recording {
   InputFile _file;
   FileHeader _header;
   RecordingInfo _info;
-  std::string _split;  ///< parts of a record that Android's recorder has split
+  std::string _split;  ///< the parts so far of a record split by Android's recorder
   /// Call chains that were unwound later, by time and thread of their sample.
   std::map<std::pair<std::uint64_t, std::uint32_t>, Chain> _laterChains;
   friend class RecordWalk;

@@ -15,7 +15,7 @@ constexpr std::size_t kBuildIdField = 24;
 constexpr std::uint16_t kHasBuildIdSize = 1 << 15;
 constexpr std::uint8_t kLongestBuildId = 20;
 
-/// A text as features have it: its size, which counts padding, then the text up to its NUL.
+/// Reads a text of a feature section: its size including padding, then the text up to its NUL.
 std::string takeText(Bytes& bytes) {
   const std::uint32_t size = bytes.u32();
   return std::string(bytes.text(size));
@@ -30,8 +30,8 @@ std::vector<std::string> takeTexts(Bytes& bytes) {
   return texts;
 }
 
-/// The feature that describes events: count, size of an attribute, then attribute, count of ids, name and ids
-/// of each. Attributes and ids are known already, in the same order.
+/// Returns the names in the feature HEADER_EVENT_DESC: count, size of an attribute, then attribute, count of
+/// ids, name and ids of each event. The events are in the order of the attribute section.
 std::vector<std::string> takeEventNames(Bytes& bytes) {
   std::vector<std::string> names;
   const std::uint32_t count = bytes.u32();
@@ -66,7 +66,7 @@ void takeBuildIds(Bytes& bytes, RecordingInfo& info) {
   }
 }
 
-/// The name that Android's recorder keeps for an event, in lines of "name,type,config".
+/// Returns the name that Android's recorder stores for an event, in lines of "name,type,config".
 std::string androidEventName(const EventDescription& event, const std::map<std::string, std::string>& meta) {
   const auto entry = meta.find("event_type_info");
   if (entry == meta.end()) return {};
@@ -99,7 +99,7 @@ void RecordingInfo::takeBuildId(std::uint16_t misc, std::string_view body) {
   if ((misc & kHasBuildIdSize) != 0)
     size = std::min(static_cast<std::uint8_t>(field[kLongestBuildId]), kLongestBuildId);
   std::string_view id = field.substr(0, size);
-  // Build-ids of 16 bytes were filled up with zeros before their size was kept.
+  // Before the size was stored, build-ids of 16 bytes were padded with zeros.
   if ((misc & kHasBuildIdSize) == 0 && id.substr(16) == std::string_view("\0\0\0\0", 4))
     id = id.substr(0, 16);
   buildIds[path] = hexadecimal(id);

@@ -11,14 +11,14 @@
 
 namespace zelkit {
 
-/// A function that the recording itself carries.
+/// A function whose name is in the recording itself.
 struct RecordedSymbol {
-  std::uint64_t address = 0;  ///< as in the file's symbol table; of the kernel, where it ran
+  std::uint64_t address = 0;  ///< as in the file's symbol table; for the kernel the run-time address
   std::uint64_t size = 0;
   std::string_view name;
 };
 
-/// A file whose symbols Android's recorder put into the recording.
+/// A file whose symbols Android's recorder has stored in the recording.
 struct RecordedFile {
   /// Android's numbers for kinds of files.
   enum class Kind : std::uint32_t {
@@ -37,34 +37,35 @@ struct RecordedFile {
   std::vector<RecordedSymbol> symbols = {};
 };
 
-/// What a recording says about itself, the machine and the files.
+/// What a recording says about itself, its machine and its files.
 struct RecordingInfo {
   std::string hostName;
   std::string kernelRelease;
   std::string perfVersion;
-  std::string architecture;  ///< as uname -m has it
+  std::string architecture;  ///< as printed by uname -m
   std::uint32_t cpuCount = 0;
   std::vector<std::string> commandLine;
   std::vector<EventDescription> events;
-  std::vector<std::string> eventNames;          ///< as perf describes them, in the order of `events`
-  std::map<std::string, std::string> buildIds;  ///< by path, lower-case hexadecimal; of the kernel by kKernel
+  std::vector<std::string> eventNames;  ///< as perf describes them, in the order of `events`
+  std::map<std::string, std::string>
+      buildIds;  ///< by path, lower-case hexadecimal; that of the kernel by kKernel
   std::map<std::string, std::string> androidMeta;
   std::vector<RecordedFile> files;  ///< texts point into the recording
-  std::string kernelTable;          ///< text of /proc/kallsyms, if the recording carries it
+  std::string kernelTable;          ///< text of /proc/kallsyms, if it is in the recording
   std::string_view tracingData;     ///< the formats of trace-points as perf keeps them
-  std::vector<std::string> damage;  ///< what could not be read
+  std::vector<std::string> damage;  ///< messages about damaged parts
 
   static constexpr const char* kKernel = "[kernel.kallsyms]";
 
-  /// Whether Android's own recorder made it.
+  /// Returns whether Android's recorder made the recording.
   [[nodiscard]] bool android() const { return !files.empty() || !androidMeta.empty(); }
 
-  /// Takes one feature's bytes, from its section or from a record of pipe mode.
+  /// Reads one feature, from its section or from a record of pipe mode.
   void takeFeature(Feature feature, std::string_view bytes);
-  /// Gives each event the name that the recording has for it somewhere. `eventTypes`: the table of old
-  /// recordings, u64 number and 64 bytes of name an entry.
+  /// Sets the name of each event from wherever the recording has it. `eventTypes`: the table of old
+  /// recordings, entries of a number (u64) and a name of 64 bytes.
   void nameEvents(std::string_view eventTypes);
-  /// Takes the body of one build-id entry: pid, build-id, path.
+  /// Reads the body of one build-id entry: pid, build-id, path.
   void takeBuildId(std::uint16_t misc, std::string_view body);
 };
 

@@ -32,7 +32,7 @@ constexpr std::uint64_t kBranchHardwareIndex = 1 << 17;
 constexpr std::uint64_t kBranchCounters = 1 << 19;
 constexpr std::uint64_t kWord = sizeof(std::uint64_t);
 
-/// Passes over `count` items of `size` bytes; a count that no record can hold makes the bytes short.
+/// Passes over `count` items of `size` bytes; a count too large for any record clears ok().
 void skipItems(Bytes& bytes, std::uint64_t count, std::uint64_t size) {
   bytes.skip(count > bytes.left() ? ~std::uint64_t{0} : count * size);
 }
@@ -57,7 +57,7 @@ void skipBranches(Bytes& bytes, std::uint64_t branchSampleType) {
   if ((branchSampleType & kBranchCounters) != 0) skipItems(bytes, count, kWord);
 }
 
-/// Reads on behind the raw data, as far as the copy of the user's stack.
+/// Reads the fields after the raw data, up to the copy of the user's stack.
 void readUserSide(const EventDescription& event, Bytes& bytes, Sample& sample) {
   if ((event.sampleType & kBranchStack) != 0) skipBranches(bytes, event.branchSampleType);
   if ((event.sampleType & kUserRegisters) != 0 && bytes.u64() != 0)

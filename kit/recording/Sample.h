@@ -9,7 +9,7 @@
 
 namespace zelkit {
 
-/// The entries of a back-trace as they lie in a record, innermost first, context markers included.
+/// The entries of a back-trace in a record, innermost first, context markers included.
 class Chain {
  public:
   Chain() = default;
@@ -24,7 +24,7 @@ class Chain {
   std::string_view _bytes;
 };
 
-/// The privilege that code ran in, from the low bits of a record's misc field.
+/// The processor mode of a sample, from the low bits of a record's misc field.
 enum class Mode : std::uint8_t {
   unknown = 0,
   kernel = 1,
@@ -34,8 +34,7 @@ enum class Mode : std::uint8_t {
   guestUser = 5
 };
 
-/// A sample, with the fields that its event recorded; what it did not record is 0 or empty. Texts point into
-/// the record.
+/// A sample. Fields that its event did not record are 0 or empty. Texts point into the record.
 struct Sample {
   std::size_t event = 0;  ///< index into Recording::events()
   Mode mode = Mode::unknown;
@@ -47,27 +46,27 @@ struct Sample {
   std::uint64_t period = 1;
   Chain chain = {};
   Chain laterChain = {};      ///< of user space, unwound after the recording; follows `chain`
-  std::string_view raw = {};  ///< a trace-point's data, beginning with its common header
-  bool hasUserStack = false;  ///< whether the caller would have to be unwound from a copy of the stack
+  std::string_view raw = {};  ///< a trace-point's data, starting with its common header
+  bool hasUserStack = false;  ///< whether the sample has a copy of the stack, so that callers need unwinding
 };
 
 /// Reads the body of a PERF_RECORD_SAMPLE by its event's sample_type (the order of fields is told in
 /// linux/perf_event.h). Returns false if it is too short for its own fields.
 bool readSample(const EventDescription& event, std::string_view body, Sample& sample);
 
-/// Where a record tells its time and its event.
+/// The offsets of time and id in the records of an event.
 class SampleFields {
  public:
   explicit SampleFields(const EventDescription& event);
 
-  /// Returns the time of a sample, of whose body these are the bytes; kNoTime if it has none.
+  /// Returns the time of a sample with that body; kNoTime if it has none.
   [[nodiscard]] std::uint64_t sampleTime(std::string_view body) const;
   [[nodiscard]] bool hasSampleId() const { return _sampleId >= 0; }
   [[nodiscard]] std::uint64_t sampleId(std::string_view body) const;
 
-  /// The same for the fields that end every other record.
+  /// The same for the fields at the end of any other record.
   [[nodiscard]] std::uint64_t trailerTime(std::string_view body) const;
-  /// Returns how many bytes at the end of every other record these fields take.
+  /// Returns the size of these fields in bytes.
   [[nodiscard]] std::size_t trailerSize() const { return _trailerSize; }
 
   static constexpr std::uint64_t kNoTime = ~std::uint64_t{0};

@@ -6,10 +6,9 @@
 
 namespace zelkit {
 
-/// Puts records into the order of time. A recording holds the buffers of several CPUs one after the other;
-/// perf marks the end of each round through them, and no record of a later round is older than the newest
-/// one of the round before. So one round is kept back at most, 16 bytes a record. Records of one time keep
-/// their order.
+/// Sorts records by time. A recording contains the buffers of the CPUs in turn; perf marks the end of each
+/// round through them, and no record of a round is older than the newest one two rounds before. So at most
+/// two rounds are buffered, 16 bytes per record. Records of one time keep their order.
 class TimeOrder {
  public:
   struct Entry {
@@ -24,7 +23,7 @@ class TimeOrder {
     _entries.push_back({time, place});
   }
 
-  /// A round ends: gives out what no later record can come before.
+  /// Ends a round: emits the records that no later record can precede.
   template <typename Emit>
   void finishRound(Emit emit) {
     const std::uint64_t limit = _limit;
@@ -32,7 +31,7 @@ class TimeOrder {
     emitUpTo(limit, emit);
   }
 
-  /// The recording ends: gives out the rest.
+  /// Ends the recording: emits the rest.
   template <typename Emit>
   void finish(Emit emit) {
     emitUpTo(~std::uint64_t{0}, emit);
@@ -54,8 +53,8 @@ class TimeOrder {
 
   std::vector<Entry> _entries;
   std::uint64_t _last = 0;
-  std::uint64_t _newest = 0;  ///< time so far
-  std::uint64_t _limit = 0;   ///< newest time of the round before
+  std::uint64_t _newest = 0;  ///< newest time so far
+  std::uint64_t _limit = 0;   ///< newest time of the previous round
   bool _sorted = true;
 };
 
