@@ -10,10 +10,10 @@ namespace zelkit {
 /// Returns the text of a build-id's bytes.
 std::string buildIdText(const void* bytes, std::size_t size);
 
-/// Whether a build-id that a recording holds means a file's own: recordings pad short ones with zeros.
+/// Returns whether a recorded build-id is that of a file: recordings pad short ones with zeros.
 bool sameBuildId(std::string_view recorded, std::string_view own);
 
-/// Returns the build-id in ELF notes of this machine's byte order, such as those of /sys/kernel/notes; "" if
+/// Returns the build-id in ELF notes in this machine's byte order, such as those of /sys/kernel/notes; "" if
 /// there is none.
 std::string buildIdInNotes(std::string_view notes);
 

@@ -32,8 +32,8 @@ std::string realPath(const std::string& path) {
   return real ? real.get() : "";
 }
 
-/// What resolveBelow returns where the kernel is too old to resolve within a root: links that lead out find
-/// nothing.
+/// Implements resolveBelow for kernels that cannot resolve a path within a root: links to outside are not
+/// found.
 std::string resolveByPath(const std::string& root, const std::string& name) {
   std::string top = realPath(root);
   const std::string path = realPath(root + "/" + name);
@@ -86,7 +86,7 @@ std::string readWhole(const std::string& path) {
   std::string content(static_cast<std::size_t>(status.st_size), '\0');
   std::size_t got = 0;
   while (true) {
-    // Files of /proc have no size of their own.
+    // Files of /proc report size 0.
     if (got == content.size()) content.resize(content.size() + 4096);
     const ssize_t part = ::read(file.number(), content.data() + got, content.size() - got);
     if (part < 0) fail(path, std::strerror(errno));

@@ -11,7 +11,7 @@ namespace zelkit {
 
 namespace {
 
-/// The functions of the library that are used. Linking it would load an HTTP client into every run.
+/// The functions used of the library. Linking it would load an HTTP client in every run.
 struct Library {
   Library() {
     const char* servers = std::getenv("DEBUGINFOD_URLS");
@@ -48,7 +48,7 @@ std::string DebugInfod::find(const std::string& buildId, Kind kind) {
   if (client == nullptr) return {};
   char* path = nullptr;
   auto* request = kind == Kind::kExecutable ? library.findExecutable : library.findDebugInformation;
-  // A length of 0 says that the build-id is given as text.
+  // A length of 0 means that the build-id is passed as text.
   const int file = request(client.get(), reinterpret_cast<const unsigned char*>(buildId.c_str()), 0, &path);
   if (file < 0) return {};
   ::close(file);

@@ -4,9 +4,8 @@
 
 namespace zelkit {
 
-/// Asks the servers of DEBUGINFOD_URLS for files by their build-id. libdebuginfod is loaded when it is first
-/// needed and keeps what it fetched, and what no server has, in its own cache. Without the library or the
-/// variable nothing is ever found.
+/// Requests files by build-id from the servers in DEBUGINFOD_URLS. libdebuginfod is loaded on first use and
+/// caches fetched files and failures itself. Without the library or the variable nothing is found.
 class DebugInfod {
  public:
   enum class Kind { kDebugInformation, kExecutable };

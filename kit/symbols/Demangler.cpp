@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kLongestName = std::size_t{16} * 1024;
 
-/// What the demangler has written so far.
+/// The output of the demangler so far.
 struct Output {
   char text[kLongestName];
   std::size_t size;
@@ -20,14 +20,15 @@ struct Output {
 
 void take(const char* piece, std::size_t size, void* opaque) {
   auto* output = static_cast<Output*>(opaque);
-  // The demangler has no way to be stopped. It is C and owns nothing but its stack while it prints.
+  // The demangler cannot be stopped in another way. It is C code and owns nothing but its stack while it
+  // prints.
   if (size > kLongestName - output->size) std::longjmp(output->tooLong, 1);
   for (std::size_t i = 0; i < size; ++i) output->text[output->size + i] = piece[i];
   output->size += size;
 }
 
-/// Whether the demangler of C++ or of Rust could write the name. No object with a destructor may live in
-/// here.
+/// Returns whether the demangler of C++ or of Rust could write the name. longjmp leaves this function, so it
+/// must not have objects with destructors.
 bool demangleInto(Output& output, const char* name) {
   constexpr int kOptions = DMGL_PARAMS | DMGL_ANSI;
   output.size = 0;

@@ -1,4 +1,4 @@
-/// What the headers of an ELF file say: enough to lay out its mappings and to tell it from another file of
+/// The headers of an ELF file, as needed to lay out its mappings and to distinguish it from other files of
 /// its name.
 #pragma once
 
@@ -12,7 +12,7 @@ namespace zelkit {
 /// One PT_LOAD segment: bytes [offset, offset + fileSize) of the file become [address, address + fileSize).
 struct ElfSegment {
   std::uint64_t offset = 0;
-  std::uint64_t address = 0;  ///< where the file itself would lie; symbol lists count from there
+  std::uint64_t address = 0;  ///< link address, from which symbol lists count
   std::uint64_t fileSize = 0;
   bool executable = false;
 
@@ -27,16 +27,16 @@ struct ElfFile {
   std::string buildId;               ///< lower-case hexadecimal digits, empty if the file has none
   std::vector<ElfSegment> segments;  ///< in the order of the file, which is ascending by address
 
-  bool hasSymbolTable = false;  ///< .symtab: local functions have names as well
+  bool hasSymbolTable = false;  ///< .symtab, which has local functions too
   bool hasLines = false;        ///< .debug_line
   std::string debugLink;        ///< file name in .gnu_debuglink, empty if there is none
   std::uint32_t debugLinkCrc = 0;
 
   /// Returns the link address of a byte of the file, by the segment that maps it; an executable segment is
-  /// preferred, as two may share a page. Nothing if no segment holds the offset.
+  /// preferred, as two may share a page. Returns nothing if no segment contains the offset.
   [[nodiscard]] std::optional<std::uint64_t> addressOf(std::uint64_t fileOffset) const;
 
-  /// Reads the headers. Throws std::runtime_error with "FILE: reason" if the file cannot be read or is no
+  /// Reads the headers. Throws std::runtime_error with "FILE: reason" if the file cannot be read or is not
   /// ELF.
   static ElfFile read(const std::string& path);
 };

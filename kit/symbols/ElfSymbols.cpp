@@ -22,7 +22,7 @@ namespace zelkit {
 
 namespace {
 
-/// A function as the symbol table has it.
+/// A function of the symbol table.
 struct ElfFunction {
   std::uint64_t address;
   std::uint64_t size;
@@ -31,7 +31,7 @@ struct ElfFunction {
   const char* name;  ///< mangled
 };
 
-/// libdwfl asks for the separate debug file, which has been found already.
+/// Callback of libdwfl that returns the separate debug file, which was found before.
 int giveDebugFile(Dwfl_Module*, void** userData, const char*, Dwarf_Addr, const char*, const char*, GElf_Word,
                   char** foundName) {
   const auto& path = *static_cast<const std::string*>(*userData);
@@ -41,7 +41,7 @@ int giveDebugFile(Dwfl_Module*, void** userData, const char*, Dwarf_Addr, const 
     *foundName = strdup(path.c_str());
     return file.release();
   } catch (const std::runtime_error&) {
-    return -1;  // it has gone since it was found; the file itself still has symbols
+    return -1;  // it was removed in the meantime; the file itself still has symbols
   }
 }
 
@@ -55,8 +55,8 @@ bool isMappingSymbol(std::string_view name) {
          (name.size() == 2 || name[2] == '.' || name[1] == 'x');
 }
 
-/// What makes one of several names of a function the better one, the first difference counting: a size, not
-/// weak, global, fewer underscores in front, longer.
+/// Returns the rank of one of several names of a function. Criteria, the first difference decides: has a
+/// size, not weak, global, fewer leading underscores, longer.
 std::uint64_t rankOf(const GElf_Sym& symbol, std::string_view name) {
   const std::uint64_t binding = GELF_ST_BIND(symbol.st_info);
   const std::size_t underscores = std::min<std::size_t>(name.find_first_not_of('_'), 255);
@@ -73,7 +73,7 @@ bool isFunction(const GElf_Sym& symbol, std::string_view name) {
   return symbol.st_shndx != SHN_UNDEF && !name.empty() && !isMappingSymbol(name);
 }
 
-/// Where the executable section of a symbol ends, or nothing if it is in no such section.
+/// Returns the end of a symbol's executable section, or nothing if it is in no such section.
 std::optional<std::uint64_t> codeLimit(Elf* elf, std::size_t section, std::uint64_t bias) {
   GElf_Shdr header;
   if (gelf_getshdr(elf_getscn(elf, section), &header) == nullptr) return {};
@@ -81,7 +81,7 @@ std::optional<std::uint64_t> codeLimit(Elf* elf, std::size_t section, std::uint6
   return header.sh_addr + bias + header.sh_size;
 }
 
-/// The one file in a session of libdwfl, laid out at its own addresses.
+/// A session of libdwfl with one file, at its link addresses.
 class Module {
  public:
   Module(const std::string& path, const std::string& debugPath)
@@ -115,7 +115,7 @@ class Module {
     return functions;
   }
 
-  /// Tells the builder where code is, where functions begin in it, and what its stubs call.
+  /// Adds to the builder the ranges of code, the starts of functions, and the stubs.
   void describeCode(SymbolListBuilder& builder) {
     Dwarf_Addr bias = 0;
     Elf* elf = dwfl_module_getelf(_module, &bias);
@@ -140,7 +140,7 @@ class Module {
   }
 
  private:
-  /// Whether the lowest bit of the address says "Thumb code" instead of being part of it.
+  /// Returns whether the lowest bit of the address marks Thumb code.
   static bool isThumb(Elf* elf, const GElf_Sym& symbol) {
     GElf_Ehdr header;
     return gelf_getehdr(elf, &header) != nullptr && header.e_machine == EM_ARM &&
@@ -152,7 +152,7 @@ class Module {
   Dwfl_Module* _module = nullptr;
 };
 
-/// A name of .symtab may end with its version, "name@VERSION".
+/// Returns the demangled name, without the version that a name of .symtab may have, "name@VERSION".
 std::string readableName(const char* name) {
   const char* version = std::strchr(name, '@');
   if (version == nullptr || version == name) return demangled(name);

@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder of more entries is more than a build's output or a copy of a device.
+/// Limit of entries, above the size of a build's output or of a copy of a device.
 constexpr int kMostEntries = 1'000'000;
 
 }  // namespace

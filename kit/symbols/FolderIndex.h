@@ -6,14 +6,13 @@
 
 namespace zelkit {
 
-/// The files anywhere below a folder by their names, such as those of a build's output. The folder is walked
-/// on the first question; links are not followed. Of "/" nothing is known: it holds too much that has nothing
-/// to do with a recording.
+/// Index by name of all files below a folder, such as a build's output. The folder is read on the first
+/// query; links are not followed. "/" is never read: it has too many files unrelated to a recording.
 class FolderIndex {
  public:
   explicit FolderIndex(std::string folder) : _folder(std::move(folder)) {}
 
-  /// Returns the paths below the folder, relative to it, of the files of that name; ascending.
+  /// Returns the paths, relative to the folder, of the files with that name; ascending.
   const std::vector<std::string>& pathsOf(const std::string& name);
 
  private:

@@ -13,7 +13,7 @@ namespace zelkit {
 
 namespace {
 
-/// Takes a hexadecimal number and the blank after it off the line.
+/// Parses a hexadecimal number and removes it and the blank after it from the line.
 bool takeNumber(std::string_view& line, std::uint64_t& number) {
   if (line.starts_with("0x")) line.remove_prefix(2);
   const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), number, 16);

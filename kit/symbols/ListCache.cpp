@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 constexpr const char* kUnfinished = ".unfinished";
 constexpr auto kUnfinishedFor = std::chrono::hours(1);
 
-/// Marks the file as used now. A reader of another user's folder cannot, and need not.
+/// Marks the file as used now; fails without consequence in another user's folder.
 void markUsed(const std::string& path) {
   utimensat(AT_FDCWD, path.c_str(), nullptr, 0);
 }
@@ -50,7 +50,7 @@ struct Kept {
   fs::file_time_type used;
 };
 
-/// Returns the lists of the folder, the one used longest ago first, and removes what was never finished.
+/// Returns the lists in the folder, least recently used first, and removes unfinished ones.
 std::vector<Kept> keptLists(const std::string& folder) {
   std::vector<Kept> lists;
   std::error_code error;
@@ -86,7 +86,7 @@ bool ListCache::store(const std::string& name, const SymbolList& list) const {
       mkostemps(unfinished.data(), static_cast<int>(std::string_view(kUnfinished).size()), O_CLOEXEC);
   if (file < 0) return false;
   const bool written = writeAll(file, list.bytes());
-  // Some file systems tell only now that the disk is full.
+  // Some file systems report only now that the disk is full.
   const bool closed = ::close(file) == 0;
   if (written && closed && std::rename(unfinished.c_str(), pathOf(name).c_str()) == 0) return true;
   ::unlink(unfinished.c_str());

@@ -8,20 +8,21 @@
 
 namespace zelkit {
 
-/// Symbol lists on disk, one file each. Several runs may use one folder at once: a list appears whole or not
-/// at all, and one that cannot be read or written is as good as none.
+/// Symbol lists on disk, one file each. Several runs may use one folder at the same time: lists appear
+/// complete or not at all, and one that cannot be read or written counts as missing.
 class ListCache {
  public:
-  /// The folder is made when the first list is kept, for this user alone. With an empty name nothing is kept.
+  /// `limit` is in bytes. The folder is created with the first list, for this user only. With an empty name
+  /// nothing is cached.
   ListCache(std::string folder, std::uint64_t limit) : _folder(std::move(folder)), _limit(limit) {}
 
-  /// Returns the list that was kept under the name, and marks it as used.
+  /// Returns the list stored under the name, and marks it as used.
   [[nodiscard]] std::optional<SymbolList> load(const std::string& name) const;
 
-  /// Keeps a list. Returns whether that worked; if not, the folder is as before.
+  /// Stores a list. Returns whether that succeeded; otherwise the folder is unchanged.
   bool store(const std::string& name, const SymbolList& list) const;
 
-  /// Removes the lists used longest ago until the rest is within the limit, and what broken-off runs left.
+  /// Removes the least recently used lists until the rest is within the limit, and files of aborted runs.
   void trim() const;
 
  private:

@@ -12,7 +12,7 @@ namespace zelkit {
 
 namespace {
 
-/// Of the section of stubs, by machine. Where branches are tracked, .plt.sec holds what is called.
+/// The form of stubs by machine. With branch tracking the stubs that are called are in .plt.sec.
 struct StubForm {
   std::uint16_t machine;
   std::string_view section;
@@ -37,7 +37,7 @@ Elf_Scn* sectionNamed(Elf* elf, std::string_view wanted, GElf_Shdr& header) {
   return nullptr;
 }
 
-/// Returns the names that the relocations of the stubs mean, empty ones included.
+/// Returns the names in the relocations of the stubs, including empty ones.
 std::vector<std::string> calledNames(Elf* elf) {
   std::vector<std::string> names;
   GElf_Shdr header;

@@ -8,9 +8,9 @@
 
 namespace zelkit {
 
-/// Adds the stubs through which a file calls other files, as "NAME@plt". No symbol names them: the n-th stub
-/// belongs to the n-th relocation of .rela.plt. A table of another form than the linkers of x86, ARM and
-/// AArch64 write is passed over.
+/// Adds the stubs through which a file calls other files, as "NAME@plt". They have no symbols: the n-th stub
+/// belongs to the n-th relocation of .rela.plt. Only tables in the forms of x86, ARM and AArch64 linkers are
+/// read.
 void addPltSymbols(Elf* elf, std::uint64_t bias, SymbolListBuilder& builder);
 
 }  // namespace zelkit

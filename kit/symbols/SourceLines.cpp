@@ -10,8 +10,8 @@ namespace {
 
 using DwarfHandle = std::unique_ptr<Dwarf, decltype(&dwarf_end)>;
 
-/// A handle keeps the line tables of all units that it has read. A browser's would take gigabytes, so a fresh
-/// one takes over after so many.
+/// A handle keeps the line tables of all units that it has read, which for a browser would take gigabytes. So
+/// a new handle is used after this number of units.
 constexpr int kUnitsOfAHandle = 256;
 
 DwarfHandle freshHandle(Elf* elf) {
@@ -44,7 +44,7 @@ void SourceLines::readUnit(Dwarf_Die& unit, std::uint64_t bias) {
   Dwarf_Lines* rows = nullptr;
   std::size_t count = 0;
   if (dwarf_getsrclines(&unit, &rows, &count) != 0) return;
-  // Rows and starts both ascend. A start without a row of its own has no place.
+  // Rows and starts both ascend. A start without a row has no line.
   std::size_t function = 0;
   for (std::size_t i = 0; i < count; ++i) {
     Dwarf_Line* row = dwarf_onesrcline(rows, i);

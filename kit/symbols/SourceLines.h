@@ -10,7 +10,7 @@
 
 namespace zelkit {
 
-/// Where functions begin in their sources, by the line tables of the debug information.
+/// Source lines of the starts of functions, from the line tables of the debug information.
 class SourceLines {
  public:
   struct Place {
@@ -21,11 +21,11 @@ class SourceLines {
   /// `starts`: addresses of the functions' first bytes, ascending.
   explicit SourceLines(std::vector<std::uint64_t> starts);
 
-  /// Takes the places from the line tables of one file, whose addresses are `bias` too low. Units that cannot
-  /// be read are passed over.
+  /// Reads the line tables of one file. `bias` is added to its addresses. Units that cannot be read are
+  /// skipped.
   void read(Dwarf* debugInformation, std::uint64_t bias);
 
-  /// Returns the place of the function that starts at the address.
+  /// Returns the source line of the function that starts at the address.
   [[nodiscard]] Place at(std::uint64_t start) const;
 
  private:

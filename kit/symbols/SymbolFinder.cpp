@@ -16,7 +16,7 @@ namespace zelkit {
 
 namespace {
 
-/// Whether a mapping's name means a file at all.
+/// Returns whether a mapping's name can be that of a file.
 bool isFileName(std::string_view name) {
   for (const std::string_view other :
        {"[", "//", "/dev/", "/memfd:", "/SYSV", "/anon_hugepage", "anon_inode:"})
@@ -33,7 +33,7 @@ std::string_view folderOf(std::string_view path) {
   return path.substr(0, slash == std::string_view::npos ? 0 : slash + 1);
 }
 
-/// Whether programs of the file's architecture run on such a machine. Unknown architectures run anything.
+/// Returns whether programs of the file's architecture run on the machine; true for an unknown machine.
 bool runsOn(std::string_view architecture, std::uint16_t machine) {
   if (architecture == "x86_64") return machine == EM_X86_64 || machine == EM_386;
   if (architecture == "aarch64") return machine == EM_AARCH64 || machine == EM_ARM;
@@ -42,18 +42,18 @@ bool runsOn(std::string_view architecture, std::uint16_t machine) {
   return true;
 }
 
-/// "ab/cdef" of a build-id, the form of the folders of links; empty for a build-id too short to have one.
+/// Returns a build-id in the form of folders of links, "ab/cdef"; empty if it is too short.
 std::string linkName(const std::string& buildId) {
   return buildId.size() > 2 ? buildId.substr(0, 2) + '/' + buildId.substr(2) : "";
 }
 
-/// How much a second file of a build adds to the first: lines weigh more than local names.
+/// Returns what a second file of a build adds to the first: lines count more than local names.
 int gain(const ElfFile& first, const ElfFile& second) {
   return (second.hasLines && !first.hasLines ? 2 : 0) +
          (second.hasSymbolTable && !first.hasSymbolTable ? 1 : 0);
 }
 
-/// Whether two files are of one build, as far as one can tell.
+/// Returns whether two files may be of one build.
 bool sameBuild(const ElfFile& a, const ElfFile& b) {
   if (a.machine != b.machine || a.wide != b.wide) return false;
   if (!a.buildId.empty() || !b.buildId.empty()) return a.buildId == b.buildId;
@@ -65,7 +65,7 @@ bool hasChecksum(const std::string& path, std::uint32_t checksum) {
   return crc32_z(0, reinterpret_cast<const Bytef*>(content.data()), content.size()) == checksum;
 }
 
-/// One search, and what it has met so far.
+/// One search and its state.
 class Search {
  public:
   Search(const std::vector<std::string>& roots, std::vector<FolderIndex>& indexes,
@@ -92,7 +92,7 @@ class Search {
     consider(root, ".build-id/" + link + "/elf");
   }
 
-  /// Of several files without build-ids nothing tells which one it is, so one name then has to mean one file.
+  /// Without build-ids, files of one name cannot be distinguished; then the name must be unique.
   void lookAnywhere() {
     const std::string baseName = _name.substr(folderOf(_name).size());
     for (std::size_t i = 0; i < _roots.size(); ++i) {
@@ -105,7 +105,7 @@ class Search {
     }
   }
 
-  /// Takes a file for the one that is looked for, or for what adds to it.
+  /// Uses a file as the wanted one, or as an addition to it.
   void consider(const std::string& root, const std::string& name) {
     const std::optional<Candidate> candidate = open(resolveBelow(root, name));
     if (!candidate) return;
@@ -130,7 +130,7 @@ class Search {
     }
   }
 
-  /// A debug file found by build-id may stand for the file as well.
+  /// A debug file found by build-id may also replace the file.
   void considerDebugFile(const std::string& root, const std::string& name) {
     const std::optional<Candidate> candidate = open(resolveBelow(root, name));
     if (!candidate ||
@@ -143,7 +143,7 @@ class Search {
     }
   }
 
-  /// Where the file that the debug link means may be.
+  /// Returns the paths at which the file of the debug link may be.
   [[nodiscard]] std::vector<std::string> debugLinkNames() const {
     if (!_outcome.found() || _outcome.elf.debugLink.empty()) return {};
     const std::string& link = _outcome.elf.debugLink;
@@ -187,7 +187,7 @@ class Search {
     }
   }
 
-  /// Whether the file may be the recorded one; if not, the reason is kept.
+  /// Returns whether the file may be the recorded one; otherwise keeps the reason.
   bool fits(const Candidate& candidate) {
     const ElfFile& elf = candidate.elf;
     if (!runsOn(_architecture, elf.machine)) {

@@ -15,12 +15,12 @@ ListEntry entryAt(const std::string& bytes, std::size_t index) {
   return entry;
 }
 
-/// Where the texts begin. The header must have been checked.
+/// Returns the offset of the texts. The header must have been checked.
 std::size_t textStart(std::size_t count) {
   return sizeof(ListHeader) + count * sizeof(ListEntry);
 }
 
-/// Whether the header tells the truth about the size of the block.
+/// Returns whether the header matches the size of the block.
 bool headerHolds(const std::string& bytes) {
   ListHeader header;
   if (bytes.size() <= sizeof header || bytes.back() != '\0') return false;
@@ -28,7 +28,7 @@ bool headerHolds(const std::string& bytes) {
   return header.magic == kListMagic && header.count <= (bytes.size() - sizeof header - 1) / sizeof(ListEntry);
 }
 
-/// Whether the entries are ascending and disjoint, and their texts inside the block.
+/// Returns whether the entries are ascending and disjoint, with their texts inside the block.
 bool entriesHold(const std::string& bytes, std::size_t count) {
   const std::size_t textSize = bytes.size() - textStart(count);
   std::uint64_t end = 0;

@@ -11,7 +11,7 @@ namespace zelkit {
 /// One function, a part of one that another function interrupts, or code without a name.
 struct Symbol {
   std::uint64_t address = 0;
-  std::uint64_t size = 0;      ///< bytes: the function is [address, address + size); 1 MiB at most in a list
+  std::uint64_t size = 0;      ///< in bytes: the range is [address, address + size); 1 MiB at most in a list
   std::string_view name;       ///< demangled; empty for code that no symbol names
   std::string_view file = {};  ///< source file, empty if unknown
   std::uint32_t line = 0;      ///< line in `file`, 0 if unknown
@@ -19,19 +19,18 @@ struct Symbol {
   bool operator==(const Symbol&) const = default;
 };
 
-/// An immutable list of symbols, ascending and disjoint: at most one symbol covers an address, and an address
-/// in a gap has none. No symbol has size 0. SymbolListBuilder makes lists.
+/// An immutable list of symbols, ascending and disjoint: at most one symbol covers an address, and none an
+/// address in a gap. No symbol has size 0. Lists are built by SymbolListBuilder.
 ///
-/// A list is one block of bytes, which is also what the cache keeps on disk, in this machine's byte order:
+/// A list is one block of bytes in this machine's byte order, which is also its format in the cache:
 ///
-///     block  = magic (u64) count (u64) entry{count} text
-///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)
-///     text   = bytes, the last one NUL
+/// block = magic (u64) count (u64) entry{count} text entry = address (u64) size (u32) name (u32) file (u32)
+/// line (u32) text = bytes, the last one NUL
 ///
-/// `name` and `file` are offsets into `text`, where each of them ends with a NUL.
+/// `name` and `file` are offsets of NUL-terminated texts in `text`.
 ///
-/// The converter's SymbolTable counts the byte past an element's end as the element's own. Whoever fills a
-/// table from a list adds each symbol with `size - 1`, and every address then gets its own name and no other.
+/// The converter's SymbolTable includes the byte after an element in the element. To fill a table from a
+/// list, symbols must be added with `size - 1`, so that every address gets its own name.
 class SymbolList {
  public:
   /// An empty list.
@@ -39,16 +38,15 @@ class SymbolList {
 
   [[nodiscard]] std::size_t size() const { return _count; }
   [[nodiscard]] bool empty() const { return _count == 0; }
-  /// Returns a symbol whose texts live as long as the list.
+  /// Returns a symbol, whose texts are valid as long as the list.
   [[nodiscard]] Symbol operator[](std::size_t index) const;
 
   /// Returns the index of the symbol that covers the address, or size() if none does.
   [[nodiscard]] std::size_t find(std::uint64_t address) const;
 
-  /// The block; empty for a list made by the default constructor.
+  /// Returns the block; empty for a list made by the default constructor.
   [[nodiscard]] const std::string& bytes() const { return _bytes; }
-  /// Takes a block. Throws std::runtime_error for bytes that are none, or whose list is not as promised
-  /// above.
+  /// Makes a list of a block. Throws std::runtime_error if it is not a valid block of such a list.
   static SymbolList fromBytes(std::string bytes);
 
  private:

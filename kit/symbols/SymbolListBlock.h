@@ -5,8 +5,8 @@
 
 namespace zelkit {
 
-/// "zelsyms4" as a number. A block of another byte order does not have it, nor one that was made by other
-/// rules: the number grows with them.
+/// "zelsyms4" as a number, which differs in a block of another byte order. The digit is the version,
+/// increased with every change of format or rules.
 constexpr std::uint64_t kListMagic = 0x34736d79736c657a;
 
 struct ListHeader {

@@ -11,30 +11,30 @@ namespace {
 
 constexpr std::uint64_t kLargestFunction = std::uint64_t{64} << 20;
 constexpr std::uint64_t kLargestPiece = std::uint64_t{1} << 20;
-/// A shorter gap in which no function is known to begin is the padding between two functions.
+/// The longest gap without the start of a function that counts as padding between functions.
 constexpr std::uint64_t kLongestPadding = 63;
 constexpr std::size_t kMostText = 0xFFFFFFFF;
 
 }  // namespace
 
-/// Cuts overlapping functions into the pieces of a block. The functions come in ascending order.
+/// Cuts overlapping functions into the pieces of a block. Functions are added in ascending order.
 class SymbolListBuilder::Pieces {
  public:
-  /// Writes everything up to the address, which is not before that of an earlier call. Returns whether a
-  /// function that has begun goes on there.
+  /// Writes everything up to the address, which must not be below that of an earlier call. Returns whether an
+  /// open function continues there.
   bool advanceTo(std::uint64_t address) {
     while (_done < address && hasOpen()) writePiece(address);
     _done = address;
     return hasOpen();
   }
 
-  /// Opens a function. Everything up to its address must be written.
+  /// Opens a function. Everything up to its address must have been written.
   void begin(const Entry& function) { _open.push_back(function); }
 
   [[nodiscard]] const std::vector<ListEntry>& all() const { return _pieces; }
 
  private:
-  /// Whether a function covers what comes next. The last one is then the innermost of those.
+  /// Returns whether a function covers the next address. The last open one is then the innermost.
   bool hasOpen() {
     while (!_open.empty() && _open.back().end <= _done) _open.pop_back();
     return !_open.empty();
@@ -55,7 +55,7 @@ class SymbolListBuilder::Pieces {
     _done += size;
   }
 
-  /// Whether nothing came between the last piece and the next one of the same function.
+  /// Returns whether the last piece is of the same function and adjacent.
   [[nodiscard]] bool continuesLast(const Entry& function, std::uint64_t size) const {
     if (_pieces.empty()) return false;
     const ListEntry& last = _pieces.back();
@@ -64,11 +64,11 @@ class SymbolListBuilder::Pieces {
   }
 
   std::vector<ListEntry> _pieces;
-  std::vector<Entry> _open;  ///< the outermost first
-  std::uint64_t _done = 0;   ///< the pieces up to here are written
+  std::vector<Entry> _open;  ///< outermost first
+  std::uint64_t _done = 0;   ///< address up to which the pieces are written
 };
 
-/// Puts what no function covers between the functions. The ranges of code and the starts are sorted.
+/// Inserts unnamed code between the functions. The ranges of code and the starts are sorted.
 class SymbolListBuilder::Gaps {
  public:
   Gaps(const std::vector<Range>& code, const std::vector<std::uint64_t>& starts)
@@ -90,7 +90,7 @@ class SymbolListBuilder::Gaps {
     while (_nextCode < _code.size() && from < to) {
       const Range& code = _code[_nextCode];
       addUnnamed(std::max(from, code.from), std::min(to, code.to));
-      if (code.to > to) return;  // it goes on after the function
+      if (code.to > to) return;  // the range continues after the function
       from = std::max(from, code.to);
       ++_nextCode;
     }
@@ -125,7 +125,7 @@ class SymbolListBuilder::Gaps {
 
 void SymbolListBuilder::add(const Symbol& symbol, std::uint64_t limit, std::uint64_t rank) {
   if (symbol.name.empty() || symbol.address >= limit) return;
-  // Offsets have 32 bits: what comes after 4 GiB of names has none.
+  // Offsets have 32 bits; functions after 4 GiB of names are dropped.
   if (symbol.name.size() + symbol.file.size() + 2 > kMostText - _texts.size()) return;
   const std::uint64_t room = std::min(limit - symbol.address, kLargestFunction);
   const auto file = _files.find(symbol.file);

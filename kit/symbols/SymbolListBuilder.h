@@ -11,26 +11,27 @@
 
 namespace zelkit {
 
-/// Makes a list of symbols that come in any order, overlap and repeat.
+/// Builds a list of symbols, which may be added in any order, overlap and repeat.
 class SymbolListBuilder {
  public:
   static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
 
-  /// Adds a function; the texts are copied, and a symbol without a name is passed over. Size 0 means unknown:
-  /// the function reaches to the next one or to `limit`, the end of its section. No function reaches beyond
-  /// `limit`, nor is longer than 64 MiB. Of several symbols at one address the one of the highest rank is
+  /// Adds a function; the texts are copied, and a symbol without a name is ignored. Size 0 means unknown: the
+  /// function extends to the next one or to `limit`, the end of its section. No function extends beyond
+  /// `limit` or is longer than 64 MiB. Of several symbols at one address the one with the highest rank is
   /// kept, of equal ranks the one added last.
   void add(const Symbol& symbol, std::uint64_t limit = kNoLimit, std::uint64_t rank = 0);
 
-  /// Says that [from, to) is code. What no function covers of it is listed without a name, but for padding.
+  /// Declares [from, to) as code. The parts without a function are listed without a name, except padding.
   void addCode(std::uint64_t from, std::uint64_t to);
 
-  /// Says that a function begins at the address, of whatever name. Unnamed code is cut there.
+  /// Declares that a function starts at the address. Unnamed code is cut there.
   void addStart(std::uint64_t address) { _starts.push_back(address); }
 
-  /// Returns the list and leaves the builder empty. Where symbols overlap, the one that begins later has the
-  /// addresses and the earlier one goes on after it; one of unknown size inside another is dropped. A
-  /// function longer than 1 MiB is cut into pieces of one name, since a table takes a greater size for a gap.
+  /// Returns the list and leaves the builder empty. Where symbols overlap, the one that starts later has the
+  /// addresses and the earlier one continues after it; one of unknown size inside another is dropped. A
+  /// function longer than 1 MiB is cut into pieces with the same name, since a table regards a larger size as
+  /// a gap.
   [[nodiscard]] SymbolList build();
 
  private:

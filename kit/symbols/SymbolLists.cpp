@@ -20,8 +20,8 @@ struct stat statusOf(const std::string& path) {
   return status;
 }
 
-/// Returns what tells one list from all others. Stripped and unstripped copies of a build share their
-/// build-id, but not their size.
+/// Returns a name that identifies the list. Stripped and unstripped copies of a build share their build-id,
+/// but not their size.
 std::string cacheName(const FoundFile& file) {
   const struct stat status = statusOf(file.path);
   std::string name = file.elf.buildId;

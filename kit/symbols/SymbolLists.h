@@ -1,5 +1,4 @@
-/// The one place to ask for a file's symbol list: from the cache, or made from the ELF file and its debug
-/// information.
+/// Provides the symbol list of a file: from the cache, or made from the ELF file and its debug information.
 #pragma once
 
 #include <cstddef>
@@ -17,9 +16,9 @@
 
 namespace zelkit {
 
-/// Symbol lists by file, each read once a run and kept between runs in a folder of at most `cacheLimit`
-/// bytes. A list is known there by the build-id and the sizes of the files that it was made from, by device,
-/// inode and time of change where there is no build-id, or by size and checksums of a text.
+/// Symbol lists by file, each read once per run and cached between runs in a folder of at most `cacheLimit`
+/// bytes. The key of a list is the build-id and the sizes of the files that it was made from; without a
+/// build-id device, inode and time of change; for a text its size and checksums.
 class SymbolLists {
  public:
   static constexpr std::uint64_t kCacheLimit = std::uint64_t{512} << 20;
@@ -32,17 +31,17 @@ class SymbolLists {
   SymbolLists(const SymbolLists&) = delete;
   SymbolLists& operator=(const SymbolLists&) = delete;
 
-  /// Returns the functions of a found file, see readElfSymbols. A file without symbols gives an empty list.
+  /// Returns the functions of a found file, see readElfSymbols. The list is empty for a file without symbols.
   /// Throws std::runtime_error with "FILE: reason" if the file cannot be read.
   std::shared_ptr<const SymbolList> listOf(const FoundFile& file);
 
-  /// Returns the list that `make` makes of a text, such as a kernel's table; it is made once for each text.
+  /// Returns the list that `make` returns for a text, such as a kernel's table; called once for each text.
   std::shared_ptr<const SymbolList> listOfText(std::string_view text, SymbolList (*make)(std::string_view));
 
   /// Returns "$XDG_CACHE_HOME/zelkit", or "$HOME/.cache/zelkit", or "" if neither is set.
   static std::string defaultCacheFolder();
 
-  /// Lists that came out of the cache, that had to be made, and that could not be kept.
+  /// Return the numbers of lists from the cache, of lists made, and of lists that could not be cached.
   [[nodiscard]] std::size_t cached() const { return _cached; }
   [[nodiscard]] std::size_t made() const { return _made; }
   [[nodiscard]] std::size_t notKept() const { return _notKept; }

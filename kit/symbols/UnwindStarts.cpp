@@ -15,7 +15,7 @@ std::uint32_t wordAt(std::string_view bytes, std::size_t offset) {
   return word;
 }
 
-/// Adds a signed distance to an address.
+/// Returns an address plus a signed distance.
 std::uint64_t moved(std::uint64_t address, std::int32_t distance) {
   return address + static_cast<std::uint64_t>(std::int64_t{distance});
 }

@@ -36,7 +36,7 @@ void readLine(std::string_view line, EventFormat& format) {
   field.offset = numberAfter(line, "offset:");
   field.size = numberAfter(line, "size:");
   if (declaration.starts_with("__data_loc ")) field.text = FormatField::Text::located;
-  if (declaration.starts_with("__rel_loc ")) field.text = FormatField::Text::locatedBehind;
+  if (declaration.starts_with("__rel_loc ")) field.text = FormatField::Text::locatedAfter;
   format.fields.emplace(nameOf(declaration), field);
 }
 

@@ -46,7 +46,7 @@ const std::vector<OldEvent>& oldEvents() {
         number("ctr1", 16), number("ctr2", 20), number("ctr3", 24), number("lctr0", 28),
         number("lctr1", 32)}},
       {"task:task_newtask", 28, {number("pid", 0), characters("comm", 4), number("clone_flags", 20)}},
-      // Kernels that leave the id out rename the task that runs.
+      // Kernels without the id rename the running task.
       {"task:task_rename",
        40,
        {number("pid|common_pid", 0), characters("oldcomm", 4), characters("newcomm", 20)}},
@@ -70,7 +70,7 @@ const std::vector<OldEvent>& oldEvents() {
        32,
        {text("device_name", 0), number("drawctxt_id", 4), number("ibdesc_addr", 8), number("numibs", 12),
         number("timestamp", 16), number("flags", 20), number("result", 24), number("drawctxt_type", 28)}},
-      // These two show their common header alone.
+      // Of these two only the common header is used.
       {"kgsl:kgsl_waittimestamp_entry", 0, {}},
       {"kgsl:kgsl_waittimestamp_exit", 0, {}},
   };

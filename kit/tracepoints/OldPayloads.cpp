@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kCommonHeader = 8;
 constexpr std::size_t kPidOffset = 4;
-/// A record has 256 bytes, of which 52 come before the raw data.
+/// A record has at most 256 bytes, 52 of them before the raw data.
 constexpr std::size_t kLargestRaw = 204;
 constexpr std::size_t kLongestText = 64;
 
@@ -36,7 +36,7 @@ std::string_view locatedText(const FormatField& field, std::string_view raw) {
   const std::string_view word = bytesOf(field, raw);
   if (word.size() != sizeof(std::uint32_t)) return {};
   std::size_t offset = numberAt<std::uint32_t>(word, 0) & 0xFFFF;
-  if (field.text == FormatField::Text::locatedBehind) offset += field.offset + field.size;
+  if (field.text == FormatField::Text::locatedAfter) offset += field.offset + field.size;
   if (offset > raw.size()) return {};
   const std::string_view rest = raw.substr(offset);
   return rest.substr(0, std::min(rest.find('\0'), kLongestText));
@@ -97,7 +97,7 @@ bool OldPayloads::make(std::size_t event, std::string_view raw, std::uint16_t& n
   const Recipe& recipe = found->second;
   number = recipe.number;
   made.assign(kCommonHeader + recipe.event->size, '\0');
-  // Flags and pid of the common header stay; the number becomes that of the new table when it is written.
+  // Flags and pid of the common header are kept; the number is replaced by that of the new table on writing.
   putNumber(made, 0, raw.substr(0, kPidOffset));
   putNumber(made, kPidOffset, raw.substr(kPidOffset, sizeof(std::uint32_t)));
   for (const Step& step : recipe.steps) {

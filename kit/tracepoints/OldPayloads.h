@@ -15,13 +15,13 @@ namespace zelkit {
 struct OldField {
   enum class Kind { number, characters, text };
 
-  std::string_view name;  ///< in the format text; "a|b" where it has had two names
+  std::string_view name;  ///< in the format text; "a|b" if kernels use two names
   std::size_t offset;     ///< in the payload
   std::size_t size;
   Kind kind;
 };
 
-/// A trace-point that the engine knows, with the payload of a 32-bit kernel 3.10, which begins after the
+/// A trace-point that the engine knows, with the payload of a 32-bit kernel 3.10, which starts after the
 /// common header of 8 bytes: u16 number, u8 flags, u8 preempt count, i32 pid.
 struct OldEvent {
   std::string_view name;
@@ -32,24 +32,24 @@ struct OldEvent {
 /// Returns the trace-points that the engine charts.
 const std::vector<OldEvent>& oldEvents();
 
-/// Rewrites the raw data of trace-points, field by field by their names, to what the engine decodes.
+/// Rewrites the raw data of trace-points, field by field by name, into the layout that the engine decodes.
 class OldPayloads {
  public:
   explicit OldPayloads(const RecordingInfo& info);
 
-  /// An entry of the event table that a recording of those times has.
+  /// An entry of the event table of an old recording.
   struct TableEntry {
     std::uint16_t number;
     std::string name;
   };
   [[nodiscard]] const std::vector<TableEntry>& table() const { return _table; }
-  /// Returns whether the raw data of an event, by its index in the recording, can be made.
+  /// Returns whether the raw data of an event, given by its index in the recording, can be rewritten.
   [[nodiscard]] bool knows(std::size_t event) const { return _recipes.contains(event); }
-  /// Whether the recording's formats could not be read to their end.
+  /// Returns whether the recording's formats are damaged.
   [[nodiscard]] bool damaged() const { return _damaged; }
 
-  /// Makes the raw data of a sample. Returns false if the engine does not know the event, or if the sample is
-  /// shorter than its format says.
+  /// Rewrites the raw data of a sample. Returns false if the engine does not know the event, or if the sample
+  /// is shorter than its format requires.
   bool make(std::size_t event, std::string_view raw, std::uint16_t& number, std::string& made) const;
 
  private:
