@@ -45,7 +45,7 @@ void readAll(int fd, std::string& text) {
     status = static_cast<int>(Status::kUnreadable);
   }
   std::fflush(nullptr);
-  // Nobody wants what the engine's destructors would tidy up.
+  // Without the engine's destructors, which would only take time.
   _exit(status);
 }
 
@@ -59,7 +59,7 @@ int inChildProcess(const std::function<void(std::string&)>& work, std::string& r
   if (child < 0) throw std::runtime_error(std::string("fork: ") + std::strerror(errno));
   if (child == 0) {
     ::close(ends[0]);
-    // The engine complains on standard output, where a verb's own output may go.
+    // The engine prints errors on standard output, which may be a verb's own output.
     dup2(STDERR_FILENO, STDOUT_FILENO);
     runChild(work, ends[1]);
   }

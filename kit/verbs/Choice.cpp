@@ -7,7 +7,7 @@ namespace zelkit {
 
 namespace {
 
-/// Whether the user means the event: by its name, or by the name without modifiers such as ":u".
+/// Returns whether the name is that of the event, with or without modifiers such as ":u".
 bool isMeant(const EventDescription& event, const std::string& name) {
   const std::string label = event.label();
   return label == name || (!event.isTracePoint() && label.substr(0, label.find(':')) == name);
@@ -28,7 +28,8 @@ std::size_t namedEvent(const Recording& recording, const std::string& name) {
   return static_cast<std::size_t>(found - events.begin());
 }
 
-/// The first event with samples that a timechart does not show, plain ones before trace-points.
+/// Returns the index of the first event with samples that a timechart does not show, plain ones before
+/// trace-points.
 std::size_t defaultEvent(const Recording& recording, const Survey& survey, const OldPayloads& payloads) {
   const std::vector<EventDescription>& events = recording.events();
   for (const bool tracePoint : {false, true})

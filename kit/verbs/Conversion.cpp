@@ -74,17 +74,17 @@ void Conversion::runEngine(Kind kind, const std::string& output, const std::stri
   report = reportJson(recording, outcome);
 }
 
-/// The engine looks at files of the recording's machine, or at none.
+/// The engine reads files of the recording's machine, or none.
 void Conversion::pointEngineAtMachine() const {
   const MachineFolder& machine = _source.machine();
   // An empty file rather than none: the engine would complain.
   gMachineFiles.softInterrupts = machine.softInterrupts.empty() ? "/dev/null" : machine.softInterrupts;
   gMachineFiles.uptime = machine.uptime;
   gMachineFiles.traceText = machine.traceText;
-  // Only this name tells the engine's request for the kernel's symbols from that for a file.
+  // A name that no file has: it marks the engine's request for the kernel's symbols.
   gMachineFiles.kernelSymbols = "[kernel]";
   gDeepestTrace = static_cast<unsigned int>(_request.depth);
-  // Payloads of trace-points are made for this kernel.
+  // Payloads of trace-points are rewritten for this kernel.
   setenv("kern_ver", "3.10", 1);
   unsetenv("ARM64");
 }

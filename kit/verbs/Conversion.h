@@ -12,22 +12,22 @@
 
 namespace zelkit {
 
-/// How a recording is to be converted.
+/// Options of a conversion.
 struct ConversionRequest {
   std::vector<std::string> symbolFolders;
-  std::size_t depth = 15;  ///< entries of a back-trace that are kept
+  std::size_t depth = 15;  ///< maximum number of entries of a back-trace
   std::vector<std::string> engineOptions;
 };
 
-/// One document. The engine keeps what it reads in static tables, so each is made in a process of its own.
+/// Makes one document, in a child process, as the engine keeps its data in static tables.
 class Conversion {
  public:
   Conversion(Source& source, const Survey& survey, const OldPayloads& payloads, const Choice& choice,
              const ConversionRequest& request)
       : _source(source), _survey(survey), _payloads(payloads), _choice(choice), _request(request) {}
 
-  /// Makes the document; it is there afterwards if the status is kDone. The account goes to standard error,
-  /// and as JSON into `report`. Throws std::runtime_error with "FILE: reason".
+  /// Makes the document, which exists afterwards if the status is kDone. Prints the account on standard
+  /// error, and sets `report` to it as JSON. Throws std::runtime_error with "FILE: reason".
   Status make(Kind kind, const std::string& output, std::string& report);
 
  private:

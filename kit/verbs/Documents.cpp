@@ -8,7 +8,7 @@ namespace zelkit {
 
 namespace {
 
-/// Recordings and tars begin otherwise.
+/// Recordings and tars start with other bytes.
 bool isDocument(const std::string& path) {
   if (path == "-") return true;
   if (Capture::isCapture(path)) return false;
@@ -19,7 +19,7 @@ bool isDocument(const std::string& path) {
   return first == '{' || first == '[';
 }
 
-/// Returns "perf" for "a/perf.data": the name by which a person knows the documents.
+/// Returns the title of documents: "perf" for "a/perf.data".
 std::string titleOf(const std::string& path) {
   std::filesystem::path name = std::filesystem::path(path).lexically_normal();
   if (!name.has_filename()) name = name.parent_path();

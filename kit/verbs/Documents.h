@@ -9,14 +9,14 @@
 
 namespace zelkit {
 
-/// The documents that a user means by a path: the document itself, or those that a recording or capture
-/// gives, converted into a folder that goes with the object.
+/// The documents of a path: the document itself, or those of a recording or capture, converted into a
+/// temporary folder that is removed with the object.
 class Documents {
  public:
   explicit Documents(ConversionOptions options) : _options(std::move(options)) {}
 
-  /// Adds those of the path; "-" is a document on standard input. Returns another status than kDone if a
-  /// recording gives none. Throws std::runtime_error with "PATH: reason".
+  /// Adds the documents of a path; "-" is a document on standard input. Returns another status than kDone if
+  /// a recording cannot be converted. Throws std::runtime_error with "PATH: reason".
   Status add(const std::string& path);
 
   const std::vector<std::string>& paths() const { return _paths; }

@@ -13,10 +13,10 @@ namespace zelkit {
 
 namespace {
 
-/// A sample with a back-trace of 255 entries has 2096 bytes; the engine may look 8 bytes further.
+/// A sample with a back-trace of 255 entries has 2096 bytes; the engine may read 8 bytes more.
 constexpr int kBufferSize = 4096;
 
-/// An event table that lies in memory.
+/// Reads an event table from memory.
 class TableReader : public PerfReader {
  public:
   explicit TableReader(const OldFile::EventTable& events) : _bytes(OldFile::tableBytes(events)) {}

@@ -9,11 +9,11 @@
 
 namespace zelkit {
 
-/// Hands records to the engine in its own process, without a file between the two and so without the bounds
-/// that a file's framing sets.
+/// Passes records to the engine in the same process, without a file in between and so without the size limit
+/// of a file's records.
 class EngineRecords : public RecordTaker, public RecordSource {
  public:
-  /// `walk` makes the records.
+  /// `walk` writes the records.
   EngineRecords(const OldFile::EventTable& events, std::function<void()> walk)
       : _events(events), _walk(std::move(walk)) {}
 

@@ -6,7 +6,7 @@
 
 namespace zelkit {
 
-/// Writes strict JSON into a string, with commas where they belong. Bytes that are no UTF-8 become U+FFFD.
+/// Writes strict JSON to a string and inserts the commas. Bytes that are not valid UTF-8 become U+FFFD.
 class JsonText {
  public:
   JsonText& object(std::string_view key = {}) { return open(key, '{'); }
@@ -17,9 +17,9 @@ class JsonText {
   JsonText& number(std::string_view key, std::uint64_t value);
   JsonText& boolean(std::string_view key, bool value);
   JsonText& text(std::string_view key, std::string_view value);
-  /// A number as a text of hexadecimal digits, for readers that make doubles of numbers.
+  /// Writes a number as a text of hexadecimal digits, for readers that convert numbers to doubles.
   JsonText& hexadecimal(std::string_view key, std::uint64_t value);
-  /// A value of JSON that is there already.
+  /// Writes a value that is JSON already.
   JsonText& raw(std::string_view key, std::string_view value);
 
   [[nodiscard]] const std::string& str() const { return _text; }
@@ -30,7 +30,7 @@ class JsonText {
   void quote(std::string_view value);
 
   std::string _text;
-  std::string _brackets;  ///< those still open, the innermost last
+  std::string _brackets;  ///< the open ones, innermost last
 };
 
 }  // namespace zelkit

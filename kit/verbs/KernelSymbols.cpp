@@ -11,7 +11,7 @@ namespace zelkit {
 
 namespace {
 
-/// Of the last symbol nothing tells the end.
+/// Assumed size of the last symbol.
 constexpr std::uint64_t kLastSize = 0x1000;
 
 struct Line {
@@ -20,7 +20,7 @@ struct Line {
   std::string_view name;
 };
 
-/// Reads "address type name" with an optional tab and module; false for another line.
+/// Parses "address type name" with an optional tab and module; returns false for any other line.
 bool readLine(std::string_view text, Line& line) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line.address, 16);
   const auto used = static_cast<std::size_t>(end - text.data());
@@ -28,7 +28,7 @@ bool readLine(std::string_view text, Line& line) {
   line.type = text[used + 1];
   line.name = text.substr(used + 3);
   line.name = line.name.substr(0, line.name.find_first_of(" \t\r"));
-  // ARM's marks of instruction sets are no symbols.
+  // Mapping symbols of ARM are ignored.
   return !line.name.empty() && line.name.front() != '$';
 }
 
@@ -36,8 +36,8 @@ bool isFunction(char type) {
   return type == 'T' || type == 't' || type == 'W' || type == 'w';
 }
 
-/// Of several names at one address, which one people know: a global one, with fewer underscores, a longer
-/// one.
+/// Returns the rank of one of several names at an address: global before local, then fewer underscores, then
+/// longer.
 std::uint64_t rankOf(const Line& line) {
   const std::size_t underscores = std::min<std::size_t>(line.name.find_first_not_of('_'), 15);
   const std::uint64_t binding = line.type == 'T' ? 2 : line.type == 't' ? 1 : 0;
@@ -83,7 +83,7 @@ SymbolList listOf(const RecordedFile& file) {
 }
 
 std::uint64_t kernelStartOf(const RecordingInfo& info, std::uint64_t lowestMapping) {
-  // Below lie the addresses of programs, whatever the architecture.
+  // Above the addresses of programs on every architecture.
   if (info.architecture.ends_with("64")) return 0xFFFF000000000000;
   // Modules of a 32-bit ARM kernel lie below it.
   const std::uint64_t usual = info.architecture.starts_with("arm") ? 0xBF000000 : 0xC0000000;

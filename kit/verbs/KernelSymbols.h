@@ -8,15 +8,15 @@
 
 namespace zelkit {
 
-/// Returns the functions of a kernel by the text of its /proc/kallsyms, those of modules too, in order. A
-/// function ends where the next symbol of any kind begins.
+/// Returns the functions in the text of /proc/kallsyms, including those of modules. A function ends where the
+/// next symbol of any kind starts.
 SymbolList readKernelTable(std::string_view text);
 
-/// Returns the functions that a recording carries for a file.
+/// Returns the functions of a file that the recording contains.
 SymbolList listOf(const RecordedFile& file);
 
-/// Returns the lowest address that may be the kernel's. `lowestMapping`: of the records that tell where the
-/// kernel lies, ~0 if there are none.
+/// Returns the lowest possible address of the kernel. `lowestMapping`: the lowest start of the kernel's
+/// mappings, ~0 if there are none.
 std::uint64_t kernelStartOf(const RecordingInfo& info, std::uint64_t lowestMapping);
 
 }  // namespace zelkit

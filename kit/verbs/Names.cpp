@@ -20,7 +20,7 @@ std::vector<std::string> joined(std::vector<std::string> first, const std::vecto
   return first;
 }
 
-/// Returns the name of code that no symbol names, such as "{libc.so.6-0001e650}".
+/// Returns the name of code without a symbol, such as "{libc.so.6-0001e650}".
 std::string placeName(const MappedFile& file, std::uint64_t address) {
   char text[24];
   std::snprintf(text, sizeof text, "-%08llx}", static_cast<unsigned long long>(address));
@@ -32,14 +32,14 @@ class TableFiller {
  public:
   explicit TableFiller(SymbolTable& table) : _table(table) {}
 
-  /// `low`: what addresses are counted from.
+  /// `low`: subtracted from the symbol's address.
   void add(const Symbol& symbol, std::uint64_t low) {
-    // The engine takes the byte after a symbol for the symbol's.
+    // The engine includes the byte after a symbol in the symbol.
     _table.addElement(symbol.address - low, symbol.size - 1, symbol.name, fileOf(symbol), symbol.line);
   }
 
  private:
-  /// Most functions have the file of the one before.
+  /// Most functions have the same file as the previous one.
   FileNames* fileOf(const Symbol& symbol) {
     if (symbol.file.empty()) return nullptr;
     if (symbol.file != _lastName) {
@@ -54,7 +54,7 @@ class TableFiller {
   FileNames* _last = nullptr;
 };
 
-/// Returns the bytes of the kernel's own library in this process, or nothing.
+/// Returns the bytes of the vDSO of this process, or nothing.
 std::string_view ownVdso() {
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
@@ -117,7 +117,7 @@ std::optional<FileKnowledge::Link> Names::linkOf(const MappedPiece& piece) {
   return link;
 }
 
-/// Where a mapping lies by what Android's recorder tells of its file.
+/// Returns the position of a mapping, from the file's description by Android's recorder.
 std::optional<FileKnowledge::Link> Names::linkOfRecorded(const MappedPiece& piece) const {
   const RecordedFile* file = recordedFile(piece.path);
   if (file == nullptr) return std::nullopt;
@@ -177,7 +177,7 @@ Names::Listed Names::makeFromFile(const MappedFile& file) {
   return {list, list->empty() ? "its file has no symbols" : nullptr};
 }
 
-/// The library that the kernel gives every process lies in no file, but zelkit has it too.
+/// The vDSO is not a file, but zelkit's own process has it too.
 Names::Listed Names::makeFromVdso(const MappedFile& file) {
   Listed none = {std::make_shared<SymbolList>(), "it has no file"};
   const std::string_view image = ownVdso();

@@ -19,11 +19,11 @@ class SymbolTable;
 
 namespace zelkit {
 
-/// The names of all addresses of a recording: from the files at hand, the symbols that the recording carries,
-/// the maps that runtimes left of the code they made, and the kernel's table.
+/// Names of all addresses of a recording: from available files, symbols in the recording, maps of JIT code,
+/// and the kernel's table.
 class Names : public FileKnowledge {
  public:
-  /// `folders`: where the user has files with symbols, searched first.
+  /// `folders`: the user's folders with symbol files, searched first.
   Names(Source& source, const std::vector<std::string>& folders);
 
   std::optional<Link> linkOf(const MappedPiece& piece) override;
@@ -32,10 +32,10 @@ class Names : public FileKnowledge {
 
   /// Fills the engine's table for a mapped file.
   void addTo(SymbolTable& table, const MappedFile& file);
-  /// Fills the engine's table for the kernel, which begins at `start`.
+  /// Fills the engine's table for the kernel, which starts at `start`.
   void addKernelTo(SymbolTable& table, std::uint64_t start);
 
-  /// What went wrong with files, a line each.
+  /// Returns one line for each problem with a file.
   [[nodiscard]] const std::vector<std::string>& notes() const { return _notes; }
 
  private:
@@ -60,7 +60,7 @@ class Names : public FileKnowledge {
   SymbolLists _lists;
   std::map<std::string, const RecordedFile*> _recorded;  ///< by path
   std::map<std::string, Listed> _listed;                 ///< by name in the records
-  std::unique_ptr<TemporaryFolder> _folder;              ///< for files that lie in memory only
+  std::unique_ptr<TemporaryFolder> _folder;              ///< for files that exist only in memory
   std::shared_ptr<const SymbolList> _kernel = std::make_shared<SymbolList>();
   bool _kernelRead = false;
   std::vector<std::string> _notes;

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kMark = "<!--documents-->";
 
-/// Returns where the page lies beside an installed program, or where the build puts it.
+/// Returns the path of the installed page, or of the one in the build folder.
 std::string installedPage() {
   std::error_code error;
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
@@ -31,7 +31,7 @@ std::string wholeText(const std::string& path) {
   return text;
 }
 
-/// Returns the text as it may stand between the quotes of an attribute.
+/// Returns the text, escaped for a quoted attribute.
 std::string quoted(const std::string& text) {
   std::string safe;
   for (const char byte : validUtf8(text)) {

@@ -9,14 +9,14 @@
 
 namespace zelkit {
 
-/// The viewer's page with documents in it, see docs/documents-in-the-page.md.
+/// Writes the viewer's page with embedded documents, see docs/documents-in-the-page.md.
 class PageFile {
  public:
-  /// Begins with the empty page: that of the path, or the installed one if the path is empty. Throws
+  /// Starts with the empty page at the path, or the installed one if the path is empty. Throws
   /// std::runtime_error with "PATH: reason".
   PageFile(OutputFile& output, const std::string& emptyPage);
 
-  /// Adds a document or a layout file. `write` writes its bytes into the sink that it is given.
+  /// Adds a document or a layout file. `write(sink)` writes its bytes.
   template <typename Write>
   void add(const std::string& name, Write write) {
     open(name);
@@ -31,7 +31,7 @@ class PageFile {
   void finish();
 
  private:
-  /// Of columns of numbers the levels above this one make little less, in twice the time.
+  /// Higher levels compress columns of numbers little better, in twice the time.
   static constexpr int kLevel = 4;
 
   void open(const std::string& name);

@@ -9,7 +9,7 @@ namespace zelkit {
 
 namespace {
 
-/// Clears its line with the last of its copies.
+/// A line of progress, which the destructor of its last copy erases.
 class Line {
  public:
   explicit Line(const char* what) : _what(what) {}

@@ -6,8 +6,8 @@
 
 namespace zelkit {
 
-/// Returns a function that shows on standard error how far a walk is, if somebody is there to see it: a
-/// terminal. The line goes when the walk ends.
+/// Returns a function that shows the progress of a walk on standard error if that is a terminal. The line is
+/// erased with the function.
 Recording::Progress progressLine(const char* what);
 
 }  // namespace zelkit

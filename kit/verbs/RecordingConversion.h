@@ -1,4 +1,4 @@
-/// The whole way from a recording or capture to documents, which several verbs go.
+/// The conversion of a recording or capture to documents, used by several verbs.
 #pragma once
 
 #include <functional>
@@ -9,27 +9,27 @@
 
 namespace zelkit {
 
-/// What a user can say of a conversion.
+/// Command-line options of a conversion.
 struct ConversionOptions {
-  std::string mode;  ///< profile, timechart or both; empty for what the recording holds
+  std::string mode;  ///< profile, timechart or both; empty for what the recording has
   std::string machine;
   std::string event;
   ConversionRequest request;
 
-  /// Adds the options that every verb has that converts.
+  /// Adds the options that all converting verbs have.
   void addTo(CLI::App& command);
 };
 
-/// A document that a conversion made.
+/// A document made by a conversion.
 struct MadeDocument {
   Kind kind;
   std::string path;
-  std::string report;  ///< the account of it, a JSON object
+  std::string report;  ///< its account, a JSON object
 };
 
-/// Makes the documents of a recording or capture, each at the path that `pathOf` returns for its kind;
-/// `isSecond` tells it that the recording gives another one, a profile. Stops at the first that fails; the
-/// accounts go to standard error. Throws std::runtime_error with "FILE: reason".
+/// Makes the documents of a recording or capture, each at the path returned by `pathOf` for its kind;
+/// `isSecond` is true for a timechart that is made besides a profile. Stops at the first failure; accounts
+/// are printed on standard error. Throws std::runtime_error with "FILE: reason".
 Status convertRecording(const std::string& input, const ConversionOptions& options,
                         const std::function<std::string(Kind kind, bool isSecond)>& pathOf,
                         std::vector<MadeDocument>& made);

@@ -8,7 +8,7 @@ namespace zelkit {
 
 namespace {
 
-/// So many files without symbols are named to a person; the JSON account has them all.
+/// Number of files without symbols that the text names; the JSON account has all.
 constexpr std::size_t kFilesNamed = 5;
 constexpr std::size_t kNotesShown = 12;
 
@@ -32,7 +32,7 @@ class Lines {
   std::string _text;
 };
 
-/// The files whose samples have no function for want of the file, the most sampled first.
+/// Returns the files that are missing and leave samples without a function, most samples first.
 std::vector<const MappedFile*> missingFiles(const MappedFiles& files) {
   std::vector<const MappedFile*> missing;
   for (std::size_t i = 0; i < files.size(); ++i)

@@ -11,22 +11,23 @@
 
 namespace zelkit {
 
-/// What one document, or one rewritten recording, came out with.
+/// The result of one conversion or rewriting.
 struct Outcome {
   std::string output;
   const Account& account;
   const MappedFiles& files;
   std::size_t depth;               ///< of back-traces
-  std::vector<std::string> notes;  ///< what is missing or damaged, a line each
+  std::vector<std::string> notes;  ///< one line for each missing or damaged thing
 };
 
-/// Returns the account as lines of text, each of which begins with "zelkit: ".
+/// Returns the account as lines of text, each starting with "zelkit: ".
 std::string reportText(const Recording& recording, const Outcome& outcome);
 
 /// Returns the account as one JSON object.
 std::string reportJson(const Recording& recording, const Outcome& outcome);
 
-/// Returns the file that leads back to the device's own addresses, see docs/layout-file.md.
+/// Returns the contents of the layout file, which maps addresses back to those of the device, see
+/// docs/layout-file.md.
 std::string layoutJson(const Outcome& outcome);
 
 }  // namespace zelkit

@@ -12,7 +12,7 @@ MachineIdentity identityOf(const RecordingInfo& info) {
   return {info.hostName, info.kernelRelease, kernel != info.buildIds.end() ? kernel->second : ""};
 }
 
-/// Whether the table of a kernel has the symbol at the address. A kernel lies elsewhere after each start.
+/// Returns whether a kernel's table has the symbol at the address, which changes with each boot.
 bool hasSymbol(const std::string& tablePath, const std::string& symbol, std::uint64_t address) {
   std::ifstream table(tablePath);
   std::uint64_t found = 0;
@@ -39,7 +39,8 @@ Source::Source(const std::string& path) {
               recorded.kernelRelease == here.kernelRelease;
 }
 
-/// The build-id tells, or, where perf kept none (compressed recordings, pipe mode), the place of the kernel.
+/// Compares the build-ids, or, if perf stored none (compressed recordings, pipe mode), the addresses of the
+/// kernel.
 bool Source::isOfRunningKernel(const Survey& survey) const {
   const MachineIdentity recorded = identityOf(_recording->info());
   const MachineIdentity here = MachineIdentity::here();

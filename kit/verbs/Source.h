@@ -11,26 +11,25 @@
 
 namespace zelkit {
 
-/// What a verb is asked to work on: a recording, or a capture of a device with a recording in it.
+/// The input of a verb: a recording, or a capture with a recording in it.
 class Source {
  public:
   /// Throws std::runtime_error with "PATH: reason".
   explicit Source(const std::string& path);
 
-  /// Chooses the files of the machine that made the recording: those below the user's folder, if he named
-  /// one, the capture's, or this machine's if the recording was made here by the kernel that runs now; else
-  /// none.
+  /// Chooses the files of the machine that made the recording: those in `folder` unless that is empty, those
+  /// of the capture, or this machine's if the recording was made here by the running kernel; otherwise none.
   void chooseMachine(const std::string& folder, const Survey& survey);
-  /// Chooses folders for programs and libraries alone.
+  /// Chooses only the folders for programs and libraries.
   void chooseRoots(const std::string& folder);
 
   [[nodiscard]] Recording& recording() { return *_recording; }
-  /// Whether the recording was made on this machine.
+  /// Returns whether the recording was made on this machine.
   [[nodiscard]] bool madeHere() const { return _madeHere; }
   [[nodiscard]] const MachineFolder& machine() const { return _machine; }
-  /// Where programs and libraries of that machine are looked for, after the user's own folders.
+  /// Returns the folders with programs and libraries of that machine, searched after the user's own.
   [[nodiscard]] const std::vector<std::string>& roots() const { return _roots; }
-  /// What is missing or was damaged and changes a document, a line each.
+  /// Returns one line for each missing or damaged thing that changes a document.
   [[nodiscard]] const std::vector<std::string>& notes() const { return _notes; }
 
  private:

@@ -13,7 +13,7 @@ Survey::Survey(Recording& recording) : samples(recording.events().size()) {
 
 void Survey::mapping(const MappingEvent& event) {
   ++mappings;
-  // A kernel that hides its addresses tells 0.
+  // A kernel that hides its addresses reports 0.
   if (!event.kernel || event.start < Places::kFirst) return;
   kernelMapping = std::min(kernelMapping, event.start);
   const std::string_view prefix = RecordingInfo::kKernel;

@@ -8,7 +8,7 @@
 
 namespace zelkit {
 
-/// What a recording holds, found by going through it once.
+/// Contents of a recording, counted in one pass.
 class Survey : public EventSink {
  public:
   explicit Survey(Recording& recording);
@@ -27,11 +27,11 @@ class Survey : public EventSink {
   std::uint64_t userStacks = 0;
   std::uint64_t firstTime = ~std::uint64_t{0};  ///< nanoseconds
   std::uint64_t lastTime = 0;
-  /// A symbol of the kernel and where it lay, by which perf tells one start of a kernel from another; empty
-  /// if addresses were hidden.
+  /// The symbol by which perf identifies the kernel's load address, and that address; empty if addresses were
+  /// hidden.
   std::string kernelSymbol;
   std::uint64_t kernelSymbolAddress = 0;
-  std::uint64_t kernelMapping = ~std::uint64_t{0};  ///< where the lowest mapping of the kernel begins
+  std::uint64_t kernelMapping = ~std::uint64_t{0};  ///< lowest start of the kernel's mappings
 };
 
 }  // namespace zelkit

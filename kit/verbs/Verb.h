@@ -1,4 +1,4 @@
-/// What zelkit can be asked for: each verb registers itself, so that no central list of them exists.
+/// The verbs of zelkit's command line. Each registers itself, so there is no central list.
 #pragma once
 
 #include <string>
@@ -24,14 +24,13 @@ class Verb {
   const std::string& name() const { return _name; }
   const std::string& description() const { return _description; }
 
-  /// Adds the verb's own options to its subcommand. They must outlive the parse, so a verb keeps them in
-  /// members.
+  /// Adds the verb's options to its subcommand. Their variables must outlive the parse, so they are members.
   virtual void addOptions(CLI::App& command) = 0;
 
-  /// Does the work. Failures are thrown as std::runtime_error with "FILE: reason"; main prints them.
+  /// Runs the verb. Throws failures as std::runtime_error with "FILE: reason", which main prints.
   virtual Status run() = 0;
 
-  /// Returns all verbs in the order of their names.
+  /// Returns all verbs, sorted by name.
   static std::vector<Verb*> all();
 
  private:

@@ -1,4 +1,4 @@
-// zelkit convert RECORDING|CAPTURE: the documents that a recording gives.
+// zelkit convert RECORDING|CAPTURE: converts a recording to documents.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -43,7 +43,7 @@ class ConvertVerb : public Verb {
   }
 
  private:
-  /// The engine's own options must not turn against what zelkit asks of it.
+  /// Returns whether the engine's options do not contradict those that zelkit sets.
   bool checkEngineOptions() const {
     for (const std::string& option : _options.request.engineOptions) {
       if (option.size() < 2 || option[0] != '-' ||

@@ -1,4 +1,4 @@
-// zelkit export DOCUMENT... --to FORMAT [-o FILE]: documents in the formats of other viewers.
+// zelkit export DOCUMENT... --to FORMAT [-o FILE]: writes documents in the formats of other viewers.
 
 #include <CLI/CLI.hpp>
 #include <stdexcept>

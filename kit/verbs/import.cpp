@@ -1,4 +1,4 @@
-// zelkit import RECORDING -o OLD.data: the rewriting alone, a recording that zelconv reads right.
+// zelkit import RECORDING -o OLD.data: only rewrites a recording into one that zelconv reads correctly.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -58,7 +58,7 @@ class ImportVerb : public Verb {
   }
 
  private:
-  /// One event needs no survey of the recording.
+  /// With a single event no survey is needed.
   std::size_t chooseEvent(Recording& recording, const OldPayloads& payloads) const {
     std::size_t plain = 0;
     for (const EventDescription& event : recording.events())

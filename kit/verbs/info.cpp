@@ -1,4 +1,4 @@
-// zelkit info RECORDING|CAPTURE: what is in it, how it will convert, what is missing.
+// zelkit info RECORDING|CAPTURE: prints what is in it, how it will be converted, and what is missing.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

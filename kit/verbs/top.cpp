@@ -1,4 +1,4 @@
-// zelkit top RECORDING|CAPTURE|DOCUMENT: what takes the time.
+// zelkit top RECORDING|CAPTURE|DOCUMENT: prints what takes the time.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -14,14 +14,14 @@ namespace zelkit {
 namespace {
 
 constexpr double kMillisecondsPerSecond = 1e3;
-/// Callers that are shown below a function.
+/// Maximum number of callers shown below a function.
 constexpr std::size_t kMostCallers = 5;
 
 double percent(double part, double whole) {
   return whole > 0.0 ? 100.0 * part / whole : 0.0;
 }
 
-/// Hands a document to the visitor of its kind.
+/// Passes a document to the visitor of its kind.
 class Both : public DocumentVisitor {
  public:
   Both(SampleRanking& profile, TimechartLoad& timechart) : _profile(profile), _timechart(timechart) {}
@@ -71,7 +71,7 @@ class TopVerb : public Verb {
   using By = SampleRanking::By;
   static const std::map<std::string, By> kGroupings;
 
-  /// Returns whether the document is whole; what came before a damage is shown.
+  /// Returns whether the document is intact; of a damaged one the part before the damage is shown.
   bool show(const std::string& path) const {
     SampleRanking ranking(_by, _callers);
     TimechartLoad load(_most);

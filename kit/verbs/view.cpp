@@ -1,4 +1,4 @@
-// zelkit view RECORDING|CAPTURE|DOCUMENT...: a page with the documents in it, one file to keep or to mail.
+// zelkit view RECORDING|CAPTURE|DOCUMENT...: writes a page with the documents in it, a single file.
 
 #include <spawn.h>
 #include <sys/stat.h>
@@ -18,7 +18,7 @@ namespace zelkit {
 
 namespace {
 
-/// The page shows back-traces of any depth, so what the kernel recorded is kept.
+/// The page shows back-traces of any depth, so all recorded entries are kept.
 constexpr std::size_t kFullDepth = 127;
 
 bool exists(const std::string& path) {
@@ -78,7 +78,7 @@ class ViewVerb : public Verb {
     });
   }
 
-  /// Returns the file's own name, or its path if another document has that name.
+  /// Returns the file's name, or its path if another document has the same name.
   std::string nameOf(const std::string& path) {
     if (path == "-") return "standard input";
     const std::string name = std::filesystem::path(path).filename().string();
