@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(KeyTable, FindsWhatWasEnteredLastOrFirst) {
+TEST(KeyTable, AddKeepsTheFirstValueAndSetTheLast) {
   KeyTable<int> table;
   int values[3] = {};
   EXPECT_EQ(table.find(0), nullptr);
@@ -19,7 +19,7 @@ TEST(KeyTable, FindsWhatWasEnteredLastOrFirst) {
   EXPECT_EQ(table.find(std::uint64_t{1} << 63), nullptr);
 }
 
-TEST(KeyTable, HoldsManyKeysWhateverTheirSteps) {
+TEST(KeyTable, FindsManyKeysOfAnyStep) {
   for (const std::uint64_t step : {1ULL, 16ULL, 42043ULL, 1ULL << 16, 1ULL << 20, 1ULL << 32, 1ULL << 48}) {
     KeyTable<int> table;
     std::vector<int> values(60000);
@@ -35,7 +35,7 @@ TEST(KeyTable, HoldsManyKeysWhateverTheirSteps) {
   }
 }
 
-TEST(KeyHash, SpreadsKeysThatCollideByThemselves) {
+TEST(KeyHash, SpreadsKeysThatCollideUnhashed) {
   // Multiples of the size that the standard library gives such a table, and keys that differ in few bits.
   for (const std::uint64_t step : {20753ULL, 20753ULL * 107897, 1ULL << 16, 1ULL << 32, 1ULL << 48}) {
     std::unordered_set<std::uint64_t, KeyHash> keys;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kBlockSize = BlockPool::kBlockSize;
 
-TEST(BlockPool, HandsOutTheBlockGivenBackLast) {
+TEST(BlockPool, ReusesTheBlockReturnedLast) {
   std::vector<BlockPool::Block> blocks;  // of more than one chunk
   for (int i = 0; i < 300; ++i) {
     blocks.push_back(BlockPool::take());
@@ -28,7 +28,7 @@ TEST(BlockPool, HandsOutTheBlockGivenBackLast) {
   EXPECT_EQ(BlockPool::take().release(), first);
 }
 
-TEST(Arena, PiecesAreApartAndAligned) {
+TEST(Arena, PiecesAreDisjointAndAligned) {
   Arena arena;
   std::vector<char*> pieces;
   const auto sizeOf = [](std::size_t index) { return 1 + index * 37 % 200; };
@@ -46,7 +46,7 @@ TEST(Arena, PiecesAreApartAndAligned) {
   std::memset(whole, 1, kBlockSize);
 }
 
-TEST(Arena, GivesOnlyTheLatestPieceOutAgain) {
+TEST(Arena, ReusesOnlyTheLatestPiece) {
   Arena arena;
   void* const first = arena.allocate(24);
   void* const second = arena.allocate(40);

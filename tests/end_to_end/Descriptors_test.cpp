@@ -34,7 +34,7 @@ class Descriptors : public testing::Test {
   RecordingBuilder _recording;
 };
 
-TEST_F(Descriptors, StayApartFromTheDocumentWhicheverAreClosed) {
+TEST_F(Descriptors, TheDocumentGetsItsOwnWhicheverAreClosed) {
   _folder.write("uptime", "100.0 50.0\n");
   const std::string document = convert({});
   EXPECT_NE(document.find("work"), std::string::npos);
@@ -45,12 +45,12 @@ TEST_F(Descriptors, StayApartFromTheDocumentWhicheverAreClosed) {
 // -W makes a run complain on standard error while it makes the document, which then begins with these bytes.
 constexpr const char* kStartWithoutLabels = "{}{\n";
 
-TEST_F(Descriptors, KeepComplaintsOutOfTheDocument) {
+TEST_F(Descriptors, MessagesStayOutOfTheDocument) {
   _folder.write("uptime", "100.0 50.0\n");
   EXPECT_EQ(convert({0, 1, 2}, {"-b", "1", "-W"}).substr(0, 4), kStartWithoutLabels);
 }
 
-TEST_F(Descriptors, StayApartFromTheKernelsLog) {
+TEST_F(Descriptors, TheKernelsLogGetsItsOwn) {
   // Without an uptime, which would take the first free descriptor.
   for (const std::vector<int>& closed : {std::vector{1, 2}, std::vector{2}}) {
     EXPECT_EQ(convert(closed, {"-b", "1", "-m", "-v", "1", "-W"}).substr(0, 4), kStartWithoutLabels);

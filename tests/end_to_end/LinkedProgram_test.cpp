@@ -46,7 +46,7 @@ void addSymbols(const char* name, SymbolTable& table) {
   table.addElement(start + 0x100, 0xFF, kernel ? "kernel_next" : "middle", nullptr, 0);
 }
 
-TEST(LinkedProgram, BringsRecordsAndSymbolListsAndKeepsDeepTraces) {
+TEST(LinkedProgram, ProvidesRecordsAndSymbolsAndKeepsDeepTraces) {
   Conversion conversion;
   gMachineFiles.addSymbols = addSymbols;
   gDeepestTrace = 40;
@@ -74,7 +74,7 @@ TEST(LinkedProgram, BringsRecordsAndSymbolListsAndKeepsDeepTraces) {
   EXPECT_NE(rows(document, "samples").find("[" + entries + "]"), std::string::npos);
 }
 
-TEST(LinkedProgram, LooksForFilesBelowItsRootFirst) {
+TEST(LinkedProgram, SearchesForFilesBelowItsRootFirst) {
   const Conversion folder;
   folder.write("device/bin/sh", "");
   gMachineFiles.root = folder.path("device");

@@ -87,7 +87,7 @@ TEST(ProfileDocument, OfAnEmptyRecordingHasEmptySections) {
     EXPECT_EQ(rows(document, section), "");
 }
 
-TEST(ProfileDocument, LosesTheMembersOfItsDescriptionWithoutLabels) {
+TEST(ProfileDocument, HasNoDescriptionMembersWithoutLabels) {
   Conversion conversion;
   testing::internal::CaptureStderr();
   const std::string document = conversion.run(RecordingBuilder(), {"-b", "1", "-W"});
@@ -174,7 +174,7 @@ TEST(ProfileDocument, DoesNotReuseCachedUnmappedAddresses) {
             "8,65540,5,1.5,0,4,7,[[2415919108,8,],[2415919108,8,],]\n");
 }
 
-TEST(ProfileDocument, LastsToTheLatestSampleInTheFileAndNotTheGreatestTime) {
+TEST(ProfileDocument, DurationEndsAtTheLastSampleInTheFileNotTheLatestTime) {
   Conversion conversion;
   RecordingBuilder recording;
   for (const std::uint64_t seconds : {1U, 5U, 3U})
@@ -252,7 +252,7 @@ TEST(ProfileDocument, WithoutTheFirstInterruptReadsOneEntryTooFar) {
             "2,65536,5,0,0,4,7,[[65554,5,],[65555,5,],[65540,5,],]\n3,65536,5,0,0,4,7,[]\n");
 }
 
-TEST(ProfileDocument, MissesAMapBehindThoseOfOtherThreads) {
+TEST(ProfileDocument, MissesAMapSortedAfterThoseOfOtherThreads) {
   Conversion conversion;
   RecordingBuilder recording;
   recording.comm(7, 7, "tool");
@@ -266,7 +266,7 @@ TEST(ProfileDocument, MissesAMapBehindThoseOfOtherThreads) {
   EXPECT_EQ(rows(document, "samples"), "1,131088,6,0,0,4,7,[]\n2,393232,6,0,0,4,7,[]\n");
 }
 
-TEST(ProfileDocument, TracePointSamplesTakeNumbersAndMarkSymbolsButHaveNoRow) {
+TEST(ProfileDocument, TracePointSamplesAreCountedAndMarkSymbolsButHaveNoRow) {
   Conversion conversion;
   conversion.library("/app/tool", "10000 T main\n10100 T work\n10300 T stop\n");
   TraceBuilder recording;

@@ -52,7 +52,7 @@ TEST(RealRecordings, CallGraphConvertsWithEveryBackTrace) {
   EXPECT_EQ(found, expected);
 }
 
-TEST(RealRecordings, SamplesWithOtherFieldsConvertWithoutHarm) {
+TEST(RealRecordings, SamplesWithOtherFieldsAreConvertedSafely) {
   for (const char* name : {"perf.data.armv7-3.4", "perf.data.i686-3.4", "perf.data.singleprocess-3.4"}) {
     RECORDING_OR_SKIP(file, name);
     // A word above 16 after the time makes a sample a trace-point sample, for which there is no event.

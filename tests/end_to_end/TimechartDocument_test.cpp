@@ -228,7 +228,7 @@ TEST(TimechartDocument, GpuEventsSetThePowerLevels) {
 )");
 }
 
-TEST(TimechartDocument, GpuIssuesAndInterruptsAreToldApartByKind) {
+TEST(TimechartDocument, GpuIssuesAndInterruptsAreDistinguishedByKind) {
   TraceBuilder trace;
   for (const unsigned int context : {1U, 3U, 4U})
     trace.at(1000 * context, 3, 42)
@@ -346,7 +346,7 @@ TEST(TimechartDocument, KeepsWhatIsInTheSelectedRange) {
   EXPECT_EQ(data(document, "cpu-0-b"), "[[1.000000,1]]");
 }
 
-TEST(TimechartDocument, TakesNamesUpToASecondOutsideTheSelectedRange) {
+TEST(TimechartDocument, ReadsNamesUpToASecondOutsideTheSelectedRange) {
   TraceBuilder trace;
   const auto rename = [&](std::uint64_t time, unsigned int pid, const char* name) {
     trace.at(time, 0).add("task:task_rename", Payload().u32(pid).text("old", 16).text(name, 16).u32(0));
@@ -368,7 +368,7 @@ TEST(TimechartDocument, TasksAreNamedAfterTheFirstProcessOfTheirThreadId) {
   EXPECT_NE(convert(trace).find("\"11 - first\",\"treeId\":\"11_10_proc_root\""), std::string::npos);
 }
 
-TEST(TimechartDocument, DropsWhatTheTablesHaveNoSlotFor) {
+TEST(TimechartDocument, DropsFactsOfCpusWithoutASlot) {
   TraceBuilder trace;
   trace.at(1000, 16).schedSwitch(0, 0, 11).at(2000, 0xFFFFFFFF).schedSwitch(11, 2, 0);
   trace.at(2000, 16).value("irq:softirq_entry", 1).at(2000, 99).value("irq:irq_handler_exit", 3);

@@ -30,7 +30,7 @@ std::string verbose(Conversion& conversion, const RecordingBuilder& recording,
   return all;
 }
 
-TEST(Verbose, ProfileTellsEachStep) {
+TEST(Verbose, ProfilePrintsEachStep) {
   Conversion conversion;
   conversion.kernelSymbols("c0008000 T stext\nc0008100 T schedule\n");
   conversion.library("/app/tool", "00010000 T main\n00010100 T work\n");
@@ -93,7 +93,7 @@ Lost Bytes: 8
 )");
 }
 
-TEST(Verbose, TimechartTellsEachTracePoint) {
+TEST(Verbose, TimechartPrintsEachTracePoint) {
   Conversion conversion;
   conversion.softInterrupts("CPU0\nHI: 0\n");
   RecordingBuilder recording;
@@ -154,7 +154,7 @@ Lost Bytes: 0
 )");
 }
 
-TEST(Verbose, EventTableCutOffByTheEndOfTheFileRepeatsItsLastEntry) {
+TEST(Verbose, TruncatedEventTableRepeatsItsLastEntry) {
   Conversion conversion;
   const auto linesOf = [&](const std::string& recording) {
     conversion.write("perf.data", recording);

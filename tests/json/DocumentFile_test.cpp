@@ -34,7 +34,7 @@ int statusOfWritingTooMuch(const std::string& path, void (*atTheLimit)(int)) {
   return status;
 }
 
-TEST(DocumentFile, HoldsAllPieces) {
+TEST(DocumentFile, ContainsAllPieces) {
   const Conversion folder;
   folder.write("out", "what was there before");
   const std::string_view pieces[] = {"one,", "", "two\n"};
@@ -45,7 +45,7 @@ TEST(DocumentFile, HoldsAllPieces) {
   EXPECT_EQ(folder.read("out"), "one,two\n");
 }
 
-TEST(DocumentFile, IsEmptyWhenNotAllCouldBeWritten) {
+TEST(DocumentFile, IsEmptyIfWritingFails) {
   const Conversion folder;
   const std::string path = folder.path("out");
   int status = statusOfWritingTooMuch(path, SIG_IGN);
@@ -56,7 +56,7 @@ TEST(DocumentFile, IsEmptyWhenNotAllCouldBeWritten) {
   EXPECT_EQ(folder.read("out"), "");
 }
 
-TEST(DocumentFile, IsEmptyWhenASignalEndsTheProgramMeanwhile) {
+TEST(DocumentFile, IsEmptyIfASignalInterruptsTheWriting) {
   const Conversion folder;
   for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
     interruption = signal;

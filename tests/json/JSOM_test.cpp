@@ -64,7 +64,7 @@ TEST(JSOM, ConvertsValuesInPlace) {
             "[\"12\",\"12x\",-34,1.5,false,true,\"false\",\"no\",0.5,\"true\",null,\"-\",12,true,\"1.23\"]");
 }
 
-TEST(JSOM, FailuresPrintALineAndGiveAnInvalidHandle) {
+TEST(JSOM, FailuresPrintALineAndReturnAnInvalidHandle) {
   JSOM doc;
   doc.fromString("[1]");
   testing::internal::CaptureStderr();

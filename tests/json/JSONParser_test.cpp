@@ -98,7 +98,7 @@ std::string expectedMessage(const char* operation, const char* message) {
   return *message != '\0' ? std::string("JSONData::") + operation + ": syntax error: " + message + "\n" : "";
 }
 
-TEST(JSONParser, BothTwinsTakeTheSameLanguage) {
+TEST(JSONParser, BothParsersAcceptTheSameLanguage) {
   for (const Case& c : kCases) {
     const Parsed text = parseText(c.text);
     EXPECT_EQ(text.tree, c.tree) << c.text;
@@ -111,7 +111,7 @@ TEST(JSONParser, BothTwinsTakeTheSameLanguage) {
   }
 }
 
-TEST(JSONParser, TwinsDifferInWordsAndNuls) {
+TEST(JSONParser, ParsersDifferInWordsAndNuls) {
   EXPECT_EQ(parseText("[nulx]").rest, "nulx]");
   EXPECT_EQ(parseText("[nulx]").messages, expectedMessage("setFromJsonString()", "invalid null value"));
   EXPECT_EQ(parseStream("[nulx]").rest, "]");
@@ -164,7 +164,7 @@ TEST(JSONParser, OffersItsStepsForBothSources) {
   EXPECT_EQ(steps(Stream()), expected);
 }
 
-TEST(JSONParser, ExtendsAContainerThatIsThereAlready) {
+TEST(JSONParser, ExtendsAnExistingContainer) {
   JSONData node;
   EXPECT_TRUE(node.setFromJsonStlString("[1]"));
   EXPECT_TRUE(node.setFromJsonStlString("[2] tail"));
@@ -173,7 +173,7 @@ TEST(JSONParser, ExtendsAContainerThatIsThereAlready) {
   EXPECT_EQ(out, "[1,2]");
 }
 
-TEST(JSONParser, TakesAnyDepthOfNesting) {
+TEST(JSONParser, AcceptsAnyDepthOfNesting) {
   constexpr std::size_t depth = 1000000;
   JSONData arrays;
   EXPECT_TRUE(arrays.setFromJsonStlString(std::string(depth, '[') + std::string(depth, ']')));

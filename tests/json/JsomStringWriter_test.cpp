@@ -47,7 +47,7 @@ TEST(JsomStringWriter, EscapesSevenBytesAndNoOthers) {
   EXPECT_EQ(wholeText(out), std::string("[\"\\b\\t\\n\\f\\r\\\"\\\\/\x01\x80\0z\",\"a\"b\",null]", 34));
 }
 
-TEST(JsomStringWriter, RefusesCallsOutOfOrderAndGoesOn) {
+TEST(JsomStringWriter, RefusesCallsOutOfOrderAndContinues) {
   loomstat::TextBuffer out;
   JsomStringWriter writer(out);
   testing::internal::CaptureStderr();
@@ -74,7 +74,7 @@ TEST(JsomStringWriter, RefusesCallsOutOfOrderAndGoesOn) {
   EXPECT_EQ(wholeText(out), "{\"a\":[true,]}-5");
 }
 
-TEST(JsomStringWriter, GivesADanglingLabelNullAndWritesANulBelowTheDeepestIndent) {
+TEST(JsomStringWriter, CompletesALabelWithNullAndIndentsDeepLevelsWithANul) {
   loomstat::TextBuffer out;
   JsomStringWriter writer(out);
   writer._whiteSpace = true;

@@ -44,14 +44,14 @@ TEST(PerfJSONWriter, WritesEachRecordOnANewLineAfterItsComma) {
             "{\"a\":1,\"b\":[{\"x\":2,\"y\":\"s\"},{\"x\":3,\"y\":\"t\"},],\"c\":[4,5],\"d\":[]}\n");
 }
 
-TEST(PerfJSONWriter, IndentsByOneSpaceALevel) {
+TEST(PerfJSONWriter, IndentsByOneSpacePerLevel) {
   EXPECT_EQ(exampleDocument(true, true, true),
             "{\n \"a\": 1,\n \"b\": [\n\n  {\n   \"x\": 2,\n   \"y\": \"s\"\n  }\n,\n  {\n   \"x\": 3,\n   "
             "\"y\": \"t\"\n"
             "  },\n  \n ],\n \"c\": [\n  4,5\n ],\n \"d\": [\n  \n ]\n}\n");
 }
 
-TEST(PerfJSONWriter, DissolvesRecordsWithoutLabels) {
+TEST(PerfJSONWriter, WritesNoBracesAroundRecordsWithoutLabels) {
   const Conversion folder;
   PerfJSONWriter writer(true, false);
   EXPECT_EQ(writer.open(nullptr), -1);
@@ -119,7 +119,7 @@ std::string bulk(PerfJSONWriter& writer) {
   return folder.read("out");
 }
 
-TEST(PerfJSONWriter, GivesADerivedWriterEveryCall) {
+TEST(PerfJSONWriter, CallsEveryOperationOfADerivedWriter) {
   NotingWriter derived(true, false);
   DocumentWriter own(true, false);
   const char* const document = "[[[5,6,],[7,8,],],[1.500000,9]]\n";
@@ -128,7 +128,7 @@ TEST(PerfJSONWriter, GivesADerivedWriterEveryCall) {
   EXPECT_EQ(bulk(own), document);
 }
 
-TEST(PerfJSONWriter, GoesOnWithoutAFileAndSaysWhyOnlyWhenAsked) {
+TEST(PerfJSONWriter, ContinuesWithoutAFileAndPrintsWhyOnlyWhenVerbose) {
   const std::pair<const char*, const char*> cases[] = {{"/nonexistent/out", "No such file or directory"},
                                                        {"/dev/full", "No space left on device"}};
   for (const auto& [name, reason] : cases)

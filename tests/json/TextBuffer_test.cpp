@@ -11,7 +11,7 @@ namespace {
 
 using loomstat::TextBuffer;
 
-TEST(TextBuffer, HoldsWhatAStringWould) {
+TEST(TextBuffer, EqualsAString) {
   std::mt19937 numbers(1);
   TextBuffer buffer;
   TextBuffer other;

@@ -12,13 +12,13 @@ namespace {
 constexpr CodeAddress kCode = {0x8000, 7, 8};
 constexpr ResolutionBasis kBasis = {5, 6, AddressClass::mapped};
 
-TEST(AddressCache, KnowsNothingAtFirst) {
+TEST(AddressCache, IsEmptyAtFirst) {
   const auto cache = std::make_unique<AddressCache>();
   EXPECT_EQ(cache->find({}, {}), nullptr);
   EXPECT_EQ(cache->find(kCode, kBasis), nullptr);
 }
 
-TEST(AddressCache, FindsWhatWasStoredUnderThatKeyOnly) {
+TEST(AddressCache, FindsOnlyTheStoredKey) {
   const auto cache = std::make_unique<AddressCache>();
   PerfRecordMMap map;
   const Resolution& stored = cache->store(kCode, kBasis, {.map = &map, .unmapped = true});
@@ -41,7 +41,7 @@ TEST(AddressCache, FindsWhatWasStoredUnderThatKeyOnly) {
   EXPECT_EQ(cache->find(others[0], kBasis)->map, &second);
 }
 
-TEST(AddressCache, ForgetsWhatAFurtherMapOrProcessMayChange) {
+TEST(AddressCache, ANewMapOrProcessMakesEntriesStale) {
   const auto cache = std::make_unique<AddressCache>();
   PerfRecordMMap map;
   SymbolTableElement page;

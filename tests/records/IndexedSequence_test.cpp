@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(IndexedSequence, HoldsWhatAVectorWould) {
+TEST(IndexedSequence, EqualsAVector) {
   std::mt19937 numbers(1);
   for (const unsigned int spread : {1U, 3U, 100000U}) {  // at the front, near it, anywhere
     IndexedSequence<unsigned int> sequence;

@@ -49,7 +49,7 @@ TEST(PerfBlockReader, ReturnsWhatDirectReadsDo) {
   EXPECT_FALSE(none.status());
 }
 
-TEST(PerfReader, WarnsOfSizesThatNoRecordHas) {
+TEST(PerfReader, WarnsAboutImplausibleSizes) {
   const Conversion folder;
   folder.write("file", std::string(5000, 'x'));
   char bytes[4096];
@@ -61,7 +61,7 @@ TEST(PerfReader, WarnsOfSizesThatNoRecordHas) {
   EXPECT_TRUE(reader.status());
 }
 
-TEST(PerfBlockReader, TakesFromAPipeWhatIsThere) {
+TEST(PerfBlockReader, ReadsFromAPipeWhatIsAvailable) {
   const Conversion folder;
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
   std::thread writer([&] { folder.write("pipe", "abcde"); });

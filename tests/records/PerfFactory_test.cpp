@@ -52,7 +52,7 @@ TEST(PerfFactory, ReadsEveryRecordOfAnIntactFile) {
   EXPECT_EQ(lastLine(result.output), "Lost Bytes: 0\n");
 }
 
-TEST(PerfFactory, ScansOverWhatIsNoPlausibleHeader) {
+TEST(PerfFactory, SkipsImplausibleHeaders) {
   // The rejected header is not counted; the words of the one that is found are.
   for (const std::string& damage : {header(0, 24), header(17, 24), header(3, 11), header(3, 257)}) {
     SCOPED_TRACE(damage[0]);
@@ -67,13 +67,13 @@ TEST(PerfFactory, CountsTheWordsOfTheScan) {
             "Lost Bytes: 20\n");
 }
 
-TEST(PerfFactory, NeverTakesTheSecondWordOfARejectedHeaderAsAType) {
+TEST(PerfFactory, NeverUsesTheSecondWordOfARejectedHeaderAsAType) {
   // 3 in the upper word of the bad header, then a word that would do as a size.
   const std::string misleading = Bytes().u32(0).u32(3).u16(0).u16(24).str();
   EXPECT_EQ(walk(misleading + comm(5, "one")).names, "one ");
 }
 
-TEST(PerfFactory, TakesRecordsOfTwelveTo256Bytes) {
+TEST(PerfFactory, AcceptsRecordsOf12To256Bytes) {
   EXPECT_EQ(walk(header(3, 12) + Bytes().u32(9).str() + comm(5, "one")).names, " one ");
   const std::string longest = header(3, 256) + Bytes().u32(8).u32(8).text(std::string(300, 'x'), 240).str();
   EXPECT_EQ(walk(longest).names.substr(0, 240), std::string(240, 'x'));
@@ -85,14 +85,14 @@ TEST(PerfFactory, ReadsATruncatedBodyOverStaleBytes) {
   EXPECT_EQ(walk(comm(5, "longname") + cut).names, "longname abngname ");
 }
 
-TEST(PerfFactory, LetsACreationFunctionReadABufferOfItsCaller) {
+TEST(PerfFactory, ReadsARecordInABufferOfTheCaller) {
   std::string record = comm(5, "one");  // and the factory has no buffer yet
   const PerfRecord* process = PerfRecordComm::createInstance(record.data());
   EXPECT_EQ(process->pid, 5U);
   EXPECT_STREQ(process->getName(), "one");
 }
 
-TEST(PerfRecordComm, KnowsTheSymbolsOfKernelAddressesOnly) {
+TEST(PerfRecordComm, HasSymbolsOfKernelAddressesOnly) {
   SymbolTable kernel;
   SymbolTable::_kernelSymTable = &kernel;
   gKernelStart = 0xC0008000;

@@ -37,7 +37,7 @@ class PerfRecordMMapTest : public testing::Test {
   PerfRecordMMap* _map;
 };
 
-TEST_F(PerfRecordMMapTest, CountsEveryUseWhetherLookedUpOrKnown) {
+TEST_F(PerfRecordMMapTest, CountsEveryUseWhetherCachedOrNot) {
   const auto kernelUses = [](std::size_t index) {
     return SymbolTable::_kernelSymTable->elements()[index].useCount();
   };
@@ -62,7 +62,7 @@ TEST_F(PerfRecordMMapTest, CountsEveryUseWhetherLookedUpOrKnown) {
   EXPECT_EQ(_symbol->mapKeys(), std::vector<unsigned int>{_map->getKey()});
 }
 
-TEST_F(PerfRecordMMapTest, NeverUsesAResolutionThatAFurtherMapChanged) {
+TEST_F(PerfRecordMMapTest, NeverUsesAResolutionFromBeforeANewMap) {
   EXPECT_EQ(resolve(0x90000004), _map->getKey());
   EXPECT_EQ(resolve(0x90000004), _map->getKey());
   const PerfRecordMMap* further = new PerfRecordMMap(7, 7, 0x90000000, 0x1000, 0, "/app/further");

@@ -28,7 +28,7 @@ RecordingBuilder described() {
   return recording.feature(kEventDescriptions, descriptions("cpu-clock", "sched:x"));
 }
 
-TEST(RecordingFacts, AreThoseOfTheHeader) {
+TEST(RecordingFacts, AreReadFromTheHeader) {
   const Conversion folder;
   described().save(folder.path("perf.data"));
   const std::optional<RecordingFacts> facts = readRecordingFacts(folder.path("perf.data"));
@@ -44,7 +44,7 @@ TEST(RecordingFacts, AreThoseOfTheHeader) {
   EXPECT_EQ(countMappedFiles(folder.path("perf.data"), *facts), 2U);
 }
 
-TEST(RecordingFacts, OfDamagedHeadersDoNoHarm) {
+TEST(RecordingFacts, DamagedHeadersDoNoHarm) {
   const Conversion folder;
   const std::string whole = described().build();
   const auto look = [&](const std::string& bytes) {
@@ -69,7 +69,7 @@ TEST(RecordingFacts, OnlyRegularFilesAreRead) {
   EXPECT_FALSE(readRecordingFacts(folder.path("missing")));
 }
 
-TEST(SampleLayout, FirstFieldInAnothersPlaceIsNamed) {
+TEST(SampleLayout, NamesTheFirstMisplacedField) {
   struct Case {
     std::uint32_t type;
     std::uint64_t sampleType;

@@ -97,7 +97,7 @@ TEST(TimeBase, ConvertsOnEveryScale) {
   EXPECT_EQ(time64ToDouble(1999999999), 1.0 + 0.999999999);
 }
 
-TEST(TargetNumbers, AreThoseOfA32BitTarget) {
+TEST(TargetNumbers, EqualThoseOfA32BitTarget) {
   const std::pair<const char*, int> numbers[] = {{"2147483647", 2147483647},
                                                  {"2147483648", 2147483647},
                                                  {"-2147483649", -2147483647 - 1},

@@ -111,7 +111,7 @@ class TerminalReports : public testing::Test {
 
 constexpr int kAborted = 128 + SIGABRT;
 
-TEST_F(TerminalReports, SayWhatCannotBeReadOrWritten) {
+TEST_F(TerminalReports, NameFilesThatCannotBeReadOrWritten) {
   const std::string summary =
       std::string("zelconv: perf.data: 2 samples kept (50.0 % without a function name)") + kNothingLost;
   const std::string abortion = ": the run will probably abort and leave perf.json empty\n";
@@ -146,7 +146,7 @@ TEST_F(TerminalReports, SayWhatCannotBeReadOrWritten) {
   for (const Case& one : cases) check(one);
 }
 
-TEST_F(TerminalReports, SayWhatTheRecordingIsReadAs) {
+TEST_F(TerminalReports, ShowHowTheRecordingIsRead) {
   const std::string none = std::string("zelconv: perf.data: 0 samples kept") + kNothingLost;
   const std::string decoded =
       "zelconv: perf.data: 0 samples kept, 1 trace-point decoded, 0 bytes lost, 0 samples lost by the "
@@ -215,7 +215,7 @@ TEST_F(TerminalReports, SayWhatTheRecordingIsReadAs) {
   for (const Case& one : cases) check(one);
 }
 
-TEST_F(TerminalReports, SayWhoseNamesTheKernelsFunctionsGet) {
+TEST_F(TerminalReports, WarnAboutUnusableKernelTables) {
   const std::string summary =
       std::string("zelconv: perf.data: 2 samples kept (50.0 % without a function name)") + kNothingLost;
   utsname machine{};
@@ -239,7 +239,7 @@ TEST_F(TerminalReports, SayWhoseNamesTheKernelsFunctionsGet) {
           std::string(machine.release) + "\n" + summary);
 }
 
-TEST_F(TerminalReports, SumUpWhatWasLost) {
+TEST_F(TerminalReports, SummariseLosses) {
   RecordingBuilder recording = profileOfTwo();
   recording.bytes(Bytes().u32(68).u16(0).u16(8).str());  // perf's mark for a finished round
   recording.record(10, std::string(64, 'm')).record(7, std::string(24, 'f')).record(10, std::string(64, 'm'));
@@ -260,7 +260,7 @@ TEST_F(TerminalReports, SumUpWhatWasLost) {
          "fits)\n"});
 }
 
-TEST_F(TerminalReports, CollectWhatNmComplainsOf) {
+TEST_F(TerminalReports, SummariseMessagesOfNm) {
   const std::string summary =
       std::string("zelconv: perf.data: 3 samples kept (100.0 % without a function name)") + kNothingLost;
   RecordingBuilder recording = profileOfTwo();
@@ -286,7 +286,7 @@ TEST_F(TerminalReports, CollectWhatNmComplainsOf) {
           summary.substr(0, 5));
 }
 
-TEST_F(TerminalReports, ProgressAppearsInALongRunAndGoes) {
+TEST_F(TerminalReports, ProgressAppearsInALongRunAndIsErased) {
   RecordingBuilder recording = profileOfTwo();
   recording.mmap(7, 7, 0x20000, 0x1000, "/lib/missing.so").mmap(7, 7, 0x30000, 0x1000, "/lib/slow.so");
   _conversion.library("/lib/slow.so", "");

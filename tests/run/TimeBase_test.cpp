@@ -34,7 +34,7 @@ TEST(TimeBase, KeepsAStartTimeThatAnOptionSet) {
   EXPECT_NEAR(systemStartTime, static_cast<double>(std::time(nullptr)), kSeconds);  // an uptime of 0
 }
 
-TEST(TimeBase, StaysAsItIsWithoutAnUptime) {
+TEST(TimeBase, IsUnchangedWithoutAnUptime) {
   const Conversion folder;
   calcTimeConversion();
   EXPECT_EQ(systemStartTime, 0.0);

@@ -79,7 +79,7 @@ RecordingBuilder recordingOf(const std::vector<std::string>& names, Dice& dice, 
   return recording;
 }
 
-TEST(PendingTables, GiveTheSameDocumentAsOneListAfterTheOther) {
+TEST(PendingTables, MakeTheSameDocumentAsSequentialLoading) {
   for (unsigned int seed = 1; seed <= 4; ++seed) {
     const Conversion folder;
     installNm(folder);

@@ -21,7 +21,7 @@ std::string nameAt(const SymbolTable& table, unsigned long long address) {
   return element != nullptr ? std::string(element->name()) : "-";
 }
 
-TEST(SymbolTable, FindsAnAddressUpToAndWithTheEndOfItsSymbol) {
+TEST(SymbolTable, FindsAddressesUpToAndIncludingTheEndOfASymbol) {
   SymbolTable table;
   EXPECT_EQ(nameAt(table, 0), "-");
   table.addElement(0x100, 0x10, "one", nullptr, 0);
@@ -36,7 +36,7 @@ TEST(SymbolTable, FindsAnAddressUpToAndWithTheEndOfItsSymbol) {
   for (const auto& [address, name] : cases) EXPECT_EQ(nameAt(table, address), name) << std::hex << address;
 }
 
-TEST(SymbolTable, TakesAHugeSizeForAGap) {
+TEST(SymbolTable, TreatsAHugeSizeAsAGap) {
   SymbolTable table;
   EXPECT_EQ(table.addElement(0, 1048576, "a", nullptr, 0)->size(), 1048576U);
   EXPECT_EQ(table.addElement(0, 1048577, "b", nullptr, 0)->size(), 0U);
@@ -69,7 +69,7 @@ std::string read(const std::string& list, bool kernel = false) {
   return result;
 }
 
-TEST(SymbolList, SizesComeFromTheSuccessorAndTheLastLineIsTakenTwice) {
+TEST(SymbolList, SizesFollowFromTheSuccessorAndTheLastLineIsReadTwice) {
   EXPECT_EQ(read("1000 T one\n1100 T two\n1100 W three\n1180 t four\n"),
             "1000+100 one\n|1100+0 two|1100+80 three|1180+0 four|");
   EXPECT_EQ(read("1000 T one\n1100 T two"), "1000+100 one\n|");
@@ -78,7 +78,7 @@ TEST(SymbolList, SizesComeFromTheSuccessorAndTheLastLineIsTakenTwice) {
   EXPECT_EQ(read(""), "");
 }
 
-TEST(SymbolList, PassesOverOtherLines) {
+TEST(SymbolList, SkipsOtherLines) {
   EXPECT_EQ(read("         U printf\n1000 T one\n1010 t $a\n1018 T\nnonsense\n1020 D data\n1100 T two\n"),
             "1000+100 one\n|1100+0 two|");
 }
@@ -91,7 +91,7 @@ TEST(SymbolList, CutsNamesAtTabsAndAtInnerTypeLetters) {
       "1300+100 x)|1400+100 six|1500+0 five|");
 }
 
-TEST(SymbolList, LeavesALineEndThatNoPreviousNameReaches) {
+TEST(SymbolList, KeepsALineEndBeforeThePreviousName) {
   // The name of the second line begins farther to the right than the third line is long.
   EXPECT_EQ(read("1000 T one\n1100 W a_rather_long_name T x\n1200 T s\n1300 T t\n"),
             "1000+100 one\n|1100+100 x|1200+100 s\n|1300+0 t|");
@@ -109,7 +109,7 @@ TEST(SymbolList, CutsTheLineEndBeforeItLooksForTheName) {
             "1000+1000 one\n|2000+1000 " + fill + " T|3000+0 three|");
 }
 
-TEST(SymbolList, SortsAListThatGoesBackward) {
+TEST(SymbolList, SortsAListThatDescends) {
   const char* const list = "1000 T one\n2000 T two\n1800 T lost\n1400 T four\n1200 T three\tx.c:1\n";
   EXPECT_EQ(read(list), "1000+1000 one\n|1200+200 three|1400+c00 four\n|2000+1 two|");
   const std::string said = printed([&] {
@@ -123,7 +123,7 @@ TEST(SymbolList, SortsAListThatGoesBackward) {
             "SYMB k:00000 a:00002000 l:00001 u00000 n:two\n");
 }
 
-TEST(SymbolList, GoesBackwardAtALineWithoutANameToo) {
+TEST(SymbolList, SortsAListThatDescendsAtALineWithoutAName) {
   EXPECT_EQ(read("1000 T one\n2000 T two\n1800T lost\n1400 T four\n"),
             "1000+1000 one\n|1400+c00 four\n|2000+1 two|");
 }
@@ -153,7 +153,7 @@ TEST(SymbolTable, SplitsTheSearchPathAndTriesEveryFolder) {
   EXPECT_EQ(SymbolTable::findPathForFile("/none.so", index), "");
 }
 
-TEST(SymbolTable, PassesOverASocketButNotAPipe) {
+TEST(SymbolTable, SkipsASocketButNotAPipe) {
   const Conversion folder;
   SymbolTable::setPath(folder.path("root"));
   folder.library("/libx.so", "");
@@ -174,7 +174,7 @@ TEST(SymbolTable, PassesOverASocketButNotAPipe) {
   EXPECT_EQ(SymbolTable::findPathForFile("/deep/libx.so", index = 0), deep);
 }
 
-TEST(SymbolTable, SaysWhatItReadsAfterWhatNmSays) {
+TEST(SymbolTable, PrintsItsLinesAfterThoseOfNm) {
   const Conversion folder;
   folder.write("libx.so", "");
   folder.write("bin/nm",
@@ -191,7 +191,7 @@ TEST(SymbolTable, SaysWhatItReadsAfterWhatNmSays) {
           "SYMB k:00000 a:00000010 l:00010 u00000 n:aaaa\n\nSYMB k:00000 a:00000020 l:00000 u00000 n:bbbb\n");
 }
 
-TEST(SymbolTable, SearchesOnAfterAFileWithoutSymbolsAndRemembersTheFailure) {
+TEST(SymbolTable, ContinuesAfterAFileWithoutSymbolsAndCachesTheFailure) {
   const Conversion folder;
   for (const char* place : {"stripped", "single", "full"})
     folder.write(std::string(place) + "/lib/libx.so", "");
@@ -235,7 +235,7 @@ TEST(SymbolTable, NeverLetsTheShellReadAFileName) {
   EXPECT_EQ(folder.read("planted"), "");
 }
 
-TEST(SymbolTable, NotesEachMapOfASymbolOnceInOrderOfFirstUse) {
+TEST(SymbolTable, ListsEachMapOfASymbolOnceInOrderOfFirstUse) {
   SymbolTable table;
   SymbolTableElement* symbol = table.addElement(0x100, 0x10, "main", nullptr, 0);
   std::vector<unsigned int> expected;

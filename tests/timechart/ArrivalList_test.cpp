@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(ArrivalList, HoldsAllInOrder) {
+TEST(ArrivalList, KeepsAllElementsInOrder) {
   std::vector<ArrivalList<double>> lists(3);  // which share their memory
   std::vector<double> expected;
   for (int i = 0; i < 20000; ++i) {

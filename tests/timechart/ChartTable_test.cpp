@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(ChartTable, TellsNumbersApart) {
+TEST(ChartTable, DistinguishesNumbers) {
   ChartTable<int> table;
   int charts[4] = {};
   EXPECT_EQ(table.find(300), nullptr);

@@ -14,7 +14,7 @@ struct Sample {
   bool operator==(const Sample&) const = default;
 };
 
-TEST(TimeOrder, SortsLikeAStableSortHoweverDisordered) {
+TEST(TimeOrder, EqualsAStableSort) {
   std::mt19937 numbers(1);
   for (const unsigned int disorder : {1U, 2U, 10U, 1000U})
     for (int count = 0; count < 200; ++count) {

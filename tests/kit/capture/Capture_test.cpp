@@ -130,7 +130,7 @@ TEST_F(CaptureTest, RefusesTarsThatReachOutside) {
   EXPECT_EQ(refusal({}), "no perf.data in this capture");
 }
 
-TEST_F(CaptureTest, GivesWhatCameBeforeTheDamage) {
+TEST_F(CaptureTest, KeepsTheFilesBeforeTheDamage) {
   writeTar(workshop.path("whole.tar"), kWhole);
   const std::string whole = workshop.read("whole.tar");
   const std::string cut = workshop.path("cut.tar");
@@ -152,7 +152,7 @@ TEST_F(CaptureTest, GivesWhatCameBeforeTheDamage) {
   }
 }
 
-TEST(MachineFolder, SaysWhatIsMissing) {
+TEST(MachineFolder, ReportsMissingFiles) {
   const ElfWorkshop workshop;
   workshop.write("hidden/kallsyms", "00000000 T stext\n00000000 T other\n");
   const MachineFolder hidden = MachineFolder::of(workshop.path("hidden"));
@@ -164,7 +164,7 @@ TEST(MachineFolder, SaysWhatIsMissing) {
   EXPECT_THROW(MachineFolder::of(workshop.folder() + "/absent"), std::runtime_error);
 }
 
-TEST(MachineIdentity, AgreesOnlyIfAllIsKnownAndEqual) {
+TEST(MachineIdentity, AgreesOnlyIfAllMembersAreKnownAndEqual) {
   const MachineIdentity board{"board", "6.1.0", "abcd"};
   EXPECT_TRUE(board.agreesWith(board));
   for (const MachineIdentity& other :

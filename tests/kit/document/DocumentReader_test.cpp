@@ -75,7 +75,7 @@ ReadOutcome read(std::string_view text, DocumentVisitor& visitor) {
   return readDocument(source, visitor);
 }
 
-TEST(DocumentReader, HandsEveryRowOfAProfile) {
+TEST(DocumentReader, VisitsEveryRowOfAProfile) {
   Notes notes;
   const ReadOutcome outcome = read(kProfile, notes);
   EXPECT_EQ(outcome.kind, DocumentKind::kProfile);
@@ -87,7 +87,7 @@ TEST(DocumentReader, HandsEveryRowOfAProfile) {
       "function 6 work 65792 256 5\nsample 1 65796 6 -1.5 0 4 7 65796>6 65544>5\nsample 2 3 6 1.75 1 4 7\n");
 }
 
-TEST(DocumentReader, HandsEverySeriesOfATimechart) {
+TEST(DocumentReader, VisitsEverySeriesOfATimechart) {
   Notes notes;
   const ReadOutcome outcome = read(kTimechart, notes);
   EXPECT_EQ(outcome.kind, DocumentKind::kTimechart);
@@ -98,7 +98,7 @@ TEST(DocumentReader, HandsEverySeriesOfATimechart) {
       "series evt|Events||events|proc:events||||0\nevent -1.5 -7 frame|a b\nend\n");
 }
 
-TEST(DocumentReader, KeepsAnyByteOfANameAndRefusesOnlyWhatIsNoDocument) {
+TEST(DocumentReader, KeepsAnyByteOfANameAndRefusesOtherFiles) {
   const std::string name("a\x01\x00\xff\xc3\xa4", 6);
   Notes notes;
   read(R"({"processes":{"data":[[1,2,3,")" + name + "\\u00e4\\\"" + R"(",],]}})", notes);
@@ -107,7 +107,7 @@ TEST(DocumentReader, KeepsAnyByteOfANameAndRefusesOnlyWhatIsNoDocument) {
     EXPECT_THROW(read(text, notes), std::runtime_error) << text;
 }
 
-TEST(DocumentReader, SaysWhereADocumentBrokeAndHandsWhatCameBefore) {
+TEST(DocumentReader, ReportsDamageAndVisitsTheRowsBeforeIt) {
   Notes whole;
   read(kProfile, whole);
   for (std::size_t size = kProfile.find("processes"); size < kProfile.size() - 1; ++size) {
@@ -143,7 +143,7 @@ TEST(DocumentReader, SaysWhereADocumentBrokeAndHandsWhatCameBefore) {
   }
 }
 
-TEST(ProfileTables, NamesFramesAndLeavesOutWhatIsNone) {
+TEST(ProfileTables, NamesFramesAndSkipsOtherEntries) {
   ProfileTables tables;
   read(kProfile, tables);
   EXPECT_EQ(tables.frameName(6), "work");

@@ -23,7 +23,7 @@ std::string ranked(SampleRanking::By by, bool withCallers = false, std::size_t m
   return text.str();
 }
 
-TEST(SampleRanking, CountsWhatIsInAGroupAndWhatItCalled) {
+TEST(SampleRanking, CountsOwnSamplesAndThoseOfCallees) {
   using By = SampleRanking::By;
   EXPECT_EQ(ranked(By::kFunction),
             "work@/app/tool 2 3; main@/app/tool 1 4; copy@/lib/libx.so 1 2; [in /lib/libx.so] 1 1; "
@@ -35,7 +35,7 @@ TEST(SampleRanking, CountsWhatIsInAGroupAndWhatItCalled) {
   EXPECT_EQ(ranked(By::kCore), "core 0 3 3; core 1 3 3; ");
 }
 
-TEST(SampleRanking, NamesCallersOnceASampleAndKeepsToTheWantedRows) {
+TEST(SampleRanking, CountsCallersOncePerSampleAndLimitsTheRows) {
   EXPECT_EQ(ranked(SampleRanking::By::kFunction, true, 3),
             "work@/app/tool 2 3 <main 3 <work 1; main@/app/tool 1 4; copy@/lib/libx.so 1 2 <work 1; ");
 }

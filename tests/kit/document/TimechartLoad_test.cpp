@@ -7,7 +7,7 @@
 namespace zelkit {
 namespace {
 
-TEST(TimechartLoad, AddsUpCoresAndTasksAndKeepsTheLongestWaits) {
+TEST(TimechartLoad, SumsCoresAndTasksAndKeepsTheLongestWaits) {
   TimechartLoad load(1);
   readText(kTimechartDocument, load);
   load.finish();

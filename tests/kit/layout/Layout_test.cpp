@@ -45,7 +45,7 @@ std::string records(const ModernRecording& builder) {
   return lay(builder).records;
 }
 
-TEST(Layout, MovesEveryFileToARangeOfItsOwn) {
+TEST(Layout, MovesEveryFileToItsOwnRange) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "tool");
   recording.mmap(7, 0x42A00000, 0x2000, 0, "/bin/pie");             // what zelconv takes for a library
@@ -59,7 +59,7 @@ TEST(Layout, MovesEveryFileToARangeOfItsOwn) {
             "sample 40000010 of 7/7 cpu 0: 40000010 40011020\n");
 }
 
-TEST(Layout, LeavesProgramsWhereTheyWereLinked) {
+TEST(Layout, DoesNotMoveProgramsAtTheirLinkAddress) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "a").comm(65543, 65543, "b");
   for (const unsigned int pid : {7U, 65543U}) recording.mmap(pid, 0x10000, 0x4000, 0, "/bin/static");
@@ -71,7 +71,7 @@ TEST(Layout, LeavesProgramsWhereTheyWereLinked) {
             "mmap 65543 40000000+14000 /bin/static\nsample 40010010 of 65543/65543 cpu 0:\n");
 }
 
-TEST(Layout, GivesAChildWhatItsParentHadAndDropsItAtAnExec) {
+TEST(Layout, AChildInheritsMappingsUntilItsExec) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "sh").mmap(7, 0xB6000000, 0x1000, 0, "/lib/a.so");
   recording.at(2000).fork(8, 7, 8, 7);
@@ -90,7 +90,7 @@ TEST(Layout, GivesAChildWhatItsParentHadAndDropsItAtAnExec) {
             "comm 8/9 tool\nsample 40010020 of 8/9 cpu 0:\n");
 }
 
-TEST(Layout, TellsCodeApartThatLayAtOneAddressOneAfterTheOther) {
+TEST(Layout, DistinguishesFilesMappedAtOneAddressInTurn) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "t");
   const char* const files[] = {"/a.so", "/b.so", "/a.so"};
@@ -105,7 +105,7 @@ TEST(Layout, TellsCodeApartThatLayAtOneAddressOneAfterTheOther) {
             "sample 40000010 of 7/7 cpu 0:\n");
 }
 
-TEST(Layout, KeepsCodeThatARuntimeMadeApartByItsPlace) {
+TEST(Layout, DistinguishesJitCodeByItsAddress) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "js")
       .mmap(7, 0x7F0000002000, 0x1000, 0, "//anon")
@@ -118,7 +118,7 @@ TEST(Layout, KeepsCodeThatARuntimeMadeApartByItsPlace) {
             "mmap 7 40010000+1000 /tmp/perf-7.map:7f0000009000\nsample 40010040 of 7/7 cpu 0:\n");
 }
 
-TEST(Layout, LeavesAddressesOfNoMappingAndOfTheKernel) {
+TEST(Layout, DoesNotMoveUnmappedAndKernelAddresses) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "t").mmap(7, 0xB6000000, 0x1000, 0, "/a.so");
   recording.sample({.ip = 0x40000010, .pid = 7, .tid = 7});  // stays, and nobody is put there
@@ -136,7 +136,7 @@ TEST(Layout, LeavesAddressesOfNoMappingAndOfTheKernel) {
             "sample c0008000 of 7/7 cpu 0: c0008000 b6000020 40010020\n");
 }
 
-TEST(Layout, NeverLosesASampleToADeepTraceAHighCoreOrALongName) {
+TEST(Layout, KeepsSamplesWithDeepTracesHighCoresAndLongNames) {
   ModernRecording recording = onArm();
   const std::string path = "/" + std::string(300, 'd') + "/lib/" + std::string(100, 'n') + ".so";
   recording.comm(7, 7, std::string(400, 'c')).mmap(7, 0xB6000000, 0x1000, 0, path);
@@ -156,7 +156,7 @@ TEST(Layout, NeverLosesASampleToADeepTraceAHighCoreOrALongName) {
   EXPECT_NE(lay(recording, {.event = 0, .depth = 127}).records.find(whole + "\n"), std::string::npos);
 }
 
-TEST(Layout, CountsWhatComesToNothing) {
+TEST(Layout, CountsDroppedRecords) {
   ModernRecording recording = onArm();
   recording.event({.config = 1, .id = 2, .name = "task-clock"});
   recording.event({.type = 2,
@@ -194,7 +194,7 @@ class OneFile : public FileKnowledge {
   int asked = 0;
 };
 
-TEST(Layout, GoesByTheProgramHeadersOfAFileAtHand) {
+TEST(Layout, UsesTheProgramHeadersOfAnAvailableFile) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "t")
       .mmap(7, 0xB6000000, 0x1000, 0x2000, "/lib/lld.so")
@@ -213,7 +213,7 @@ TEST(Layout, GoesByTheProgramHeadersOfAFileAtHand) {
   EXPECT_EQ(knowledge.asked, 1);  // only for what a sample touches
 }
 
-TEST(Layout, EndsWhereThereIsNoRoomWithoutLosingSamples) {
+TEST(Layout, KeepsSamplesWhenThereAreNoRangesLeft) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "t");
   for (std::uint64_t i = 0; i < 5; ++i) {

@@ -44,12 +44,12 @@ constexpr const char* kSmallEvents =
     "name 8/8 child exec\n"
     "map 8 20000+1000@1000 /lib/x.so data\n";
 
-TEST(Recording, GivesEventsInTheOrderOfTimeFromAFileAndAPipe) {
+TEST(Recording, SortsEventsByTimeFromAFileAndAPipe) {
   EXPECT_EQ(eventsOf(smallRecording().build()), kSmallEvents);
   EXPECT_EQ(eventsOf(smallRecording().buildPipe()), kSmallEvents);
 }
 
-TEST(Recording, TellsWhatItSaysOfItself) {
+TEST(Recording, ReadsItsDescription) {
   for (const std::string& bytes : {smallRecording().build(), smallRecording().buildPipe()}) {
     const Recording recording("", bytes);
     EXPECT_EQ(recording.info().hostName, "board");
@@ -78,7 +78,7 @@ TEST(Recording, ReadsCompressedRecordsThatEndWithinARecord) {
   EXPECT_NE(eventsOf(recording.build(data)).find("DAMAGE"), std::string::npos);
 }
 
-TEST(Recording, SortsWhatTheBuffersOfSeveralCoresHold) {
+TEST(Recording, SortsTheBuffersOfSeveralCores) {
   ModernRecording recording;
   recording.event({});
   for (const std::uint64_t time : {300U, 100U}) recording.at(time).sample({.ip = time});
@@ -93,7 +93,7 @@ TEST(Recording, SortsWhatTheBuffersOfSeveralCoresHold) {
 }
 
 /// A sample with every field that comes before the copy of the stack, by its sample_type.
-TEST(Recording, PassesOverFieldsByTheirLengths) {
+TEST(Recording, SkipsFieldsByTheirLengths) {
   zelkit::EventDescription event;
   event.userRegisters = 0b1011;
   event.branchSampleType = 1 << 17;
@@ -149,7 +149,7 @@ TEST(Recording, PassesOverFieldsByTheirLengths) {
     EXPECT_FALSE(readSample(event, body.substr(0, size), sample)) << size;
 }
 
-TEST(Recording, RefusesWhatIsNone) {
+TEST(Recording, RefusesOtherFiles) {
   const std::string good = smallRecording().build();
   const std::string swapped = "2ELIFREP" + good.substr(8);
   std::string noEvents = good;
@@ -164,7 +164,7 @@ TEST(Recording, RefusesWhatIsNone) {
   for (const auto& [bytes, message] : cases) EXPECT_EQ(eventsOf(bytes), message);
 }
 
-TEST(Recording, CutAnywhereGivesWhatCameBeforeAndSaysSo) {
+TEST(Recording, TruncatedAnywhereReportsDamageAndKeepsTheEventsBefore) {
   const ModernRecording recording = smallRecording();
   for (const std::string& whole : {recording.build(), recording.buildPipe()}) {
     std::size_t events = 0;
@@ -180,7 +180,7 @@ TEST(Recording, CutAnywhereGivesWhatCameBeforeAndSaysSo) {
   }
 }
 
-TEST(Recording, SurvivesEveryByteFlipped) {
+TEST(Recording, SurvivesAnyFlippedByte) {
   const ModernRecording recording = smallRecording();
   for (const std::string& whole : {recording.build(), recording.buildPipe()}) {
     for (std::size_t i = 0; i < whole.size(); ++i) {

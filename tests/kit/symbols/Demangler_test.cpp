@@ -7,7 +7,7 @@
 namespace zelkit {
 namespace {
 
-TEST(Demangler, KnowsCppAndBothFormsOfRust) {
+TEST(Demangler, DemanglesCppAndBothFormsOfRust) {
   const std::pair<const char*, const char*> cases[] = {
       {"main", "main"},
       {"_start", "_start"},
@@ -22,7 +22,7 @@ TEST(Demangler, KnowsCppAndBothFormsOfRust) {
   for (const auto& [mangled, expected] : cases) EXPECT_EQ(demangled(mangled), expected);
 }
 
-TEST(Demangler, LeavesNamesThatWouldExplode) {
+TEST(Demangler, KeepsNamesThatWouldExpandTooFar) {
   // Each argument is a template of the one before it, twice: 30 of them would need gigabytes.
   std::string name = "_Z1f1aI1bIiiE";
   for (const char last : std::string("123456789ABCDEFGHIJKLMNOPQRSTU")) {

@@ -61,7 +61,7 @@ TEST(ElfSymbols, AgreeWithReadelfToTheByte) {
   }
 }
 
-TEST(ElfSymbols, NameLocalFunctionsAndTheirSources) {
+TEST(ElfSymbols, IncludeLocalFunctionsAndSourceLines) {
   const SymbolList list = readElfSymbols(ZELKIT_FIXTURE, "");
   const std::pair<const char*, std::uint32_t> functions[] = {
       {"fixture::hidden(int)", 7}, {"fixture::Shape::twice(int) const", 13}, {"plain_name", 18}};
@@ -82,7 +82,7 @@ TEST(ElfSymbols, CloseFunctionsAndLeaveMarksOut) {
   for (const char* mark : {"$a", "$d.1"}) EXPECT_TRUE(named(list, mark).name.empty());
 }
 
-TEST(ElfSymbols, NameStubsByWhatTheyCall) {
+TEST(ElfSymbols, NameStubsAfterTheCalledFunction) {
   const ElfWorkshop workshop;
   const std::string code = workshop.output("objdump -d $FIXTURE | sed -n 's/ <puts@plt>:$//p'");
   if (code.empty()) GTEST_SKIP() << "no stub in this machine's program";
@@ -91,7 +91,7 @@ TEST(ElfSymbols, NameStubsByWhatTheyCall) {
   EXPECT_GE(stub.size, 12u);
 }
 
-TEST(ElfSymbols, ComeFromWhereverAStrippedFileLeftThem) {
+TEST(ElfSymbols, AreFoundInAnyTableOfAStrippedFile) {
   const ElfWorkshop workshop;
   workshop.run("objcopy --only-keep-debug $FIXTURE debug && strip -o stripped $FIXTURE");
   const SymbolList exported = readElfSymbols(workshop.path("stripped"), "");
@@ -137,7 +137,7 @@ TEST(ElfSymbols, ClearTheThumbBit) {
   EXPECT_FALSE(ElfFile::read(workshop.path("thumb.so")).wide);
 }
 
-TEST(ElfSymbols, SayWhatIsWrongWithAFile) {
+TEST(ElfSymbols, ReportFilesThatCannotBeRead) {
   const ElfWorkshop workshop;
   workshop.write("text", "not an ELF file");
   workshop.run("mkfifo pipe");
@@ -159,7 +159,7 @@ TEST(ElfSymbols, SayWhatIsWrongWithAFile) {
   }
 }
 
-TEST(ElfSymbols, OutliveDamagedFiles) {
+TEST(ElfSymbols, SurviveDamagedFiles) {
   const ElfWorkshop workshop;
   workshop.run("cp $FIXTURE whole");
   const std::string whole = workshop.read("whole");
@@ -181,7 +181,7 @@ TEST(ElfSymbols, OutliveDamagedFiles) {
   }
 }
 
-TEST(ElfFile, KnowsWhereABytesAddressLies) {
+TEST(ElfFile, MapsFileOffsetsToAddresses) {
   ElfFile file;
   file.segments = {{.offset = 0, .address = 0x10000, .fileSize = 0x1800, .executable = false},
                    {.offset = 0x1000, .address = 0x21000, .fileSize = 0x1000, .executable = true}};

@@ -8,7 +8,7 @@
 namespace zelkit {
 namespace {
 
-TEST(JitMap, HoldsTheLatestFunctionOfEachAddress) {
+TEST(JitMap, KeepsTheLatestFunctionOfEachAddress) {
   std::size_t badLines = 0;
   const SymbolList list = parseJitMap(
       "7f0010 10 first\n"
@@ -30,7 +30,7 @@ TEST(JitMap, HoldsTheLatestFunctionOfEachAddress) {
   EXPECT_EQ(list[3], (Symbol{0x7f0028, 16, "unfinished line"}));
 }
 
-TEST(JitMap, IsLookedForBelowTheRoot) {
+TEST(JitMap, IsSearchedForBelowTheRoot) {
   const ElfWorkshop workshop;
   workshop.write("root/tmp/perf-12.map", "10 4 made\n");
   workshop.run("ln -s /etc/passwd root/tmp/perf-13.map && mkfifo root/tmp/perf-14.map");

@@ -29,7 +29,7 @@ class SymbolFinderTest : public testing::Test {
   std::string link = id.substr(0, 2) + "/" + id.substr(2);
 };
 
-TEST_F(SymbolFinderTest, LooksBelowTheRootByPathThenByNameThenByBuildId) {
+TEST_F(SymbolFinderTest, SearchesByPathThenNameThenBuildId) {
   workshop.run("mkdir -p a/usr/bin b c/.build-id/" + link.substr(0, 2) + " d/.build-id/" + link +
                " e && "
                "cp $FIXTURE a/usr/bin/tool && cp $FIXTURE b/tool && cp $FIXTURE c/.build-id/" +
@@ -44,7 +44,7 @@ TEST_F(SymbolFinderTest, LooksBelowTheRootByPathThenByNameThenByBuildId) {
     EXPECT_EQ(found("a", name), std::string(name) + ": not a file");
 }
 
-TEST_F(SymbolFinderTest, LooksAnywhereBelowForOneOfItsName) {
+TEST_F(SymbolFinderTest, SearchesAllFoldersForAUniqueName) {
   workshop.run(
       "mkdir -p out/obj/deep out/other && cp $FIXTURE out/obj/deep/tool && ln -s ../obj/deep/tool "
       "out/other/tool");
@@ -88,7 +88,7 @@ TEST_F(SymbolFinderTest, RefusesAnotherBuildAndAnotherArchitecture) {
             "/bin/tool: " + workshop.path("one/tool") + " is not for " + foreign);
 }
 
-TEST_F(SymbolFinderTest, AddsWhatAStrippedFileLacks) {
+TEST_F(SymbolFinderTest, CompletesAStrippedFile) {
   workshop.run("mkdir -p root/bin copy plain byid/.build-id/" + link.substr(0, 2) +
                " && strip -o root/bin/tool $FIXTURE && "
                "cp $FIXTURE copy/tool && strip -g -o plain/tool $FIXTURE && objcopy --only-keep-debug "

@@ -35,7 +35,7 @@ std::string textOf(const SymbolList& list) {
   return text;
 }
 
-TEST(SymbolListBuilder, MakesDisjointRangesOfAnything) {
+TEST(SymbolListBuilder, MakesRangesDisjoint) {
   const struct {
     const char* what;
     std::vector<Added> symbols;
@@ -65,7 +65,7 @@ TEST(SymbolListBuilder, MakesDisjointRangesOfAnything) {
     EXPECT_EQ(textOf(listOf(oneCase.symbols)), oneCase.expected) << oneCase.what;
 }
 
-TEST(SymbolListBuilder, GivesEachAddressToTheFunctionThatBeganLast) {
+TEST(SymbolListBuilder, AssignsAddressesToTheFunctionThatStartsLast) {
   std::mt19937 random(1);
   for (int round = 0; round < 300; ++round) {
     std::map<std::uint64_t, std::uint64_t> sizes;  // 0: unknown
@@ -88,7 +88,7 @@ TEST(SymbolListBuilder, GivesEachAddressToTheFunctionThatBeganLast) {
   }
 }
 
-TEST(SymbolListBuilder, ListsCodeWithoutANameAndCutsItWhereFunctionsBegin) {
+TEST(SymbolListBuilder, ListsUnnamedCodeAndCutsItAtStartsOfFunctions) {
   SymbolListBuilder builder;
   builder.addCode(0x2000, 0x3000);
   builder.addCode(0x1000, 0x1800);
@@ -110,7 +110,7 @@ TEST(SymbolListBuilder, KeepsSourcesAndStoresEachFileOnce) {
   EXPECT_LT(list.bytes().size(), 100 * 30u);
 }
 
-TEST(SymbolList, RefusesDamagedBlocksAndNeverLeavesThem) {
+TEST(SymbolList, RefusesDamagedBlocksAndNeverReadsOutside) {
   const std::string whole = listOf({{{0x100, 16, "first", "file.c", 3}}, {{0x200, 8, "second"}}}).bytes();
   const auto readAll = [](const std::string& bytes) {
     const SymbolList list = SymbolList::fromBytes(bytes);

@@ -29,7 +29,7 @@ SymbolList listOfSize(std::size_t size) {
   return builder.build();
 }
 
-TEST(SymbolLists, AreMadeOnceAndKeptBetweenRuns) {
+TEST(SymbolLists, AreMadeOnceAndCachedBetweenRuns) {
   const ElfWorkshop workshop;
   const std::string cache = workshop.path("deep/in/cache");
   std::string first;
@@ -51,7 +51,7 @@ TEST(SymbolLists, AreMadeOnceAndKeptBetweenRuns) {
   EXPECT_EQ(lists.made(), 1u);
 }
 
-TEST(SymbolLists, TellCopiesOfABuildApart) {
+TEST(SymbolLists, DistinguishCopiesOfABuild) {
   const ElfWorkshop workshop;
   workshop.run(
       "strip -o stripped $FIXTURE && objcopy --remove-section .note.gnu.build-id $FIXTURE anonymous && "
@@ -70,7 +70,7 @@ TEST(SymbolLists, TellCopiesOfABuildApart) {
   EXPECT_EQ(filesIn(cache), 5u);
 }
 
-TEST(SymbolLists, KnowATextAgain) {
+TEST(SymbolLists, RecogniseTheSameText) {
   const ElfWorkshop workshop;
   const auto make = [](std::string_view text) {
     SymbolListBuilder builder;
@@ -84,7 +84,7 @@ TEST(SymbolLists, KnowATextAgain) {
   EXPECT_EQ(filesIn(workshop.path("cache")), 2u);
 }
 
-TEST(SymbolLists, DoWithoutACacheThatCannotBeWritten) {
+TEST(SymbolLists, WorkWithoutACacheThatCannotBeWritten) {
   const ElfWorkshop workshop;
   workshop.write("file", "");
   for (const std::string& folder : {workshop.folder() + "/file/cache", workshop.folder() + "/file"}) {
@@ -104,7 +104,7 @@ TEST(SymbolLists, DoWithoutACacheThatCannotBeWritten) {
   EXPECT_EQ(filesIn(workshop.path("cache")), 0u);
 }
 
-TEST(ListCache, RemovesWhatWasUsedLongestAgo) {
+TEST(ListCache, RemovesTheLeastRecentlyUsedLists) {
   const ElfWorkshop workshop;
   const ListCache cache(workshop.path("cache"), 2500);
   for (const char* name : {"a", "b", "c"}) ASSERT_TRUE(cache.store(name, listOfSize(1000)));
@@ -127,7 +127,7 @@ TEST(ListCache, RemovesWhatWasUsedLongestAgo) {
   EXPECT_FALSE(fs::exists(workshop.path("cache/broken.unfinished")));
 }
 
-TEST(ListCache, ServesManyRunsAtOnce) {
+TEST(ListCache, SupportsParallelRuns) {
   const ElfWorkshop workshop;
   const std::string folder = workshop.path("cache");
   constexpr int kRuns = 6;

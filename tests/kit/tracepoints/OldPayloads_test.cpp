@@ -39,7 +39,7 @@ Made make(const OnePoint& point, const std::string& raw) {
   return made;
 }
 
-TEST(OldPayloads, FindFieldsByTheirNames) {
+TEST(OldPayloads, FindFieldsByName) {
   // As a 64-bit kernel has it: a wide state, and names in another order.
   const OnePoint point("sched",
                        formatText("sched_switch", 316,
@@ -76,7 +76,7 @@ TEST(OldPayloads, FindFieldsByTheirNames) {
     EXPECT_FALSE(make(point, raw.substr(0, size)).done) << size;
 }
 
-TEST(OldPayloads, MoveTextsToWhereTheirFieldSays) {
+TEST(OldPayloads, MoveTextsAndTheirLocations) {
   for (const bool behind : {false, true}) {
     const OnePoint point("irq",
                          formatText("irq_handler_entry", 20,
@@ -97,7 +97,7 @@ TEST(OldPayloads, MoveTextsToWhereTheirFieldSays) {
   }
 }
 
-TEST(OldPayloads, TakeTheRunningTaskWhereARenameNamesNone) {
+TEST(OldPayloads, UseTheRunningTaskForARenameWithoutPid) {
   const OnePoint point("task", formatText("task_rename", 80, {{"char newcomm[16]", 8, 16}}), 80);
   const Made made = make(point, commonHeader(80, 42) + Bytes().text("new", 16).str());
   ASSERT_TRUE(made.done);
@@ -105,13 +105,13 @@ TEST(OldPayloads, TakeTheRunningTaskWhereARenameNamesNone) {
   EXPECT_EQ(made.raw.substr(28, 4), std::string("new\0", 4));
 }
 
-TEST(OldPayloads, KnowNothingOfOtherEvents) {
+TEST(OldPayloads, RefuseOtherEvents) {
   const OnePoint point("sched", formatText("sched_stat_runtime", 300, {}), 300);
   EXPECT_FALSE(make(point, commonHeader(300, 0)).done);
   EXPECT_TRUE(OldPayloads(point.info).table().empty());
 }
 
-TEST(OldPayloads, ReadWhatCameBeforeADamage) {
+TEST(OldPayloads, ReadTheFormatsBeforeADamage) {
   const std::string whole = tracingData(
       "irq", {formatText("softirq_entry", 30, {{"unsigned int vec", 8, 4}}), "name: x\nID: 31\n"});
   std::size_t found = 0;

@@ -32,7 +32,7 @@ TEST_F(ExportVerb, ListsTheFormatsForAnUnknownOne) {
     EXPECT_NE(outcome.said.find(std::string("\n  ") + format + " "), std::string::npos) << format;
 }
 
-TEST_F(ExportVerb, ReadsAPipeAndEndsQuietlyWithItsReader) {
+TEST_F(ExportVerb, ReadsAPipeAndEndsSilentlyWithItsReader) {
   const std::string document = file("a.json", kProfileDocument);
   const auto piped = ::runZelkit("export - --to folded <" + document + "");
   EXPECT_EQ(piped.status, 0);
@@ -41,7 +41,7 @@ TEST_F(ExportVerb, ReadsAPipeAndEndsQuietlyWithItsReader) {
   EXPECT_EQ(closed.said, "{");
 }
 
-TEST_F(ExportVerb, SaysWhereADocumentBrokeAndSparesItsInput) {
+TEST_F(ExportVerb, ReportsDamageAndNeverOverwritesItsInput) {
   const std::string cut = file("cut.json", kProfileDocument.substr(0, kProfileDocument.size() - 40));
   const auto damaged = ::runZelkit("export " + cut + " --to folded");
   EXPECT_EQ(damaged.status, 2);
@@ -52,7 +52,7 @@ TEST_F(ExportVerb, SaysWhereADocumentBrokeAndSparesItsInput) {
   EXPECT_NE(onItself.said.find("is the input itself"), std::string::npos) << onItself.said;
 }
 
-TEST_F(ExportVerb, PutsDocumentsIntoAPageFromWhichNoNameBreaksOut) {
+TEST_F(ExportVerb, EscapesNamesOfDocumentsInAPage) {
   std::string hostile = kProfileDocument;
   hostile.replace(hostile.find("\"work\""), 6, R"("</script><b>")");
   const std::string page = file("page.html", "<body><!--documents--><script>1</script>");

@@ -25,7 +25,7 @@ void gatherMachine(const TestFolder& folder) {
   std::filesystem::copy(kFolder + "/arm32/softirqs", folder.path("softirqs"));
 }
 
-TEST(RealRecordings, OfAnArmGuestHaveNearlyAllTheirNames) {
+TEST(RealRecordings, OfAnArmGuestAreNearlyAllNamed) {
   SKIP_WITHOUT("arm32/modern/cpu-clock-g.data");
   const TestFolder folder;
   gatherMachine(folder);
@@ -46,7 +46,7 @@ TEST(RealRecordings, OfAnArmGuestHaveNearlyAllTheirNames) {
   EXPECT_NEAR(figures.firstTime, 4.043178, 0.000002);
 }
 
-TEST(RealRecordings, GiveOneTimechartFromAFileAPipeAndCompressed) {
+TEST(RealRecordings, FromFilesPipesAndCompressedAreEqual) {
   SKIP_WITHOUT("arm32/modern/tracepoints.data");
   const TestFolder folder;
   gatherMachine(folder);
@@ -69,7 +69,7 @@ TEST(RealRecordings, GiveOneTimechartFromAFileAPipeAndCompressed) {
   }
 }
 
-TEST(RealRecordings, OfAndroidCarryTheirSymbols) {
+TEST(RealRecordings, OfAndroidContainTheirSymbols) {
   const struct {
     const char* file;
     std::size_t samples;

@@ -53,7 +53,7 @@ class Verbs : public testing::Test {
   TestFolder folder;
 };
 
-TEST_F(Verbs, ConvertMakesADocumentOfEachKindOnOneAxis) {
+TEST_F(Verbs, ConvertMakesDocumentsOfBothKindsOnOneTimeScale) {
   folder.write("perf.data", bothKinds().build());
   const ProgramRun done = run("convert %perf.data -o %x.json --report %report.json");
   EXPECT_EQ(done.status, 0);
@@ -81,7 +81,7 @@ TEST_F(Verbs, ConvertMakesADocumentOfEachKindOnOneAxis) {
   EXPECT_EQ(runCommand("jq . " + folder.path("report.json") + " >/dev/null || ! command -v jq").status, 0);
 }
 
-TEST_F(Verbs, ConvertShowsTheEventAndTheModeThatAreAskedFor) {
+TEST_F(Verbs, ConvertUsesTheRequestedEventAndMode) {
   folder.write("perf.data", bothKinds().build());
   EXPECT_EQ(run("convert %perf.data -o %x.json --mode profile --event task-clock -- -b 1").status, 0);
   EXPECT_EQ(ProfileFigures(folder.path("x.json")).firstTime, 1.6);
@@ -89,7 +89,7 @@ TEST_F(Verbs, ConvertShowsTheEventAndTheModeThatAreAskedFor) {
   EXPECT_EQ(files(), (std::vector<std::string>{"perf.data", "t.json", "x.json", "x.json.layout.json"}));
 }
 
-TEST_F(Verbs, InfoTellsWhatIsInARecording) {
+TEST_F(Verbs, InfoShowsWhatIsInARecording) {
   folder.write("perf.data", bothKinds().build());
   const ProgramRun told = run("info %perf.data");
   EXPECT_EQ(told.status, 0);
@@ -101,7 +101,7 @@ TEST_F(Verbs, InfoTellsWhatIsInARecording) {
     EXPECT_NE(told.said.find(line), std::string::npos) << line << told.said;
 }
 
-TEST_F(Verbs, ImportWritesARecordingThatIsReadAgain) {
+TEST_F(Verbs, ImportWritesAReadableRecording) {
   folder.write("perf.data", bothKinds().build());
   ASSERT_EQ(run("import %perf.data -o %old.data").status, 0);
   EXPECT_EQ(run("import %old.data -o %older.data").status, 0);
@@ -109,7 +109,7 @@ TEST_F(Verbs, ImportWritesARecordingThatIsReadAgain) {
   EXPECT_EQ(ProfileFigures(folder.path("x.json")).firstTime, 1.5);
 }
 
-TEST_F(Verbs, EndWithTheStatusThatTheManualTells) {
+TEST_F(Verbs, EndWithTheDocumentedStatus) {
   const std::string good = bothKinds().build();
   folder.write("perf.data", good);
   folder.write("text", "#!/bin/sh\n");

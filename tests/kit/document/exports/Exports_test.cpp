@@ -247,7 +247,7 @@ TEST(Exports, ShowTheSmallTimechart) {
   parsed(text);
 }
 
-TEST(Exports, AgreeToTheSample) {
+TEST(Exports, AgreeOnEverySample) {
   const Stacks folded = foldedStacks(exported("folded", {kProfileDocument}));
   EXPECT_EQ(folded.size(), 6U);
   EXPECT_EQ(speedscopeStacks(parsed(exported("speedscope", {kProfileDocument}))), folded);
@@ -321,7 +321,7 @@ TEST(Base64Output, PadsTheLastGroup) {
   }
 }
 
-TEST(Firefox, HoldsAProfileAndATimechartTogether) {
+TEST(Firefox, JoinsAProfileAndATimechart) {
   std::string profile = kProfileDocument;
   profile.replace(profile.find("[5,7,8,\"worker\",]"), 17, "[5,10,11,\"worker\",]");
   std::size_t at = 0;
@@ -343,7 +343,7 @@ TEST(Firefox, HoldsAProfileAndATimechartTogether) {
   EXPECT_THROW(exported("firefox", {profile, profile}), std::runtime_error);
 }
 
-TEST(Firefox, TellsKernelFromUserAndAddressesWithinLibraries) {
+TEST(Firefox, DistinguishesKernelAndUserAndHasAddressesWithinLibraries) {
   const rapidjson::Document file = parsed(exported("firefox", {kProfileDocument}));
   const Json& frames = file["shared"]["frameTable"];
   std::map<std::string, std::string> seen;
