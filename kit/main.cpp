@@ -14,7 +14,7 @@ int exitStatus(Status status) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app{"zelkit: takes any perf.data or a capture of a device and gives the document a user expects"};
+  CLI::App app{"zelkit: converts any perf.data or capture of a device to documents for the viewer"};
   app.set_version_flag("--version", ZELKIT_VERSION);
   app.require_subcommand(1);
   for (Verb* verb : Verb::all()) verb->addOptions(*app.add_subcommand(verb->name(), verb->description()));

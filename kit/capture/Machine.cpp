@@ -40,7 +40,7 @@ bool showsAddresses(const std::string& path) {
 /// Drops a kernel table without addresses, and adds that to `missing`.
 void checkKernelSymbols(MachineFolder& machine) {
   if (machine.kernelSymbols.empty()) {
-    machine.missing.emplace_back("no kernel symbols: functions of the kernel stay without names");
+    machine.missing.emplace_back("no kernel symbols: functions of the kernel have no names");
   } else if (!showsAddresses(machine.kernelSymbols)) {
     machine.missing.emplace_back(machine.kernelSymbols +
                                  ": kernel addresses are hidden; as root on the device, \"echo 0 > "

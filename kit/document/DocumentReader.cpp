@@ -110,10 +110,10 @@ ReadOutcome readDocument(ByteSource& source, DocumentVisitor& visitor) {
     const std::string reason =
         dispatcher.complaint().empty() ? rapidjson::GetParseError_En(result.Code()) : dispatcher.complaint();
     if (outcome.kind == DocumentKind::kNone)
-      throw std::runtime_error(source.name() + ": no document of zelconv: " + reason);
+      throw std::runtime_error(source.name() + ": not a document of zelconv: " + reason);
     outcome.damage = source.name() + ": byte " + std::to_string(result.Offset()) + ": " + reason;
   } else if (outcome.kind == DocumentKind::kNone) {
-    throw std::runtime_error(source.name() + ": no document of zelconv: no section was found");
+    throw std::runtime_error(source.name() + ": not a document of zelconv: no section was found");
   }
   return outcome;
 }

@@ -43,7 +43,7 @@ LayoutFile LayoutFile::beside(const std::string& documentPath) {
   rapidjson::Document document;
   document.Parse<rapidjson::kParseIterativeFlag>(wholeText(source).c_str());
   if (!document.IsObject() || !document.HasMember("mappings") || !document["mappings"].IsArray())
-    throw std::runtime_error(path + ": no layout file: it has no list of mappings");
+    throw std::runtime_error(path + ": not a layout file: it has no list of mappings");
   try {
     for (const rapidjson::Value& mapping : document["mappings"].GetArray()) {
       if (!mapping.IsObject() || !mapping.HasMember("pid") || !mapping["pid"].IsUint())

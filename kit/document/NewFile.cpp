@@ -29,7 +29,7 @@ bool areOneFile(const std::string& left, const std::string& right) {
 NewFile::NewFile(const std::string& path, const std::string& input) : _path(path) {
   if (areOneFile(path, input)) fail(path, "is the input itself, which writing would destroy");
   struct stat status = {};
-  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) fail(path, "is no regular file");
+  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) fail(path, "is not a regular file");
   _temporary = path + ".XXXXXX";
   const int fd = mkostemp(_temporary.data(), O_CLOEXEC);
   if (fd < 0) fail(path, std::strerror(errno));

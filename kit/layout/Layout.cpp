@@ -50,7 +50,7 @@ void Layout::mapping(const MappingEvent& event) {
   if (event.kernel) {
     if (event.start >= Places::kFirst) _choice.kernelStart = std::min(_choice.kernelStart, event.start);
     _places.limit(_choice.kernelStart);
-    count(_account.dropped, "mapping: of the kernel, which the engine knows by its own table");
+    count(_account.dropped, "mapping: of the kernel, which has its own table");
     return;
   }
   Process& process = _processes.of(event.pid);
@@ -76,12 +76,12 @@ void Layout::fork(const TaskEvent& event) {
 }
 
 void Layout::exit(const TaskEvent&) {
-  count(_account.dropped, "exit: nothing shows it");
+  count(_account.dropped, "exit: not shown in documents");
 }
 
 void Layout::lost(std::uint64_t records, bool samplesOnly) {
   (samplesOnly ? _account.samplesLostByKernel : _account.recordsLostByKernel) += records;
-  count(_account.dropped, "lost: told in this account");
+  count(_account.dropped, "lost: counted in this account");
 }
 
 void Layout::damaged(std::uint32_t type) {
@@ -94,7 +94,7 @@ void Layout::damaged(std::uint32_t type) {
 }
 
 void Layout::other(std::uint32_t type) {
-  count(_account.dropped, "type " + std::to_string(type) + ": nothing shows it");
+  count(_account.dropped, "type " + std::to_string(type) + ": not shown in documents");
 }
 
 void Layout::sample(const Sample& sample) {

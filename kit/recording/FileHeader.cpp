@@ -33,7 +33,7 @@ void checkMagic(std::string_view magic) {
   if (magic == "PERFILE2" || magic == "PERFFILE") return;
   if (magic == "2ELIFREP" || magic == "ELIFFREP")
     throw std::runtime_error("recorded on a machine of the other byte order, which is not supported");
-  throw std::runtime_error("not a recording: it does not begin with PERFILE2");
+  throw std::runtime_error("not a recording: it does not start with PERFILE2");
 }
 
 /// Reads the list of the features' sections, which follows the data.
@@ -43,7 +43,7 @@ void readFeatures(std::string_view file, const std::vector<Feature>& present, Fi
   for (const Feature feature : present) header.features.push_back({feature, readSection(list)});
   if (!list.ok()) {
     header.features.clear();
-    header.damage = "the file ends before the sections that follow the data";
+    header.damage = "the file ends before the sections after the data";
   }
 }
 
@@ -59,7 +59,7 @@ FileHeader FileHeader::read(std::string_view file) {
   Bytes bytes(file);
   checkMagic(bytes.take(8));
   const std::uint64_t headerSize = bytes.u64();
-  if (!bytes.ok()) throw std::runtime_error("it ends within its header");
+  if (!bytes.ok()) throw std::runtime_error("it is truncated within its header");
   FileHeader header;
   if (headerSize == kPipeHeaderSize) {
     header.pipe = true;
@@ -85,10 +85,10 @@ FileHeader FileHeader::read(std::string_view file) {
           present.push_back(static_cast<Feature>(static_cast<std::uint64_t>(word) * 64 + bit));
   if (header.data.size == 0) {
     header.data.size = file.size() - header.data.offset;
-    header.damage = "the recording was not finished: its header does not tell the size of its data";
+    header.damage = "the recording was not finished: its header lacks the size of its data";
   } else if (header.data.size > file.size() - header.data.offset) {
-    header.damage = "the file is cut off: " + std::to_string(file.size() - header.data.offset) + " of " +
-                    std::to_string(header.data.size) + " bytes of data are there";
+    header.damage = "the file is truncated: it has " + std::to_string(file.size() - header.data.offset) +
+                    " of " + std::to_string(header.data.size) + " bytes of data";
     header.data.size = file.size() - header.data.offset;
   } else {
     readFeatures(file, present, header);

@@ -37,7 +37,7 @@ void Recording::describe() {
   const bool tellsAllAhead = !_header.pipe && !_info.android() && !_header.features.empty();
   if (!tellsAllAhead) readOwnRecords();
   _info.nameEvents(_header.eventTypes.of(_file.bytes()));
-  if (_info.events.empty()) throw std::runtime_error(_file.path() + ": it describes no event");
+  if (_info.events.empty()) throw std::runtime_error(_file.path() + ": it has no event");
 }
 
 void Recording::note(const std::string& damage) {
@@ -62,7 +62,7 @@ void Recording::readAttributes() {
 void Recording::readFeatures() {
   for (const FileHeader::FeatureSection& entry : _header.features) {
     const std::string_view bytes = entry.section.of(_file.bytes());
-    if (bytes.size() < entry.section.size) note("a section that follows the data is cut off");
+    if (bytes.size() < entry.section.size) note("a section after the data is truncated");
     _info.takeFeature(entry.feature, bytes);
   }
 }

@@ -154,7 +154,7 @@ Names::Listed Names::make(const MappedFile& file) {
 }
 
 Names::Listed Names::makeFromJitMap(const MappedFile& file) {
-  Listed none = {std::make_shared<SymbolList>(), "its code was made while it ran, and no map names it"};
+  Listed none = {std::make_shared<SymbolList>(), "it is JIT code without a map"};
   for (const std::string& root : _roots) {
     const std::string path = findJitMap(root, file.pid);
     if (path.empty()) continue;
@@ -172,7 +172,7 @@ Names::Listed Names::makeFromFile(const MappedFile& file) {
   if (file.path.front() != '/') return {empty, "it has no file"};
   const FoundFile& found = _finder.find(file.path, file.buildId);
   if (!found.refusal.empty() && !_roots.empty()) _notes.push_back(found.refusal);
-  if (!found.found()) return {empty, "its file is not at hand"};
+  if (!found.found()) return {empty, "its file is missing"};
   auto list = _lists.listOf(found);
   return {list, list->empty() ? "its file has no symbols" : nullptr};
 }

@@ -20,7 +20,7 @@ std::string installedPage() {
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
   for (const char* place : {"../share/zelkit/viewer.html", "../../viewer/viewer.html"})
     if (fs::exists(folder / place, error)) return (folder / place).lexically_normal().string();
-  throw std::runtime_error("viewer.html: not installed beside zelkit; name it by --page");
+  throw std::runtime_error("viewer.html: not installed with zelkit; name it by --page");
 }
 
 std::string wholeText(const std::string& path) {
@@ -47,7 +47,7 @@ PageFile::PageFile(OutputFile& output, const std::string& emptyPage) : _output(o
   const std::string path = emptyPage.empty() ? installedPage() : emptyPage;
   _page = wholeText(path);
   _mark = _page.find(kMark);
-  if (_mark == std::string::npos) throw std::runtime_error(path + ": no page that can hold documents");
+  if (_mark == std::string::npos) throw std::runtime_error(path + ": not a page for documents");
   _output.write(std::string_view(_page).substr(0, _mark));
 }
 

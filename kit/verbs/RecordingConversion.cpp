@@ -15,8 +15,8 @@ std::vector<Kind> wanted(const std::string& mode, const Choice& choice) {
 }
 
 Status nothing(const Recording& recording, const std::string& mode) {
-  std::fprintf(stderr, "zelkit: %s: nothing to show%s; zelkit info tells what is in it\n",
-               recording.path().c_str(), mode.empty() ? "" : (" in mode " + mode).c_str());
+  std::fprintf(stderr, "zelkit: %s: nothing to show%s; see zelkit info\n", recording.path().c_str(),
+               mode.empty() ? "" : (" in mode " + mode).c_str());
   for (const std::string& damage : recording.damage())
     std::fprintf(stderr, "zelkit:   damaged: %s\n", damage.c_str());
   return Status::kNothingCameOut;
@@ -25,7 +25,7 @@ Status nothing(const Recording& recording, const std::string& mode) {
 }  // namespace
 
 void ConversionOptions::addTo(CLI::App& command) {
-  command.add_option("--mode", mode, "profile, timechart or both; without it what the recording holds")
+  command.add_option("--mode", mode, "profile, timechart or both; without it what the recording has")
       ->check(CLI::IsMember({"profile", "timechart", "both"}));
   command.add_option("--machine", machine,
                      "folder with kallsyms, softirqs, uptime, trace and files of the device");

@@ -57,11 +57,11 @@ std::string ofHost(const Recording& recording) {
 void addFetchHints(Lines& lines, const MappedFiles& files) {
   const std::vector<const MappedFile*> missing = missingFiles(files);
   for (std::size_t i = 0; i < missing.size() && i < kFilesNamed; ++i) {
-    lines.addCount(missing[i]->samples,
-                   "samples in " + missing[i]->path +
-                       ", which is not at hand: fetch it from the device, such as by  scp "
-                       "DEVICE:" +
-                       missing[i]->path + " DIR" + missing[i]->path + "  and add --symbols DIR");
+    lines.addCount(missing[i]->samples, "samples in " + missing[i]->path +
+                                            ", which is missing: fetch it from the device, such as by  scp "
+                                            "DEVICE:" +
+                                            missing[i]->path + " DIR" + missing[i]->path +
+                                            "  and add --symbols DIR");
   }
   if (missing.size() > kFilesNamed)
     lines.add("  and " + std::to_string(missing.size() - kFilesNamed) +

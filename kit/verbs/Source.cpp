@@ -58,7 +58,8 @@ void Source::chooseMachine(const std::string& folder, const Survey& survey) {
     _machine = MachineFolder::here();
   } else {
     _notes.emplace_back(
-        "the kernel's symbols, interrupt names and markers are left out: the recording is not surely of this "
+        "the kernel's symbols, interrupt names and markers are left out: the recording is not known to be of "
+        "this "
         "machine and its running kernel; name a folder with its kallsyms, softirqs, uptime and trace by "
         "--machine");
   }

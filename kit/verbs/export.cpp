@@ -36,7 +36,7 @@ class ExportVerb : public Verb {
       return Status::kUsage;
     }
     if (_documents.size() > 1 && !format->takesSeveral()) {
-      std::fprintf(stderr, "zelkit: %s holds one document\n", _format.c_str());
+      std::fprintf(stderr, "zelkit: %s takes one document\n", _format.c_str());
       return Status::kUsage;
     }
     OutputFile output(_output, _documents.front());
@@ -56,7 +56,7 @@ class ExportVerb : public Verb {
       throw std::runtime_error(name + ": " + format.name() + " holds no " +
                                (outcome.kind == DocumentKind::kProfile ? "profile" : "timechart"));
     if (!outcome.damage.empty()) {
-      std::fprintf(stderr, "zelkit: %s; what came before is exported\n", outcome.damage.c_str());
+      std::fprintf(stderr, "zelkit: %s; the part before the damage is exported\n", outcome.damage.c_str());
       _damaged = true;
     }
     exporter.documentEnd();

@@ -21,7 +21,7 @@ namespace {
 
 class ImportVerb : public Verb {
  public:
-  ImportVerb() : Verb("import", "rewrites any perf.data to a recording that zelconv reads right") {}
+  ImportVerb() : Verb("import", "rewrites any perf.data to a recording that zelconv reads correctly") {}
 
   void addOptions(CLI::App& command) override {
     command.add_option("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar")->required();

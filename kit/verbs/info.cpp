@@ -22,7 +22,7 @@ void line(const char* name, const std::string& text) {
 
 class InfoVerb : public Verb {
  public:
-  InfoVerb() : Verb("info", "tells what is in a recording, how it will convert and what is missing") {}
+  InfoVerb() : Verb("info", "prints what is in a recording, how it will be converted and what is missing") {}
 
   void addOptions(CLI::App& command) override {
     command.add_option("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar")->required();
@@ -94,7 +94,7 @@ class InfoVerb : public Verb {
 
   static Status showChoice(const Choice& choice) {
     if (choice.documents.empty()) {
-      line("converts to", "nothing: there is no sample that a document shows");
+      line("converts to", "nothing: it has no sample that a document shows");
       return Status::kNothingCameOut;
     }
     for (const Kind kind : choice.documents)

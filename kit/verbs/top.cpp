@@ -85,7 +85,7 @@ class TopVerb : public Verb {
       showTimechart(load);
     }
     if (!outcome.damage.empty())
-      std::fprintf(stderr, "zelkit: %s; what came before is shown\n", outcome.damage.c_str());
+      std::fprintf(stderr, "zelkit: %s; the part before the damage is shown\n", outcome.damage.c_str());
     return outcome.damage.empty();
   }
 

@@ -67,7 +67,7 @@ class ViewVerb : public Verb {
       const ReadOutcome outcome = readDocument(source, packed);
       packed.finish();
       if (outcome.damage.empty()) return;
-      std::fprintf(stderr, "zelkit: %s; the page shows what came before\n", outcome.damage.c_str());
+      std::fprintf(stderr, "zelkit: %s; the page shows the part before the damage\n", outcome.damage.c_str());
       _damaged = true;
     });
     const std::string layout = path + ".layout.json";
@@ -91,7 +91,7 @@ class ViewVerb : public Verb {
     char* const arguments[] = {const_cast<char*>(program.c_str()), file.data(), nullptr};
     pid_t child = 0;
     if (posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ) != 0)
-      std::fprintf(stderr, "zelkit: %s is not there to open %s\n", program.c_str(), file.c_str());
+      std::fprintf(stderr, "zelkit: %s cannot be run to open %s\n", program.c_str(), file.c_str());
   }
 
   std::vector<std::string> _inputs;

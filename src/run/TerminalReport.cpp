@@ -139,7 +139,7 @@ void TerminalReport::tellFormat() {
       fault = "was recorded on a machine of the other byte order";
       break;
     case RecordingFacts::Format::unknown:
-      fault = "is no recording of perf, as it does not begin with PERFILE2";
+      fault = "is not a recording of perf, as it does not start with PERFILE2";
       break;
   }
   sayOfRecording(std::string(fault) + ": the run will probably abort and leave " + printable(outFileName) +
@@ -165,7 +165,7 @@ void TerminalReport::tellSampleFields() {
                    " hold " + fault + "; they come out wrong or not at all");
   }
   if (hasTracePoints && !_facts->hasEventTable)
-    sayOfRecording("has no table of event names ahead of its data: no trace-point is decoded");
+    sayOfRecording("has no table of event names before its data: no trace-point is decoded");
 }
 
 /// Only the layouts of trace-points depend on the recorded kernel.
@@ -185,7 +185,7 @@ void TerminalReport::tellKernelNames() {
   // One symbol, the page of interrupt vectors, does not come from the file.
   if (SymbolTable::_kernelSymTable->elements().size() < 2)
     return say(gMachineFiles.kernelSymbols +
-               " tells no addresses to this user: functions of the kernel stay without names");
+               " shows no addresses to this user: functions of the kernel have no names");
   utsname machine{};
   const bool isOwn = gMachineFiles.kernelSymbols == MachineFiles().kernelSymbols && uname(&machine) == 0;
   if (isOwn && !_facts->release.empty() && _facts->release != machine.release)
@@ -242,8 +242,7 @@ void TerminalReport::nmAwaited(const char* path) {
 void TerminalReport::nmNotStarted(int error) {
   if (error == _nmError) return;
   _nmError = error;
-  say(std::string("nm: ") + std::strerror(error) +
-      ": functions of programs and libraries stay without names");
+  say(std::string("nm: ") + std::strerror(error) + ": functions of programs and libraries have no names");
 }
 
 void TerminalReport::symbolsRead(const char* path, std::size_t count) {

@@ -164,7 +164,7 @@ class Firefox : public Exporter {
 
  private:
   void refuseSecond(bool hasOne) const {
-    if (hasOne) throw std::runtime_error(_document + ": firefox holds one profile and one timechart");
+    if (hasOne) throw std::runtime_error(_document + ": firefox takes one profile and one timechart");
   }
 
   Thread& chartThread(const ChartTrack& track) {

@@ -57,7 +57,7 @@ class StrictJson : public Exporter {
                                     rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
     const rapidjson::ParseResult result = reader.Parse<kFlags>(bytes, copy);
     if (copy.kind() == DocumentKind::kNone)
-      throw std::runtime_error(source.name() + ": no document of zelconv");
+      throw std::runtime_error(source.name() + ": not a document of zelconv");
     if (!result)
       throw std::runtime_error(source.name() + ": byte " + std::to_string(result.Offset()) + ": " +
                                rapidjson::GetParseError_En(result.Code()));

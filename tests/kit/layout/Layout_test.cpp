@@ -176,7 +176,7 @@ TEST(Layout, CountsDroppedRecords) {
                             {"of a trace-point that no chart shows: type 2 config 300", 1},
                             {"of another event: task-clock", 1}}));
   EXPECT_EQ(account.recordsLostByKernel, 5U);
-  EXPECT_EQ(account.dropped.at("type 14: nothing shows it"), 1U);
+  EXPECT_EQ(account.dropped.at("type 14: not shown in documents"), 1U);
 }
 
 /// Knows one file, whose second segment is not mapped at its offset.

@@ -155,12 +155,12 @@ TEST(Recording, RefusesOtherFiles) {
   std::string noEvents = good;
   noEvents.replace(32, 8, 8, '\0');
   const std::pair<std::string, const char*> cases[] = {
-      {"", ": not a recording: it does not begin with PERFILE2\n"},
-      {"#!/bin/sh\necho x", ": not a recording: it does not begin with PERFILE2\n"},
-      {"PERFILE2", ": it ends within its header\n"},
+      {"", ": not a recording: it does not start with PERFILE2\n"},
+      {"#!/bin/sh\necho x", ": not a recording: it does not start with PERFILE2\n"},
+      {"PERFILE2", ": it is truncated within its header\n"},
       {good.substr(0, 90), ": its header is damaged (size 104)\n"},
       {swapped, ": recorded on a machine of the other byte order, which is not supported\n"},
-      {noEvents, ": it describes no event\n"}};
+      {noEvents, ": it has no event\n"}};
   for (const auto& [bytes, message] : cases) EXPECT_EQ(eventsOf(bytes), message);
 }
 

@@ -130,19 +130,19 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
       {"convert %perf.data -o %x.json --event cycles", 2,
        "%perf.data: no event cycles; there are: cpu-clock, "},
       {"convert %missing -o %x.json", 2, "zelkit: %missing: No such file or directory\n"},
-      {"convert %text -o %x.json", 2, "zelkit: %text: not a recording: it does not begin with PERFILE2\n"},
+      {"convert %text -o %x.json", 2, "zelkit: %text: not a recording: it does not start with PERFILE2\n"},
       {"convert %empty -o %x.json", 2, "perf.data"},
       {"convert %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
       {"import %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
       {"import %perf.data -o %none/x", 2, "%none/x: No such file or directory\n"},
-      {"convert %perf.data -o /dev/full", 2, "zelkit: /dev/full: is no regular file\n"},
-      {"convert %nothing -o %x.json", 3, "%nothing: nothing to show; zelkit info tells what is in it\n"},
+      {"convert %perf.data -o /dev/full", 2, "zelkit: /dev/full: is not a regular file\n"},
+      {"convert %nothing -o %x.json", 3, "%nothing: nothing to show; see zelkit info\n"},
       {"import %nothing -o %x.data", 3, "0 of 0 samples"},
       {"info %nothing", 3, "converts to  nothing"},
       {"convert %perf.data --machine %none -o %x.json", 2, "%none: "},
-      {"info %cut", 0, "damaged      the file is cut off: "},
+      {"info %cut", 0, "damaged      the file is truncated: "},
   };
   const std::vector<std::string> before = files();
   for (const auto& tried : cases) {
