@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "recording/Recording.h"
 
 namespace zelkit {

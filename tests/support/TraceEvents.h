@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "support/RecordingBuilder.h"
 
 /// Payloads of trace-points, and a recording whose event table names them all.

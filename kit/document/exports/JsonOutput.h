@@ -4,6 +4,7 @@
 #include <rapidjson/writer.h>
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
