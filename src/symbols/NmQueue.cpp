@@ -14,10 +14,8 @@ namespace {
 /// or fewer.
 constexpr std::size_t kMostRuns = 64;
 
-/// Interval of calls of nmAwaited, in milliseconds.
+/// Interval of calls of nmAwaited, and of looks for ends that no pipe shows, in milliseconds.
 constexpr int kWatchInterval = 100;
-
-constexpr int kForEver = -1;
 
 }  // namespace
 
@@ -61,7 +59,7 @@ void NmQueue::waitForAny(const std::string& path) {
   for (const Job& job : _jobs)
     if (job.run != nullptr && !job.isDone) alive.push_back({job.run->alive(), POLLIN, 0});
   RunWatcher* const watcher = RunWatcher::_current;
-  if (poll(alive.data(), alive.size(), watcher != nullptr ? kWatchInterval : kForEver) == 0)
+  if (poll(alive.data(), alive.size(), kWatchInterval) == 0 && watcher != nullptr)
     watcher->nmAwaited(path.c_str());
   collectEnded();
   startWaiting();
@@ -70,10 +68,7 @@ void NmQueue::waitForAny(const std::string& path) {
 void NmQueue::collectEnded() {
   for (std::size_t i = 0; i < _jobs.size(); ++i) {
     Job& job = _jobs[i];
-    if (job.run == nullptr || job.isDone) continue;
-    pollfd alive{job.run->alive(), POLLIN, 0};
-    if (poll(&alive, 1, 0) <= 0) continue;
-    job.run->wait();
+    if (job.run == nullptr || job.isDone || !job.run->hasEnded()) continue;
     job.isDone = true;
     --_running;
     if (!job.run->listIsEmpty() || !job.next) continue;

@@ -1,6 +1,7 @@
 #include "symbols/NmRun.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -86,10 +87,23 @@ void NmRun::start(const std::string& path) {
   _process = process;
 }
 
+bool NmRun::hasEnded() {
+  pollfd alive{_alive, POLLIN, 0};
+  // The end of the pipe shows a moment before the process has gone.
+  if (_process > 0) reap(::poll(&alive, 1, 0) > 0 ? 0 : WNOHANG);
+  return _process <= 0;
+}
+
 void NmRun::wait() {
-  if (_process <= 0) return;
-  while (::waitpid(_process, nullptr, 0) < 0 && errno == EINTR) {
-  }
+  if (_process > 0) reap(0);
+}
+
+void NmRun::reap(int options) {
+  pid_t ended = 0;
+  do {
+    ended = ::waitpid(_process, nullptr, options);
+  } while (ended < 0 && errno == EINTR);
+  if (ended == 0) return;
   _process = 0;
   static_cast<void>(!::read(_alive, &_error, sizeof _error));
   // nm has moved the file position, which the descriptors share.

@@ -18,10 +18,11 @@ class NmRun {
   NmRun(const NmRun&) = delete;
   NmRun& operator=(const NmRun&) = delete;
 
-  /// Returns a descriptor that becomes readable when nm ends; -1 if nm was not started.
+  /// Returns a descriptor that becomes readable when nm ends; -1 if nm was not started. Children of an nm
+  /// that is a script may hold the other end, so hasEnded has to be called now and then.
   int alive() const { return _alive; }
-  /// Returns whether nm has ended or was not started.
-  bool hasEnded() const { return _process <= 0; }
+  /// Returns whether nm has ended or was not started. Does not wait.
+  bool hasEnded();
   /// Waits for the end of nm.
   void wait();
 
@@ -39,6 +40,7 @@ class NmRun {
 
  private:
   void start(const std::string& path);
+  void reap(int options);
 
   pid_t _process = 0;
   int _alive = -1;

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <functional>
 #include <random>
 #include <set>
@@ -113,6 +114,26 @@ bool comesTrue(const std::function<bool()>& condition) {
     usleep(10000);
   }
   return false;
+}
+
+TEST(PendingTables, DoNotWaitForWhatNmLeavesRunning) {
+  const Conversion folder;
+  folder.write("bin/nm", "#!/bin/sh\nsleep 30 &\necho $! >>\"" + folder.path("left") +
+                             "\"\necho 00000000 T first\necho 00000100 T second\necho 00000200 T third\n");
+  RecordingBuilder recording;
+  for (unsigned int i = 0; i < 5; ++i) {
+    const std::string name = "/lib/lib" + std::to_string(i) + ".so";
+    folder.write("root" + name, "");
+    recording.mmap(7, 7, 0x40000000 + i * 0x10000, 0x1000, name).sample({0x40000104 + i * 0x10000, 7, 7, 1});
+  }
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(folder.runApart(recording.build(), {"-b", "5"}).endedWell);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+  EXPECT_NE(folder.read("out").find("\"second\""), std::string::npos);
+  std::istringstream left(folder.read("left"));
+  int count = 0;
+  for (pid_t process = 0; left >> process; ++count) kill(process, SIGKILL);
+  EXPECT_EQ(count, 5);
 }
 
 TEST(PendingTables, LeaveNoProcessOfAnInterruptedRun) {
