@@ -112,3 +112,31 @@ void Arena::releaseBlocksBefore(const void* piece) {
   assert(home != _blocks.end());
   if (home != _blocks.end()) _blocks.erase(_blocks.begin(), home);
 }
+
+void Arena::clear() {
+  _blocks.clear();
+  _free = nullptr;
+  _left = 0;
+}
+
+void* SlotPool::take() {
+  void* slot = _free;
+  if (slot == nullptr) {
+    slot = _slots.allocate(_slotSize);
+  } else {
+    ASAN_UNPOISON_MEMORY_REGION(slot, _slotSize);
+    _free = _free->next;
+  }
+  ++_taken;
+  return slot;
+}
+
+void SlotPool::giveBack(void* slot) noexcept {
+  if (--_taken == 0) {
+    _free = nullptr;
+    _slots.clear();
+    return;
+  }
+  _free = new (slot) Free{_free};
+  ASAN_POISON_MEMORY_REGION(slot, _slotSize);
+}

@@ -49,6 +49,9 @@ class Arena {
   /// piece of this arena.
   void releaseBlocksBefore(const void* piece);
 
+  /// Returns all blocks to the pool.
+  void clear();
+
  private:
   char* take(std::size_t size);
   void startBlock();
@@ -56,4 +59,26 @@ class Arena {
   std::deque<BlockPool::Block> _blocks;  ///< in the order in which they were filled
   char* _free = nullptr;                 ///< unused tail of the last block
   std::size_t _left = 0;                 ///< size of that tail
+};
+
+/// Slots of one size for small objects that come and go, of which malloc takes at least 32 bytes for each.
+/// All memory goes back to the BlockPool with the last slot.
+class SlotPool {
+ public:
+  /// The size is at least that of a pointer; slots are aligned to 8 bytes.
+  explicit SlotPool(std::size_t slotSize) : _slotSize(slotSize) {}
+
+  /// Returns an uninitialised slot.
+  void* take();
+  void giveBack(void* slot) noexcept;
+
+ private:
+  struct Free {
+    Free* next;
+  };
+
+  std::size_t _slotSize;
+  std::size_t _taken = 0;
+  Free* _free = nullptr;  ///< list of the slots given back, the latest first
+  Arena _slots;
 };

@@ -2,14 +2,46 @@
 
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <ostream>
 #include <utility>
 
+#include "base/Memory.h"
 #include "base/TargetNumbers.h"
 #include "json/JSONParser.h"
 #include "json/JsonText.h"
 
 namespace loomstat {
+
+namespace {
+
+/// Where nodes and what they point at lie. Never destroyed, as static objects may hold nodes.
+template <typename Type>
+SlotPool& slots() {
+  static auto& pool = *new SlotPool(sizeof(Type));
+  return pool;
+}
+
+template <typename Type>
+void make(Type*& object) {
+  object = ::new (slots<Type>().take()) Type;
+}
+
+template <typename Type>
+void destroyContent(Type* object) {
+  std::destroy_at(object);
+  slots<Type>().giveBack(object);
+}
+
+}  // namespace
+
+void* JSONData::operator new(std::size_t) {
+  return slots<JSONData>().take();
+}
+
+void JSONData::operator delete(void* node) noexcept {
+  slots<JSONData>().giveBack(node);
+}
 
 void JSONData::release(JSONData* node) {
   if (--node->_refCount == 0) destroy({node});
@@ -100,9 +132,9 @@ void JSONData::setType(int type) {
   if (type == _type) return;
   reset();
   _type = static_cast<unsigned short>(type);
-  if (type == kArray) _value.elements = new std::vector<JSONData*>;
-  if (type == kObject) _value.entries = new std::vector<entry*>;
-  if (type == kString) _value.string = new std::string;
+  if (type == kArray) make(_value.elements);
+  if (type == kObject) make(_value.entries);
+  if (type == kString) make(_value.string);
 }
 
 void JSONData::setBoolean(bool value) {
@@ -132,9 +164,9 @@ void JSONData::setString(const char* value) {
 
 void JSONData::reset() {
   clear();
-  if (_type == kArray) delete _value.elements;
-  if (_type == kObject) delete _value.entries;
-  if (_type == kString) delete _value.string;
+  if (_type == kArray) destroyContent(_value.elements);
+  if (_type == kObject) destroyContent(_value.entries);
+  if (_type == kString) destroyContent(_value.string);
   _value.integer = 0;
   _type = kUnset;
 }

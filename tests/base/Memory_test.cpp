@@ -72,6 +72,27 @@ TEST(Arena, ReturnsBlocksOfEarlierPieces) {
   EXPECT_EQ(BlockPool::take().release(), first);
 }
 
+TEST(SlotPool, HandsSlotsOutAgainAndBlocksBackWithTheLast) {
+  SlotPool pool(24);
+  std::vector<char*> slots;
+  for (int i = 0; i < 10000; ++i) {
+    slots.push_back(static_cast<char*>(pool.take()));
+    std::memset(slots.back(), i, 24);
+  }
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    ASSERT_EQ(slots[i][0], static_cast<char>(i)) << i;
+    ASSERT_EQ(slots[i][23], static_cast<char>(i)) << i;
+  }
+  pool.giveBack(slots[5]);
+  pool.giveBack(slots[17]);
+  EXPECT_EQ(pool.take(), slots[17]);
+  EXPECT_EQ(pool.take(), slots[5]);
+  for (char* const slot : slots) pool.giveBack(slot);
+  const char* const block = BlockPool::take().release();
+  EXPECT_GE(slots[9999], block);
+  EXPECT_LT(slots[9999], block + kBlockSize);
+}
+
 #ifdef ZELCONV_SANITIZED
 // What a sanitizer must see although the memory stays the program's.
 TEST(Arena, FreedAndForeignBytesArePoisoned) {
@@ -85,6 +106,11 @@ TEST(Arena, FreedAndForeignBytesArePoisoned) {
   EXPECT_DEATH(bytes[kBlockSize] = 1, "poison");
   block.reset();
   EXPECT_DEATH(bytes[100] = 1, "poison");
+  SlotPool pool(16);
+  char* const slot = static_cast<char*>(pool.take());
+  static_cast<void>(pool.take());
+  pool.giveBack(slot);
+  EXPECT_DEATH(slot[0] = 1, "poison");
   EXPECT_DEATH(arena.allocate(kBlockSize + 1), "");
 }
 #endif
