@@ -1,6 +1,7 @@
 #include "Isolated.h"
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,7 +22,9 @@ extern "C" char fuzzerTracing[] __asm__("_ZN6fuzzer3TPCE") __attribute__((weak))
 
 namespace {
 
-constexpr unsigned int kMostSeconds = 10;
+// A run on a busy machine may stand still for long.
+constexpr rlim_t kMostSecondsOfWork = 10;
+constexpr unsigned int kMostSeconds = 120;
 
 /// A piece of the fuzzer's memory, and a copy that a child can write and its parent read.
 class Shared {
@@ -51,6 +54,8 @@ void runIsolated(const std::function<bool()>& run) {
   if (child == 0) {
     std::signal(SIGALRM, SIG_DFL);
     std::signal(SIGABRT, SIG_DFL);
+    constexpr rlimit work{kMostSecondsOfWork, kMostSecondsOfWork};
+    setrlimit(RLIMIT_CPU, &work);
     alarm(kMostSeconds);
     if (!run()) std::abort();
     counters.publish();
