@@ -1,8 +1,8 @@
 // The least that a conversion can cost: floor RECORDING DOCUMENT
 //
 // Reads a recording of make_large into memory, walks its records once, prints the numbers that the program's
-// document has of each with std::to_chars into one block, as they come and without any look-up, and writes
-// the block once. Keys, which take a look-up, are replaced by the thread's id.
+// document has of each with std::to_chars into one block, in order and without any look-up, and writes the
+// block once. Keys, which take a look-up, are replaced by the thread's id.
 
 #include <fcntl.h>
 #include <sys/stat.h>

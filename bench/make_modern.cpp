@@ -52,7 +52,7 @@ std::uint64_t address(Numbers& numbers, unsigned int process) {
   return startOf(process, numbers.below(kMappings)) + numbers.below(kMappingSize);
 }
 
-/// The back-traces that processes are met with again and again.
+/// The back-traces that samples repeat.
 std::vector<std::vector<std::uint64_t>> makeStacks(Numbers& numbers) {
   std::vector<std::vector<std::uint64_t>> stacks;
   for (unsigned int process = 0; process < kProcesses; ++process)

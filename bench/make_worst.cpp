@@ -1,5 +1,5 @@
-// Makes recordings and machine files in the orders that are hardest on the program's tables: make_worst
-// FOLDER COUNT
+// Makes recordings and machine files that are the worst cases of the program's tables:
+// make_worst FOLDER COUNT
 //
 // Each FOLDER/<case> is a folder for convert_for_machine with a recording "perf.data" of COUNT records, or of
 // lines in a text file, and a file "options" with what to convert it by.
@@ -19,7 +19,7 @@ constexpr const char* kProfile = "-b 5";
 constexpr const char* kTimechart = "-t -q";
 constexpr std::uint64_t kTop = 0x80000000;
 
-/// Where the files of one case go.
+/// The folder of one case.
 class Case {
  public:
   Case(const std::string& folder, const std::string& name, const std::string& options)
@@ -52,7 +52,7 @@ class Maker {
     Case(_folder, "maps-among-samples", kProfile).save(amongSamples);
   }
 
-  /// Symbols that ever more maps use, in a program that has some: this one.
+  /// Symbols used by more and more maps, those of this program.
   void sharedSymbols() const {
     const std::string program = std::filesystem::read_symlink("/proc/self/exe");
     RecordingBuilder recording;
@@ -118,7 +118,7 @@ class Maker {
     pages.comm(7, 7, "task").mmap(7, 7, 0x10000, 16, "/app/tool");
     for (std::uint64_t i = 0; i < _count; ++i) {
       const std::uint64_t key = i * tableSize;
-      // As many keys of 32 bits as there are fall into few places of the table.
+      // As many keys of 32 bits as possible that share few slots of the table.
       const std::uint64_t mostMultiples = 0xFFFFFFFF / tableSize;
       const std::uint64_t narrow = i % mostMultiples * tableSize + i / mostMultiples;
       processes.comm(static_cast<unsigned int>(key >> 32), static_cast<unsigned int>(key), "task");

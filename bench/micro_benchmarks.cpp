@@ -1,4 +1,4 @@
-// The parts of a conversion on their own: number formatting, look-ups, the record walk and the writer.
+// Benchmarks of the parts of a conversion: number formatting, look-ups, the record walk and the writer.
 
 #include <benchmark/benchmark.h>
 

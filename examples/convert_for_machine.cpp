@@ -1,7 +1,7 @@
 // zelconv as it would run on another machine: convert_for_machine FOLDER [zelconv options]
 //
 // The files of the machine, kallsyms, softirqs, trace and uptime, come from the folder; one that is not there
-// counts as missing. With those of a device one can convert its recordings on a workstation.
+// counts as missing. With the files of a device its recordings can be converted on a workstation.
 
 #include <cstdio>
 #include <string>

@@ -11,7 +11,7 @@ namespace {
 
 using loomstat::JSOM;
 
-/// Seconds from the first point to the last, and how many of them the series was not 0.
+/// Seconds from the first point to the last, and seconds during which the series was not 0.
 struct Load {
   double span = 0.0;
   double busy = 0.0;

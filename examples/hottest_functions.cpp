@@ -24,8 +24,8 @@ JSOM rowsOf(JSOM& document, const char* section) {
   return document[section]["data"];
 }
 
-/// What samples count for: functions by name; for those without a function, libraries and the 64 KiB around
-/// an address that no library covers, both shown as "[in PLACE]". All of them share their keys.
+/// Returns the labels of keys: names of functions; for samples without a function those of libraries and of
+/// the 64 KiB around an unmapped address, both as "[in PLACE]". Functions and libraries share their keys.
 std::map<long long, std::string> labelsByKey(JSOM& document) {
   std::map<long long, std::string> labels;
   JSOM libraries = rowsOf(document, "libraries");

@@ -1,4 +1,4 @@
-// The shared library of the example recording. Only its symbols matter; nobody calls it.
+// The shared library of the example recording. Only its symbols matter; it is never called.
 
 namespace meadow {
 

@@ -1,4 +1,4 @@
-// The executable of the example recording. Only its symbols matter; nobody runs it.
+// The executable of the example recording. Only its symbols matter; it is never run.
 
 extern "C" {
 int pick_apple(int tree) {

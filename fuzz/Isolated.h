@@ -2,7 +2,7 @@
 
 #include <functional>
 
-/// Runs one conversion in its own process, as the program does: what it leaves in static tables cannot
-/// reach the next one. The fuzzer gets the coverage counted there. A crash, a sanitizer's report, more than
-/// ten seconds of work, or false returned by the run aborts the fuzzer, which then keeps the input.
+/// Runs one conversion in its own process, as the program does: its static tables do not affect the next one.
+/// The fuzzer gets the coverage counted there. A crash, a sanitizer's report, more than ten seconds of work,
+/// or false returned by the run aborts the fuzzer, which then keeps the input.
 void runIsolated(const std::function<bool()>& run);

@@ -1,5 +1,5 @@
-// Rewrites random bytes as a recording: every sample that was read must come out or be told as lost, and no
-// record made may be longer than the engine reads.
+// Rewrites random bytes as a recording: every sample must be in the output or counted as lost, and no record
+// may be longer than the engine reads.
 
 #include <cstdint>
 #include <cstdlib>

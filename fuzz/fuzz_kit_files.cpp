@@ -1,6 +1,5 @@
-// Gives made-up files to what zelkit reads beside recordings. By the first byte: an ELF file, a kept symbol
-// list, a map of made code, a tar. What comes out must hold what is promised: lists ascend, and no tar
-// reaches outside.
+// Feeds random files to zelkit's other readers. By the first byte: an ELF file, a cached symbol list, a map
+// of JIT code, a tar. Checks the results: lists ascend, and no tar writes outside its folder.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -48,7 +47,7 @@ void check(const SymbolList& list) {
   }
 }
 
-/// The folder that a tar may write to lies in one that it may not.
+/// The folder that a tar may write to is inside one that it must not write to.
 void unpack(const std::string& content) {
   const TemporaryFolder outside;
   const std::string inside = outside.path() + "/inside";

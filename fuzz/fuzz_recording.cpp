@@ -1,6 +1,6 @@
-// Converts a random recording, in profile mode or, if built so, in timechart mode. The magic, which nobody
-// looks at, chooses the options, the kernel and how many bytes of the end are what nm prints for the files
-// that maps name.
+// Converts a random recording, in profile mode or, if built so, in timechart mode. The magic, which is not
+// read otherwise, chooses the options, the kernel and how many bytes at the end are the output of nm for the
+// files that maps name.
 
 #include <algorithm>
 #include <cstdlib>

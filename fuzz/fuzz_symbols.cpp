@@ -1,5 +1,5 @@
-// Reads a random symbol list, by its first byte as the kernel's or as nm's, and looks addresses up in what
-// came of it: a symbol found must cover the address, and a sorted table must find each symbol's start.
+// Reads a random symbol list, by its first byte as the kernel's or as nm's, and looks up addresses in the
+// result: a symbol found must cover the address, and a sorted table must find each symbol's start.
 
 #include <cstdint>
 #include <cstdio>

@@ -15,7 +15,7 @@ using loomstat::JsomStringWriter;
 using loomstat::JSONData;
 using loomstat::TextBuffer;
 
-/// Takes calls from the input's bytes and keeps books of what the writer may do.
+/// Derives calls from the input's bytes and tracks which ones the writer must accept.
 class Session {
  public:
   Session(const std::uint8_t* data, std::size_t size) : _data(data), _end(data + size) {}
@@ -56,7 +56,7 @@ class Session {
     perform(call & 15);
     // Every call but that of an empty finished value writes something, unless it is refused.
     if (length() == before) _refused = true;
-    // Behind the root nothing separates what comes.
+    // After the root there are no separators.
     _opened += opens(call & 15) && length() != before ? 1 : 0;
     _opened -= closes(call & 15) && length() != before ? 1 : 0;
     _closed = _opened == 0 && length() != before;

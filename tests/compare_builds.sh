@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Converts every recording at hand with two builds, in both modes and with many option lists, and compares documents,
+# Converts every available recording with two builds, in both modes and with many option lists, and compares documents,
 # standard output and exit status byte for byte: compare_builds.sh BUILD OTHER_BUILD [RUNNER...]
 # RUNNER, such as qemu-arm, starts the programs of the other build.
 set -euo pipefail
@@ -35,7 +35,7 @@ options=("-b 5" "-b 5 -l" "-b 5 -W -R" "-b 5 -l -W" "-b 5 -L -w -R" "-r" "-z" "-
     "-r -s -1 -f 99999999999999999999" "-b 2147483648 -v 0x7" "-b 5 -d -v 2147483648" "-b 5 -v -99999999999 -D" "-b 5 -v 4294967296")
 environments=("kern_ver=3.4" "kern_ver=6.1 ARM64=y" "kern_ver=99999999999.99999999999" "kern_ver=-2147483649.7")
 
-# Addresses of code and data, and descriptors, are the build's own.
+# Addresses of code and data, and descriptors, differ between builds.
 comparable() { sed -E 's/ st:[^ ]+//; s/func:[0-9a-f]+/func/; s/^(checkFile .*)=.*/\1/'; }
 
 convert() { # convert RESULT COMMAND...: leaves RESULT.json, if there is a document, and RESULT.out with status and output

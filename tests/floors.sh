@@ -2,8 +2,8 @@
 # Prints which folder includes which, from the includes of the sources, and fails on an arrow that leads upward:
 # floors.sh [TOP]
 #
-# The rooms of the engine stand on floors, and a room may include those below it only. `run` is two rooms: its ground
-# part, which everyone uses, and its roof. The two arrows in `exceptions` lead upward and are wanted: a sample asks the
+# The folders of the engine are layered, and a folder may include only those below it. `run` is two rooms: its ground
+# part, which everyone uses, and its roof. The two arrows in `exceptions` lead upward on purpose: a sample asks the
 # registry of trace-points for its decoder, and the time base asks for the time of the first sample.
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"

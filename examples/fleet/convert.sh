@@ -12,7 +12,7 @@ mkdir -p "$documents"
 
 hosts=()
 [ -z "${3:-}" ] || hosts=(--sshloginfile "$3")
-# A host that is cut off is given up after ten seconds.
+# A host that does not respond is dropped after ten seconds.
 export PARALLEL_SSH="ssh -o BatchMode=yes -o ServerAliveInterval=5 -o ServerAliveCountMax=2 ${FLEET_SSH_OPTIONS:-}"
 
 # {/.} is the recording's name without its folder and ending. zelkit renames a document when it is whole.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Adds the profiles of a fleet up to one, by pprof's own merging: merge.sh DOCUMENTS MERGED.pb.gz
+# Merges the profiles of a fleet into one by pprof: merge.sh DOCUMENTS MERGED.pb.gz
 set -euo pipefail
 documents=$1
 merged=$2
@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 
 find "$documents" -name '*.json' ! -name '*.timechart.json' ! -name '*.layout.json' -print0 |
     parallel --null "${ZELKIT:-zelkit}" export {} --to pprof -o "$work/{/.}.pb.gz"
-# In heaps of a hundred, so that thousands need neither all memory at once nor a line that is too long.
+# In groups of a hundred, so that thousands need neither too much memory nor too long a command line.
 while [ "$(find "$work" -name '*.pb.gz' | wc -l)" -gt 1 ]; do
     find "$work" -name '*.pb.gz' -print0 | head -z -n 100 >"$work/heap"
     xargs -0 go tool pprof -proto -symbolize=none -output "$work/sum" <"$work/heap" >/dev/null 2>&1

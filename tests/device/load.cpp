@@ -1,5 +1,5 @@
-// A program of the project's own to be recorded on a device: it computes for about a second in functions with
-// names of their own, and sleeps now and then so that the scheduler has something to tell.
+// A program to be recorded on a device: it computes for about a second in functions with known names, and
+// sleeps from time to time so that there are scheduler events.
 
 #include <chrono>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs on the device, in a folder with zelconv, device_load and, if there are any, recordings; results go to $OUT.
-# Records, converts with the device's own files, and tries bad surroundings. Says what it does and each exit status.
+# Records, converts with the device's own files, and tries bad surroundings. Prints what it does and each exit status.
 here=$(pwd)
 out=${OUT:-/out}
 mkdir -p "$out"
@@ -45,7 +45,7 @@ done
 echo "== bad surroundings"
 mkdir -p bin && for tool in sh cat; do ln -sf "$(command -v $tool)" bin/; done
 run no-nm env PATH="$here/bin" "$zelconv" -b 1 -i recordings/cpu-clock-g.data -o "$out/no-nm.json"
-# The device gets its /tmp back however this ends, also when the connection to it breaks.
+# Restores the device's /tmp however this ends, even if the connection breaks.
 give_tmp_back() { [ ! -d /tmp.away ] || mv /tmp.away /tmp; }
 trap give_tmp_back EXIT
 trap 'exit 1' HUP INT TERM

@@ -43,7 +43,7 @@ TEST(Damage, SurvivesAnyInvertedByte) {
     std::string damaged = whole;
     damaged[place] = static_cast<char>(~damaged[place]);
     const Ending ending = folder.runApart(damaged, {"-b", "1", place % 2 == 0 ? "-t" : "-w", "-v", "1"});
-    // Only damage before the records can give an event a number that no table takes.
+    // Only damage before the records can set an event number that aborts the run.
     EXPECT_TRUE(ending.endedWell || (place < dataStart && ending.aborted)) << place;
   }
 }

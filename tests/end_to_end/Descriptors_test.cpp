@@ -1,5 +1,4 @@
-// Runs whose caller has closed standard input, output or error: what is said must not land in a file of the
-// run.
+// Runs whose caller has closed standard input, output or error: messages must not get into a file of the run.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -14,14 +13,14 @@ class Descriptors : public testing::Test {
     _recording.comm(7, 7, "tool").mmap(7, 7, 0x10000, 0x1000, "/app/tool");
     _recording.sample({.ip = 0x10104, .pid = 7, .tid = 7, .time = 1500000000});
     _folder.library("/app/tool", "");
-    // An nm that speaks to every descriptor that it can reach.
+    // An nm that writes to every descriptor that it has inherited.
     _folder.write("bin/nm",
                   "#!/bin/sh\n"
                   "for fd in 2 3 4 5 6 7 8 9; do eval \"echo intruder >&$fd\" 2>/dev/null; done\n"
                   "printf '10000 T main\\n10100 T work\\n10300 T stop\\n'\n");
   }
 
-  /// The document of a run with these descriptors closed.
+  /// Returns the document of a run with these descriptors closed.
   std::string convert(const std::vector<int>& closed, const std::vector<std::string>& options = {"-b", "1"}) {
     const Ending ending = _folder.runApart(_recording.build(), options, [&] {
       for (const int descriptor : closed) close(descriptor);
@@ -42,7 +41,7 @@ TEST_F(Descriptors, TheDocumentGetsItsOwnWhicheverAreClosed) {
   for (const std::vector<int>& closed : cases) EXPECT_EQ(convert(closed), document);
 }
 
-// -W makes a run complain on standard error while it makes the document, which then begins with these bytes.
+// With -W a run prints errors while it makes the document, which then starts with these bytes.
 constexpr const char* kStartWithoutLabels = "{}{\n";
 
 TEST_F(Descriptors, MessagesStayOutOfTheDocument) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Far above what these small recordings take, under sanitizers too.
+// Far above what these small recordings need, even under sanitizers.
 constexpr long kMostMegabytes = 600;
 
 class Hostile : public testing::Test {
@@ -146,7 +146,7 @@ TEST_F(Hostile, TimesAtTheEdgesOnEveryScale) {
     trace.sample({.ip = 0x10004, .pid = 7, .tid = 7, .time = time});
     TracePoint point{.event = 20, .time = time, .cpu = 1, .pid = 7};
     trace.tracePoint(point, Payload().text("a", 16).u32(7).u32(0).u32(2).text("b", 16).u32(8).u32(0));
-    point.event = 27;  // a frequency, whose points are the widest
+    point.event = 27;  // a frequency, which has the longest points
     trace.tracePoint(point, Payload().u32(0xFFFFFFFF).u32(1));
   }
   for (const std::vector<std::string>& scale :

@@ -1,4 +1,4 @@
-// What a program that links the converter may change, and the command line may not.
+// Settings that a program that links the converter may change, unlike the command line.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Gives the records of a recording to the engine without the framing that a file needs.
+/// Passes the records of a recording to the engine without a file.
 class RecordsInMemory : public RecordSource {
  public:
   explicit RecordsInMemory(std::string records) : _records(std::move(records)) {}

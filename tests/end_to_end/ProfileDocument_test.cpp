@@ -146,7 +146,7 @@ TEST(ProfileDocument, ResolvesAddressesOfEveryClass) {
             "8,\"main\\n\",65536,256,[5,]\n9,\"second\",512,256,[6,]\n");
 }
 
-// The map of such an address depends on more than the address, and on what came in between.
+// The map of such an address also depends on the sample and on records in between.
 TEST(ProfileDocument, DoesNotReuseCachedUnmappedAddresses) {
   Conversion conversion;
   conversion.kernelSymbols(kKernelSymbols);
@@ -225,7 +225,7 @@ TEST(ProfileDocument, HoldsManySamplesInTheirOrder) {
     PlainSample sample{.ip = 0xC0000000 + i, .pid = 7, .tid = 7, .time = 1000000000 * i};
     std::string trace;
     for (std::uint64_t entry = 0; entry < 9; ++entry) {
-      // Of each three entries one is new, one has been there lately, and one takes all digits.
+      // Of every three entries one is new, one is repeated, and one has the largest number of digits.
       const std::uint64_t addresses[] = {0xC0000000 + 64 * i + entry, 0xC0000000 + entry, ~entry};
       sample.trace.push_back(addresses[entry % 3]);
       trace.append("[").append(std::to_string(sample.trace.back())).append(",3,],");
@@ -288,7 +288,7 @@ TEST(ProfileDocument, SubtractsTheStartTimeOnEveryScale) {
       {{"-b", "7"}, "2.5"},       {{"-b", "nan"}, "nan"},
       {{"-b", "inf"}, "nan"},     {{"-r", "-b", "-1e300"}, "1.000000e+300"}};
   for (const auto& [options, time] : cases) {
-    // A process each: a second conversion would find the records of the first.
+    // One process per case: a second conversion would find the records of the first.
     EXPECT_EXIT(
         {
           Conversion conversion;

@@ -15,7 +15,7 @@ namespace {
 
 using loomstat::JSOM;
 
-/// A real trace, and where its layout has the process that is switched in.
+/// A real trace, and the offset of next_pid in its layout.
 struct Trace {
   const char* file;
   bool wide;
@@ -36,8 +36,8 @@ constexpr std::uint32_t kSample = 9;
 constexpr std::size_t kRaw = 52;
 constexpr std::size_t kPayload = kRaw + 8;
 
-/// One CPU, as far as the raw records tell: busy while a process other than 0 is switched in or the handler
-/// of a hard interrupt runs.
+/// One CPU in the raw records: busy while a process other than 0 is switched in or the handler of a hard
+/// interrupt runs.
 struct Cpu {
   std::uint32_t process = 0;  ///< last switched in
   bool runs = false;
@@ -74,8 +74,7 @@ std::map<std::uint32_t, std::int64_t> busyTimes(const std::string& file, std::si
     if (event == switches) {
       cpu.process = record.u32(kPayload + nextPid);
       cpu.runs = cpu.process != 0;
-      // A CPU that is still said to run the process, since its own records come later or have ended, no
-      // longer does.
+      // Ends the run of the process on other CPUs, whose own records come later or have ended.
       for (auto& [number, other] : cpus)
         if (&other != &cpu && cpu.runs && other.process == cpu.process) {
           other.runs = false;

@@ -1,5 +1,5 @@
-// The whole of what a verbose run says on standard output. Addresses of this program, which differ from build
-// to build, and the temporary folder are masked.
+// The complete standard output of verbose runs. Addresses of this program, which differ between builds, and
+// the temporary folder are masked.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@ std::string without(const std::string& text, const char* pattern, const char* in
   return std::regex_replace(text, std::regex(pattern), instead);
 }
 
-/// What a run says with the options. Every read is told from level 2 on, all else by level 1 already.
+/// Returns the output of a run. Reads are printed from level 2 on, everything else from level 1 on.
 std::string verbose(Conversion& conversion, const RecordingBuilder& recording,
                     std::vector<std::string> options) {
   options.insert(options.end(), {"-v", "level"});

@@ -55,7 +55,7 @@ start_host 2
 printf '2/10.213.77.11\n2/10.213.77.12\n' >"$work/hosts"
 for i in $(seq "$count"); do ln "$recording" "$work/recordings/r$i.data" 2>/dev/null || cp "$recording" "$work/recordings/r$i.data"; done
 
-# Notes each start with its host, and takes long enough for a host to die in the middle of it.
+# Logs each start with its host, and takes long enough to be killed.
 cat >"$work/zelkit" <<TEXT
 #!/bin/sh
 echo "\$(hostname -I 2>/dev/null) \$2" >>"$work/starts"

@@ -1,4 +1,4 @@
-// Programs of others open what zelkit exports, and count what zelkit counts.
+// Other programs open zelkit's exports and count the same samples.
 import assert from 'node:assert/strict';
 import {readFileSync, writeFileSync} from 'node:fs';
 import {createRequire} from 'node:module';

@@ -8,7 +8,7 @@ namespace {
 
 using loomstat::JSONData;
 
-/// What a parser makes of a text: the tree in compact form, the messages, and what it left of the text.
+/// The result of a parser: the tree in compact form, the messages, and the rest of the text.
 struct Parsed {
   std::string tree;
   std::string messages;
@@ -125,7 +125,7 @@ TEST(JSONParser, ParsersDifferInWordsAndNuls) {
   EXPECT_FALSE(node.setFromJsonString(none));
 }
 
-/// What the steps of the parser make of "/**/ , : } "b\\n" -12.5x".
+/// Returns the results of the parser's steps for "/**/ , : } "b\\n" -12.5x".
 template <typename Source>
 std::string steps(Source source) {
   std::string found;

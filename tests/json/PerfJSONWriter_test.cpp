@@ -75,7 +75,7 @@ TEST(PerfJSONWriter, WritesNoBracesAroundRecordsWithoutLabels) {
   EXPECT_EQ(folder.read("out"), "{\"data\":[\n1,1.5\n,2,1.5,[7,8]],\"counts\":[3,3,3],\"quote\"\":7}\n");
 }
 
-/// Notes which operations it is asked for, and does what PerfJSONWriter does.
+/// Records the operations called, and passes them on to PerfJSONWriter.
 class NotingWriter : public PerfJSONWriter {
  public:
   using PerfJSONWriter::PerfJSONWriter;

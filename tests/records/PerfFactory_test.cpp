@@ -20,7 +20,7 @@ std::string comm(unsigned int pid, const std::string& name) {
   return header(3, static_cast<unsigned int>(body.size() + 8)) + body;
 }
 
-/// The names of the processes that a walk over the bytes makes, and what it says.
+/// The names of the processes created by a walk over the bytes, and its output.
 struct Walk {
   std::string names;
   std::string output;

@@ -45,7 +45,7 @@ struct Case {
   const char* wide = nullptr;
 };
 
-/// What stays on the terminal: a busy machine may take long enough for progress to come and go.
+/// Returns the text that stays on the terminal: on a busy machine progress may appear and be erased.
 std::string lasting(const std::string& text) {
   std::string kept;
   for (const char c : text) {
@@ -58,8 +58,8 @@ std::string lasting(const std::string& text) {
   return kept;
 }
 
-/// Whether the system tells that a program is missing. An emulated processor does not: it starts a process
-/// that ends at once.
+/// Returns whether the system reports that a program is missing. An emulated processor does not: it starts a
+/// process that ends at once.
 bool missingProgramsShow() {
   pid_t process = 0;
   char name[] = "no-such-program";
@@ -90,7 +90,8 @@ class TerminalReports : public testing::Test {
     return runOnTerminal(_conversion, all, standardError);
   }
 
-  /// The text comes to the terminal; and without one there is none, and everything else is the same.
+  /// Checks that the text is on the terminal, that there is none without a terminal, and that everything else
+  /// is equal.
   void check(const Case& one) {
     const Said told = run(one, StandardError::terminal);
     const std::string document = _conversion.read("perf.json");
@@ -273,7 +274,7 @@ TEST_F(TerminalReports, SummariseMessagesOfNm) {
             summary +
                 "zelconv: nm lists no symbols of 2 of 2 files, such as root/bin/app: -p names a "
                 "folder with unstripped copies\n");
-  // Where nobody is told, nm speaks for itself.
+  // Without a terminal nm's messages are passed on.
   EXPECT_EQ(run({}, StandardError::file).error,
             "nm: root/bin/app: no symbols\nnm: root/lib/bare.so: no symbols\n");
 
@@ -299,7 +300,7 @@ TEST_F(TerminalReports, ProgressAppearsInALongRunAndIsErased) {
   const std::string reading = "\rzelconv: 93 % read";
   ASSERT_NE(text.find(nm), std::string::npos) << text;
   EXPECT_NE(text.find(reading, text.find(nm)), std::string::npos) << text;
-  // All that was shown is written over before the summary comes.
+  // The progress is erased before the summary.
   const std::size_t last = text.rfind('\r');
   EXPECT_EQ(text.substr(last, 9), "\rzelconv:");
   EXPECT_EQ(text[last - 1], ' ');

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The clock may go on while a test runs.
+/// Tolerance, as the clock runs during a test.
 constexpr double kSeconds = 30.0;
 
 TEST(TimeBase, MeasuresWhenTheMachineBooted) {

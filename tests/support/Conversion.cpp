@@ -19,7 +19,7 @@ namespace {
 // Prints the list prepared for the file's name; its options and the file come as the program gives them.
 constexpr const char* kFakeNm = "#!/bin/sh\ncat \"$NM_LISTS/$(basename \"$2\")\" 2>/dev/null\n";
 
-/// What holds the folders of all conversions of this process. It also goes with those of child processes,
+/// Parent of the folders of all conversions of this process. It is removed with those of child processes,
 /// which end without a destructor.
 class FolderOfAll {
  public:

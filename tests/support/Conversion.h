@@ -47,14 +47,14 @@ class Conversion {
   void write(const std::string& name, const std::string& text) const;
   std::string read(const std::string& name) const;
 
-  /// Puts a program or library at its path below the folder "root", which is on the search path, and says
+  /// Creates a program or library at its path below the folder "root", which is on the search path, and sets
   /// what nm prints for it.
   void library(const std::string& file, const std::string& list) const;
   void kernelSymbols(const std::string& text) const { write("kallsyms", text); }
   void softInterrupts(const std::string& text) const { write("softirqs", text); }
   void traceText(const std::string& text) const { write("trace", text); }
   ScopedEnvironment& environment() { return _environment; }
-  /// The real nm instead of the prepared lists.
+  /// Uses the real nm instead of the prepared lists.
   void useRealNm();
 
   /// Converts and returns the document. Arguments come after -i, -o and -p.
@@ -74,8 +74,7 @@ class Conversion {
   ScopedEnvironment _environment;
 };
 
-/// What the function prints, standard output and standard error in the order of the writes. It runs in a
-/// child process.
+/// Returns what the function prints, standard output and standard error in order. Runs it in a child process.
 std::string printed(const std::function<void()>& act);
 
 /// The rows of a section of the profile document, a line each, less the brackets around them and the extra

@@ -5,10 +5,10 @@
 
 #include "support/Conversion.h"
 
-/// What a run of the program printed, and its status.
+/// Output and status of a run of the program.
 struct Said {
   int status = 0;        ///< as wait gives it
-  std::string terminal;  ///< what came to the terminal, lines ended by a newline alone
+  std::string terminal;  ///< output on the terminal, with lines ended by a newline only
   std::string output;    ///< standard output
   std::string error;     ///< standard error, where that is a file
 };

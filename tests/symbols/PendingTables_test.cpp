@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned int kMaps = 300;
 
-/// Draws what a test does not care about.
+/// Random numbers for values that a test does not depend on.
 class Dice {
  public:
   explicit Dice(unsigned int seed) : _engine(seed) {}
@@ -55,7 +55,7 @@ std::vector<std::string> makeLibraries(const Conversion& folder, Dice& dice) {
     if (dice.below(8) == 0) continue;  // nowhere
     if (dice.below(2) == 0) folder.write("root" + name, libraryText(dice, i));
     if (dice.below(2) == 0) folder.write("more" + name, libraryText(dice, i));
-    // A name under which another one is found when the search goes on.
+    // A name under which another file is found when the search continues.
     if (dice.below(3) == 0) names.push_back(folder.path("more" + name));
   }
   return names;
@@ -97,7 +97,7 @@ TEST(PendingTables, MakeTheSameDocumentAsSequentialLoading) {
       EXPECT_TRUE(files.insert(file).second) << "twice: " << file;
     EXPECT_GT(files.size(), 20U);
 
-    // Markers show the order, so with them nothing is done ahead of time.
+    // Markers show the order, so with them nothing is loaded in advance.
     std::vector<std::string> inTurn = arguments;
     inTurn.emplace_back("-m");
     ASSERT_TRUE(
@@ -107,7 +107,7 @@ TEST(PendingTables, MakeTheSameDocumentAsSequentialLoading) {
   }
 }
 
-/// Asks again and again for up to ten seconds.
+/// Polls the condition for up to ten seconds.
 bool comesTrue(const std::function<bool()>& condition) {
   for (int tries = 0; tries < 1000; ++tries) {
     if (condition()) return true;

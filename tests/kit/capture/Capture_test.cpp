@@ -56,7 +56,7 @@ const std::vector<Entry> kWhole = {{"perf.data", "PERFILE2 and more"},
 
 class CaptureTest : public testing::Test {
  protected:
-  /// What the constructor of a capture says about a tar of the entries.
+  /// Returns the error of a capture's constructor for a tar of the entries.
   std::string refusal(const std::vector<Entry>& entries) {
     const std::string path = workshop.path("c.tar");
     writeTar(path, entries);

@@ -23,7 +23,7 @@ const std::string kTimechart = R"({"entries":[
 ,{"id":"evt","name":"Events","type":"events","class":"proc:events","show":0,"hints":{},"data":[[-1.5,-7,"frame","a b",],]}
 ,]})";
 
-/// Writes down each row on a line of its own.
+/// Records each row as a line.
 class Notes : public DocumentVisitor {
  public:
   std::string text() const { return _notes.str(); }

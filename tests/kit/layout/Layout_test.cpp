@@ -29,7 +29,7 @@ struct Laid {
   std::size_t largest;
 };
 
-/// Lays a recording out. In the end every sample is out or told as lost.
+/// Lays out a recording and checks that every sample is in the output or counted as lost.
 Laid lay(const ModernRecording& builder, LayoutChoice choice = {.event = 0},
          FileKnowledge* knowledge = nullptr) {
   Recording recording("test", builder.build());
@@ -48,7 +48,7 @@ std::string records(const ModernRecording& builder) {
 TEST(Layout, MovesEveryFileToItsOwnRange) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "tool");
-  recording.mmap(7, 0x42A00000, 0x2000, 0, "/bin/pie");             // what zelconv takes for a library
+  recording.mmap(7, 0x42A00000, 0x2000, 0, "/bin/pie");             // a library to zelconv
   recording.mmap(7, 0xB6D10000, 0x5000, 0x1000, "/lib/second.so");  // in the stack's class, second segment
   recording.mmap(7, 0xB6E00000, 0x1000, 0, "/lib/untouched.so");
   recording.sample({.ip = 0x42A00010, .pid = 7, .tid = 7, .chain = {kUserMarker, 0x42A00010, 0xB6D10020}});
@@ -121,7 +121,8 @@ TEST(Layout, DistinguishesJitCodeByItsAddress) {
 TEST(Layout, DoesNotMoveUnmappedAndKernelAddresses) {
   ModernRecording recording = onArm();
   recording.comm(7, 7, "t").mmap(7, 0xB6000000, 0x1000, 0, "/a.so");
-  recording.sample({.ip = 0x40000010, .pid = 7, .tid = 7});  // stays, and nobody is put there
+  recording.sample(
+      {.ip = 0x40000010, .pid = 7, .tid = 7});  // not moved, and its surroundings are not allocated
   recording.sample({.ip = 0xB6000010, .pid = 7, .tid = 7});
   recording.sample({.ip = 0x40010020, .pid = 7, .tid = 7});  // would lie in the range of /a.so
   recording.sample({.ip = 0xC0008000,
@@ -210,7 +211,7 @@ TEST(Layout, UsesTheProgramHeadersOfAnAvailableFile) {
   ASSERT_EQ(laid.account.moved.size(), 1U);
   EXPECT_EQ(laid.account.moved[0].start, 0x40012000U);
   EXPECT_EQ(laid.account.moved[0].original, 0xB6000000U);
-  EXPECT_EQ(knowledge.asked, 1);  // only for what a sample touches
+  EXPECT_EQ(knowledge.asked, 1);  // only for files hit by samples
 }
 
 TEST(Layout, KeepsSamplesWhenThereAreNoRangesLeft) {

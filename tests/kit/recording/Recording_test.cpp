@@ -10,7 +10,7 @@ namespace {
 
 using zelkit::Recording;
 
-/// The events of a recording, or why there are none.
+/// Returns the events of a recording, or the error.
 std::string eventsOf(const std::string& bytes) {
   try {
     Recording recording("", bytes);
@@ -171,7 +171,7 @@ TEST(Recording, TruncatedAnywhereReportsDamageAndKeepsTheEventsBefore) {
     for (std::size_t size = 16; size < whole.size(); ++size) {
       const std::string text = eventsOf(whole.substr(0, size));
       const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
-      // A cut at the end of a record of a pipe cannot be told.
+      // In pipe mode truncation at the end of a record cannot be detected.
       const bool told = text.starts_with(": ") || text.find("DAMAGE") != std::string::npos;
       EXPECT_TRUE(told || whole[8] == 16) << size;
       events = std::max(events, lines);

@@ -7,8 +7,8 @@
 
 #include "support/RecordingBuilder.h"
 
-/// Builds a recording as perf writes it today: attributes with ids, records that end with where and when,
-/// rounds, features after the data; or the same in pipe mode.
+/// Builds a recording as perf writes it today: attributes with ids, records with sample_id_all, rounds,
+/// features after the data; or the same in pipe mode.
 class ModernRecording {
  public:
   /// IDENTIFIER, IP, TID, TIME, CPU and PERIOD of linux/perf_event.h, and CALLCHAIN.

@@ -7,7 +7,7 @@
 #include "document/DocumentReader.h"
 #include "document/ProfileTables.h"
 
-/// What a profile document shows, counted.
+/// Counts the contents of a profile document.
 class ProfileFigures : public zelkit::ProfileTables {
  public:
   explicit ProfileFigures(const std::string& path) {
@@ -18,7 +18,7 @@ class ProfileFigures : public zelkit::ProfileTables {
   void sample(const zelkit::SampleRow& row) override {
     ++samples;
     const Function* function = findFunction(row.mapKey);
-    // The engine makes up names in braces for addresses that no map holds.
+    // Names in braces are the engine's synthetic ones for unmapped addresses.
     const bool named = function != nullptr && !function->name.starts_with('{');
     if (!named) ++unnamed;
     ++byFunction[named ? function->name : ""];

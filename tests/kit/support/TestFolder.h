@@ -6,7 +6,7 @@
 
 #include "capture/TemporaryFolder.h"
 
-/// A folder of the test's own with files in it.
+/// A temporary folder for the files of a test.
 class TestFolder {
  public:
   /// Writes a file and returns its path.

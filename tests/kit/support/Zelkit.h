@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-/// How a program ended and what it said.
+/// Exit status and output of a program.
 struct ProgramRun {
   int status = -1;
   std::string said;  ///< on both outputs
@@ -25,7 +25,7 @@ inline ProgramRun runCommand(const std::string& command) {
   return run;
 }
 
-/// Runs zelkit; no cache of the user's own is touched.
+/// Runs zelkit without the user's cache.
 inline ProgramRun runZelkit(const std::string& arguments) {
   return runCommand("unset HOME XDG_CACHE_HOME DEBUGINFOD_URLS; " ZELKIT_PROGRAM " " + arguments);
 }

@@ -1,4 +1,4 @@
-// A program to make symbol lists of. The tests know the names and lines of its functions.
+// A program whose symbols are listed. Tests rely on the names and lines of its functions.
 
 #include <cstdio>
 
@@ -19,11 +19,11 @@ extern "C" __attribute__((noinline)) int plain_name(int value) {  // line 18
   return fixture::Shape{value}.twice(2);
 }
 
-// Other names of the same function, of which none is the better one.
+// Other names of the same function, of lower rank.
 extern "C" int __plain_name_of_the_library(int) __attribute__((alias("plain_name")));
 extern "C" int plain_name_that_may_be_replaced(int) __attribute__((weak, alias("plain_name")));
 
-// A function of unknown size, data marks as on ARM, and a gap that belongs to nobody.
+// A function of unknown size, mapping symbols as on ARM, and a gap without a function.
 asm(R"(
   .text
   .type unsized, %function

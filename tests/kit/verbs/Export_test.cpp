@@ -1,5 +1,4 @@
-// What the verbs that take documents do at the edges: wrong formats, pipes, damage, names that try to break
-// out.
+// Edge cases of the verbs that read documents: wrong formats, pipes, damage, names with markup.
 
 #include <gtest/gtest.h>
 

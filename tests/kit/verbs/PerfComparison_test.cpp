@@ -1,4 +1,4 @@
-// What perf says of recordings, beside what the documents made of them show. perf is the measure.
+// Compares perf's reports on recordings with the documents made of them; perf is the reference.
 
 #include <gtest/gtest.h>
 
@@ -80,7 +80,7 @@ Counts sharesOfPerf(const std::string& data, const std::string& event) {
   return shares;
 }
 
-/// How many samples perf tells one by one.
+/// Returns the number of samples that perf script prints.
 std::size_t samplesOfPerf(const std::string& data, const std::string& event) {
   const ProgramRun run = runCommand("perf script -F event -G -i " + data + " 2>/dev/null");
   std::size_t count = 0;
@@ -97,7 +97,7 @@ Counts sharesOf(const ProfileFigures& figures) {
   return shares;
 }
 
-/// Points of a per cent, for the few addresses that the two name by different tables.
+/// In percentage points, for the few addresses that the two name by different tables.
 constexpr double kTolerance = 0.5;
 
 class PerfComparison : public testing::TestWithParam<Case> {};

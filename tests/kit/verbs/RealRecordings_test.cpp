@@ -1,4 +1,4 @@
-// Recordings of real machines, which lie beside a working copy of the project.
+// Tests with recordings of real machines, which are not part of the project.
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ TEST(RealRecordings, OfAnArmGuestAreNearlyAllNamed) {
   const ProfileFigures figures(folder.path("x.json"));
   EXPECT_EQ(figures.damage, "");
   EXPECT_EQ(figures.samples, 1263U);
-  // The system calls of the C library lie in a function that its stripped file does not name.
+  // The system calls of the C library are in a function without a name in its stripped file.
   EXPECT_LE(figures.unnamed, 104U);
   EXPECT_EQ(figures.byFunction.at("busy_leaf_add"), 150U);
   EXPECT_EQ(figures.byFunction.at("read_zero"), 98U);

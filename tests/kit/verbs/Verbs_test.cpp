@@ -1,4 +1,4 @@
-// The verbs as a person meets them: what they write, say and end with.
+// Tests the verbs on the command line: their files, output and exit status.
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ ModernRecording bothKinds() {
 
 class Verbs : public testing::Test {
  protected:
-  /// Runs zelkit; "%" stands for the folder, in what it says too.
+  /// Runs zelkit; "%" stands for the folder, also in the output.
   ProgramRun run(std::string arguments) {
     for (std::size_t at = 0; (at = arguments.find('%')) != std::string::npos;)
       arguments.replace(at, 1, folder.path(""));

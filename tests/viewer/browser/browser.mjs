@@ -1,4 +1,4 @@
-// A browser with the page in it, and what tests ask of both.
+// A browser with the page, and helpers for tests.
 import {execFileSync} from 'node:child_process';
 import {mkdirSync} from 'node:fs';
 import {createRequire} from 'node:module';

@@ -1,4 +1,4 @@
-// Names that would like to be markup, and documents that end too early.
+// Names with markup, and truncated documents.
 import assert from 'node:assert/strict';
 import {readFileSync, writeFileSync} from 'node:fs';
 import {join} from 'node:path';

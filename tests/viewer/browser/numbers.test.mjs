@@ -1,4 +1,4 @@
-// What the page says beside what the example programs read from the same documents.
+// Compares the numbers on the page with those of the example programs for the same documents.
 import assert from 'node:assert/strict';
 import {existsSync} from 'node:fs';
 import {join} from 'node:path';

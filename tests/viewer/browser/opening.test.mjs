@@ -1,5 +1,4 @@
-// How documents come into the page: packed, damaged, in pieces, held by the page itself, and given up
-// half-way.
+// How documents come into the page: packed, damaged, in pieces, embedded in the page, and aborted.
 import assert from 'node:assert/strict';
 import {mkdtempSync, readFileSync, rmSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
@@ -87,7 +86,7 @@ test('a large document grows while it is read and can be stopped', async () => {
   const row = '[1,69894,13,5.25,0,4,100,[[69894,13,],[69897,16,],],],';
   const large = Buffer.from(`${head}"samples": {${rest.slice(0, at)}${row.repeat(1_500_000)}]}}`, 'latin1');
   const page = await openPage();
-  // The page's own clock: a message that comes late must not make the test one of the machine's speed.
+  // The page's own clock: a late message must not make the test depend on the machine's speed.
   await page.evaluate(() => {
     window.seen = [];
     new MutationObserver(() => {

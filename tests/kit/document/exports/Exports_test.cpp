@@ -1,4 +1,4 @@
-// What each format makes of the same small documents, and that all of them tell the same.
+// Tests each format with the same small documents, and that all of them agree.
 
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
@@ -44,7 +44,7 @@ std::string exported(const std::string& format, const std::vector<std::string>& 
   return wholeFile(folder.path() + "/out");
 }
 
-/// Parses as a strict reader does: no extra comma, valid UTF-8.
+/// Parses strictly: no extra comma, valid UTF-8.
 rapidjson::Document parsed(const std::string& text) {
   rapidjson::Document json;
   json.Parse<rapidjson::kParseValidateEncodingFlag | rapidjson::kParseFullPrecisionFlag>(text.c_str());
@@ -337,7 +337,7 @@ TEST(Firefox, JoinsAProfileAndATimechart) {
   EXPECT_EQ((*shared)["markers"]["length"].GetUint(), 4U);
   const Json& counter = file["counters"][0];
   EXPECT_STREQ(counter["display"]["label"].GetString(), "CPU 0 MHz");
-  // The viewer adds the changes up.
+  // The viewer sums the differences.
   EXPECT_EQ(counter["samples"]["count"][0].GetDouble(), 600.0);
   EXPECT_EQ(counter["samples"]["count"][1].GetDouble(), 200.0);
   EXPECT_THROW(exported("firefox", {profile, profile}), std::runtime_error);
