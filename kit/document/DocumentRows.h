@@ -27,6 +27,7 @@ struct Scalar {
   static Scalar ofText(std::string_view text) { return {Kind::kText, 0, 0.0, text}; }
 
   bool isNumber() const { return kind != Kind::kNothing && kind != Kind::kText; }
+  /// Returns whether the value is an unsigned integer of at most 32 bits.
   bool isWord() const {
     return kind == Kind::kUnsigned && integer <= std::numeric_limits<std::uint32_t>::max();
   }
@@ -44,7 +45,9 @@ class DocumentRows {
  public:
   virtual ~DocumentRows() = default;
 
+  /// A key of the root object starts a section.
   virtual void section(std::string_view key) = 0;
+  /// A key of an object at that depth.
   virtual void key(int depth, std::string_view text) = 0;
   /// `depth` counts the container that opens or closes.
   virtual void open(int depth, Container container) = 0;

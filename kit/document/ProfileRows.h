@@ -16,6 +16,7 @@ class ProfileRows : public DocumentRows {
  public:
   explicit ProfileRows(DocumentVisitor& visitor) : _visitor(visitor) {}
 
+  /// Returns whether a profile document has a section of that name.
   static bool hasSection(std::string_view key);
 
   void section(std::string_view key) override;

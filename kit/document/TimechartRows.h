@@ -14,6 +14,7 @@ class TimechartRows : public DocumentRows {
  public:
   explicit TimechartRows(DocumentVisitor& visitor) : _visitor(visitor) {}
 
+  /// Returns whether a timechart document has a section of that name.
   static bool hasSection(std::string_view key) { return key == "entries"; }
 
   void section(std::string_view /*key*/) override {}

@@ -44,6 +44,7 @@ struct Account {
   std::uint64_t cutEntries = 0;
   std::vector<MovedMapping> moved;
 
+  /// Returns the number of lost samples, for all reasons.
   [[nodiscard]] std::uint64_t lostSamples() const {
     std::uint64_t sum = 0;
     for (const auto& [reason, count] : samplesLost) sum += count;

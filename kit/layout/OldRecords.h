@@ -47,6 +47,7 @@ class OldRecords {
 
   explicit OldRecords(RecordTaker& taker) : _taker(taker) {}
 
+  /// Each writes one record.
   void comm(std::uint32_t pid, std::uint32_t tid, std::string_view name);
   void mapping(std::uint32_t pid, std::uint64_t start, std::uint64_t length, std::string_view file);
   void sample(const OldSample& sample, const std::vector<std::uint64_t>& trace);

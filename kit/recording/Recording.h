@@ -28,6 +28,7 @@ class Recording {
   Recording(std::string path, std::string bytes);
 
   [[nodiscard]] const std::string& path() const { return _file.path(); }
+  /// Returns the size of the file in bytes.
   [[nodiscard]] std::uint64_t size() const { return _file.bytes().size(); }
   [[nodiscard]] const RecordingInfo& info() const { return _info; }
   [[nodiscard]] const std::vector<EventDescription>& events() const { return _info.events; }

@@ -28,6 +28,7 @@ class PageFile {
     close();
   }
 
+  /// Writes the rest of the page.
   void finish();
 
  private:

@@ -32,7 +32,9 @@ class PerfRecordSampleEvent : public PerfRecordSample {
   /// A trace-point sample has no row in the profile document.
   int _out(PerfJSONWriter& /*writer*/) override { return 0; }
 
+  /// Creates the tables of registered decoders, once.
   static void initVectors();
+  /// Registers the decoder of an event, named as in the event table: "system:event".
   static void registerEvent(const char* name, PerfRecordFunction function);
   /// Registers a decoder for the layout of a 64-bit kernel; if is64 is set it is preferred to the general
   /// one.

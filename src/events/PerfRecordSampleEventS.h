@@ -12,6 +12,7 @@ class EventPayload {
  public:
   EventPayload(const RecordView& view, std::size_t start) : _view(view), _start(start) {}
 
+  /// Return a number of the payload; 0 beyond the record buffer.
   unsigned int u32(std::size_t offset) const { return _view.u32(_start + offset); }
   int i32(std::size_t offset) const { return _view.i32(_start + offset); }
 

@@ -32,6 +32,7 @@ class JSOM {
   /// The same, but a source without a node sets the boolean false.
   JSOM& copy(const JSOM& source);
 
+  /// Return a handle on the member or element, which may be pending.
   JSOM at(const std::string& key);
   JSOM at(const char* key);
   /// Index -1, like the size, is the position after the last element.
@@ -55,9 +56,13 @@ class JSOM {
   JSOM& setBoolean(bool value);
   JSOM& setLong(long long value);
 
+  /// Returns the number of members or elements; 0 for anything but a container.
   int size() const;
+  /// Returns the key of an object's member at that index, or null.
   const std::string* key(int index) const;
+  /// Removes all members or elements.
   JSOM& clear();
+  /// Remove one member or element.
   JSOM& erase(int index);
   JSOM& erase(const char* key);
   JSOM& erase(const std::string& key);

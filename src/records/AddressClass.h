@@ -9,6 +9,7 @@ enum class AddressClass : unsigned char { kernel, stack, mapped };
 inline constexpr unsigned long long kStackStart = 0xB0000000;
 inline constexpr unsigned long long kStackEnd = 0xBEFFFFFF;
 
+/// Returns the class of an address.
 inline AddressClass classOf(unsigned long long address) {
   if (address > gKernelStart) return AddressClass::kernel;
   return address > kStackStart && address <= kStackEnd ? AddressClass::stack : AddressClass::mapped;

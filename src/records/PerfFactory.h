@@ -46,6 +46,7 @@ class PerfFactory {
   /// Returns the shared record buffer, grown to at least `size` bytes.
   static char* buffer(int size);
 
+  /// Prints the number of lost bytes.
   static void showStats();
 
   static RecordLosses _losses;

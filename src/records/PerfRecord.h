@@ -16,6 +16,7 @@ class PerfRecord : public PerfFoundation {
   PerfRecord(const PerfRecord&) = delete;
   PerfRecord& operator=(const PerfRecord&) = delete;
 
+  /// Returns the name of the record's type, for diagnostics.
   virtual const char* perfRecordType() const { return "BASE"; }
   /// Returns the number by which other rows of the document refer to this record.
   virtual unsigned int getKey() const { return key; }

@@ -32,6 +32,7 @@ class PerfRecordComm : public PerfRecord {
   /// own symbols, and a process has none.
   SymbolTable* findSymbolTable(unsigned long long address) const;
 
+  /// Returns the number of processes and threads so far.
   static std::uint32_t count() { return static_cast<std::uint32_t>(_elements.size()); }
 
   virtual void setName(std::string_view name);

@@ -31,6 +31,7 @@ class PerfRecordMMap : public PerfRecord {
   PerfRecordMMap(unsigned int pid_, unsigned int tid_, unsigned long long start, unsigned long long length,
                  unsigned long long pageOffset, std::string_view name);
 
+  /// Creation function for PerfFactory.
   static PerfRecord* createInstance(char* record);
 
   /// Returns the map that covers the address, or null. The tid is ignored, see MapIndex.

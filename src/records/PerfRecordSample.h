@@ -34,7 +34,9 @@ class PerfRecordSample : public PerfRecord {
   /// event registry.
   static PerfRecord* createInstance(char* record);
 
+  /// Looks up the process and resolves the back-trace.
   void processSample(const PerfRecordSampleS& record);
+  /// Resolves the back-trace of a plain sample.
   void processTrace(const PerfRecordSampleS& record);
 
   /// Sets the process and resolves the sample's own address; called after the whole recording was read.

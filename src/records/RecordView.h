@@ -17,6 +17,7 @@ class RecordView {
   /// `record` is the start of PerfFactory's buffer, or of a complete record in a buffer of the caller.
   explicit RecordView(const char* record) : _bytes(record, PerfFactory::lengthOf(record)) {}
 
+  /// Return the number at the offset, or 0 beyond the buffer's end.
   std::uint16_t u16(std::size_t offset) const { return load<std::uint16_t>(offset); }
   std::uint32_t u32(std::size_t offset) const { return load<std::uint32_t>(offset); }
   std::int32_t i32(std::size_t offset) const { return load<std::int32_t>(offset); }

@@ -8,6 +8,7 @@
 /// A set of keys in the order in which they were first added.
 class KeyList {
  public:
+  /// Adds a key unless it is in the set.
   void add(unsigned int key);
   const std::vector<unsigned int>& keys() const { return _keys; }
 

@@ -21,6 +21,7 @@ class SymbolListReader {
   SymbolListReader(SymbolTable& table, std::FILE* file, bool kernel)
       : _table(table), _file(file), _kernel(kernel) {}
 
+  /// Reads the whole list.
   void read();
 
  private:

@@ -47,6 +47,7 @@ class SymbolTable : public PerfFoundation {
   /// Returns the first symbol that covers the address, or null, by linear search.
   SymbolTableElement* findElementLinear(unsigned long long address) const;
 
+  /// Creates _syntheticSymTable, once.
   static void createSyntheticTable();
 
   /// Returns the synthetic symbol of the 64 KiB page at the address, created on first use; later sizes and
@@ -59,6 +60,7 @@ class SymbolTable : public PerfFoundation {
   /// Returns the shared copy of a file's name, which stays valid until the process ends.
   static const char* sharedName(std::string_view name);
 
+  /// Returns the table registered under exactly that name, or null.
   static SymbolTable* findExistingSymbolTable(const std::string& name);
 
   /// Writes the rows of the used symbols. The number is not used.
@@ -68,6 +70,7 @@ class SymbolTable : public PerfFoundation {
   /// Writes an array "smapkeys" of the keys of the used symbols.
   void outKeys(PerfJSONWriter& writer) const;
 
+  /// Print all symbols, or the used ones, on standard output.
   void show() const;
   void showAllUsed() const;
   static void showAllTablesUsed();

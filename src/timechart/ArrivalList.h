@@ -32,6 +32,7 @@ class ArrivalList : ArrivalListMemory {
   /// The latest element; the list must not be empty.
   const Element& last() const { return _end[-1]; }
 
+  /// Returns all elements in order of arrival.
   std::vector<Element> all() const {
     std::vector<Element> elements;
     elements.reserve(_room);

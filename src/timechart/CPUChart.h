@@ -21,6 +21,7 @@ class CPUChart {
   /// Returns the latest busy value, or 0.
   int getBusyState() const { return static_cast<int>(_busy.lastValue()); }
 
+  /// Writes the entries of all non-empty series.
   void outCPUChart(PerfJSONWriter& writer) const;
 
  private:

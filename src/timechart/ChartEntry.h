@@ -29,10 +29,12 @@ class ChartEntry {
  public:
   explicit ChartEntry(PerfJSONWriter& writer) : _writer(writer) {}
 
+  /// Each writes one key of the head.
   ChartEntry& text(const char* key, const std::string& value);
   ChartEntry& show(unsigned int value);
   ChartEntry& hints(ChartColours colours);
 
+  /// Write the start of the points, one point (time in seconds), and the end of points and entry.
   void openData();
   void point(double time, unsigned int value, PointSeparator separator = PointSeparator::comma);
   void closeData();

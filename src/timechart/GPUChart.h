@@ -22,6 +22,7 @@ class GPUChart {
   /// ignored.
   void addStatus(unsigned long long nanoseconds, int status, unsigned int sub);
 
+  /// Writes the entries of all non-empty series.
   void outGPUChart(PerfJSONWriter& writer) const;
 
  private:

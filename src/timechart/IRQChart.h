@@ -23,6 +23,7 @@ class IRQChart {
   /// Adds a value: 1 on entry, 0 on exit.
   void addValue(unsigned long long nanoseconds, int value, int cpu);
 
+  /// Writes one entry for each CPU on which the interrupt ran.
   void outIRQChart(PerfJSONWriter& writer) const;
 
  private:

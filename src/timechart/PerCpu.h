@@ -21,6 +21,7 @@ class PerCpu {
   /// Returns the CPU's value, or a default one if it has no slot.
   T get(int cpu) const { return find(cpu) != nullptr ? *find(cpu) : T{}; }
 
+  /// Sets the CPU's value if it has a slot.
   void set(int cpu, const T& value) {
     if (T* slot = find(cpu); slot != nullptr) *slot = value;
   }

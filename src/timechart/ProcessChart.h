@@ -44,6 +44,7 @@ class ProcessChart {
   /// Adds a trace marker; its time is in seconds of the ftrace text.
   void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);
 
+  /// Writes the entries of the task's series.
   void outProcessChart(PerfJSONWriter& writer) const;
 
   int _ppid;          ///< the parent, by which the viewer groups; the task itself if unknown

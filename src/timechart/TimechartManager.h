@@ -36,6 +36,7 @@ class TimechartManager {
   IRQChart* getIRQChart(int irq) const;
   IRQChart* createIRQChart(int irq);
 
+  /// Add a fact to a chart, see the chart's addStatus or addValue. `time` is in nanoseconds.
   bool addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu, unsigned int sub);
   /// Drops the first sample of every CPU, which counts from an unknown start.
   bool addCountersToProcessChart(unsigned long long time, int cpu, int pid, unsigned int cycles,
@@ -46,13 +47,16 @@ class TimechartManager {
   /// Adds a trace marker to its process and to the list of all. `time` is in seconds of the ftrace text.
   bool addEvent(double time, int pid, unsigned int code, const std::string& name, const std::string& args);
 
+  /// Sets the parent of a task.
   void setProcessPPid(int pid, int ppid);
   /// Without `force` an existing name is kept.
   void setProcessName(int pid, const std::string& name, bool force);
 
+  /// Records the process switched in on the CPU.
   void setLastPidForCpu(int pid, int cpu);
   /// Returns the lowest CPU other than `cpu` on which the process was the last to be switched in, or -1.
   int pidMigratedFrom(int pid, int cpu) const;
+  /// Save the CPU's busy value; return the saved one.
   void saveLastStateForCPU(int cpu);
   int getLastStateForCPU(int cpu) const;
 

@@ -20,6 +20,7 @@ struct ChartTrack {
   std::string process;
   std::string thread;
 
+  /// Returns the track of a series, from its id and treeId.
   static ChartTrack of(const SeriesHead& head);
 };
 

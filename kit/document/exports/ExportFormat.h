@@ -40,10 +40,12 @@ class ExportFormat {
 
   const std::string& name() const { return _name; }
   const std::string& description() const { return _description; }
+  /// Returns whether the format can represent documents of that kind.
   bool takes(DocumentKind kind) const {
     return kind == DocumentKind::kProfile ? _takes.profile : _takes.timechart;
   }
   bool takesSeveral() const { return _takes.several; }
+  /// Returns a new exporter, which writes to `output`.
   std::unique_ptr<Exporter> makeExporter(OutputFile& output) const { return _maker(output); }
 
   /// Returns all formats, sorted by name.
