@@ -21,8 +21,8 @@ function watch() {
   const marks = {
     rows: () =>
         document.querySelector('main:not([hidden]) .counted')?.textContent || document.querySelector('.lane'),
-    picture:
-        () => [...document.querySelectorAll('.flame canvas, .lanes-base')].some(({ width }) => width > 300),
+    picture: () => [...document.querySelectorAll('.flame canvas, #view-lanes canvas')].some(
+        ({ width }) => width > 300),
     complete: () => document.querySelector('.reading.complete'),
     // speedscope names the profile in its title once it is shown.
     titled: () => document.title.startsWith('million'),
@@ -204,7 +204,7 @@ console.log(
 row('what', 'median', '95 %', 'script', 'CPU');
 row(...Array(5).fill('---'));
 await moving('flame graph of 10^6 samples', 'million.json', '#view-ruler');
-await moving('rows of 10^6 trace-points', 'trace.json', '.lanes-stage');
+await moving('rows of 10^6 trace-points', 'trace.json', '#view-lanes .stage');
 console.log('\nBrush to new figures: ms of script, median and worst of 30\n');
 row('what', 'median', 'worst');
 row(...Array(3).fill('---'));

@@ -16,8 +16,6 @@ export interface LibraryRow {
   readonly key: number;
   readonly process: number;
   readonly name: string;
-  readonly start: Address;
-  readonly size: number;
 }
 
 export interface FileRow {
@@ -30,7 +28,6 @@ export interface FunctionRow {
   readonly key: number;
   readonly name: string;
   readonly start: Address;
-  readonly size: number;
   readonly libraries: readonly number[];
 }
 
@@ -43,8 +40,6 @@ const pictureSamples = 20000;
 
 /** Gathers the rows of a profile document and makes columns of them. */
 export class ProfileBuilder {
-  chip = '';
-  startTime = 0;
   readonly processes: ProcessRow[] = [];
   readonly libraries: LibraryRow[] = [];
   readonly files: FileRow[] = [];
@@ -74,8 +69,6 @@ export class ProfileBuilder {
     return {
       kind: 'profile',
       name: this.name,
-      chip: this.chip,
-      startTime: this.startTime,
       processes: this.processes.map(({ pid, tid, name }) => ({ pid, tid, name: shownName(name) })),
       threads,
       files: this.files.map((file) => shownName(file.name)),
@@ -107,11 +100,9 @@ export class ProfileBuilder {
     for (const row of this.libraries) {
       const kernel = row.process === kernelProcess && row.name === 'kernel';
       if (kernel) kernels.add(row.key);
-      const process = byKey.get(row.process);
-      const start = process === undefined ? row.start : this.original(process.pid, row.start);
       const synthetic = syntheticName.test(row.name);
       const kind = synthetic ? PlaceKind.Synthetic : kernel ? PlaceKind.Kernel : PlaceKind.Unresolved;
-      table.addLibrary(row.key, shownName(row.name), kind, start, row.size);
+      table.addLibrary(row.key, shownName(row.name), kind);
     }
     const lines = this.lines();
     const processOf = new Map(this.libraries.map((row) => [row.key, byKey.get(row.process)]));
@@ -123,12 +114,12 @@ export class ProfileBuilder {
         const start = pid === undefined ? row.start : this.original(pid, row.start);
         const { high, low } = toAddress(start);
         const name = start === row.start ? row.name : `{${synthetic[1]}-${hexadecimal(high, low)}}`;
-        table.add(row.key, shownName(name), PlaceKind.Synthetic, start, row.size, null, line);
+        table.add(row.key, shownName(name), PlaceKind.Synthetic, null, line);
         continue;
       }
       const kernel = row.libraries.some((key) => kernels.has(key));
       const kind = kernel ? PlaceKind.Kernel : PlaceKind.User;
-      table.add(row.key, shownName(row.name), kind, row.start, row.size, row.libraries[0] ?? null, line);
+      table.add(row.key, shownName(row.name), kind, row.libraries[0] ?? null, line);
     }
     for (const key of used) {
       if (!table.has(key)) table.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
@@ -163,8 +154,6 @@ class PlaceTable {
   private readonly kinds: number[] = [];
   private readonly libraries: number[] = [];
   private readonly lines: (FileLine|undefined)[] = [];
-  private readonly starts: Address[] = [];
-  private readonly sizes: number[] = [];
   private readonly byKey = new Map<number, number>();
   private readonly byName = new Map<string, number>();
 
@@ -176,8 +165,6 @@ class PlaceTable {
       key: number,
       name: string,
       kind: PlaceKind,
-      start: Address = 0,
-      size = 0,
       library: number|null = null,
       line?: FileLine,
       ): void {
@@ -185,24 +172,21 @@ class PlaceTable {
     this.kinds.push(kind);
     this.libraries.push((library === null ? undefined : this.byKey.get(library)) ?? place);
     this.lines.push(line);
-    this.starts.push(start);
-    this.sizes.push(size);
     this.byKey.set(key, place);
   }
 
   /** A file that several processes map has a row for each in the document; here it is one place. */
-  addLibrary(key: number, name: string, kind: PlaceKind, start: Address, size: number): void {
+  addLibrary(key: number, name: string, kind: PlaceKind): void {
     const known = this.byName.get(name);
     if (known !== undefined) {
       this.byKey.set(key, known);
       return;
     }
     this.byName.set(name, this.names.length);
-    this.add(key, name, kind, start, size);
+    this.add(key, name, kind);
   }
 
   columns(): Places {
-    const starts = this.starts.map(toAddress);
     return {
       count: this.names.length,
       names: this.names,
@@ -210,9 +194,6 @@ class PlaceTable {
       libraries: Uint32Array.from(this.libraries),
       files: Int32Array.from(this.lines, (line) => line?.file ?? -1),
       lines: Uint32Array.from(this.lines, (line) => line?.line ?? 0),
-      startHigh: Uint32Array.from(starts, (start) => start.high),
-      startLow: Uint32Array.from(starts, (start) => start.low),
-      sizes: Float64Array.from(this.sizes),
     };
   }
 }

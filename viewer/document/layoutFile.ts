@@ -30,14 +30,16 @@ export class LayoutFile {
   /** Returns the contents of a layout file; fails on a text that is none. */
   static parse(text: string): LayoutFile {
     const file = JSON.parse(text) as Record<string, unknown>;
-    if (!Array.isArray(file.mappings)) throw new Error('it has no mappings');
-    const mappings = file.mappings.map((entry: Record<string, unknown>) => ({
-                                         pid: Number(entry.pid),
-                                         start: BigInt(String(entry.start)),
-                                         size: BigInt(String(entry.size)),
-                                         original: BigInt(String(entry.original)),
-                                       }));
-    return new LayoutFile(typeof file.depth === 'number' ? file.depth : null, mappings);
+    const { 'mappings': rows, 'depth': depth } = file;
+    if (!Array.isArray(rows)) throw new Error('it has no mappings');
+    const mappings = rows.map(
+        ({ 'pid': pid, 'start': start, 'size': size, 'original': original }: Record<string, unknown>) => ({
+          pid: Number(pid),
+          start: BigInt(String(start)),
+          size: BigInt(String(size)),
+          original: BigInt(String(original)),
+        }));
+    return new LayoutFile(typeof depth === 'number' ? depth : null, mappings);
   }
 
   /** Returns the device's address for one of the document. */

@@ -32,11 +32,6 @@ export interface Places {
   readonly files: Int32Array;
   /** Line of the function in its file, or 0. */
   readonly lines: Uint32Array;
-  /** Start address, split in its upper and lower 32 bits: numbers of a double would lose digits. */
-  readonly startHigh: Uint32Array;
-  readonly startLow: Uint32Array;
-  /** Size in bytes; 0 if unknown. */
-  readonly sizes: Float64Array;
 }
 
 export interface Process {
@@ -86,9 +81,6 @@ export interface Stacks {
 export interface Profile {
   readonly kind: 'profile';
   readonly name: string;
-  readonly chip: string;
-  /** The document's time zero in seconds. */
-  readonly startTime: number;
   readonly processes: readonly Process[];
   readonly threads: readonly Thread[];
   readonly files: readonly string[];

@@ -1,4 +1,5 @@
-import {Byte, type Value, accept, anotherElement, expect, firstElement, peek, readLabel, readValue} from './json';
+import {accept, anotherElement, Byte, expect, firstElement, peek, readLabel, readValue} from './json';
+
 import type {ProfileBuilder} from './ProfileBuilder';
 import type {Reader} from './Reader';
 import {Row} from './Row';
@@ -15,7 +16,7 @@ export async function readProfile(reader: Reader, builder: ProfileBuilder): Prom
     if (sections.includes(label) || label === 'blocks')
       await readSection(reader, builder, label);
     else if (label === 'Description')
-      describe(builder, await reader.unit(() => readValue(reader)));
+      await reader.unit(() => readValue(reader));
     else
       reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
   } while (await reader.unit(() => accept(reader, Byte.Comma)));
@@ -28,14 +29,6 @@ export async function readProfile(reader: Reader, builder: ProfileBuilder): Prom
  */
 export async function readUnlabelledProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   for (const section of sections) await readSection(reader, builder, section);
-}
-
-function describe(builder: ProfileBuilder, value: Value): void {
-  if (typeof value !== 'object' || value === null || Array.isArray(value)) return;
-  const chip = value['Target Chip'];
-  const start = value['Start Time'];
-  if (typeof chip === 'string') builder.chip = chip;
-  if (typeof start === 'number') builder.startTime = start;
 }
 
 async function readSection(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
@@ -79,8 +72,6 @@ const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
     key: row.whole(0),
     process: row.whole(1),
     name: row.text(2),
-    start: row.address(3),
-    size: Number(row.address(4)),
   }),
   files: (builder, row) => builder.files.push({
     name: row.text(1),
@@ -90,7 +81,6 @@ const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
     key: row.whole(0),
     name: row.text(1),
     start: row.address(2),
-    size: Number(row.address(3)),
     libraries: row.list(4).map((key) => row.checked(key)),
   }),
 };

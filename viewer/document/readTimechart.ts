@@ -31,13 +31,13 @@ async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<voi
     await reader.unit(() => expect(reader, Byte.CloseObject));
   } finally {
     // Also after damage, so that the points before it are shown.
-    if (text(members.id) !== '') builder.endEntry(headOf(members));
+    if (text(members['id']) !== '') builder.endEntry(headOf(members));
   }
 }
 
 async function readPoints(
     reader: Reader, builder: TimechartBuilder, members: { [label: string]: Value }): Promise<void> {
-  if (members.type === 'events')
+  if (members['type'] === 'events')
     await reader.rows(() => readEvent(reader, builder));
   else
     await reader.rows(() => readPlainPoints(reader, builder) > 0 || readPoint(reader, builder));
@@ -105,17 +105,17 @@ function readEvent(reader: Reader, builder: TimechartBuilder): boolean {
 const text = (value: Value|undefined) => (typeof value === 'string' ? value : '');
 
 function headOf(members: { [label: string]: Value }): Head {
-  const { hints, show } = members;
+  const { 'hints': hints, 'show': show } = members;
   const colours = typeof hints === 'object' && hints !== null && !Array.isArray(hints) ? hints : {};
   return {
-    id: text(members.id),
-    name: text(members.name),
-    treeId: text(members.treeId),
-    type: text(members.type),
-    class: text(members.class),
+    id: text(members['id']),
+    name: text(members['name']),
+    treeId: text(members['treeId']),
+    type: text(members['type']),
+    class: text(members['class']),
     show: typeof show === 'number' ? show : 0,
-    tip: text(members.tip),
-    white: text(colours.white),
-    black: text(colours.black),
+    tip: text(members['tip']),
+    white: text(colours['white']),
+    black: text(colours['black']),
   };
 }

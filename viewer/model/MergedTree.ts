@@ -1,9 +1,18 @@
 import {grown} from '../document/grown';
+
+import {kept} from './maps';
+
 import type {Selection} from './Selection';
 import type {Tree} from './tree';
 
 /** Which way a merged tree grows from its first nodes. */
 export type Direction = 'callers'|'callees';
+
+/** Entries of one place. */
+interface Group {
+  total: number;
+  readonly indices: number[];
+}
 
 /**
  * A tree in which nodes of the stacks are put together by their place, made as far as it is looked at. A node
@@ -88,15 +97,10 @@ export class MergedTree implements Tree {
   private addChildren(
       parent: number, nodes: readonly number[], amountOf: (node: number, index: number) => number): void {
     this.expanded.add(parent);
-    const byPlace = new Map < number, {
-      total: number;
-      indices: number[]
-    }
-    > ();
+    const byPlace = new Map<number, Group>();
     nodes.forEach((node, index) => {
       const place = this.selection.places[node];
-      let group = byPlace.get(place);
-      if (group === undefined) byPlace.set(place, (group = { total: 0, indices: [] }));
+      const group = kept(byPlace, place, () => ({ total: 0, indices: [] }));
       group.total += amountOf(node, index);
       group.indices.push(index);
     });

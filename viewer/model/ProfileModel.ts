@@ -1,6 +1,7 @@
 import type {Profile} from '../document/profile';
 import {everything, type Filter} from './filter';
 import {type Grouping, groupings} from './groupings';
+import {kept} from './maps';
 import {placesWithText, Selection} from './Selection';
 
 /**
@@ -28,11 +29,10 @@ export class ProfileModel {
   }
 
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
-  selectionOfAllTime({ cores, threads, text, slices }: Filter): Selection {
+  selectionOfAllTime({ cores, threads, text }: Filter): Selection {
     const known = this.latestOfAllTime?.filter;
-    if (known?.cores !== cores || known.threads !== threads || known.text !== text ||
-        known.slices !== slices) {
-      this.latestOfAllTime = new Selection(this.profile, {...everything, cores, threads, text, slices });
+    if (known?.cores !== cores || known.threads !== threads || known.text !== text) {
+      this.latestOfAllTime = new Selection(this.profile, {...everything, cores, threads, text });
     }
     return this.latestOfAllTime!;
   }
@@ -44,11 +44,7 @@ export class ProfileModel {
   }
 
   /** Returns one of `groupings` for this profile. */
-  grouping(id: string): Grouping {
-    let grouping = this.made.get(id);
-    if (grouping === undefined) this.made.set(id, (grouping = groupings[id].make(this.profile)));
-    return grouping;
-  }
+  grouping(id: string): Grouping { return kept(this.made, id, () => groupings[id].make(this.profile)); }
 
   /** Returns a mark for each place that the search is for, or null if there is no search. */
   matches(search: string): Uint8Array|null {

@@ -1,5 +1,6 @@
 import type {Profile, Stacks} from '../document/profile';
 import {everything, type Filter} from './filter';
+import {pointsBefore} from './steps';
 import type {Tree} from './tree';
 
 /** The samples that a filter lets through, and what each node of the stacks weighs with them. */
@@ -56,30 +57,23 @@ export class Selection implements Tree {
   /** Calls `visit` with the index of each selected sample. */
   forEachSample(visit: (index: number) => void): void {
     const { profile, filter } = this;
-    const { times, cores, threads, stacks } = profile.samples;
+    const { cores, threads, stacks } = profile.samples;
     const [first, end] = sampleRange(profile, filter.start, filter.end);
     const keptCores = filter.cores === null ? null : marked(filter.cores, 0x10000);
     const keptThreads = filter.threads === null ? null : marked(filter.threads, profile.threads.length);
     const keptNodes = filter.text === '' ? null : nodesWithText(profile, filter.text);
-    const { slices } = filter;
-    let slice = 0;
     for (let i = first; i < end; ++i) {
       if (keptCores !== null && keptCores[cores[i]] === 0) continue;
       if (keptThreads !== null && keptThreads[threads[i]] === 0) continue;
       if (keptNodes !== null && keptNodes[stacks[i]] === 0) continue;
-      if (slices !== null) {
-        while (slice < slices.length && slices[slice + 1] <= times[i]) slice += 2;
-        if (slice >= slices.length) break;
-        if (times[i] < slices[slice]) continue;
-      }
       visit(i);
     }
   }
 
   private countSamples(totals: Uint32Array): void {
     const { stacks } = this.profile.samples;
-    const { cores, threads, text, slices, start, end } = this.filter;
-    if (cores !== null || threads !== null || text !== '' || slices !== null) {
+    const { cores, threads, text, start, end } = this.filter;
+    if (cores !== null || threads !== null || text !== '') {
       this.forEachSample((index) => totals[stacks[index]]++);
       return;
     }
@@ -89,9 +83,9 @@ export class Selection implements Tree {
 }
 
 export function isEverything(filter: Filter): boolean {
-  const { start, end, cores, threads, text, slices } = filter;
+  const { start, end, cores, threads, text } = filter;
   const untimed = start === everything.start && end === everything.end;
-  return untimed && cores === null && threads === null && text === '' && slices === null;
+  return untimed && cores === null && threads === null && text === '';
 }
 
 /** Adds the weight of each node to all that stand above it. */
@@ -104,21 +98,8 @@ export function sumUp(stacks: Pick<Stacks, 'parents'>, totals: Uint32Array): voi
 
 /** Returns the first sample at or after `start` and the first at or after `end`. */
 export function sampleRange({samples}: Profile, start: number, end: number): [number, number] {
-  const first = firstAtOrAfter(samples.times, start);
-  return [first, Math.max(first, firstAtOrAfter(samples.times, end))];
-}
-
-function firstAtOrAfter(times: Float64Array, time: number): number {
-  let from = 0;
-  let to = times.length;
-  while (from < to) {
-    const middle = (from + to) >>> 1;
-    if (times[middle] < time)
-      from = middle + 1;
-    else
-      to = middle;
-  }
-  return from;
+  const first = pointsBefore(samples.times, start);
+  return [first, Math.max(first, pointsBefore(samples.times, end))];
 }
 
 function marked(members: ReadonlySet<number>, size: number): Uint8Array {

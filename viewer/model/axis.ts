@@ -6,6 +6,27 @@ export interface Extent {
   readonly end: number;
 }
 
+/** Backward or forward. */
+export type Direction = -1|1;
+
+/** An extent over a number of pixels. */
+export class Scale {
+  /** Seconds of one pixel. */
+  readonly pixel: number;
+
+  constructor(
+      readonly shown: Extent,
+      readonly width: number,
+  ) {
+    this.pixel = (shown.end - shown.start) / width;
+  }
+
+  /** Returns where a time is, in pixels from the left. */
+  x(time: number): number { return (time - this.shown.start) / this.pixel; }
+
+  time(x: number): number { return this.shown.start + x * this.pixel; }
+}
+
 /** Returns the time that the documents cover together. */
 export function commonExtent(...parts: readonly(Extent | null)[]): Extent {
   let start = Infinity;

@@ -1,5 +1,6 @@
 import type {Profile} from '../document/profile';
-import {sampleRange, type Selection} from './Selection';
+import type {Extent} from './axis';
+import {pointsBefore} from './steps';
 
 /** The rows of a time line: a core or a thread each. */
 export interface TimeRow {
@@ -8,6 +9,8 @@ export interface TimeRow {
   readonly subject: number;
   readonly samples: number;
 }
+
+const mostCores = 0x10000;
 
 /** Returns the cores in their order, then the threads, those with most samples first. */
 export function timeRows({samples, threads}: Profile): TimeRow[] {
@@ -20,51 +23,79 @@ export function timeRows({samples, threads}: Profile): TimeRow[] {
   };
   const busiestFirst = (a: TimeRow, b: TimeRow) => b.samples - a.samples;
   return [
-    ...rows('core', samples.cores, 0x10000),
+    ...rows('core', samples.cores, mostCores),
     ...rows('thread', samples.threads, threads.length).sort(busiestFirst)
   ];
 }
 
-/** Samples in each pixel of some rows: counts[row * columns + column]. */
-export interface Density {
-  readonly columns: number;
-  readonly all: Uint32Array;
-  /** Those of the selection only. */
-  readonly selected: Uint32Array;
+/**
+ * Returns the first sample of each pixel of [start, end), and the first one after all; the document's last
+ * sample belongs to the last pixel of a span that ends with it.
+ */
+export function pixelBounds({samples: {times}}: Profile, {start, end}: Extent, pixels: number): Uint32Array {
+  const bounds = new Uint32Array(pixels + 1);
+  for (let x = 0; x <= pixels; ++x)
+    bounds[x] = pointsBefore(times, start + ((end - start) * x) / pixels, bounds[x - 1]);
+  if (end >= times[times.length - 1]) bounds[pixels] = times.length;
+  return bounds;
 }
 
-/** Counts the samples of [start, end) in the given rows, all of them and the selected ones. */
-export function density(
-    selection: Selection,
-    rows: readonly TimeRow[],
-    start: number,
-    end: number,
-    columns: number,
-    ): Density {
-  const { profile } = selection;
-  const { times, cores, threads } = profile.samples;
-  const rowOfCore = new Int32Array(0x10000).fill(-1);
-  const rowOfThread = new Int32Array(profile.threads.length).fill(-1);
-  rows.forEach(
-      ({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row * columns));
-  const scale = columns / (end - start);
-  const counter = (counts: Uint32Array) => (i: number) => {
-    const column = Math.min(columns - 1, ((times[i] - start) * scale) | 0);
-    const core = rowOfCore[cores[i]];
-    const thread = rowOfThread[threads[i]];
-    if (core >= 0) counts[core + column]++;
-    if (thread >= 0) counts[thread + column]++;
-  };
-  const all = new Uint32Array(rows.length * columns);
-  const count = counter(all);
-  // The last sample belongs to the last pixel of a time line that ends with it.
-  const [first, last] = sampleRange(profile, start, end >= times[times.length - 1] ? Infinity : end);
-  for (let i = first; i < last; ++i) count(i);
-  if (selection.isEverything) return { columns, all, selected: all };
-  const selected = new Uint32Array(all.length);
-  const countSelected = counter(selected);
-  selection.forEachSample((i) => {
-    if (i >= first && i < last) countSelected(i);
-  });
-  return { columns, all, selected };
+/** The samples of each of some rows: what is looked at is counted without a look at all of them. */
+export class RowSamples {
+  /** Ascending. */
+  private readonly columns: readonly Uint32Array[];
+
+  constructor(
+      { samples, threads }: Profile,
+      rows: readonly TimeRow[],
+      forEachSample: (visit: (index: number) => void) => void,
+  ) {
+    const rowOfCore = new Int32Array(mostCores).fill(-1);
+    const rowOfThread = new Int32Array(threads.length).fill(-1);
+    rows.forEach(({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row));
+    const columns = rows.map((row) => new Uint32Array(row.samples));
+    const counts = new Uint32Array(rows.length);
+    forEachSample((index) => {
+      const core = rowOfCore[samples.cores[index]];
+      const thread = rowOfThread[samples.threads[index]];
+      if (core >= 0) columns[core][counts[core]++] = index;
+      if (thread >= 0) columns[thread][counts[thread]++] = index;
+    });
+    this.columns = columns.map((column, row) => column.subarray(0, counts[row]));
+  }
+
+  /** Returns the samples of a row in each pixel; `bounds` are those of `pixelBounds`. */
+  count(row: number, bounds: Uint32Array): Uint32Array {
+    const column = this.columns[row];
+    const counts = new Uint32Array(bounds.length - 1);
+    let from = firstFrom(column, bounds[0], 0);
+    for (let x = 0; x < counts.length; ++x) {
+      const to = firstFrom(column, bounds[x + 1], from);
+      counts[x] = to - from;
+      from = to;
+    }
+    return counts;
+  }
 }
+
+/**
+ * Returns the first index from `from` on whose sample is not before `sample`; near ones are found soonest.
+ */
+function firstFrom(column: Uint32Array, sample: number, from: number): number {
+  let step = 1;
+  for (; column[from + step] < sample; step *= 2) from += step;
+  let to = Math.min(column.length, from + step);
+  while (from < to) {
+    const middle = (from + to) >>> 1;
+    if (column[middle] < sample)
+      from = middle + 1;
+    else
+      to = middle;
+  }
+  return from;
+}
+
+/** Calls `visit` with the index of each sample of the profile. */
+export const everySample = ({samples}: Profile) => (visit: (index: number) => void) => {
+  for (let i = 0; i < samples.count; ++i) visit(i);
+};

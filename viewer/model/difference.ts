@@ -1,6 +1,7 @@
 import type {Profile} from '../document/profile';
 import {StackTable} from '../document/StackTable';
 import type {Selection} from './Selection';
+import {kept} from './maps';
 import {sumUp} from './Selection';
 import type {Tree} from './tree';
 
@@ -88,9 +89,7 @@ export function unite(current: Profile, baseline: Profile): Union {
 function jointPlaces({ places }: Profile, index: Map<string, number>): Uint32Array {
   return Uint32Array.from(places.names, (name, place) => {
     const key = `${name}\n${places.names[places.libraries[place]]}`;
-    const known = index.get(key) ?? index.size;
-    if (known === index.size) index.set(key, known);
-    return known;
+    return kept(index, key, () => index.size);
   });
 }
 

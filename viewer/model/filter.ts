@@ -8,8 +8,6 @@ export interface Filter {
   readonly threads: ReadonlySet<number>|null;
   /** Only samples with a frame whose name contains this text; empty for all. */
   readonly text: string;
-  /** Pairs of start and end, ascending, that samples must lie in besides the brush; null for all. */
-  readonly slices: Float64Array|null;
 }
 
 export const everything: Filter = {
@@ -18,5 +16,4 @@ export const everything: Filter = {
   cores: null,
   threads: null,
   text: '',
-  slices: null,
 };

@@ -1,5 +1,5 @@
 import {grown} from '../document/grown';
-import type {Tree} from './tree';
+import {pathTo, type Tree} from './tree';
 
 /** The boxes of a flame graph, as columns; `count` of their entries are in use. */
 export class Boxes {
@@ -41,8 +41,8 @@ const deepest = 4096;
 
 /**
  * Lays out the boxes that are at least `least` pixels wide, where the samples from `start` to `end` of `root`
- * (in samples, 0 to its total) fill `width` pixels. `root` has depth 0, and a parent comes ahead of its
- * children.
+ * (in samples, 0 to its total) fill `width` pixels. What stands above `root` goes across the whole width. A
+ * parent comes ahead of its children.
  */
 export function layOut(
     tree: Tree,
@@ -57,9 +57,12 @@ export function layOut(
   const scale = width / (end - start);
   const fewest = least / scale;
   if (!(tree.totals[root] > 0) || !(scale > 0)) return boxes;
-  boxes.add(root, 0, -start * scale, tree.totals[root] * scale);
+  const path = [0, ...pathTo(tree, root)];
+  const top = path.length - 1;
+  for (let depth = 0; depth < top; ++depth) boxes.add(path[depth], depth, 0, width);
+  boxes.add(root, top, -start * scale, tree.totals[root] * scale);
   // The boxes are their own queue: those of one row are laid out after all of the row above.
-  for (let i = 0; i < boxes.count; ++i) {
+  for (let i = top; i < boxes.count; ++i) {
     const node = boxes.nodes[i];
     const depth = boxes.depths[i] + 1;
     if (depth > deepest) break;

@@ -1,6 +1,7 @@
 /** What the rows of the table of functions can be: functions, or what functions and samples belong to. */
 
 import {PlaceKind, type Profile} from '../document/profile';
+import {kept} from './maps';
 import type {Selection} from './Selection';
 
 export interface Group {
@@ -45,10 +46,11 @@ export function describePlace({places, files}: Profile, place: number): string {
   return `${library}  ${files[places.files[place]]}${line}`;
 }
 
+function group(name: string, kind = PlaceKind.User, detail = ''): Group { return { name, kind, detail }; }
+
 function byFunction(profile: Profile): Grouping {
   const { names, kinds, count } = profile.places;
-  const groups =
-      names.map((name, place) => ({ name, kind: kinds[place], detail: describePlace(profile, place) }));
+  const groups = names.map((name, place) => group(name, kinds[place], describePlace(profile, place)));
   const identity = Int32Array.from({ length: count }, (_, place) => place);
   return ofPlaces(profile, groups, identity, true);
 }
@@ -58,13 +60,8 @@ function byLibrary(profile: Profile): Grouping {
   const index = new Map<number, number>();
   const groups: Group[] = [];
   const groupOf = Int32Array.from(places.libraries, (library) => {
-    let group = index.get(library);
-    if (group === undefined) {
-      group =
-          groups.push({ name: places.names[library], kind: libraryKind(profile, library), detail: '' }) - 1;
-      index.set(library, group);
-    }
-    return group;
+    const add = () => groups.push(group(places.names[library], libraryKind(profile, library))) - 1;
+    return kept(index, library, add);
   });
   return ofPlaces(profile, groups, groupOf, false);
 }
@@ -75,16 +72,15 @@ function libraryKind({ places }: Profile, library: number): PlaceKind {
 }
 
 function byFile({ places, files, ...profile }: Profile): Grouping {
-  const groups = files.map((name) => ({ name, kind: PlaceKind.User, detail: '' }));
-  const none = groups.push({ name: 'no source file known', kind: PlaceKind.Unresolved, detail: '' }) - 1;
+  const groups = files.map((name) => group(name));
+  const none = groups.push(group('no source file known', PlaceKind.Unresolved)) - 1;
   const groupOf = Int32Array.from(places.files, (file) => (file < 0 ? none : file));
   return ofPlaces({ places, files, ...profile }, groups, groupOf, false);
 }
 
 function byProcess(profile: Profile): Grouping {
-  const groups =
-      profile.processes.map(({ pid, name }) => ({ name, kind: PlaceKind.User, detail: `process ${pid}` }));
-  const none = groups.push({ name: 'unknown process', kind: PlaceKind.Unresolved, detail: '' }) - 1;
+  const groups = profile.processes.map(({ pid, name }) => group(name, PlaceKind.User, `process ${pid}`));
+  const none = groups.push(group('unknown process', PlaceKind.Unresolved)) - 1;
   const first = new Map<number, number>();
   profile.processes.forEach(({ pid }, index) => first.has(pid) || first.set(pid, index));
   const groupOf = profile.threads.map(({ process, pid }) => (process < 0 ? none : first.get(pid) ?? none));
@@ -92,19 +88,15 @@ function byProcess(profile: Profile): Grouping {
 }
 
 function byThread(profile: Profile): Grouping {
-  const groups = profile.threads.map(({ name, pid, tid }) => ({
-                                       name,
-                                       kind: PlaceKind.User,
-                                       detail: `thread ${tid} of process ${pid}`,
-                                     }));
+  const groups = profile.threads.map(
+      ({ name, pid, tid }) => group(name, PlaceKind.User, `thread ${tid} of process ${pid}`));
   return ofSamples(groups, (index) => profile.samples.threads[index]);
 }
 
 function byCore(profile: Profile): Grouping {
   const { cores } = profile.samples;
   const most = cores.reduce((highest, core) => Math.max(highest, core), 0);
-  const groups = Array.from(
-      { length: most + 1 }, (_, core) => ({ name: `Core ${core}`, kind: PlaceKind.User, detail: '' }));
+  const groups = Array.from({ length: most + 1 }, (_, core) => group(`Core ${core}`));
   return ofSamples(groups, (index) => cores[index]);
 }
 

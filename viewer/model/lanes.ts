@@ -1,5 +1,6 @@
 /** The rows of a timechart, in the tree that its entries' `treeId` describes. */
 
+import {kept} from './maps';
 import type {Track} from './tracks';
 
 /** A row, and the rows below it. */
@@ -56,17 +57,8 @@ export function laneTree(all: Iterable<Track>): Lane[] {
   for (const track of all) {
     let branch = top;
     for (const part of treeParts(track)) {
-      let next = branch.children.get(part);
-      if (next === undefined) {
-        next = {
-          path: branch === top ? part : `${branch.path}_${part}`,
-          part,
-          tracks: [],
-          children: new Map()
-        };
-        branch.children.set(part, next);
-      }
-      branch = next;
+      const path: string = branch === top ? part : `${branch.path}_${part}`;
+      branch = kept(branch.children, part, () => ({ path, part, tracks: [], children: new Map() }));
     }
     branch.tracks.push(track);
   }
@@ -97,6 +89,10 @@ function labelOf(branch: Branch, depth: number, tracks: readonly Track[]): strin
   return first.isCounter ? first.entry.tip : first.label;
 }
 
+/** Returns what tells a row apart from all others: a counter's label goes with its task's. */
+export const fullLabel = ({label, tracks: [first]}: Lane): string =>
+    first?.isCounter === true ? `${label}, ${first.entry.name}` : label;
+
 /** What a person chose to see, by the paths of lanes. */
 export interface LaneChoice {
   readonly folded: ReadonlySet<string>;
@@ -123,12 +119,4 @@ export function visibleLanes(tree: readonly Lane[], choice: LaneChoice): {pinned
   };
   walk(tree, true);
   return { pinned, rest };
-}
-
-/** Calls `visit` for each lane of the tree, parents first. */
-export function forEachLane(tree: readonly Lane[], visit: (lane: Lane) => void): void {
-  for (const lane of tree) {
-    visit(lane);
-    forEachLane(lane.children, visit);
-  }
 }

@@ -1,5 +1,6 @@
 /** What a timechart tells of a span of time. */
 
+import {kept} from './maps';
 import {pointsBefore} from './steps';
 import type {Track} from './tracks';
 
@@ -127,12 +128,7 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
 function bySubject(all: readonly Track[], wanted: (track: Track) => boolean): Iterable<Track[]> {
   const found = new Map<number, Track[]>();
   for (const track of all) {
-    if (!wanted(track)) continue;
-    const tracks = found.get(track.subject);
-    if (tracks === undefined)
-      found.set(track.subject, [track]);
-    else
-      tracks.push(track);
+    if (wanted(track)) kept(found, track.subject, () => []).push(track);
   }
   return found.values();
 }

@@ -1,8 +1,10 @@
+import type {Direction} from './axis';
+
 /**
- * Returns how many of the ascending times from index `from` on are before `time`, or at it if `inclusive`.
+ * Returns how many of the ascending times are before `time`, or at it if `inclusive`; the answer is known to
+ * lie between `from` and `to`.
  */
-function countUntil(times: Float64Array, time: number, inclusive: boolean, from: number): number {
-  let to = times.length;
+function countUntil(times: Float64Array, time: number, inclusive: boolean, from: number, to: number): number {
   while (from < to) {
     const middle = (from + to) >>> 1;
     const at = times[middle];
@@ -18,10 +20,19 @@ function countUntil(times: Float64Array, time: number, inclusive: boolean, from:
  * Returns how many of the ascending times are at or before `time`; those below index `from` are known to be.
  */
 export const pointsUntil = (times: Float64Array, time: number, from = 0) =>
-    countUntil(times, time, true, from);
+    countUntil(times, time, true, from, times.length);
 
-/** Returns how many of the ascending times are before `time`. */
-export const pointsBefore = (times: Float64Array, time: number) => countUntil(times, time, false, 0);
+/**
+ * Returns how many of the ascending times are before `time`, which is known to lie between `from` and `to`.
+ */
+export const pointsBefore = (times: Float64Array, time: number, from = 0, to = times.length) =>
+    countUntil(times, time, false, from, to);
+
+/**
+ * Returns the index of the first time after `time`, or of the last before it; it may be beyond either end.
+ */
+export const pointBeside = (times: Float64Array, time: number, direction: Direction) =>
+    direction > 0 ? pointsUntil(times, time) : pointsBefore(times, time) - 1;
 
 /** A stretch of time during which a step function was not 0, in seconds. */
 export interface Slice {
@@ -41,12 +52,6 @@ export class Steps {
       readonly times: Float64Array,
       readonly values: Float64Array,
   ) {}
-
-  /** Returns the value at `time`. */
-  valueAt(time: number): number {
-    const index = pointsUntil(this.times, time);
-    return index > 0 ? this.values[index - 1] : 0;
-  }
 
   /** Returns the seconds of [start, end) during which the value was not 0. */
   onTime(start: number, end: number): number {
@@ -91,19 +96,11 @@ export class Steps {
     return time < end ? { start: times[first], end } : null;
   }
 
-  /** Returns the first stretch that starts after `time`, or null. */
-  sliceAfter(time: number, close: number): Slice|null {
-    for (let index = pointsUntil(this.times, time); index < this.times.length; ++index) {
-      const slice = this.sliceFrom(index, close);
-      if (slice !== null) return slice;
-    }
-    return null;
-  }
-
-  /** Returns the last stretch that starts before `time`, or null. */
-  sliceBefore(time: number, close: number): Slice|null {
-    for (let index = pointsBefore(this.times, time) - 1; index >= 0; --index) {
-      const slice = this.sliceFrom(index, close);
+  /** Returns the first stretch that starts after `time`, or the last one that starts before it, or null. */
+  sliceBeside(time: number, direction: Direction, close: number): Slice|null {
+    const { times, values } = this;
+    for (let i = pointBeside(times, time, direction); i >= 0 && i < times.length; i += direction) {
+      const slice = values[i] === 0 || (values[i - 1] ?? 0) !== 0 ? null : this.sliceAt(times[i], close);
       if (slice !== null) return slice;
     }
     return null;
@@ -135,11 +132,6 @@ export class Steps {
       if (values[i] !== 0 && (i === 0 || values[i - 1] === 0)) ++count;
     }
     return count;
-  }
-
-  private sliceFrom(index: number, close: number): Slice|null {
-    if (this.values[index] === 0 || (index > 0 && this.values[index - 1] !== 0)) return null;
-    return this.sliceAt(this.times[index], close);
   }
 
   /**

@@ -1,5 +1,7 @@
 /** What one task did: its runs, one after the other over all cores, and what it waited for before each. */
 
+import type {Direction} from './axis';
+import {kept} from './maps';
 import {pointsUntil, Slice} from './steps';
 import type {Track} from './tracks';
 
@@ -13,9 +15,9 @@ export interface Run extends Slice {
 /** How long a task did not run before a run, and how much of that it waited for what, in seconds. */
 export interface WaitBefore {
   readonly total: number;
-  readonly io: number;
-  readonly cpu: number;
-  readonly gpu: number;
+  readonly waitIo: number;
+  readonly waitCpu: number;
+  readonly waitGpu: number;
 }
 
 /** All runs on one core in the order of time, as columns. */
@@ -38,8 +40,8 @@ export class Tasks {
   ) {
     for (const track of tracks) {
       if (!track.entry.id.startsWith('proc-')) continue;
-      append(this.ofTask, track.subject, track);
-      if (track.role === 'running') append(this.onCore, track.cpu, track);
+      kept(this.ofTask, track.subject, () => []).push(track);
+      if (track.role === 'running') kept(this.onCore, track.cpu, () => []).push(track);
     }
   }
 
@@ -77,22 +79,15 @@ export class Tasks {
     return null;
   }
 
-  /** Returns the task's first run that starts after `time`, or null. */
-  runAfter(task: number, time: number): Run|null {
+  /**
+   * Returns the task's first run that starts after `time`, or the last one that starts before it, or null.
+   */
+  runBeside(task: number, time: number, direction: Direction): Run|null {
     let best: Run|null = null;
     for (const track of this.running(task)) {
-      const slice = track.steps.sliceAfter(time, this.close);
-      if (slice !== null && (best === null || slice.start < best.start)) best = asRun(track, slice);
-    }
-    return best;
-  }
-
-  /** Returns the task's last run that starts before `time`, or null. */
-  runBefore(task: number, time: number): Run|null {
-    let best: Run|null = null;
-    for (const track of this.running(task)) {
-      const slice = track.steps.sliceBefore(time, this.close);
-      if (slice !== null && (best === null || slice.start > best.start)) best = asRun(track, slice);
+      const slice = track.steps.sliceBeside(time, direction, this.close);
+      if (slice !== null && (best === null || (best.start - slice.start) * direction > 0))
+        best = asRun(track, slice);
     }
     return best;
   }
@@ -102,16 +97,12 @@ export class Tasks {
    * run.
    */
   waitBefore(run: Run): WaitBefore|null {
-    const before = this.runBefore(run.task, run.start);
+    const before = this.runBeside(run.task, run.start, -1);
     if (before === null) return null;
-    const waited = { io: 0, cpu: 0, gpu: 0 };
+    const waited = { waitIo: 0, waitCpu: 0, waitGpu: 0 };
     for (const { role, steps } of this.ofTask.get(run.task) ?? []) {
-      if (role === 'waitIo')
-        waited.io += steps.onTime(before.end, run.start);
-      else if (role === 'waitCpu')
-        waited.cpu += steps.onTime(before.end, run.start);
-      else if (role === 'waitGpu')
-        waited.gpu += steps.onTime(before.end, run.start);
+      if (role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
+        waited[role] += steps.onTime(before.end, run.start);
     }
     return { total: Math.max(0, run.start - before.end), ...waited };
   }
@@ -121,9 +112,7 @@ export class Tasks {
   }
 
   private coreRuns(cpu: number): CoreRuns {
-    let runs = this.ofCore.get(cpu);
-    if (runs === undefined) this.ofCore.set(cpu, (runs = mergeRuns(this.onCore.get(cpu) ?? [], this.close)));
-    return runs;
+    return kept(this.ofCore, cpu, () => mergeRuns(this.onCore.get(cpu) ?? [], this.close));
   }
 }
 
@@ -157,12 +146,4 @@ function runOf({ starts, ends, tracks }: CoreRuns, index: number, cpu: number): 
 
 function asRun({ entry, subject, cpu }: Track, slice: Slice): Run {
   return {...slice, task: subject, label: entry.name, cpu };
-}
-
-function append<T>(lists: Map<number, T[]>, key: number, item: T): void {
-  const list = lists.get(key);
-  if (list === undefined)
-    lists.set(key, [item]);
-  else
-    list.push(item);
 }

@@ -31,7 +31,7 @@ export class Opener {
     const slots = page.querySelectorAll<HTMLElement>('script[type="application/gzip;base64"]');
     this.openSources(
         Array.from(
-            slots, (slot) => ({ name: slot.dataset.name ?? 'document', base64: slot.textContent ?? '' })),
+            slots, (slot) => ({ name: slot.dataset['name'] ?? 'document', base64: slot.textContent ?? '' })),
     );
   }
 

@@ -26,7 +26,8 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
   [
     'Timechart rows',
     [
-      ['↑, ↓', 'go to the row above, below'],
+      ['↑, ↓, Home, End', 'go to the row above, below, to the first, the last'],
+      ['Page up, Page down', 'scroll the rows'],
       ['←, →', 'go to the row’s previous, next point in time; with Shift, select up to it'],
       ['Enter, click', 'select what the row shows there: a run of a task with its samples'],
       ['[, ]', 'select the previous, next run of the task'],

@@ -1,96 +1,76 @@
+import type {Direction} from '../model/axis';
+import {describePlace} from '../model/groupings';
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
-import {element, shortName} from './dom';
+import {childrenOf} from '../model/tree';
+import {div, element, shortName, span} from './dom';
 import {FlamePane} from './FlamePane';
-import {folded} from './folded';
-import {describePlace} from '../model/groupings';
 import {formatPart, placeLook} from './placeLook';
-import {ProfileBar} from './ProfileBar';
+import {ProfileView} from './ProfileView';
 import type {State} from './store';
-import {type App, type Direction, samplesChanged, type View} from './View';
 
-/** One function: what called it stands above it, what it called below. */
-export class ButterflyView implements View {
+/** One function: what called it is above, what it called below. */
+export class ButterflyView extends ProfileView {
   readonly id = 'butterfly';
   readonly title = 'Callers and callees';
-  readonly zone = 'detail';
-  private bar!: ProfileBar;
   private readonly name = element('div', { class: 'butterfly-name', role: 'heading', 'aria-level': '2' });
   private callers!: FlamePane;
   private callees!: FlamePane;
-  private callersHost = element('div', { class: 'half' });
-  private selection: Selection|null = null;
   private place = -1;
-
-  available(state: State): boolean { return state.profile !== null; }
-
-  mount(host: HTMLElement, app: App): void {
-    host.classList.add('column');
-    this.bar = new ProfileBar(host, app);
-    const calleesHost = element('div', { class: 'half' });
-    host.append(this.callersHost, this.name, calleesHost);
-    const open = (pane: () => FlamePane) => (node: number) => {
-      const tree = pane().shown;
-      if (tree !== null) app.store.set({ place: tree.places[node] });
-    };
-    this.callers = new FlamePane(this.callersHost, app, true, open(() => this.callers), 'Callers');
-    this.callees = new FlamePane(calleesHost, app, false, open(() => this.callees), 'Callees');
-  }
-
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
-    if (!samplesChanged(changed, 'place')) return;
-    const model = state.profile!;
-    const selection = model.selection(state.filter);
-    const { places, weight } = model.profile;
-    const place = state.place >= 0 && state.place < places.count ? state.place : heaviest(selection);
-    const same = selection === this.selection && place === this.place;
-    this.selection = selection;
-    this.place = place;
-    const name = places.names[place] ?? '';
-    for (const [pane, direction] of [[this.callers, 'callers'], [this.callees, 'callees']] as const) {
-      const tree = same ? pane.shown! : MergedTree.of(selection, place, direction);
-      pane.show(tree, placeLook(model, tree, selection, name, state.search), same);
-    }
-    const total = this.callees.shown!.totals[0] * weight;
-    const where = describePlace(model.profile, place);
-    this.name.replaceChildren(
-        element('strong', {}, shortName(name)),
-        ` total ${formatPart(total, selection.count * weight)} `,
-        element('span', { class: 'quiet' }, shortName(where)),
-    );
-    this.bar.draw(state);
-    this.callers.draw();
-    this.callees.draw();
-  }
+  protected override more = ['place' as const];
 
   key(event: KeyboardEvent): boolean {
-    return (this.callersHost.contains(document.activeElement) ? this.callers : this.callees).key(event);
+    return (this.callers.hasFocus ? this.callers : this.callees).key(event);
   }
 
-  find(direction: Direction): string|null {
-    return this.callees.find(direction) ?? this.callers.find(direction);
-  }
+  find = (direction: Direction) => this.callees.find(direction) ?? this.callers.find(direction);
 
   table(): string[][] {
-    const rows: string[][] = [['direction', 'samples', 'function']];
-    for (const [pane, direction] of [[this.callers, 'caller'], [this.callees, 'callee']] as const) {
-      const tree = pane.shown;
-      if (tree === null || this.selection === null) continue;
-      tree.expand(0);
-      const { names } = this.selection.profile.places;
-      for (let node = tree.childStart[0]; node < tree.childEnd[0]; ++node) {
-        rows.push(
-            [direction, String(tree.totals[node] * this.selection.profile.weight), names[tree.places[node]]]);
-      }
-    }
-    return rows;
+    const { places: { names }, weight } = this.model.profile;
+    const rows = this.panes.flatMap(({ pane, direction }) => {
+      const { tree } = pane;
+      return childrenOf(tree, 0).map(
+          (node) => [direction, String(tree.totals[node] * weight), names[tree.places[node]]]);
+    });
+    return [['direction', 'samples', 'function'], ...rows];
   }
 
-  folded(): string { return this.selection === null ? '' : folded(this.selection); }
+  svg = () => this.callees.svg();
 
-  svg(): string { return this.callees.svg(); }
+  canvas = () => this.callees.canvas;
 
-  canvas(): HTMLCanvasElement { return this.callees.canvas; }
+  protected fill(host: HTMLElement): void {
+    const [above, below] = [div('half'), div('half')];
+    host.append(above, this.name, below);
+    const open = (pane: FlamePane, node: number) => this.app.store.set({ place: pane.tree.places[node] });
+    this.callers = new FlamePane(above, this.app, 'Callers', (node) => open(this.callers, node), true);
+    this.callees = new FlamePane(below, this.app, 'Callees', (node) => open(this.callees, node));
+  }
+
+  protected show(state: State, before: Selection|undefined): void {
+    const { model, selection } = this;
+    const { places, weight } = model.profile;
+    const place = state.place >= 0 && state.place < places.count ? state.place : heaviest(selection);
+    const same = selection === before && place === this.place;
+    this.place = place;
+    const name = places.names[place] ?? '';
+    for (const { pane, direction } of this.panes) {
+      const tree = same ? pane.tree : MergedTree.of(selection, place, direction);
+      pane.show(tree, placeLook(model, tree, selection, name, state.search), same);
+    }
+    this.name.replaceChildren(
+        element('strong', {}, shortName(name)),
+        ` total ${formatPart(this.callees.tree.totals[0] * weight, this.whole)} `,
+        span('quiet', shortName(describePlace(model.profile, place))),
+    );
+  }
+
+  private get panes() {
+    return [
+      { pane: this.callers, direction: 'callers' },
+      { pane: this.callees, direction: 'callees' },
+    ] as const;
+  }
 }
 
 /** Returns the place in which most samples were taken. */

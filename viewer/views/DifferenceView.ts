@@ -1,13 +1,12 @@
+import {type Direction, formatShare} from '../model/axis';
 import {DifferenceTree, unite, type Union} from '../model/difference';
 import type {ProfileModel} from '../model/ProfileModel';
 import type {Selection} from '../model/Selection';
-import {button, element, isDark, shortName} from './dom';
-import {FlamePane, type FlameLook} from './FlamePane';
-import {formatShare} from '../model/axis';
-import {type LegendEntry, ProfileBar} from './ProfileBar';
-import {cellsOf, RowList} from './RowList';
+import {button, div, isDark, shortName} from './dom';
+import {type FlameLook, FlamePane} from './FlamePane';
+import {type LegendEntry, ProfileView} from './ProfileView';
+import {RowTable} from './RowTable';
 import type {State} from './store';
-import {type App, type Direction, samplesChanged, type View} from './View';
 
 /** A place's share of either profile's samples. */
 interface Change {
@@ -20,138 +19,125 @@ interface Change {
 /** Steps between "all gone" and "all new". */
 const steps = 8;
 
-const legend: readonly LegendEntry[] = [
-  [(dark) => palette(dark)[0], 'less than before'],
-  [(dark) => palette(dark)[steps], 'the same'],
-  [(dark) => palette(dark)[2 * steps], 'more than before'],
+const columns = [
+  ...['Before', 'After', 'Change'].map((title) => ({ title, style: `number ${title.toLowerCase()}` })),
+  { title: 'Function (self)', style: 'name' }
 ];
 
 /** What changed from one profile to another: red is more than before, blue is less. */
-export class DifferenceView implements View {
+export class DifferenceView extends ProfileView {
   readonly id = 'difference';
   readonly title = 'Difference';
-  readonly zone = 'detail';
-  private bar!: ProfileBar;
   private pane!: FlamePane;
-  private list!: RowList;
-  private union: Union|null = null;
-  private models: readonly[ProfileModel, ProfileModel]|null = null;
-  private selections: readonly[Selection, Selection]|null = null;
-  private tree: DifferenceTree|null = null;
-  private changes: Change[] = [];
+  private list!: RowTable;
+  private union!: Union;
+  private models: readonly ProfileModel[] = [];
+  private selections: readonly Selection[] = [];
+  private tree!: DifferenceTree;
+  private changes: readonly Change[] = [];
+  protected override more = ['baseline' as const];
+  protected override legend: readonly LegendEntry[] = [
+    [(dark) => palette(dark)[0], 'less than before'],
+    [(dark) => palette(dark)[steps], 'the same'],
+    [(dark) => palette(dark)[2 * steps], 'more than before'],
+  ];
+  protected override controls = [button(
+      'Swap', 'Exchange before and after',
+      () => this.app.store.set(
+          { profile: this.app.store.state.baseline, baseline: this.app.store.state.profile }))];
 
-  available(state: State): boolean { return state.profile !== null && state.baseline !== null; }
+  override available(state: State): boolean { return state.profile !== null && state.baseline !== null; }
 
-  mount(host: HTMLElement, app: App): void {
-    host.classList.add('column');
-    const swap = button(
-        'Swap',
-        'Exchange before and after',
-        () => app.store.set({ profile: app.store.state.baseline, baseline: app.store.state.profile }),
-    );
-    this.bar = new ProfileBar(host, app, [swap], legend);
-    const halves = element('div', { class: 'side-by-side' });
-    const flame = element('div', { class: 'half' });
-    const table = element('div', { class: 'half column difference-table' });
-    table.append(
-        element(
-            'div', { class: 'row head', 'aria-hidden': 'true' },
-            ...['Before', 'After', 'Change'].map((title) => element('span', { class: 'number' }, title)),
-            element('span', { class: 'name' }, 'Function (self)')),
-    );
-    halves.append(flame, table);
-    host.append(halves);
-    this.pane = new FlamePane(flame, app, false, () => undefined, 'Difference flame graph');
-    const repaint = () => app.store.repaint(this.paint);
-    this.list = new RowList(table, 'grid', 'Changes', repaint, (row, index) => this.fill(row, index), {
-      choose: (index) => app.announce(this.describe(this.changes[index])),
+  key(event: KeyboardEvent): boolean {
+    return (this.list.scroller.contains(document.activeElement) ? this.list : this.pane).key(event);
+  }
+
+  find = (direction: Direction) => this.pane.find(direction);
+
+  table(): string[][] {
+    const rows = this.changes.map(
+        ({ place, before, after }) =>
+            [...[before, after, after - before].map((share) => (100 * share).toFixed(3)),
+             this.nameOf(place)]);
+    return [['before %', 'after %', 'change', 'function'], ...rows];
+  }
+
+  svg = () => this.pane.svg();
+
+  canvas = () => this.pane.canvas;
+
+  protected fill(host: HTMLElement): void {
+    const flame = div('half');
+    const table = div('half column difference-table');
+    host.append(div('side-by-side', flame, table));
+    this.pane = new FlamePane(flame, this.app, 'Difference flame graph', () => undefined);
+    this.list = new RowTable(table, this.app, this.id, 'Changes', columns, {
+      row: (index) => {
+        const { place, before, after } = this.changes[index];
+        const change = after - before;
+        return {
+          cells: [formatShare(before), formatShare(after), signed(change), shortName(this.nameOf(place))],
+          style: change > 0 ? 'more' :
+              change < 0    ? 'less' :
+                              '',
+        };
+      },
       open: (index) => {
-        const place = this.union!.currentPlaces[this.changes[index].place];
-        if (place >= 0) app.store.set({ place, panel: 'butterfly' });
+        const place = this.union.currentPlaces[this.changes[index].place];
+        if (place >= 0) this.app.store.set({ place, panel: 'butterfly' });
       },
     });
   }
 
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
-    if (!samplesChanged(changed, 'baseline')) return;
-    const after = state.profile!;
-    const before = state.baseline!;
-    if (this.models?.[0] !== after || this.models[1] !== before) {
-      this.union = unite(after.profile, before.profile);
-      this.models = [after, before];
+  protected show({ baseline, filter, search }: State): void {
+    const models = [this.model, baseline!];
+    if (differ(models, this.models)) {
+      this.union = unite(models[0].profile, models[1].profile);
+      this.models = models;
     }
     // Threads, cores and times of one recording mean nothing in the other.
-    const text = before.textFilter(state.filter.text);
-    const selections = [after.selection(state.filter), before.selection(text)] as const;
-    const same = this.selections?.[0] === selections[0] && this.selections[1] === selections[1];
-    if (!same || this.tree === null) {
+    const selections = [this.selection, models[1].selection(models[1].textFilter(filter.text))];
+    const other = differ(selections, this.selections);
+    if (other) {
       this.selections = selections;
-      this.tree = new DifferenceTree(this.union!, ...selections);
+      this.tree = new DifferenceTree(this.union, selections[0], selections[1]);
       this.changes = this.listChanges();
     }
-    this.pane.show(this.tree, this.look(state.search), same);
-    this.bar.draw(state);
-    this.pane.draw();
-    this.paint();
+    this.pane.show(this.tree, this.look(search), !other);
+    this.list.draw(this.changes.length);
   }
-
-  key(event: KeyboardEvent): boolean {
-    return this.list.scroller.contains(document.activeElement) ? this.list.key(event) : this.pane.key(event);
-  }
-
-  find(direction: Direction): string|null { return this.pane.find(direction); }
-
-  table(): string[][] {
-    const rows = this.changes.map(
-        (change) =>
-            [(100 * change.before).toFixed(3),
-             (100 * change.after).toFixed(3),
-             (100 * (change.after - change.before)).toFixed(3),
-             this.nameOf(change.place),
-    ]);
-    return [['before %', 'after %', 'change', 'function'], ...rows];
-  }
-
-  svg(): string { return this.pane.svg(); }
-
-  canvas(): HTMLCanvasElement { return this.pane.canvas; }
-
-  private readonly paint = () => this.list.draw(this.changes.length);
 
   /** Name of a joint place, from whichever profile has it. */
   private nameOf(place: number): string {
-    const [after, before] = this.models!;
-    const current = this.union!.currentPlaces[place];
-    return current >= 0 ? after.profile.places.names[current] :
-                          before.profile.places.names[this.union!.baselinePlaces[place]];
+    const [after, before] = this.models.map(({ profile }) => profile.places.names);
+    const current = this.union.currentPlaces[place];
+    return current >= 0 ? after[current] : before[this.union.baselinePlaces[place]];
   }
 
   private look(search: string): FlameLook {
-    const tree = this.tree!;
-    const [after, before] = this.models!;
-    const found = [after.matches(search), before.matches(search)];
-    const { currentPlaces, baselinePlaces } = this.union!;
-    const whole = this.selections![0].count || 1;
+    const { current, baseline, places } = this.tree;
+    const [after, before] = this.models;
+    const [found, foundBefore] = [after.matches(search), before.matches(search)];
+    const { currentPlaces, baselinePlaces } = this.union;
+    const whole = this.selections[0].count || 1;
     const nameOf = (node: number) =>
-        (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.nameOf(tree.places[node]));
+        (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.nameOf(places[node]));
     return {
       palette: palette(isDark()),
       name: nameOf,
       colour(node) {
-        const change = tree.current[node] - tree.baseline[node];
-        const part = change / Math.max(tree.current[node], tree.baseline[node], 1);
-        return steps + Math.round(part * steps);
+        const change = current[node] - baseline[node];
+        return steps + Math.round((change / Math.max(current[node], baseline[node], 1)) * steps);
       },
-      matches(node) {
-        if (found[0] === null || found[1] === null) return null;
-        const place = tree.places[node];
-        return node !== 0 && (found[0][currentPlaces[place]] === 1 || found[1][baselinePlaces[place]] === 1);
-      },
+      matches: found &&
+          ((node) => node !== 0 &&
+               (found[currentPlaces[places[node]]] === 1 ||
+                foundBefore![baselinePlaces[places[node]]] === 1)),
       describe(node) {
-        const [now, then] = [tree.current[node] / whole, tree.baseline[node] / whole];
-        const change = `${now >= then ? '+' : '−'}${formatShare(Math.abs(now - then))}`;
+        const [now, then] = [current[node] / whole, baseline[node] / whole];
         return [
-          shortName(nameOf(node)), `before ${formatShare(then)}, after ${formatShare(now)}, change ${change}`
+          shortName(nameOf(node)),
+          `before ${formatShare(then)}, after ${formatShare(now)}, change ${signed(now - then)}`
         ];
       },
     };
@@ -159,36 +145,26 @@ export class DifferenceView implements View {
 
   /** Returns every place's share of the samples that were taken in it, the largest change first. */
   private listChanges(): Change[] {
-    const { currentPlaces } = this.union!;
-    const shares = this.selections!.map((selection, index) => {
-      const weights = this.models![index].grouping('function').weigh(selection);
-      return (place: number) => (place < 0 ? 0 : weights.selves[place] / (selection.count || 1));
+    const { currentPlaces, baselinePlaces } = this.union;
+    const [after, before] = this.selections.map((selection, index) => {
+      const { selves } = this.models[index].grouping('function').weigh(selection);
+      return (place: number) => (place < 0 ? 0 : selves[place] / (selection.count || 1));
     });
     const changes = Array.from(currentPlaces, (current, place) => ({
                                                 place,
-                                                after: shares[0](current),
-                                                before: shares[1](this.union!.baselinePlaces[place]),
+                                                after: after(current),
+                                                before: before(baselinePlaces[place]),
                                               }));
-    const size = ({ before, after }: Change) => Math.abs(after - before);
-    return changes.filter(({ before, after }) => before > 0 || after > 0).sort((a, b) => size(b) - size(a));
-  }
-
-  private describe({ place, before, after }: Change): string {
-    return `${shortName(this.nameOf(place))}, before ${formatShare(before)}, after ${formatShare(after)}`;
-  }
-
-  private fill(row: HTMLElement, index: number): void {
-    const { place, before, after } = this.changes[index];
-    const [beforeCell, afterCell, changeCell, nameCell] =
-        cellsOf(row, ['number', 'number', 'number', 'name']);
-    beforeCell.textContent = formatShare(before);
-    afterCell.textContent = formatShare(after);
-    const change = after - before;
-    changeCell.textContent = `${change > 0 ? '+' : change < 0 ? '−' : ''}${formatShare(Math.abs(change))}`;
-    changeCell.className = `number ${change > 0 ? 'more' : change < 0 ? 'less' : ''}`;
-    nameCell.textContent = shortName(this.nameOf(place));
+    const size = (change: Change) => Math.abs(change.after - change.before);
+    return changes.filter((change) => change.before > 0 || change.after > 0)
+        .sort((a, b) => size(b) - size(a));
   }
 }
+
+const differ = (first: readonly unknown[], second: readonly unknown[]) =>
+    first.some((part, index) => part !== second[index]);
+
+const signed = (share: number) => `${share > 0 ? '+' : share < 0 ? '−' : ''}${formatShare(Math.abs(share))}`;
 
 /** Blue for less, grey for the same, red for more. */
 function palette(dark: boolean): string[] {

@@ -1,7 +1,11 @@
+import {type Direction, Scale, zoomed} from '../model/axis';
 import {Boxes, layOut} from '../model/flameLayout';
-import {childrenOf, pathTo, type Tree} from '../model/tree';
+import {childrenOf, type Tree} from '../model/tree';
 import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
-import type {App, Direction} from './View';
+import {onGestures} from './gestures';
+import {SvgPicture} from './SvgPicture';
+import {CanvasWriter} from './texts';
+import {type App, nextOf} from './View';
 
 /** What a flame graph shows of a tree's nodes. */
 export interface FlameLook {
@@ -9,8 +13,8 @@ export interface FlameLook {
   /** Index into `palette`. */
   colour(node: number): number;
   readonly palette: readonly string[];
-  /** 1 for what the search is for; null without a search. */
-  matches(node: number): boolean|null;
+  /** Whether the search is for a node; null without a search. */
+  readonly matches: ((node: number) => boolean)|null;
   /** Lines that tell a node, for the tooltip and for screen readers. */
   describe(node: number): string[];
 }
@@ -18,413 +22,305 @@ export interface FlameLook {
 const rowHeight = 18;
 /** Boxes narrower than this many pixels are left out. */
 const leastWidth = 0.5;
-/** A shorter beginning of a name tells nothing. */
-const fewestLetters = 4;
 const leastText = 28;
-const fontFamily = 'system-ui, sans-serif';
 const fontSize = 12;
-/** Movements below this many pixels are clicks. */
-const clickTolerance = 3;
+const everything = {
+  start: 0,
+  end: 1
+};
 
 /**
- * One flame graph on a canvas: `focus` fills the width, or a part of it does after a zoom; what stands above
- * it is shown across the whole width. Marks of the pointer and the keyboard lie over the canvas, so that they
- * repaint nothing.
+ * One flame graph on a canvas: `focus` fills the width, or a part of it does after a zoom; what is above it
+ * goes across the whole width. Marks of the pointer and the keyboard are elements over the canvas, so that
+ * they repaint nothing.
  */
 export class FlamePane {
   readonly canvas = element('canvas', { 'aria-hidden': 'true' });
-  private readonly hoverMark = element('div', { class: 'flame-mark hover', hidden: true });
+  tree!: Tree;
+  private readonly context = this.canvas.getContext('2d', { alpha: false })!;
+  private readonly writer = new CanvasWriter(this.context);
+  private readonly hoverMark = element('div', { class: 'flame-mark', hidden: true });
   private readonly chosenMark = element('div', { class: 'flame-mark chosen', hidden: true });
   private readonly stage: HTMLElement;
   private readonly boxes = new Boxes();
-  private tree: Tree|null = null;
   private look!: FlameLook;
   private focus = 0;
   private chosen = 0;
-  /** Nodes above the focus, the root first. */
-  private above: readonly number[] = [];
   /** The part of the focus that fills the width. */
-  private start = 0;
-  private end = 1;
+  private part = everything;
   private scroll = 0;
   private width = 0;
   private height = 0;
-  private readonly textWidths = new Map<string, number>();
-  private drag: { x: number; y: number; moved: boolean }|null = null;
 
   constructor(
       host: HTMLElement,
       private readonly app: App,
-      /** Whether the root stands at the bottom. */
-      private upward: boolean,
+      label: string,
       /** Called when a node is chosen to be looked into, by a double click or Enter with Shift. */
       private readonly open: (node: number) => void,
-      label: string,
+      /** Whether the root is at the bottom. */
+      private upward = false,
   ) {
-    this.stage = element('div', { class: 'flame', tabindex: '0', role: 'img', 'aria-label': label });
-    this.stage.append(this.canvas, this.hoverMark, this.chosenMark);
+    this.stage = element(
+        'div', { class: 'flame', tabIndex: '0', role: 'application', 'aria-roledescription': 'flame graph' },
+        this.canvas, this.hoverMark, this.chosenMark);
+    this.stage.setAttribute('aria-label', label);
     host.append(this.stage);
     this.listen();
   }
 
-  get shown(): Tree|null { return this.tree; }
+  get hasFocus(): boolean { return this.stage === document.activeElement; }
 
   /** Shows a tree; `sameNodes` says that its nodes are those of the tree before, so that the zoom is kept. */
   show(tree: Tree, look: FlameLook, sameNodes: boolean): void {
     this.tree = tree;
     this.look = look;
-    if (sameNodes && tree.totals[this.focus] > 0) return;
-    this.focusOn(0);
     if (!sameNodes) this.chosen = 0;
+    if (sameNodes && tree.totals[this.focus] > 0)
+      this.repaint();
+    else
+      this.focusOn(0);
   }
 
-  setUpward(upward: boolean): void {
-    this.upward = upward;
+  /** Turns the graph upside down; returns whether the root is at the bottom now. */
+  turn(): boolean {
     this.scroll = 0;
+    return (this.upward = !this.upward);
   }
 
-  readonly draw = (): void => {
-    const { tree } = this;
-    if (tree === null) return;
-    this.width = this.stage.clientWidth;
-    this.height = this.stage.clientHeight;
-    const scale = fitCanvas(this.canvas, this.width, this.height);
-    const context = this.canvas.getContext('2d', { alpha: false })!;
-    context.setTransform(scale, 0, 0, scale, 0, 0);
-    this.lay(tree);
-    const lowest = Math.max(0, this.depthOfAll() * rowHeight - this.height);
-    this.scroll = Math.min(this.scroll, lowest);
-    this.paint(context);
-    this.placeMark(this.chosenMark, this.chosen === 0 ? -1 : this.boxOf(this.chosen));
-    this.hoverMark.hidden = true;
-  };
-
-  /** Goes to the next (1) or previous (-1) node that the search is for; returns what it is. */
+  /** Goes to the next or previous node that the search is for; returns what it is. */
   find(direction: Direction): string|null {
-    const { tree, look, boxes } = this;
-    if (tree === null) return null;
-    const from = this.boxOf(this.chosen);
-    const count = boxes.count;
-    for (let step = 1; step <= count; ++step) {
-      const index =
-          (((from < 0 && direction > 0 ? -1 : Math.max(from, 0)) + direction * step) % count + count) % count;
-      const node = boxes.nodes[index];
-      if (node === 0 || look.matches(node) !== true) continue;
-      this.choose(node);
-      return look.describe(node).join(', ');
-    }
-    return null;
+    const { nodes, count } = this.boxes;
+    const index =
+        nextOf(count, this.boxOf(this.chosen), direction, (i) => this.look.matches?.(nodes[i]) === true);
+    if (index < 0) return null;
+    this.choose(nodes[index]);
+    return this.look.describe(nodes[index]).join(', ');
   }
 
   key(event: KeyboardEvent): boolean {
-    const { tree } = this;
-    if (tree === null) return false;
-    const node = this.chosen;
+    const { tree, chosen } = this;
     const toParent = this.upward ? 'ArrowDown' : 'ArrowUp';
     const toChild = this.upward ? 'ArrowUp' : 'ArrowDown';
     switch (event.key) {
       case toParent:
-        return this.choose(node === 0 ? 0 : tree.parents[node]);
+        this.choose(tree.parents[chosen]);
+        break;
       case toChild:
-        return this.choose(childrenOf(tree, node)[0] ?? node);
+        this.choose(childrenOf(tree, chosen)[0] ?? chosen);
+        break;
       case 'ArrowLeft':
       case 'ArrowRight': {
-        const siblings = childrenOf(tree, tree.parents[node]);
-        const next = siblings[siblings.indexOf(node) + (event.key === 'ArrowRight' ? 1 : -1)];
-        return this.choose(next ?? node);
+        const siblings = childrenOf(tree, tree.parents[chosen]);
+        this.choose(siblings[siblings.indexOf(chosen) + (event.key === 'ArrowRight' ? 1 : -1)] ?? chosen);
+        break;
       }
       case 'Home':
         this.focusOn(0);
-        return this.choose(0);
+        this.choose(0);
+        break;
       case 'Enter':
         if (event.shiftKey)
-          this.open(node);
+          this.open(chosen);
         else
-          this.focusOn(node);
-        return true;
+          this.focusOn(chosen);
+        break;
       case 'Backspace':
         this.focusOn(tree.parents[this.focus]);
-        return true;
+        break;
       case '+':
       case '-':
         this.zoom(event.key === '+' ? 1 / 1.5 : 1.5, this.width / 2);
-        return true;
+        break;
       case 'PageDown':
       case 'PageUp':
         this.scrollBy((event.key === 'PageDown' ? 0.8 : -0.8) * this.height);
-        return true;
+        break;
+      default:
+        return false;
     }
-    return false;
+    return true;
   }
 
-  /** Calls `visit` for each node that has a box, a parent ahead of its children. */
-  forEachBox(visit: (node: number) => void): void {
-    for (let i = 0; i < this.boxes.count; ++i) visit(this.boxes.nodes[i]);
-  }
+  /** Returns the nodes that have a box, a parent ahead of its children. */
+  nodes(): number[] { return [...this.boxes.nodes.subarray(0, this.boxes.count)]; }
 
   /** Returns the picture as SVG. */
   svg(): string {
     const { boxes, look } = this;
-    const rows: string[] = [];
-    const rect = (node: number, left: number, width: number, depth: number) => {
-      const y = this.upward ? (this.depthOfAll() - 1 - depth) * rowHeight : depth * rowHeight;
-      const name = look.name(node);
-      const most = Math.floor(width / 6.5);
-      const text = most < 3 ? '' : name.length > most ? `${name.slice(0, most - 1)}…` : name;
-      rows.push(
-          `<g><title>${escaped(look.describe(node).join('\n'))}</title>` +
-              `<rect x="${left.toFixed(2)}" y="${y}" width="${
-                  Math.max(0.5, width - 0.5).toFixed(2)}" height="${rowHeight - 1}" fill="${
-                  look.palette[look.colour(node)]}"/>` +
-              (text === '' ? '' :
-                             `<text x="${(left + 3).toFixed(2)}" y="${y + 13}">${escaped(text)}</text>`) +
-              '</g>',
-      );
-    };
-    this.above.forEach((node, depth) => rect(node, 0, this.width, depth));
+    const height = this.rows * rowHeight;
+    const picture = new SvgPicture(this.width, height, pageColour('ground'));
+    const text = pageColour('text');
     for (let i = 0; i < boxes.count; ++i) {
-      const left = Math.max(0, boxes.lefts[i]);
-      rect(
-          boxes.nodes[i], left, Math.min(this.width, boxes.lefts[i] + boxes.widths[i]) - left,
-          this.above.length + boxes.depths[i]);
+      const y = (this.upward ? this.rows - 1 - boxes.depths[i] : boxes.depths[i]) * rowHeight;
+      const [left, right] = [this.left(i), this.right(i)];
+      picture.box(
+          left, right - gap(right - left), y, y + rowHeight - 1, look.palette[look.colour(boxes.nodes[i])]);
+      picture.text(look.name(boxes.nodes[i]), left + 3, y + rowHeight / 2, right - left - 7, text);
     }
-    const height = this.depthOfAll() * rowHeight;
-    return (
-        `<svg xmlns="http://www.w3.org/2000/svg" width="${this.width}" height="${height}" font-family="${
-            fontFamily}" font-size="${fontSize}" fill="${pageColour('text')}">` +
-        `<rect width="100%" height="100%" fill="${pageColour('ground')}"/>${rows.join('')}</svg>`);
+    return picture.toString();
   }
 
-  private lay(tree: Tree): void {
-    const total = tree.totals[this.focus];
-    const path = this.focus === 0 ? [] : [0, ...pathTo(tree, this.focus).slice(0, -1)];
-    this.above = path;
-    layOut(tree, this.focus, this.start * total, this.end * total, this.width, leastWidth, this.boxes);
+  private readonly draw = (): void => {
+    const { stage, context } = this;
+    this.width = stage.clientWidth;
+    this.height = stage.clientHeight;
+    const scale = fitCanvas(this.canvas, this.width, this.height);
+    context.setTransform(scale, 0, 0, scale, 0, 0);
+    this.lay();
+    this.scroll = Math.min(this.scroll, Math.max(0, this.rows * rowHeight - this.height));
+    this.paint();
+    this.placeMark(this.chosenMark, this.chosen === 0 ? -1 : this.boxOf(this.chosen));
+    this.hoverMark.hidden = true;
+  };
+
+  private repaint(): void { this.app.store.repaint(this.draw); }
+
+  private lay(): void {
+    const total = this.tree.totals[this.focus];
+    const { start, end } = this.part;
+    layOut(this.tree, this.focus, start * total, end * total, this.width, leastWidth, this.boxes);
   }
 
-  private depthOfAll(): number {
-    const { count, depths } = this.boxes;
-    return this.above.length + (count > 0 ? depths[count - 1] + 1 : 0);
+  /** Rows of the whole graph; the last box is in the deepest one. */
+  private get rows(): number {
+    return this.boxes.count === 0 ? 0 : this.boxes.depths[this.boxes.count - 1] + 1;
   }
 
-  /** Top of a row in the canvas. */
-  private top(depth: number): number {
-    return this.upward ? this.height - (depth + 1) * rowHeight + this.scroll :
-                         depth * rowHeight - this.scroll;
+  /** Edges of a box in the canvas. */
+  private left(i: number): number { return Math.max(0, this.boxes.lefts[i]); }
+  private right(i: number): number {
+    return Math.min(this.width, this.boxes.lefts[i] + this.boxes.widths[i]);
+  }
+  private top(i: number): number {
+    const down = this.boxes.depths[i] * rowHeight - this.scroll;
+    return this.upward ? this.height - rowHeight - down : down;
   }
 
-  private paint(context: CanvasRenderingContext2D): void {
-    const { boxes, look, width, height } = this;
-    const dark = isDark();
+  private paint(): void {
+    const { boxes, look, width, height, context, writer } = this;
+    const { matches, palette } = look;
     context.fillStyle = pageColour('ground');
     context.fillRect(0, 0, width, height);
-    const searching = look.matches(this.focus) !== null;
-    const match = look.palette.length;
+    const match = palette.length;
+    // Boxes of one colour are painted together.
     const batches: number[][] = Array.from({ length: match + 1 }, () => []);
-    for (let i = -this.above.length; i < boxes.count; ++i) {
-      const depth = i < 0 ? this.above.length + i : this.above.length + boxes.depths[i];
-      const y = this.top(depth);
+    const labelled: number[] = [];
+    for (let i = 0; i < boxes.count; ++i) {
+      const y = this.top(i);
       if (y <= -rowHeight || y >= height) continue;
-      const node = i < 0 ? this.above[depth] : boxes.nodes[i];
-      batches[searching && look.matches(node) === true ? match : look.colour(node)].push(i);
+      batches[matches?.(boxes.nodes[i]) === true ? match : look.colour(boxes.nodes[i])].push(i);
+      if (boxes.widths[i] >= leastText) labelled.push(i);
     }
-    context.globalAlpha = searching ? 0.45 : 1;
     batches.forEach((batch, colour) => {
       if (batch.length === 0) return;
-      if (colour === match) context.globalAlpha = 1;
-      context.fillStyle = look.palette[colour] ?? (dark ? '#b3248f' : '#ff7ad9');
+      context.globalAlpha = matches !== null && colour !== match ? 0.45 : 1;
+      context.fillStyle = palette[colour] ?? (isDark() ? '#b3248f' : '#ff7ad9');
       context.beginPath();
-      for (const i of batch) this.addBox(context, i);
+      for (const i of batch) {
+        const left = this.left(i);
+        const wide = this.right(i) - left;
+        context.rect(left, this.top(i), Math.max(leastWidth, wide - gap(wide)), rowHeight - 1);
+      }
       context.fill();
     });
     context.globalAlpha = 1;
-    context.fillStyle = pageColour('text');
-    context.font = `${fontSize}px ${fontFamily}`;
-    context.textBaseline = 'middle';
-    for (const batch of batches)
-      for (const i of batch) this.addText(context, i);
-  }
-
-  private addBox(context: CanvasRenderingContext2D, i: number): void {
-    const { boxes, width } = this;
-    if (i < 0) {
-      context.rect(0, this.top(this.above.length + i), width, rowHeight - 1);
-      return;
+    writer.begin(fontSize);
+    const text = pageColour('text');
+    for (const i of labelled) {
+      const left = this.left(i);
+      const room = this.right(i) - left - 7;
+      writer.text(shortName(look.name(boxes.nodes[i])), left + 3, this.top(i) + rowHeight / 2, room, text);
     }
-    const left = Math.max(0, boxes.lefts[i]);
-    const right = Math.min(width, boxes.lefts[i] + boxes.widths[i]);
-    // A gap to the right tells boxes apart; narrow ones would vanish in it.
-    const gap = right - left > 2 ? 1 : 0;
-    context.rect(
-        left, this.top(this.above.length + boxes.depths[i]), Math.max(0.5, right - left - gap),
-        rowHeight - 1);
   }
 
-  private addText(context: CanvasRenderingContext2D, i: number): void {
-    const { boxes } = this;
-    const left = i < 0 ? 0 : Math.max(0, boxes.lefts[i]);
-    const right = i < 0 ? this.width : Math.min(this.width, boxes.lefts[i] + boxes.widths[i]);
-    if (right - left < leastText) return;
-    const node = i < 0 ? this.above[this.above.length + i] : boxes.nodes[i];
-    const depth = i < 0 ? this.above.length + i : this.above.length + boxes.depths[i];
-    const text = this.fitted(context, this.look.name(node), right - left - 7);
-    if (text !== '') context.fillText(text, left + 3, this.top(depth) + rowHeight / 2);
-  }
-
-  /** Returns as much of the name as fits. */
-  private fitted(context: CanvasRenderingContext2D, name: string, room: number): string {
-    const short = shortName(name);
-    const width = this.textWidth(context, short);
-    if (width <= room) return short;
-    // Letters differ in width: the estimate may be a few too many.
-    for (let letters = Math.floor((short.length * room) / width); letters >= fewestLetters; --letters) {
-      const cut = `${short.slice(0, letters - 1)}…`;
-      if (this.textWidth(context, cut) <= room) return cut;
-    }
-    return '';
-  }
-
-  private textWidth(context: CanvasRenderingContext2D, text: string): number {
-    let width = this.textWidths.get(text);
-    if (width === undefined) {
-      if (this.textWidths.size > 20000) this.textWidths.clear();
-      width = context.measureText(text).width;
-      this.textWidths.set(text, width);
-    }
-    return width;
-  }
-
-  /** Chooses a node, tells it, and brings it into view; returns true for the callers' convenience. */
-  private choose(node: number): true {
+  /** Chooses a node, tells it, and brings it into view. */
+  private choose(node: number): void {
     this.chosen = node;
-    if (this.boxOf(node) < 0 && this.tree !== null) {
+    if (this.boxOf(node) < 0) {
       // Too small or outside: its parent fills the width.
       this.focusOn(this.tree.parents[node]);
-      this.lay(this.tree);
+      this.lay();
     }
     const index = this.boxOf(node);
-    const depth = index >= 0 ? this.above.length + this.boxes.depths[index] : this.above.indexOf(node);
-    const y = this.top(depth);
-    if (y < 0 || y + rowHeight > this.height) this.scroll = Math.max(0, depth * rowHeight - this.height / 2);
-    this.app.announce(this.look.describe(node).join(', '));
-    this.app.store.repaint(this.draw);
-    return true;
+    const y = this.top(index);
+    if (y < 0 || y + rowHeight > this.height)
+      this.scroll = Math.max(0, this.boxes.depths[index] * rowHeight - this.height / 2);
+    this.tell(node);
+    this.repaint();
   }
+
+  private tell(node: number): void { this.app.announce(this.look.describe(node).join(', ')); }
 
   private focusOn(node: number): void {
     this.focus = node;
-    this.start = 0;
-    this.end = 1;
-    this.app.store.repaint(this.draw);
+    this.part = everything;
+    this.repaint();
   }
 
-  /** Zooms about a pixel. */
-  private zoom(factor: number, x: number): void {
-    const length = Math.min(1, Math.max(1e-7, (this.end - this.start) * factor));
-    const at = this.start + (x / this.width) * (this.end - this.start);
-    this.start = Math.min(Math.max(0, at - (x / this.width) * length), 1 - length);
-    this.end = this.start + length;
-    this.app.store.repaint(this.draw);
-  }
-
-  private pan(pixels: number): void {
-    const length = this.end - this.start;
-    this.start = Math.min(Math.max(0, this.start + (pixels / this.width) * length), 1 - length);
-    this.end = this.start + length;
-    this.app.store.repaint(this.draw);
+  /** Zooms about a pixel, and moves by pixels. */
+  private zoom(factor: number, x: number, pixels = 0): void {
+    const scale = new Scale(this.part, this.width);
+    this.part = zoomed(this.part, everything, factor, scale.time(x), pixels * scale.pixel);
+    this.repaint();
   }
 
   private scrollBy(pixels: number): void {
     this.scroll = Math.max(0, this.scroll + (this.upward ? -pixels : pixels));
-    this.app.store.repaint(this.draw);
+    this.repaint();
   }
 
   /** Index of a node's box, or -1. */
   private boxOf(node: number): number { return this.boxes.nodes.subarray(0, this.boxes.count).indexOf(node); }
 
-  /** Returns the node under the pointer, or -1. */
-  private nodeAt(event: MouseEvent): number {
+  /** Returns the box under the pointer, or -1. */
+  private boxAt(event: MouseEvent): number {
     const { left, top } = this.stage.getBoundingClientRect();
     const y = event.clientY - top;
-    const row = Math.floor((this.upward ? this.height - y + this.scroll : y + this.scroll) / rowHeight);
-    if (row < this.above.length) return this.above[row] ?? -1;
-    const index = this.boxes.at(event.clientX - left, row - this.above.length);
-    return index < 0 ? -1 : this.boxes.nodes[index];
+    const row = Math.floor(((this.upward ? this.height - y : y) + this.scroll) / rowHeight);
+    return this.boxes.at(event.clientX - left, row);
   }
 
   private placeMark(mark: HTMLElement, index: number): void {
     mark.hidden = index < 0;
     if (index < 0) return;
-    const { boxes } = this;
-    const left = Math.max(0, boxes.lefts[index]);
-    const right = Math.min(this.width, boxes.lefts[index] + boxes.widths[index]);
-    mark.style.transform = `translate(${left}px, ${this.top(this.above.length + boxes.depths[index])}px)`;
-    mark.style.width = `${Math.max(1, right - left)}px`;
+    const left = this.left(index);
+    mark.style.transform = `translate(${left}px, ${this.top(index)}px)`;
+    mark.style.width = `${Math.max(1, this.right(index) - left)}px`;
   }
 
   private listen(): void {
-    const { stage } = this;
-    stage.addEventListener(
-        'wheel',
-        (event) => {
-          event.preventDefault();
-          const unit = event.deltaMode === 1 ? 16 : 1;
-          const x = event.clientX - stage.getBoundingClientRect().left;
-          if (event.ctrlKey || event.metaKey)
-            this.zoom(Math.exp(event.deltaY * unit * 0.002), x);
-          else if (event.shiftKey || event.deltaX !== 0)
-            this.pan((event.deltaX || event.deltaY) * unit);
-          else
-            this.scrollBy(event.deltaY * unit);
-        },
-        { passive: false },
-    );
-    stage.addEventListener('pointerdown', (event) => {
-      if (event.button !== 0) return;
-      this.drag = { x: event.clientX, y: event.clientY, moved: false };
-      stage.setPointerCapture(event.pointerId);
-    });
-    stage.addEventListener('pointermove', (event) => this.move(event));
-    stage.addEventListener('pointerup', (event) => {
-      const clicked = this.drag !== null && !this.drag.moved;
-      this.drag = null;
-      const node = clicked ? this.nodeAt(event) : -1;
-      if (node < 0) return;
-      this.chosen = node;
-      this.app.announce(this.look.describe(node).join(', '));
-      this.focusOn(node);
+    const { stage, boxes } = this;
+    const hover = (event: PointerEvent|null) => {
+      const index = event === null ? -1 : this.boxAt(event);
+      this.placeMark(this.hoverMark, index);
+      this.app.tooltip(index < 0 ? null : this.look.describe(boxes.nodes[index]), event);
+    };
+    onGestures(stage, {
+      zoom: (factor, event) => this.zoom(factor, event.clientX - stage.getBoundingClientRect().left),
+      pan: (pixels) => this.zoom(1, 0, pixels),
+      scroll: (pixels) => this.scrollBy(pixels),
+      press: (event) => event.button === 0,
+      drag: (_, right, down) => {
+        hover(null);
+        this.zoom(1, 0, -right);
+        this.scrollBy(-down);
+      },
+      click: (event) => {
+        const index = this.boxAt(event);
+        if (index < 0) return;
+        this.chosen = boxes.nodes[index];
+        this.tell(this.chosen);
+        this.focusOn(this.chosen);
+      },
+      hover,
     });
     stage.addEventListener('dblclick', (event) => {
-      const node = this.nodeAt(event);
-      if (node > 0) this.open(node);
+      const index = this.boxAt(event);
+      if (index >= 0) this.open(boxes.nodes[index]);
     });
-    stage.addEventListener('pointerleave', () => {
-      this.hoverMark.hidden = true;
-      this.app.tooltip(null);
-    });
-  }
-
-  private move(event: PointerEvent): void {
-    const { drag } = this;
-    if (drag !== null) {
-      drag.moved ||= Math.abs(event.clientX - drag.x) + Math.abs(event.clientY - drag.y) >= clickTolerance;
-      if (drag.moved) {
-        this.pan(drag.x - event.clientX);
-        this.scrollBy(drag.y - event.clientY);
-        drag.x = event.clientX;
-        drag.y = event.clientY;
-      }
-    }
-    const node = drag?.moved === true ? -1 : this.nodeAt(event);
-    this.placeMark(this.hoverMark, node < 0 ? -1 : this.boxOf(node));
-    this.app.tooltip(node < 0 ? null : this.look.describe(node), event);
   }
 }
 
-const escapes: Record<string, string> = {
-  '&': '&amp;',
-  '<': '&lt;',
-  '>': '&gt;',
-  '"': '&quot;'
-};
-const escaped = (text: string) => text.replace(/[&<>"]/g, (c) => escapes[c]);
+/** A gap to the right tells boxes apart; narrow ones would vanish in it. */
+const gap = (width: number) => (width > 2 ? 1 : 0);

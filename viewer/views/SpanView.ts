@@ -1,11 +1,10 @@
-import {formatShare} from '../model/axis';
-import type {SpanUse, TaskUse} from '../model/span';
-import type {TimechartModel} from '../model/TimechartModel';
+import {type Direction, formatShare} from '../model/axis';
+import type {SpanUse} from '../model/span';
 import {button, element, shortName} from './dom';
-import {describeRun, selectRun} from './runs';
+import {describeRun, selectBeside} from './runs';
 import type {State} from './store';
-import {brushOf, describeSpan, showTime, spanOf} from './timeAxis';
-import type {App, Direction, View} from './View';
+import {brushOf, describeSpan, spanOf} from './timeAxis';
+import type {App, View} from './View';
 
 type Cells = readonly string[];
 
@@ -55,15 +54,11 @@ export class SpanView implements View {
 
   private show(use: SpanUse, state: State): void {
     this.use = use;
-    const head = element(
-        'p', { class: 'lead' },
-        `${brushOf(state) === null ? 'All' : 'Selected'}: ${describeSpan(spanOf(state))}`);
+    const what = brushOf(state) === null ? 'All' : 'Selected';
     this.host.replaceChildren(
-        head, ...this.runLines(state, state.timechart!),
+        element('p', { class: 'lead' }, `${what}: ${describeSpan(spanOf(state))}`), ...this.runLines(state),
         ...sections(use).map(([title, rows]) => tableOf(title, rows)));
   }
-
-  key(): boolean { return false; }
 
   table(): readonly Cells[] {
     return this.use === null ?
@@ -72,71 +67,50 @@ export class SpanView implements View {
   }
 
   /** What is known of the selected run, with buttons to the task's next and previous one. */
-  private runLines({ run }: State, { tasks }: TimechartModel): HTMLElement[] {
+  private runLines({ run, timechart }: State): HTMLElement[] {
     if (run === null) return [];
-    const step = (direction: Direction) => {
-      const next = direction > 0 ? tasks.runAfter(run.task, run.start) : tasks.runBefore(run.task, run.start);
-      if (next === null) return;
-      showTime(this.app.store, next.start);
-      selectRun(this.app, next);
-    };
+    const step = (direction: Direction) => () => void selectBeside(this.app, run.task, run.start, direction);
     return [
       element(
-          'p',
-          { class: 'run' },
-          describeRun(tasks, run).join('; ') + ' ',
-          button('‹', 'Run before of this task', () => step(-1)),
-          button('›', 'Next run of this task', () => step(1)),
-          ),
+          'p', { class: 'run' }, describeRun(timechart!.tasks, run).join('; ') + ' ',
+          button('‹', 'Run before of this task', step(-1)), button('›', 'Next run of this task', step(1))),
     ];
   }
 }
 
-const milliseconds = (seconds: number) => (seconds * 1e3).toFixed(3);
+const ms = (seconds: number) => (seconds * 1e3).toFixed(3);
 
 /** Returns the tables of a span: a title, and rows of which the first names the columns. */
 function sections(use: SpanUse): [string, readonly Cells[]][] {
   const length = use.end - use.start;
   const share = (seconds: number) => (length > 0 ? formatShare(seconds / length) : '');
-  const counters = [...use.counters.keys()];
-  const cores = use.cores.map(
-      ({ label,
-         busy,
-         longestGap }) => [shortName(label), milliseconds(busy), share(busy), milliseconds(longestGap)]);
-  const tasks = use.tasks.map((task) => taskCells(task, share, counters));
-  const interrupts = use.interrupts.map(
-      ({ label,
-         count,
-         seconds }) => [shortName(label), String(count), milliseconds(seconds), share(seconds)]);
-  const all: [string, readonly Cells[]][] = [
-    ['Cores', [['Core', 'Busy, ms', 'Share', 'Longest gap, ms'], ...cores]],
+  const names = [...use.counters.keys()];
+  const sum = (counters: ReadonlyMap<string, number>, name: string) =>
+      counters.has(name) ? whole(counters.get(name)!) : '';
+  const all: [string, Cells, readonly Cells[]][] = [
+    [
+      'Cores', ['Core', 'Busy, ms', 'Share', 'Longest gap, ms'],
+      use.cores.map(({ label, busy, longestGap }) => [label, ms(busy), share(busy), ms(longestGap)])
+    ],
     [
       `Tasks: ${use.switches} switches`,
       [
-        [
-          'Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches',
-          'Longest gap, ms', ...counters.map(shortName)
-        ],
-        ...tasks,
+        'Task', 'Running, ms', 'Share', 'For a CPU, ms', 'For I/O, ms', 'For the GPU, ms', 'Switches',
+        'Longest gap, ms', ...names
       ],
+      use.tasks.map(
+          ({ label, running, waitCpu, waitIo, waitGpu, switches, longestGap, counters }) =>
+              [label, ms(running), share(running), ...[waitCpu, waitIo, waitGpu].map(ms), String(switches),
+               ms(longestGap), ...names.map((name) => sum(counters, name))])
     ],
-    ['Interrupts', [['Interrupt', 'Count', 'Time, ms', 'Share'], ...interrupts]],
     [
-      'Counters',
-      [['Counter', 'Sum'], ...[...use.counters].map(([name, sum]) => [shortName(name), whole(sum)])]
+      'Interrupts', ['Interrupt', 'Count', 'Time, ms', 'Share'],
+      use.interrupts.map(({ label, count, seconds }) => [label, String(count), ms(seconds), share(seconds)])
     ],
+    ['Counters', ['Counter', 'Sum'], names.map((name) => [name, sum(use.counters, name)])],
   ];
-  return all.filter(([, rows]) => rows.length > 1);
-}
-
-function taskCells(task: TaskUse, share: (seconds: number) => string, counters: readonly string[]): Cells {
-  const { label, running, waitCpu, waitIo, waitGpu, switches, longestGap } = task;
-  const sums = counters.map((name) => (task.counters.has(name) ? whole(task.counters.get(name)!) : ''));
-  const waits = [waitCpu, waitIo, waitGpu].map(milliseconds);
-  return [
-    shortName(label), milliseconds(running), share(running), ...waits, String(switches),
-    milliseconds(longestGap), ...sums
-  ];
+  return all.filter(([, , rows]) => rows.length > 0)
+      .map(([title, head, rows]) => [title, [head, ...rows].map((cells) => cells.map(shortName))]);
 }
 
 const whole = (sum: number) => Math.round(sum).toLocaleString('en');
@@ -146,20 +120,13 @@ const mostRows = 200;
 
 function tableOf(title: string, rows: readonly Cells[]): HTMLElement {
   const [head, ...body] = rows;
-  const shown = body.slice(0, mostRows);
-  const left = body.length - shown.length;
+  const left = body.length - mostRows;
+  const line = (first: string, scope: string, cells: Cells) => element(
+      'tr', {},
+      ...cells.map(
+          (cell, i) => i === 0 || first === 'th' ? element('th', { scope }, cell) : element('td', {}, cell)));
   return element(
-      'table',
-      {},
-      element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
-      element('thead', {}, element('tr', {}, ...head.map((cell) => element('th', { scope: 'col' }, cell)))),
-      element(
-          'tbody', {},
-          ...shown.map(
-              (cells) => element(
-                  'tr', {},
-                  ...cells.map(
-                      (cell, i) =>
-                          (i === 0 ? element('th', { scope: 'row' }, cell) : element('td', {}, cell)))))),
-  );
+      'table', {}, element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
+      element('thead', {}, line('th', 'col', head)),
+      element('tbody', {}, ...body.slice(0, mostRows).map((cells) => line('td', 'row', cells))));
 }

@@ -1,43 +1,42 @@
+import {kept} from '../model/maps';
 import type {Surface} from './laneRaster';
-import type {Writer} from './laneTexts';
+import {fitted, type Writer} from './texts';
 
 /** A vector picture. Boxes of one colour are one path, in the order in which the colours came. */
 export class SvgPicture implements Surface, Writer {
-  private readonly paths = new Map<number, string[]>();
+  private readonly paths = new Map<number|string, string[]>();
   private readonly texts: string[] = [];
 
   constructor(
       private readonly width: number,
       private readonly height: number,
-      private readonly ground: number,
+      private readonly ground: string,
+      /** How far to the right of its place everything is drawn. */
+      private readonly shift = 0,
   ) {}
 
-  box(left: number, right: number, top: number, bottom: number, colour: number): void {
-    let path = this.paths.get(colour);
-    if (path === undefined) this.paths.set(colour, (path = []));
-    const [x, y, width, height] = [left, top, right - left, bottom - top].map(rounded);
-    path.push(`M${x} ${y}h${width}v${height}h-${width}z`);
+  /** Colours are those of style sheets, or 0xrrggbb. */
+  box(left: number, right: number, top: number, bottom: number, colour: number|string): void {
+    const [x, y, width, height] = [this.shift + left, top, right - left, bottom - top].map(rounded);
+    kept(this.paths, colour, () => []).push(`M${x} ${y}h${width}v${height}h-${width}z`);
   }
 
-  text(text: string, x: number, middle: number, room: number, colour: number): void {
-    // Widths of letters are not known here; this many fit for certain.
-    const characters = Math.floor(room / letter);
-    const fitting = text.length <= characters ? text :
-        characters < 2                        ? '' :
-                                                `${text.slice(0, characters - 1)}…`;
-    if (fitting === '') return;
-    this.texts.push(`<text x="${rounded(x)}" y="${rounded(middle + 4)}" fill="${hex(colour)}">${
-        escaped(fitting)}</text>`);
+  text(text: string, x: number, middle: number, room: number, colour: string): void {
+    // Widths of letters are not known here; this is more than most have.
+    const fitting = fitted(text, room, ({ length }) => letter * length);
+    if (fitting !== '')
+      this.texts.push(`<text x="${rounded(this.shift + x)}" y="${rounded(middle + 4)}" fill="${colour}">${
+          escaped(fitting)}</text>`);
   }
 
   toString(): string {
     const { width, height } = this;
     const paths =
-        [...this.paths].map(([colour, path]) => `<path fill="${hex(colour)}" d="${path.join('')}"/>`);
+        [...this.paths].map(([colour, path]) => `<path fill="${css(colour)}" d="${path.join('')}"/>`);
     return [
       `<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 ${width} ${height}" width="${width}" height="${
           height}" font-family="sans-serif" font-size="11">`,
-      `<rect width="${width}" height="${height}" fill="${hex(this.ground)}"/>`,
+      `<rect width="${width}" height="${height}" fill="${this.ground}"/>`,
       ...paths,
       ...this.texts,
       '</svg>\n',
@@ -49,5 +48,6 @@ export class SvgPicture implements Surface, Writer {
 const letter = 6.5;
 
 const rounded = (number: number) => Math.round(number * 100) / 100;
-const hex = (colour: number) => `#${colour.toString(16).padStart(6, '0')}`;
+const css = (colour: number|string) =>
+    typeof colour === 'string' ? colour : `#${colour.toString(16).padStart(6, '0')}`;
 const escaped = (text: string) => text.replace(/[&<>]/g, (character) => `&#${character.charCodeAt(0)};`);

@@ -1,15 +1,19 @@
-import {type Density, density, timeRows, type TimeRow} from '../model/density';
 import type {Profile} from '../document/profile';
+import {everySample, pixelBounds, RowSamples, type TimeRow, timeRows} from '../model/density';
 import type {Selection} from '../model/Selection';
-import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
+import {element, fitCanvas, isDark, shortName, span} from './dom';
+import {groundColours, Pixels} from './laneRaster';
 import {formatCount} from './placeLook';
 import type {State} from './store';
-import {axisWidth, brushOf, gutter, setBrush, shownExtent, timeGestures} from './timeAxis';
+import {brushOf, gutter, scaleOf, setBrush, shownExtent} from './timeAxis';
+import {TimeStage} from './TimeStage';
 import type {App, View} from './View';
 
 const rowHeight = 18;
 /** Part of the shown time that a key moves the brush by. */
 const keyStep = 0.01;
+/** A column of one sample stays visible beside one of a thousand. */
+const leastColumn = 2;
 
 /** Samples over time, one row for each core and each thread; a drag selects a span, a label its row. */
 export class TimelineView implements View {
@@ -18,38 +22,39 @@ export class TimelineView implements View {
   readonly zone = 'time';
   private app!: App;
   private host!: HTMLElement;
-  private readonly picture = element('canvas', { class: 'timeline-picture' });
+  private stage!: TimeStage;
+  private readonly picture = element('canvas', { 'aria-hidden': 'true' });
   private readonly brushMark = element('div', { class: 'timeline-brush', hidden: true });
-  private readonly scroller = element('div', { class: 'timeline-scroll', tabindex: '0', role: 'listbox' });
-  private readonly spacer = element('div', {});
-  private profile: Profile|null = null;
-  private selection: Selection|null = null;
-  private rows: TimeRow[] = [];
+  private profile!: Profile;
+  private selection!: Selection;
+  private rows: readonly TimeRow[] = [];
   private current = 0;
-  private counted: { readonly question: readonly unknown[]; readonly density: Density }|null = null;
+  private pixels: Pixels|null = null;
+  /** The rows in sight, and the samples of each: all of them, and the selected ones. */
+  private listed: readonly TimeRow[] = [];
+  private all!: RowSamples;
+  private selected!: RowSamples;
 
   available(state: State): boolean { return state.profile !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.app = app;
     this.host = host;
-    this.scroller.setAttribute(
-        'aria-label', 'Cores and threads; Enter selects the samples of one, Shift and arrows a span');
-    const stage = element('div', { class: 'timeline-stage' }, this.picture, this.brushMark);
-    this.scroller.append(this.spacer);
-    host.append(this.scroller, stage);
-    this.scroller.addEventListener('scroll', () => app.store.repaint(this.paint));
-    timeGestures(stage, app, {
-      width: () => axisWidth(host),
-      scroll: (pixels) => (this.scroller.scrollTop += pixels),
+    const labels = element('div', {
+      class: 'labels',
+      role: 'listbox',
+      tabIndex: '0',
+      'aria-multiselectable': 'true',
+      'aria-label': 'Cores and threads; Enter selects the samples of one, Shift and arrows a span',
+      click: (event: MouseEvent) => {
+        const { top } = host.getBoundingClientRect();
+        const row = Math.floor((event.clientY - top + this.stage.top) / rowHeight);
+        if (row < this.rows.length) this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
+      }
+    });
+    this.stage = new TimeStage(host, app, labels, [this.picture, this.brushMark], this.show, {
       hover: (time, y, event) => this.hover(time, y, event),
       click: () => setBrush(app.store, null),
-    });
-    stage.addEventListener('click', (event) => {
-      const { left, top } = stage.getBoundingClientRect();
-      const row = this.rowAt(event.clientY - top);
-      if (event.clientX - left < gutter && row >= 0)
-        this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
     });
   }
 
@@ -58,170 +63,151 @@ export class TimelineView implements View {
     if (model.profile !== this.profile) {
       this.profile = model.profile;
       this.rows = timeRows(model.profile);
-      this.spacer.style.height = `${this.rows.length * rowHeight}px`;
+      this.listed = [];
+      this.stage.rows = this.rows.length * rowHeight;
       this.host.style.setProperty('--rows', String(this.rows.length));
     }
     const selection = model.selectionOfAllTime(state.filter);
-    const stale = changed.has('profile') || changed.has('visible') || changed.has('timechart') ||
-        selection !== this.selection;
+    if (selection !== this.selection) this.listed = [];
     this.selection = selection;
-    if (stale) this.paint();
+    if (this.listed.length === 0 || changed.has('readings'))
+      this.show();
+    else if (changed.has('visible') || changed.has('timechart'))
+      this.paint();
     this.placeBrush(state);
   }
 
   key(event: KeyboardEvent): boolean {
+    const direction = event.key === 'ArrowRight' || event.key === 'ArrowDown' ? 1 : -1;
     switch (event.key) {
       case 'ArrowUp':
       case 'ArrowDown':
-        return this.go(this.current + (event.key === 'ArrowDown' ? 1 : -1));
+        this.go(this.current + direction);
+        return true;
       case 'Home':
-        return this.go(0);
+        this.go(0);
+        return true;
       case 'End':
-        return this.go(this.rows.length - 1);
+        this.go(this.rows.length - 1);
+        return true;
       case 'Enter':
       case ' ':
         this.select(this.current, event.ctrlKey || event.shiftKey);
         return true;
       case 'ArrowLeft':
       case 'ArrowRight':
-        this.moveBrush(event.key === 'ArrowRight' ? 1 : -1, event.shiftKey);
+        this.moveBrush(direction, event.shiftKey);
         return true;
     }
-    return false;
+    return this.stage.key(event);
   }
 
   table(): string[][] {
-    const weight = this.profile?.weight ?? 1;
+    const { weight } = this.profile;
     return [['row', 'samples'], ...this.rows.map((row) => [this.nameOf(row), String(row.samples * weight)])];
   }
 
   canvas(): HTMLCanvasElement { return this.picture; }
 
-  private readonly paint = (): void => {
-    const { selection, picture } = this;
-    if (selection === null) return;
-    const state = this.app.store.state;
-    const height = this.scroller.clientHeight;
-    const scale = fitCanvas(picture, gutter + axisWidth(this.host), height);
-    const context = picture.getContext('2d', { alpha: false })!;
-    const dark = isDark();
-    context.setTransform(scale, 0, 0, scale, 0, 0);
-    context.fillStyle = pageColour('ground');
-    context.fillRect(0, 0, picture.width, picture.height);
-    const top = this.scroller.scrollTop;
+  /** Shows the rows in sight, which are others after a scroll. */
+  private readonly show = (): void => {
+    const { top, height } = this.stage;
     const first = Math.floor(top / rowHeight);
-    const rows = this.rows.slice(first, Math.ceil((top + height) / rowHeight));
-    if (rows.length === 0) return;
-    const { start, end } = shownExtent(state);
-    const columns = Math.round(axisWidth(this.host) * scale);
-    const counted = this.count(selection, rows, first, start, end, columns);
-    const band = Math.round((rowHeight - 2) * scale);
-    rows.forEach((row, index) => {
-      const y = (first + index) * rowHeight - top;
-      const image = this.drawRow(counted, index, row, band, dark, scale);
-      context.putImageData(image, Math.round(gutter * scale), Math.round((y + 1) * scale));
-    });
-    this.drawLabels(context, rows, first, top);
+    this.list(this.rows.slice(first, Math.ceil((top + height) / rowHeight)));
+    this.paint();
+    this.label(first, top);
   };
 
-  /** Returns the samples of each pixel, which many repaints have in common. */
-  private count(
-      selection: Selection, rows: readonly TimeRow[],
-      ...place: readonly[number, number, number, number]): Density {
-    const question = [selection, rows.length, ...place];
-    if (this.counted === null || question.some((part, index) => part !== this.counted!.question[index])) {
-      const [, start, end, columns] = place;
-      this.counted = { question, density: density(selection, rows, start, end, columns) };
-    }
-    return this.counted.density;
-  }
-
-  /** Returns the picture of a row: grey for all samples of a pixel, coloured for the selected ones. */
-  private drawRow(
-      { all, selected, columns }: Density, row: number, { kind }: TimeRow, band: number, dark: boolean,
-      scale: number): ImageData {
-    const image = new ImageData(columns, band);
-    const pixels = new Uint32Array(image.data.buffer);
-    pixels.fill(dark ? 0xff1c1816 : 0xffffffff);
-    const quiet = dark ? 0xff4a423b : 0xffdcd6d0;
-    const strong = kind === 'core' ? (dark ? 0xffc98a4a : 0xffc97b35) : dark ? 0xff4a93e0 : 0xff2f86ea;
-    const most = all.subarray(row * columns, (row + 1) * columns).reduce((a, b) => Math.max(a, b), 1);
-    // A column of one sample stays visible beside one of a thousand.
-    const levels = (count: number) =>
-        (count === 0 ? 0 : Math.max(Math.ceil(2 * scale), Math.round((count / most) * band)));
-    for (let column = 0; column < columns; ++column) {
-      const at = row * columns + column;
-      const high = levels(all[at]);
-      const chosen = Math.min(high, levels(selected[at]));
-      for (let y = 0; y < high; ++y) pixels[(band - 1 - y) * columns + column] = y < chosen ? strong : quiet;
-    }
-    return image;
-  }
-
-  private drawLabels(context: CanvasRenderingContext2D, rows: readonly TimeRow[], first: number, top: number):
-      void {
-    const [text, quiet, line, accent, chosenColour] =
-        ['text', 'quiet', 'line', 'accent', 'chosen'].map(pageColour);
-    const { filter } = this.app.store.state;
-    context.font = '12px system-ui, sans-serif';
-    context.textBaseline = 'middle';
-    rows.forEach((row, index) => {
-      const y = (first + index) * rowHeight - top;
-      const chosen = row.kind === 'core' ? filter.cores : filter.threads;
-      context.fillStyle = chosenColour;
-      if (chosen?.has(row.subject) === true) context.fillRect(0, y, gutter - 1, rowHeight);
-      context.fillStyle = line;
-      context.fillRect(0, y + rowHeight - 1, gutter + axisWidth(this.host), 1);
-      if (first + index === this.current && this.host.contains(document.activeElement)) {
-        context.strokeStyle = accent;
-        context.strokeRect(1, y + 1, gutter - 3, rowHeight - 3);
-      }
-      context.save();
-      context.beginPath();
-      context.rect(0, y, gutter - 52, rowHeight);
-      context.clip();
-      context.fillStyle = text;
-      context.fillText(shortName(this.nameOf(row)), 10, y + rowHeight / 2);
-      context.restore();
-      context.fillStyle = quiet;
-      context.textAlign = 'right';
-      context.fillText(formatCount(row.samples * (this.profile?.weight ?? 1)), gutter - 8, y + rowHeight / 2);
-      context.textAlign = 'left';
+  private paint(): void {
+    const { stage, picture, profile } = this;
+    const { top, width, height } = stage;
+    const first = Math.floor(top / rowHeight);
+    const scale = fitCanvas(picture, width, height);
+    if (this.pixels?.width !== picture.width || this.pixels.height !== picture.height)
+      this.pixels = new Pixels(picture.width, picture.height);
+    const { pixels } = this;
+    const dark = isDark();
+    const quiet = dark ? 0x3b424a : 0xd0d6dc;
+    pixels.clear(groundColours(dark).ground);
+    const bounds = pixelBounds(profile, shownExtent(this.app.store.state), pixels.width);
+    this.listed.forEach(({ kind }, row) => {
+      const bottom = Math.round(((first + row + 1) * rowHeight - top - 1) * scale);
+      const high = Math.round((rowHeight - 2) * scale);
+      const strong = kind === 'core' ? (dark ? 0x4a8ac9 : 0x357bc9) : dark ? 0xe0934a : 0xea862f;
+      const all = this.all.count(row, bounds);
+      const selected = this.all === this.selected ? all : this.selected.count(row, bounds);
+      const most = all.reduce((a, b) => Math.max(a, b), 1);
+      const level = (count: number) =>
+          count === 0 ? 0 : Math.max(Math.ceil(leastColumn * scale), Math.round((count / most) * high));
+      all.forEach((count, x) => {
+        if (count === 0) return;
+        const middle = bottom - level(selected[x]);
+        pixels.box(x, x + 1, bottom - level(count), middle, quiet);
+        pixels.box(x, x + 1, middle, bottom, strong);
+      });
     });
+    picture.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
+  }
+
+  /** Finds the samples of the rows in sight, which many repaints have in common. */
+  private list(rows: readonly TimeRow[]): void {
+    if (rows.length === this.listed.length && rows[0] === this.listed[0]) return;
+    const { profile, selection } = this;
+    this.listed = rows;
+    this.all = new RowSamples(profile, rows, everySample(profile));
+    this.selected = selection.isEverything ?
+        this.all :
+        new RowSamples(profile, rows, (visit) => selection.forEachSample(visit));
+  }
+
+  private label(first: number, top: number): void {
+    const { filter } = this.app.store.state;
+    const { labels } = this.stage;
+    const options = this.listed.map((row, i) => {
+      const chosen = (row.kind === 'core' ? filter.cores : filter.threads)?.has(row.subject) === true;
+      const option = element(
+          'div', {
+            class: first + i === this.current ? 'label current' : 'label',
+            role: 'option',
+            id: `row-${first + i}`,
+            'aria-selected': String(chosen)
+          },
+          span('label-name', shortName(this.nameOf(row))), span('quiet', this.countOf(row)));
+      option.style.top = `${(first + i) * rowHeight - top}px`;
+      option.style.height = `${rowHeight}px`;
+      return option;
+    });
+    labels.replaceChildren(...options);
+    labels.setAttribute('aria-activedescendant', `row-${this.current}`);
   }
 
   private nameOf({ kind, subject }: TimeRow): string {
     if (kind === 'core') return `Core ${subject}`;
-    const { name, tid } = this.profile!.threads[subject];
+    const { name, tid } = this.profile.threads[subject];
     return `${name} (${tid})`;
   }
 
-  private rowAt(y: number): number {
-    const row = Math.floor((y + this.scroller.scrollTop) / rowHeight);
-    return row < this.rows.length ? row : -1;
-  }
+  private countOf({ samples }: TimeRow): string { return formatCount(samples * this.profile.weight); }
 
-  private hover(time: number|null, y: number, event: PointerEvent): void {
-    const row = time === null ? -1 : this.rowAt(y);
-    const label = event.clientX - this.host.getBoundingClientRect().left < gutter;
+  private tell(row: TimeRow): string[] { return [this.nameOf(row), `${this.countOf(row)} samples`]; }
+
+  private hover(time: number|null, y: number, event: PointerEvent|null): void {
+    const row = this.rows[Math.floor((y + this.stage.top) / rowHeight)];
+    const label = event !== null && event.clientX - this.host.getBoundingClientRect().left < gutter;
     this.app.hover(label ? null : time);
-    if (row < 0) return this.app.tooltip(null);
-    const { samples } = this.rows[row];
-    const lines = [this.nameOf(this.rows[row]), `${formatCount(samples * this.profile!.weight)} samples`];
-    this.app.tooltip(label ? [...lines, 'click to select them alone, with Shift to add them'] : lines, event);
+    if (time === null || row === undefined)
+      this.app.tooltip(null);
+    else
+      this.app.tooltip(
+          label ? [...this.tell(row), 'click to select them alone, with Shift to add them'] : this.tell(row),
+          event);
   }
 
-  /** Moves to a row; returns true for the callers' convenience. */
-  private go(row: number): true {
+  private go(row: number): void {
     this.current = Math.max(0, Math.min(row, this.rows.length - 1));
-    const y = this.current * rowHeight;
-    const { scroller } = this;
-    scroller.scrollTop = Math.min(y, Math.max(scroller.scrollTop, y + rowHeight - scroller.clientHeight));
-    const { samples } = this.rows[this.current];
-    this.app.announce(
-        `${this.nameOf(this.rows[this.current])}, ${formatCount(samples * this.profile!.weight)} samples`);
-    this.app.store.repaint(this.paint);
-    return true;
+    this.stage.show(this.current * rowHeight, rowHeight);
+    this.app.announce(this.tell(this.rows[this.current]).join(', '));
+    this.app.store.repaint(this.show);
   }
 
   /** Selects the samples of a row, or takes it in or out of what is selected. */
@@ -236,7 +222,7 @@ export class TimelineView implements View {
     else
       chosen.add(subject);
     this.current = index;
-    store.set({ filter: {...store.state.filter, [key]: chosen.size === 0 ? null : chosen }, run: null });
+    store.refine({ [key]: chosen.size === 0 ? null : chosen }, null);
   }
 
   private moveBrush(direction: number, extend: boolean): void {
@@ -253,11 +239,10 @@ export class TimelineView implements View {
     const brush = brushOf(state);
     this.brushMark.hidden = brush === null;
     if (brush === null) return;
-    const shown = shownExtent(state);
-    const width = axisWidth(this.host);
-    const x = (time: number) =>
-        Math.max(0, Math.min(width, ((time - shown.start) / (shown.end - shown.start)) * width));
-    this.brushMark.style.transform = `translateX(${gutter + x(brush.start)}px)`;
-    this.brushMark.style.width = `${Math.max(1, x(brush.end) - x(brush.start))}px`;
+    const scale = scaleOf(state, this.host);
+    const [left, right] =
+        [brush.start, brush.end].map((time) => Math.max(0, Math.min(scale.width, scale.x(time))));
+    this.brushMark.style.transform = `translateX(${gutter + left}px)`;
+    this.brushMark.style.width = `${Math.max(1, right - left)}px`;
   }
 }

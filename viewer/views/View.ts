@@ -1,25 +1,23 @@
 /** What every panel of the page is. */
 
+import type {Direction} from '../model/axis';
 import type {State, Store} from './store';
-
-/** Backward or forward. */
-export type Direction = -1|1;
 
 export interface App {
   readonly store: Store;
   /** Tells screen readers, and the status line, what happened. */
   announce(text: string): void;
   /** Shows `lines` beside the pointer, as text; null hides them. */
-  tooltip(lines: readonly string[]|null, event?: MouseEvent): void;
+  tooltip(lines: readonly string[]|null, event?: MouseEvent|null): void;
   /** Shows a line over all time views where the pointer is; null hides it. */
   hover(time: number|null): void;
 }
 
 export interface View {
-  /** Stands in the URL and in the element's id. */
+  /** Part of the URL and of the element's id. */
   readonly id: string;
   readonly title: string;
-  /** `time` views stand above one another at the top; `detail` views share the rest of the page as tabs. */
+  /** `time` views are above one another at the top; `detail` views share the rest of the page as tabs. */
   readonly zone: 'time'|'detail';
   /** Whether the state holds something to show; views that return false are not listed. */
   available(state: State): boolean;
@@ -31,7 +29,7 @@ export interface View {
    */
   draw(state: State, changed: ReadonlySet<keyof State>): void;
   /** Handles a key press while the view has the focus; returns whether it did. */
-  key(event: KeyboardEvent): boolean;
+  key?(event: KeyboardEvent): boolean;
   /**
    * Moves to the next (1) or previous (-1) match of the state's search; returns what it is, or null without
    * one.
@@ -46,9 +44,16 @@ export interface View {
   canvas?(): HTMLCanvasElement;
 }
 
-/** What decides which samples a profile view counts and how it marks them. */
-const ofSamples: readonly(keyof State)[] = ['profile', 'filter', 'search'];
-
-/** Returns whether a view of samples has anything new to show; `more` is what it depends on besides. */
-export const samplesChanged = (changed: ReadonlySet<keyof State>, ...more: readonly(keyof State)[]):
-    boolean => [...ofSamples, ...more].some((key) => changed.has(key));
+/**
+ * Returns the first index before or after `from` that is wanted, round a list of `count`, or -1. A `from` of
+ * -1 is before the first one and after the last.
+ */
+export function nextOf(
+    count: number, from: number, direction: Direction, isWanted: (index: number) => boolean): number {
+  const start = from < 0 && direction < 0 ? 0 : from;
+  for (let step = 1; step <= count; ++step) {
+    const index = (start + direction * step + 2 * count) % count;
+    if (isWanted(index)) return index;
+  }
+  return -1;
+}

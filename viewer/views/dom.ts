@@ -1,25 +1,62 @@
 /** Elements of the page. Text is only ever set as text. */
 
-type Attributes = Readonly<Record<string, string|boolean|((event: never) => void)>>;
+/**
+ * Attributes and events that the platform knows; the script's own names are shortened when the page is
+ * built.
+ */
+type Name =
+    keyof HTMLInputElement|keyof HTMLTableCellElement|keyof HTMLElementEventMap|'class'|`aria-${string}`;
+type Attributes = {
+  readonly[name in Name]?: string|boolean|((event: never) => void)
+};
+type Content = readonly(Node|string)[];
 
 /** Returns a new element: functions become listeners of the event of that name, all else attributes. */
 export function element<K extends keyof HTMLElementTagNameMap>(
-    name: K, attributes: Attributes = {}, ...content: readonly(Node | string)[]): HTMLElementTagNameMap[K] {
+    name: K, attributes: Attributes = {}, ...content: Content): HTMLElementTagNameMap[K] {
   const made = document.createElement(name);
   for (const [key, value] of Object.entries(attributes)) {
     if (typeof value === 'function')
       made.addEventListener(key, value as EventListener);
-    else if (value !== false)
+    else if (value !== false && value !== undefined)
       made.setAttribute(key, value === true ? '' : value);
   }
   made.append(...content);
   return made;
 }
 
-/** Returns a button whose label is also what screen readers say. */
+/** Returns a block of a class of the style sheet. */
+export const div = (className: string, ...content: Content): HTMLDivElement =>
+    element('div', {class: className}, ...content);
+
+/** Returns a piece of a line, of a class of the style sheet. */
+export const span = (className: string, ...content: Content): HTMLSpanElement =>
+    element('span', {class: className}, ...content);
+
+/** Returns a button whose title is also what screen readers say. */
 export function button(
     label: string, title: string, press: () => void, more: Attributes = {}): HTMLButtonElement {
   return element('button', { type: 'button', title, 'aria-label': title, click: press, ...more }, label);
+}
+
+/** Returns a field for a text to look for; `change` gets the text. */
+export function searchField(
+    placeholder: string, label: string, change: (text: string) => void): HTMLInputElement {
+  const field: HTMLInputElement = element('input', {
+    type: 'search',
+    placeholder,
+    'aria-label': label,
+    spellcheck: 'false',
+    input: () => change(field.value)
+  });
+  return field;
+}
+
+/** Returns a sample of a colour. */
+export function swatch(colour: string): HTMLElement {
+  const made = element('i', { class: 'swatch' });
+  made.style.background = colour;
+  return made;
 }
 
 const longest = 300;
@@ -33,7 +70,7 @@ export const shortName = (name: string): string =>
 
 /** Returns a colour of the page's style sheet by its name there, such as `ground` or `text`. */
 export const pageColour = (name: string): string =>
-    getComputedStyle(document.documentElement).getPropertyValue(`--${name}`);
+    getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 
 /** Returns whether the page is dark. */
 export const isDark = () => matchMedia('(prefers-color-scheme: dark)').matches;

@@ -1,6 +1,6 @@
 /** Paints the rows of a timechart, so that each column of pixels shows the exact shares of its time. */
 
-import type {Extent} from '../model/axis';
+import type {Extent, Scale} from '../model/axis';
 import type {Lane} from '../model/lanes';
 import {pointsBefore, pointsUntil} from '../model/steps';
 import type {Track} from '../model/tracks';
@@ -12,10 +12,9 @@ export interface Surface {
 }
 
 export interface Picture {
-  readonly shown: Extent;
+  readonly axis: Scale;
   /** End of the document's time: states without a last point end here. */
   readonly close: number;
-  readonly width: number;
   /** Device pixels for each pixel of the page. */
   readonly scale: number;
   readonly dark: boolean;
@@ -27,43 +26,34 @@ type BandKind = 'states'|'level'|'marks'|'texts';
 interface Band {
   readonly kind: BandKind;
   readonly height: number;
-  readonly tracks: Track[];
+  readonly tracks: readonly Track[];
 }
 
-const heights = {
-  states: 13,
-  overlap: 4,
-  level: 17,
-  marks: 6,
-  texts: 13
-};
+interface Layer {
+  readonly kind: BandKind;
+  readonly height: number;
+  holds(track: Track): boolean;
+}
+
+/** What the bands of a row hold, from top to bottom; heights are in pixels of the page. */
+const layers: readonly Layer[] = [
+  { kind: 'texts', height: 13, holds: ({ entry }) => entry.type === 'events' },
+  { kind: 'marks', height: 6, holds: ({ shape, entry }) => shape === 'marks' && entry.type !== 'events' },
+  { kind: 'states', height: 13, holds: ({ shape, role }) => shape === 'state' && role !== 'waitGpu' },
+  // A task may sleep, or even run, while it waits for the GPU.
+  { kind: 'states', height: 4, holds: ({ role }) => role === 'waitGpu' },
+  { kind: 'level', height: 17, holds: ({ shape }) => shape === 'level' },
+];
 /** A row of marks alone is as high as the words of its label. */
 const onlyMarks = 13;
 const headingHeight = 17;
 export const margin = 4;
 
-/** Returns the bands of a row, from top to bottom; heights are in pixels of the page. */
+/** Returns the bands of a row that hold anything, from top to bottom. */
 export function bandsOf(lane: Lane): Band[] {
-  const overlap: Band = { kind: 'states', height: heights.overlap, tracks: [] };
-  const states: Band = { kind: 'states', height: heights.states, tracks: [] };
-  const level: Band = { kind: 'level', height: heights.level, tracks: [] };
-  const marks: Band = { kind: 'marks', height: heights.marks, tracks: [] };
-  const texts: Band = { kind: 'texts', height: heights.texts, tracks: [] };
-  for (const track of lane.tracks) {
-    if (track.shape === 'level')
-      level.tracks.push(track);
-    else if (track.entry.type === 'events')
-      texts.tracks.push(track);
-    else if (track.shape === 'marks')
-      marks.tracks.push(track);
-    // A task may sleep, or even run, while it waits for the GPU.
-    else if (track.role === 'waitGpu')
-      overlap.tracks.push(track);
-    else
-      states.tracks.push(track);
-  }
-  const bands = [texts, marks, states, overlap, level].filter((band) => band.tracks.length > 0);
-  return bands.length === 1 && bands[0] === marks ? [{...marks, height: onlyMarks }] : bands;
+  const bands = layers.map(({ kind, height, holds }) => ({ kind, height, tracks: lane.tracks.filter(holds) }))
+                    .filter((band) => band.tracks.length > 0);
+  return bands.length === 1 && bands[0].kind === 'marks' ? [{...bands[0], height: onlyMarks }] : bands;
 }
 
 /** Returns the height of a row in pixels of the page. */
@@ -101,7 +91,7 @@ export function paintLane(surface: Surface, lane: Lane, top: number, picture: Pi
 /** Stacks the shares of several states in each column; equal columns are painted as one box. */
 function paintStates(
     surface: Surface, tracks: readonly Track[], top: number, bottom: number, picture: Picture): void {
-  const { width, shown, close } = picture;
+  const { axis: { width, shown }, close } = picture;
   const used = new Float32Array(width);
   const shares = new Float32Array(width);
   for (const track of tracks) {
@@ -130,18 +120,18 @@ function paintStates(
  */
 function paintLevel(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
-  const { shown, width } = picture;
+  const { axis } = picture;
+  const { shown, width } = axis;
   if (track.peak <= 0 || !touches(track, shown)) return;
   const colour = colourOf(track, picture.dark);
   const pale = mix(colour, picture.dark ? 0x000000 : 0xffffff, 0.5);
   const high = (value: number) => bottom - (value / track.peak) * (bottom - top);
-  const pixel = (shown.end - shown.start) / width;
-  const last = Math.min(width, Math.ceil((picture.close - shown.start) / pixel));
+  const last = Math.min(width, Math.ceil(axis.x(picture.close)));
   let index = pointsUntil(times, shown.start);
   for (let x = 0; x < last;) {
     let least = index > 0 ? values[index - 1] : 0;
     let most = least;
-    const end = shown.start + (x + 1) * pixel;
+    const end = axis.time(x + 1);
     let right = x + 1;
     if (index < times.length && times[index] < end) {
       for (; index < times.length && times[index] < end; ++index) {
@@ -149,7 +139,7 @@ function paintLevel(surface: Surface, track: Track, top: number, bottom: number,
         most = Math.max(most, values[index]);
       }
     } else {
-      const next = index < times.length ? Math.floor((times[index] - shown.start) / pixel) : last;
+      const next = index < times.length ? Math.floor(axis.x(times[index])) : last;
       right = Math.min(last, Math.max(right, next));
     }
     if (most > least) surface.box(x, right, high(most), high(least), pale);
@@ -164,13 +154,13 @@ function paintLevel(surface: Surface, track: Track, top: number, bottom: number,
  */
 function paintMarks(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
-  const { shown, width } = picture;
+  const { axis } = picture;
+  const { shown, width } = axis;
   const colour = colourOf(track, picture.dark);
-  const pixel = (shown.end - shown.start) / width;
   const low = track.entry.type === 'events' ? top : (top + bottom) / 2;
   for (let i = pointsBefore(times, shown.start); i < times.length && times[i] < shown.end;) {
-    const x = Math.floor((times[i] - shown.start) / pixel);
-    const end = shown.start + (x + 1) * pixel;
+    const x = Math.floor(axis.x(times[i]));
+    const end = axis.time(x + 1);
     let most = values[i];
     for (++i; i < times.length && times[i] < end; ++i) most = Math.max(most, values[i]);
     surface.box(x, Math.min(width, x + Math.round(picture.scale)), most > 1 ? top : low, bottom, colour);
@@ -211,12 +201,12 @@ export class Pixels implements Surface {
     const last = Math.min(this.height, Math.floor(bottom));
     const full = word(colour);
     for (let y = first; y < last; ++y) this.row(y, left, right, full);
-    if (last < first) {
-      this.blend(last, left, right, colour, bottom - top);
-      return;
+    if (last < first)
+      this.blend(last, left, right, full, bottom - top);
+    else {
+      if (first > top) this.blend(first - 1, left, right, full, first - top);
+      if (bottom > last) this.blend(last, left, right, full, bottom - last);
     }
-    if (first > top) this.blend(first - 1, left, right, colour, first - top);
-    if (bottom > last) this.blend(last, left, right, colour, bottom - last);
   }
 
   private row(y: number, left: number, right: number, full: number): void {
@@ -228,14 +218,20 @@ export class Pixels implements Surface {
       for (let x = left; x < right; ++x) this.words[start + x] = full;
   }
 
-  private blend(y: number, left: number, right: number, colour: number, share: number): void {
+  private blend(y: number, left: number, right: number, full: number, share: number): void {
     if (y < 0 || y >= this.height) return;
-    for (let i = y * this.width + left; i < y * this.width + right; ++i) {
-      this.words[i] = word(mix(swapped(this.words[i]), colour, share));
-    }
+    const { words, width } = this;
+    for (let i = y * width + left; i < y * width + right; ++i)
+      words[i] = (opaque | mix(words[i], full, share)) >>> 0;
   }
 }
 
+const opaque = 0xff000000;
+
 /** Canvases store red first, which is the lowest byte of a word on every machine that runs a browser. */
-const swapped = (value: number) => ((value & 255) << 16) | (value & 0xff00) | ((value >> 16) & 255);
-const word = (colour: number) => (0xff000000 | swapped(colour)) >>> 0;
+const word = (colour: number) =>
+    (opaque | ((colour & 255) << 16) | (colour & 0xff00) | ((colour >> 16) & 255)) >>> 0;
+
+/** Colours of the page that are painted rather than styled; page.css has the same. */
+export const groundColours = (dark: boolean) =>
+    dark ? {ground: 0x16181c, line: 0x24272c} : {ground: 0xffffff, line: 0xeef0f3};

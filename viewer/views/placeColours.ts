@@ -1,6 +1,7 @@
 /** Colours of places: the kind gives the hue, the library and the function a shade of it. */
 
 import {PlaceKind, type Places} from '../document/profile';
+import {kept} from '../model/maps';
 
 const shades = 6;
 
@@ -11,24 +12,21 @@ interface Hue {
   readonly spread: number;
 }
 
-const hues: Record<PlaceKind, Hue> = {
-  [PlaceKind.Kernel]: { hue: 205, saturation: 60, spread: 14 },
-  [PlaceKind.User]: { hue: 18, saturation: 78, spread: 38 },
-  [PlaceKind.Unresolved]: { hue: 220, saturation: 6, spread: 0 },
-  [PlaceKind.Synthetic]: { hue: 285, saturation: 38, spread: 10 },
-  [PlaceKind.Cut]: { hue: 45, saturation: 9, spread: 0 },
-};
+/** By PlaceKind. */
+const hues: readonly Hue[] = [
+  { hue: 205, saturation: 60, spread: 14 },
+  { hue: 18, saturation: 78, spread: 38 },
+  { hue: 220, saturation: 6, spread: 0 },
+  { hue: 285, saturation: 38, spread: 10 },
+  { hue: 45, saturation: 9, spread: 0 },
+];
 /** Cut back-traces stand out from all places, so that nobody takes their end for a beginning. */
 const cutDarkening = 22;
 const cutLightening = 8;
 
-export const kindNames: Record<PlaceKind, string> = {
-  [PlaceKind.Kernel]: 'kernel',
-  [PlaceKind.User]: 'program or library',
-  [PlaceKind.Unresolved]: 'no function known',
-  [PlaceKind.Synthetic]: 'no mapping known',
-  [PlaceKind.Cut]: 'cut off',
-};
+/** By PlaceKind. */
+export const kindNames: readonly string[] =
+    ['kernel', 'program or library', 'no function known', 'no mapping known', 'cut off'];
 
 /** A palette and the index into it for each place; boxes of one colour are painted together. */
 export interface PlaceColours {
@@ -40,9 +38,8 @@ const palettes = new Map<boolean, string[]>();
 
 /** Returns the shades of all kinds, and the colour of what is no place. */
 function palette(dark: boolean): readonly string[] {
-  let colours = palettes.get(dark);
-  if (colours === undefined) {
-    colours = Object.values(hues).flatMap(
+  return kept(palettes, dark, () => {
+    const colours = hues.flatMap(
         ({ hue, saturation, spread }, kind) => Array.from(
             { length: shades },
             (_, shade) => {
@@ -53,14 +50,12 @@ function palette(dark: boolean): readonly string[] {
               return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
             }),
     );
-    colours.push(dark ? '#2c3037' : '#e4e7ec');
-    palettes.set(dark, colours);
-  }
-  return colours;
+    return [...colours, dark ? '#2c3037' : '#e4e7ec'];
+  });
 }
 
 /** Index of the colour of what is no place, such as "all samples". */
-export const noPlace = shades * Object.keys(hues).length;
+export const noPlace = shades * hues.length;
 
 /** The colour of a kind by itself, for legends and tables. */
 export const kindColour = (kind: PlaceKind, dark: boolean): string => palette(dark)[kind * shades + 2];

@@ -29,14 +29,14 @@ export function placeLook(
     palette,
     name: nameOf,
     colour: (node) => (node === 0 && tree.places[0] === 0 ? noPlace : indices[tree.places[node]]),
-    matches: (node) => matches && node !== 0 && matches[tree.places[node]] === 1,
+    matches: matches && ((node) => node !== 0 && matches[tree.places[node]] === 1),
     describe(node) {
       const name = shortName(nameOf(node));
       const total = `total ${formatPart(tree.totals[node] * weight, whole)}`;
       if (node === 0) return [name, total];
       const place = tree.places[node];
       const where = describePlace(profile, place);
-      const kind = kindNames[places.kinds[place] as keyof typeof kindNames];
+      const kind = kindNames[places.kinds[place]];
       const own = tree === selection ? `self ${formatPart(selection.selves[node] * weight, whole)}` : '';
       return [name, total, own, where === '' ? kind : `${kind}, ${shortName(where)}`].filter(
           (line) => line !== '');

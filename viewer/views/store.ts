@@ -73,6 +73,11 @@ export class Store {
     this.schedule();
   }
 
+  /** Changes what is selected. */
+  refine(change: Partial<Filter>, run: Run|null = this.current.run): void {
+    this.set({ filter: {...this.current.filter, ...change }, run });
+  }
+
   /** Has every view painted with the next frame, such as after a resize. */
   refresh(): void {
     for (const key of Object.keys(this.current) as (keyof State)[]) this.pending.add(key);

@@ -1,6 +1,10 @@
 /** The time axis that all time views share: what part of it is shown, and the gestures that move it. */
 
-import {closestZoom, commonExtent, Extent, formatDuration, formatTime, zoomed} from '../model/axis';
+import {closestZoom, commonExtent, Extent, formatDuration, formatTime, Scale, zoomed} from '../model/axis';
+import {everything} from '../model/filter';
+
+import {onGestures, wheelZoom} from './gestures';
+
 import type {State, Store} from './store';
 import type {App} from './View';
 
@@ -19,6 +23,10 @@ export const wholeExtent = ({profile, timechart}: State): Extent => commonExtent
 /** Returns the part of the time axis that is shown. */
 export const shownExtent = (state: State): Extent => state.visible ?? wholeExtent(state);
 
+/** Returns the shown part over the width of a time view. */
+export const scaleOf = (state: State, host: HTMLElement): Scale =>
+    new Scale(shownExtent(state), axisWidth(host));
+
 /** Returns the selected span, or null without one. */
 export function brushOf({filter: {start, end}}: State): Extent|null {
   return end > start && (start > -Infinity || end < Infinity) ? { start, end } : null;
@@ -30,8 +38,8 @@ export const spanOf = (state: State): Extent => brushOf(state) ?? wholeExtent(st
 /** Selects a span; null selects everything. The thread of a selected run is given up with the run. */
 export function setBrush(store: Store, brush: Extent|null): void {
   const { filter, run } = store.state;
-  const { start, end } = brush ?? { start: -Infinity, end: Infinity };
-  store.set({ filter: {...filter, start, end, threads: run === null ? filter.threads : null }, run: null });
+  const { start, end } = brush ?? everything;
+  store.refine({ start, end, threads: run === null ? filter.threads : null }, null);
 }
 
 /** Scales the axis by `factor` about a time, then moves it by `shift` seconds. */
@@ -58,31 +66,31 @@ export function showTime(store: Store, time: number): void {
 export const describeSpan = ({start, end}: Extent): string =>
     `${formatDuration(end - start)} from ${formatTime(start)} to ${formatTime(end)}`;
 
+const keyZoom = 1.5;
+const keyPan = 0.2;
+
 /** Handles the keys that move the time axis, wherever the focus is; returns whether it did. */
-export function timeKey(event: KeyboardEvent, store: Store): boolean {
-  const { state } = store;
-  const shown = shownExtent(state);
-  const length = shown.end - shown.start;
-  const middle = state.cursor?.time ?? (shown.start + shown.end) / 2;
-  const at = middle >= shown.start && middle < shown.end ? middle : (shown.start + shown.end) / 2;
-  switch (event.key.toLowerCase()) {
+export function timeKey({key}: KeyboardEvent, store: Store): boolean {
+  const { start, end } = shownExtent(store.state);
+  const cursor = store.state.cursor?.time ?? NaN;
+  const at = cursor >= start && cursor < end ? cursor : (start + end) / 2;
+  const brush = brushOf(store.state);
+  switch (key.toLowerCase()) {
     case 'w':
-      zoomTime(store, 1 / 1.5, at);
+      zoomTime(store, 1 / keyZoom, at);
       return true;
     case 's':
-      zoomTime(store, 1.5, at);
+      zoomTime(store, keyZoom, at);
       return true;
     case 'a':
-      zoomTime(store, 1, at, -length / 5);
+      zoomTime(store, 1, at, (start - end) * keyPan);
       return true;
     case 'd':
-      zoomTime(store, 1, at, length / 5);
+      zoomTime(store, 1, at, (end - start) * keyPan);
       return true;
-    case 'f': {
-      const brush = brushOf(state);
+    case 'f':
       if (brush !== null) showSpan(store, brush);
       return brush !== null;
-    }
     case '0':
       store.set({ visible: null });
       return true;
@@ -90,81 +98,58 @@ export function timeKey(event: KeyboardEvent, store: Store): boolean {
   return false;
 }
 
-/** What a time view tells its gestures. */
+/** What a time view does by itself. */
 export interface TimeSurface {
-  /** Width of the axis in pixels of the page; it begins after the gutter. */
-  width(): number;
   /** Scrolls the rows, where there are more than fit. */
   scroll?(pixels: number): void;
   /** The pointer moved over `time`, `y` pixels from the top; null when it left. */
-  hover(time: number|null, y: number, event: PointerEvent): void;
-  click(time: number, y: number, event: PointerEvent): void;
+  hover(time: number|null, y: number, event: PointerEvent|null): void;
+  click(time: number, y: number): void;
 }
-
-/** Movements below this many pixels are clicks. */
-const clickTolerance = 3;
 
 /**
  * Lets wheel and pointer move the axis and select: a drag selects, with Shift or the middle button it moves
  * the axis; the wheel scrolls, with Shift it moves the axis, with Control it zooms. A double click shows the
  * selection.
  */
-export function timeGestures(target: HTMLElement, app: App, surface: TimeSurface): void {
-  const { store } = app;
-  const timeAt = (event: MouseEvent) => {
-    const shown = shownExtent(store.state);
-    const x = event.clientX - target.getBoundingClientRect().left - gutter;
-    return shown.start + (x / surface.width()) * (shown.end - shown.start);
-  };
+export function timeGestures(
+    target: HTMLElement, host: HTMLElement, {store}: App, surface: TimeSurface): void {
+  const scale = () => scaleOf(store.state, host);
+  const xOf = (event: MouseEvent) => event.clientX - target.getBoundingClientRect().left - gutter;
   const yOf = (event: MouseEvent) => event.clientY - target.getBoundingClientRect().top;
-  const perPixel = () => (shownExtent(store.state).end - shownExtent(store.state).start) / surface.width();
-  let drag: { x: number; time: number; pans: boolean; moved: boolean }|null = null;
-
-  target.addEventListener(
-      'wheel',
-      (event) => {
-        event.preventDefault();
-        const unit = event.deltaMode === 1 ? 16 : 1;
-        if (event.ctrlKey || event.metaKey)
-          zoomTime(store, Math.exp(event.deltaY * unit * 0.002), timeAt(event));
-        else if (event.shiftKey || event.deltaX !== 0) {
-          zoomTime(store, 1, timeAt(event), (event.deltaX || event.deltaY) * unit * perPixel());
-        } else if (surface.scroll !== undefined)
-          surface.scroll(event.deltaY * unit);
-        else
-          zoomTime(store, Math.exp(event.deltaY * unit * 0.002), timeAt(event));
-      },
-      { passive: false },
-  );
-  target.addEventListener('pointerdown', (event) => {
-    const x = event.clientX - target.getBoundingClientRect().left;
-    if (event.button > 1 || x < gutter || x >= gutter + surface.width()) return;
-    drag = {
-      x: event.clientX,
-      time: timeAt(event),
-      pans: event.shiftKey || event.button === 1,
-      moved: false
-    };
-    target.setPointerCapture(event.pointerId);
+  const timeAt = (event: MouseEvent) => scale().time(xOf(event));
+  const zoom = (factor: number, event: MouseEvent) => zoomTime(store, factor, timeAt(event));
+  const hover = (event: PointerEvent|null) =>
+      event === null ? surface.hover(null, 0, null) : surface.hover(timeAt(event), yOf(event), event);
+  const pan = (pixels: number) => zoomTime(store, 1, 0, pixels * scale().pixel);
+  let from = 0;
+  let pans = false;
+  onGestures(target, {
+    zoom,
+    pan,
+    hover,
+    scroll(pixels, event) {
+      if (surface.scroll === undefined)
+        zoom(wheelZoom(pixels), event);
+      else
+        surface.scroll(pixels);
+    },
+    press(event) {
+      const x = xOf(event);
+      from = timeAt(event);
+      pans = event.shiftKey || event.button === 1;
+      return event.button <= 1 && x >= 0 && x < axisWidth(host);
+    },
+    drag(event, right) {
+      hover(event);
+      const time = timeAt(event);
+      if (pans)
+        pan(-right);
+      else
+        setBrush(store, { start: Math.min(from, time), end: Math.max(from, time) });
+    },
+    click: (event) => surface.click(from, yOf(event)),
   });
-  target.addEventListener('pointermove', (event) => {
-    const time = timeAt(event);
-    surface.hover(time, yOf(event), event);
-    if (drag === null) return;
-    drag.moved ||= Math.abs(event.clientX - drag.x) >= clickTolerance;
-    if (!drag.moved) return;
-    if (drag.pans)
-      zoomTime(store, 1, time, drag.time - time);
-    else
-      setBrush(store, { start: Math.min(drag.time, time), end: Math.max(drag.time, time) });
-  });
-  target.addEventListener('pointerup', (event) => {
-    const clicked = drag !== null && !drag.moved ? drag.time : null;
-    drag = null;
-    if (clicked !== null) surface.click(clicked, yOf(event), event);
-  });
-  target.addEventListener('pointercancel', () => (drag = null));
-  target.addEventListener('pointerleave', (event) => surface.hover(null, 0, event));
   target.addEventListener('dblclick', () => {
     const brush = brushOf(store.state);
     if (brush !== null) showSpan(store, brush);

@@ -67,7 +67,7 @@ test('names with markup, marks of direction, NULs and 10,000 characters do no ha
     await frame(page);
     for (let y = 60; y < 700; y += 40) await page.mouse.move(500, y);
   }
-  await page.locator('.lanes-labels').focus();
+  await page.locator('#view-lanes .labels').focus();
   for (let i = 0; i < 12; ++i) await page.keyboard.press('ArrowDown');
   await page.keyboard.press('/');
   await page.keyboard.type('<img');

@@ -102,5 +102,6 @@ test('a large document grows while it is read and can be stopped', async () => {
   assert(seen.length >= 2 && seen[1] > seen[0], seen.join(' '));
   assert.match((await told(page))[0], /large\.json: reading was stopped at byte \d+/);
   const samples = Number((await counted(page)).replace(/\D/g, ''));
-  assert(samples >= seen[1] && samples < 1_500_000, `${samples}`);
+  // Each sample of a picture stands for as many, also the last one.
+  assert(samples > seen[0] && samples < 1_500_000, `${samples}`);
 });

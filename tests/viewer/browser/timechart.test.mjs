@@ -80,7 +80,7 @@ test('the mouse zooms, moves, selects and clears', async () => {
 
 test('the keyboard alone zooms to the microsecond, moves, measures and selects', async () => {
   const page = await openTimechart();
-  await page.locator('.lanes-labels').focus();
+  await page.locator('#view-lanes .labels').focus();
   for (let i = 0; i < 7; ++i) await press(page, 'ArrowDown');
   const at = (await stateOf(page)).get('at');
   for (let i = 0; i < 60; ++i) await press(page, 'w');
@@ -97,7 +97,7 @@ test('the keyboard alone zooms to the microsecond, moves, measures and selects',
   // From point to point of a row: the GPU's frequency changes at 5 µs, 333.345 ms and 666.685 ms.
   await page.evaluate(() => (location.hash = '#at=0,kgsl_GPU-3D0_freq'));
   await frame(page);
-  await page.locator('.lanes-labels').focus();
+  await page.locator('#view-lanes .labels').focus();
   await press(page, 'ArrowRight');
   await press(page, 'm');
   await press(page, 'Shift+ArrowRight');
@@ -147,13 +147,13 @@ test('rows fold, hide, pin and come back', async () => {
   const page = await openTimechart();
   const labels = async () => {
     await frame(page);
-    return page.locator('.lane .lane-name').allInnerTexts();
+    return page.locator('.lane .label-name').allInnerTexts();
   };
   const all = await labels();
   assert.deepEqual(all.slice(0, 4), ['Cores', 'CPU 0 Busy', 'CPU 0 Frequency', 'CPU 0 Idle State']);
   await page.locator('.lane', { hasText: 'Cores' }).locator('.fold').click();
   assert(!(await labels()).includes('CPU 0 Busy'));
-  await page.locator('.lanes-labels').focus();
+  await page.locator('#view-lanes .labels').focus();
   await press(page, ' ');
   assert.deepEqual(await labels(), all, 'unfolded by key');
 
@@ -171,7 +171,7 @@ test('rows fold, hide, pin and come back', async () => {
   await stateOf(page);
   const again = await openPage({ fragment: new URL(page.url()).hash });
   await openDocuments(again, file);
-  assert.deepEqual(await again.locator('.lane .lane-name').allInnerTexts(), await labels());
+  assert.deepEqual(await again.locator('.lane .label-name').allInnerTexts(), await labels());
 });
 
 test('search goes through the rows, also those out of sight', async () => {
@@ -238,7 +238,7 @@ test('what is shown can be copied and saved', async () => {
   const cores = await tableOf(page, 'Cores');
   for (const row of cores) assert(text.includes(row.join('\t') + '\n'), row[0]);
   for (const [kind, start] of [['PNG', '\x89PNG'], ['SVG', '<svg xmlns']]) {
-    await page.locator('.lanes-labels').focus();
+    await page.locator('#view-lanes .labels').focus();
     await page.locator('summary', { hasText: 'Save' }).click();
     const [download] = await Promise.all([
       page.waitForEvent('download'),
@@ -258,7 +258,7 @@ for (const colorScheme of ['light', 'dark']) {
     await frame(page);
     await keepPicture(page, `timechart-zoomed-${colorScheme}`);
     const ground = await page.evaluate(() => {
-      const canvas = document.querySelector('.lanes-base');
+      const canvas = document.querySelector('#view-lanes canvas');
       return [...canvas.getContext('2d').getImageData(5, 2, 1, 1).data.slice(0, 3)];
     });
     assert(colorScheme === 'dark' ? ground[0] < 80 : ground[0] > 200);

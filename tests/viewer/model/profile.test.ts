@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
 
-import {density, timeRows} from '../../../viewer/model/density';
+import {pixelBounds, RowSamples, timeRows} from '../../../viewer/model/density';
 import {DifferenceTree, unite} from '../../../viewer/model/difference';
 
 import {everything, type Filter} from '../../../viewer/model/filter';
@@ -64,8 +64,6 @@ test('a filter changes what every node weighs', async () => {
     [{ threads: new Set([1]) }, '2(m1(w1) s1)'],
     [{ text: 'SCHED' }, '0'],
     [{ text: 'sched' }, '2(m1(w1(s1)) s1)'],
-    [{ slices: Float64Array.of(0, 1.5, 3, 3.5, 5.5, 9) }, '3(m2(w1) w1(m1(w1)))'],
-    [{ slices: Float64Array.of(0, 9), start: 5, end: 6 }, '1(s1)'],
   ];
   for (const [change, expected] of cases) {
     const selection = model.selection(changed(change));
@@ -140,12 +138,16 @@ test('the time line counts each sample once in its core and once in its thread',
       rowsOfAll.map(({ kind, subject, samples }) => `${kind} ${subject}: ${samples}`),
       ['core 0: 3', 'core 1: 3', 'thread 0: 4', 'thread 1: 2'],
   );
-  const { all, selected } = density(model.selection(changed({ text: 'sched' })), rowsOfAll, 1, 6, 5);
-  const text = (counts: Uint32Array) =>
-      rowsOfAll.map((_, row) => counts.subarray(row * 5, row * 5 + 5).join('')).join(' ');
-  assert.equal(text(all), '11001 00111 11011 00101');
-  assert.equal(text(selected), '00001 00010 00010 00001');
-  assert.equal(all.reduce((a, b) => a + b, 0), 12);
+  const counted = (filter: Filter, start: number, end: number, pixels: number) => {
+    const index =
+        new RowSamples(model.profile, rowsOfAll, (visit) => model.selection(filter).forEachSample(visit));
+    const bounds = pixelBounds(model.profile, { start, end }, pixels);
+    return rowsOfAll.map((_, row) => index.count(row, bounds).join('')).join(' ');
+  };
+  assert.equal(counted(everything, 1, 6, 5), '11001 00111 11011 00101');
+  assert.equal(counted(changed({ text: 'sched' }), 1, 6, 5), '00001 00010 00010 00001');
+  assert.equal(counted(everything, 0, 9, 3), '210 021 211 020');
+  assert.equal(counted(everything, 2, 6, 2), '11 12 12 11', 'the last sample of all is within');
 });
 
 test('a difference tree has room for what either profile spends', async () => {

@@ -55,11 +55,11 @@ test('runs of a task follow each other over all cores', () => {
   const tasks = new Tasks(tracks, 10);
   const run = tasks.runOnCore(1, 4.5)!;
   assert.deepEqual([run.task, run.cpu, run.start, run.end], [11, 1, 4, 5]);
-  assert.deepEqual(tasks.waitBefore(run), { total: 2, io: 1, cpu: 1, gpu: 0 });
-  assert.deepEqual(tasks.runAfter(11, run.start)?.start, 7);
-  assert.deepEqual(tasks.runBefore(11, run.start)?.cpu, 0);
-  assert.equal(tasks.waitBefore(tasks.runBefore(11, run.start)!), null);
-  assert.equal(tasks.runAfter(11, 1)?.start, 4, 'the first of all cores');
+  assert.deepEqual(tasks.waitBefore(run), { total: 2, waitIo: 1, waitCpu: 1, waitGpu: 0 });
+  assert.deepEqual(tasks.runBeside(11, run.start, 1)?.start, 7);
+  assert.deepEqual(tasks.runBeside(11, run.start, -1)?.cpu, 0);
+  assert.equal(tasks.waitBefore(tasks.runBeside(11, run.start, -1)!), null);
+  assert.equal(tasks.runBeside(11, 1, 1)?.start, 4, 'the first of all cores');
   assert.equal(tasks.runAt(11, 3), null);
   assert.deepEqual(tasks.runAt(0, 9)?.end, 10, 'a run without a last point ends with the document');
 });

@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
 
+import {Scale} from '../../../viewer/model/axis';
 import {laneTree} from '../../../viewer/model/lanes';
 import {laneHeight, paintLane, Surface} from '../../../viewer/views/laneRaster';
 import {track} from '../tracks';
@@ -29,7 +30,7 @@ function paint(
     width: number, shown: { start: number; end: number }, ...tracks: ReturnType<typeof track>[]): Ledger {
   const [lane] = laneTree(tracks);
   const ledger = new Ledger(width);
-  paintLane(ledger, lane, 100, { shown, close: 10, width, scale: 1, dark: false });
+  paintLane(ledger, lane, 100, { axis: new Scale(shown, width), close: 10, scale: 1, dark: false });
   if (ledger.area.size > 0)
     assert(ledger.top >= 100 && ledger.bottom <= 100 + laneHeight(lane), 'within its row');
   return ledger;

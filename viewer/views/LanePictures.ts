@@ -1,0 +1,122 @@
+import {formatTime, Scale} from '../model/axis';
+import type {Lane} from '../model/lanes';
+import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
+import {sliceOn} from './laneFacts';
+import {groundColours, paintLane, type Picture, Pixels} from './laneRaster';
+import {textsReady, writeTexts} from './laneTexts';
+import type {State} from './store';
+import {SvgPicture} from './SvgPicture';
+import {CanvasWriter} from './texts';
+import {brushOf, gutter, shownExtent} from './timeAxis';
+
+/** A row where it is drawn, in pixels of the page from the top of the view. */
+export interface PlacedLane {
+  readonly lane: Lane;
+  readonly top: number;
+  readonly height: number;
+  readonly pinned: boolean;
+}
+
+const fontSize = 11;
+
+/** The pictures of the rows in sight, and of selection, mark and cursor over them. */
+export class LanePictures {
+  readonly base = element('canvas', { role: 'img' });
+  readonly overlay = element('canvas', { class: 'overlay', 'aria-hidden': 'true' });
+  private readonly context = this.base.getContext('2d', { alpha: false })!;
+  private readonly writer = new CanvasWriter(this.context);
+  private pixels: Pixels|null = null;
+  /** Rows whose texts are still to be written. */
+  private late: PlacedLane[] = [];
+
+  paint(placed: readonly PlacedLane[], state: State, cssWidth: number, cssHeight: number): void {
+    const model = state.timechart!;
+    const scale = fitCanvas(this.base, cssWidth, cssHeight);
+    fitCanvas(this.overlay, cssWidth, cssHeight);
+    const { width, height } = this.base;
+    if (this.pixels?.width !== width || this.pixels.height !== height)
+      this.pixels = new Pixels(width, height);
+    const { pixels, writer } = this;
+    const picture = pictureOf(state, width, scale);
+    const { ground, line } = groundColours(picture.dark);
+    pixels.clear(ground);
+    // The rest is painted first: pinned rows cover what is scrolled below them.
+    for (const row of [...placed].reverse()) {
+      const top = Math.round(row.top * scale);
+      const bottom = Math.round((row.top + row.height) * scale);
+      if (row.pinned) pixels.box(0, width, top, bottom, ground);
+      paintLane(pixels, row.lane, top, picture);
+      pixels.box(0, width, bottom - 1, bottom, line);
+    }
+    this.context.putImageData(pixels.image, 0, 0);
+    writer.begin(fontSize * scale);
+    const write = ({ lane, top }: PlacedLane) =>
+        writeTexts(writer, model, lane, Math.round(top * scale), picture);
+    this.late = placed.filter(({ lane }) => !textsReady(lane, model));
+    for (const row of placed)
+      if (!this.late.includes(row)) write(row);
+    this.writeLate(this.late, write);
+    const { start, end } = picture.axis.shown;
+    this.base.setAttribute(
+        'aria-label', `${placed.length} rows from ${formatTime(start)} to ${formatTime(end)}`);
+  }
+
+  /** Selected span, mark and cursor: painted apart, so that moving them leaves the rows alone. */
+  paintOverlay(placed: readonly PlacedLane[], state: State): void {
+    const context = this.overlay.getContext('2d')!;
+    const { width, height } = this.overlay;
+    const scale = devicePixelRatio;
+    const { cursor, mark } = state;
+    const { axis, dark, close } = pictureOf(state, width, scale);
+    const x = (time: number) => Math.round(axis.x(time));
+    const line = (colour: string, left: number) => {
+      context.fillStyle = pageColour(colour);
+      context.fillRect(left, 0, 1, height);
+    };
+    context.clearRect(0, 0, width, height);
+    const brush = brushOf(state);
+    if (brush !== null) {
+      const [left, right] = [x(brush.start), x(brush.end)];
+      context.fillStyle = dark ? '#0008' : '#fff9';
+      context.fillRect(0, 0, left, height);
+      context.fillRect(right, 0, width, height);
+      line('accent', left);
+      line('accent', right - 1);
+    }
+    if (mark !== null) line('bad', x(mark));
+    const row = placed.find(({ lane }) => lane.path === cursor?.lane);
+    if (cursor === null || row === undefined) return;
+    context.strokeStyle = '#e08a00';
+    context.lineWidth = 2 * scale;
+    const slice = sliceOn(row.lane, cursor.time, close);
+    const left = x(slice?.start ?? cursor.time) - 1;
+    const right = x(slice?.end ?? cursor.time);
+    context.strokeRect(left, row.top * scale + 1, Math.max(2, right - left), row.height * scale - 3);
+  }
+
+  svg(placed: readonly PlacedLane[], state: State, width: number, height: number): string {
+    const picture = pictureOf(state, width, 1);
+    const svg = new SvgPicture(gutter + width, height, pageColour('ground'), gutter);
+    for (const { lane, top, height: high } of placed) {
+      const indent = 8 + lane.depth * 12;
+      svg.text(shortName(lane.label), indent - gutter, top + high / 2, gutter - indent, pageColour('text'));
+      paintLane(svg, lane, top, picture);
+      writeTexts(svg, state.timechart!, lane, top, picture);
+    }
+    return svg.toString();
+  }
+
+  /** Writes the texts of rows that take long, one a frame, unless the rows are painted anew meanwhile. */
+  private writeLate(late: PlacedLane[], write: (row: PlacedLane) => void): void {
+    if (late.length === 0) return;
+    requestAnimationFrame(() => {
+      if (late !== this.late) return;
+      write(late.shift()!);
+      this.writeLate(late, write);
+    });
+  }
+}
+
+/** Returns how rows are drawn `width` pixels wide. */
+const pictureOf = (state: State, width: number, scale: number): Picture =>
+    ({ axis: new Scale(shownExtent(state), width), close: state.timechart!.end, scale, dark: isDark() });

@@ -1,0 +1,93 @@
+import {PlaceKind} from '../document/profile';
+import {everything} from '../model/filter';
+import type {ProfileModel} from '../model/ProfileModel';
+import {isEverything, type Selection} from '../model/Selection';
+import {button, div, element, isDark, searchField, span, swatch} from './dom';
+import {folded} from './folded';
+import {kindColour, kindNames} from './placeColours';
+import {formatCount, formatPart} from './placeLook';
+import type {State} from './store';
+import type {App, View} from './View';
+
+/** A colour on a light or a dark page, and what it means. */
+export type LegendEntry = readonly[(dark: boolean) => string, string];
+
+const kindLegend =
+    kindNames.map((meaning, kind: PlaceKind): LegendEntry => [(dark) => kindColour(kind, dark), meaning]);
+
+/**
+ * A view of the selected samples, below a line that tells how many they are, with the filters, the legend and
+ * the view's own controls.
+ */
+export abstract class ProfileView implements View {
+  abstract readonly id: string;
+  abstract readonly title: string;
+  readonly zone = 'detail';
+  protected app!: App;
+  protected model!: ProfileModel;
+  protected selection!: Selection;
+  /** Own controls and legend. */
+  protected controls: readonly Node[] = [];
+  protected legend: readonly LegendEntry[] = kindLegend;
+  /** What the view depends on besides profile, filter and search. */
+  protected more: readonly(keyof State)[] = [];
+  private readonly counted = span('counted');
+  private readonly found = span('quiet');
+  private readonly legendLine = span('legend');
+  private readonly text = searchField(
+      'Only stacks with…', 'Only stacks that hold a function with this text',
+      (text) => this.app.store.refine({ text: text.trim() }));
+  private readonly clear = button(
+      'All samples', 'Give up the selection and all filters',
+      () => this.app.store.set({ filter: everything, run: null }));
+
+  available(state: State): boolean { return state.profile !== null; }
+
+  mount(host: HTMLElement, app: App): void {
+    this.app = app;
+    host.classList.add('column');
+    host.append(
+        div('bar', ...this.controls, this.text, this.counted, this.clear, this.found, span('fill'),
+            this.legendLine));
+    this.fill(host);
+  }
+
+  draw(state: State, changed: ReadonlySet<keyof State>): void {
+    if (!['profile', 'filter', 'search', ...this.more].some((key) => changed.has(key as keyof State))) return;
+    const before = this.selection as Selection | undefined;
+    this.model = state.profile!;
+    this.selection = this.model.selection(state.filter);
+    this.drawBar(state);
+    this.show(state, before);
+  }
+
+  folded(): string {
+    const { profile, filter } = this.app.store.state;
+    return folded(profile!.selection(filter));
+  }
+
+  /** Adds what is below the line. */
+  protected abstract fill(host: HTMLElement): void;
+
+  /** Shows `selection`, which was `before` when this was called last. */
+  protected abstract show(state: State, before: Selection|undefined): void;
+
+  /** Selected samples of the document, which those of its picture stand for. */
+  protected get whole(): number { return this.selection.count * this.model.profile.weight; }
+
+  private drawBar({ filter, search }: State): void {
+    const { weight, samples } = this.model.profile;
+    const all = samples.count * weight;
+    const about = weight > 1 ? 'about ' : '';
+    const picked = !isEverything(filter);
+    this.counted.textContent =
+        `${about}${picked ? `${formatPart(this.whole, all)} of ` : ''}${formatCount(all)} samples`;
+    this.clear.hidden = !picked;
+    if (document.activeElement !== this.text) this.text.value = filter.text;
+    const matched = this.model.matchedSamples(filter, search);
+    this.found.textContent =
+        matched === null ? '' : `${formatPart(matched * weight, this.whole)} match the search`;
+    this.legendLine.replaceChildren(
+        ...this.legend.map(([colour, meaning]) => element('span', {}, swatch(colour(isDark())), meaning)));
+  }
+}

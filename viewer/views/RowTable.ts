@@ -1,0 +1,191 @@
+import type {Direction} from '../model/axis';
+import {div, element, span, swatch} from './dom';
+import {type App, nextOf} from './View';
+
+export interface Column {
+  readonly title: string;
+  /** Its classes in the style sheet. */
+  readonly style: string;
+  /** Sorts by the column. */
+  readonly sort?: () => void;
+}
+
+export interface Row {
+  /** A text for each column. */
+  readonly cells: readonly string[];
+  /** Parts of the width that a bar behind a text fills, for the first columns. */
+  readonly shares?: readonly number[];
+  /** Colour of a swatch ahead of the name. */
+  readonly colour?: string;
+  /** A class of the style sheet. */
+  readonly style?: string;
+  readonly level?: number;
+  /** Whether the rows below it are listed; null if it has none. */
+  readonly open?: boolean|null;
+}
+
+/** What a table asks its view. */
+export interface Rows {
+  row(index: number): Row;
+  /** Looks into a row: Enter, or a double click. */
+  open(index: number): void;
+  isMatch?(index: number): boolean;
+}
+
+const rowHeight = 21;
+const headHeight = 24;
+/** Rows above and below the window that are there before they are scrolled to. */
+const margin = 6;
+const indent = 13;
+const deepestIndent = 60;
+
+/** A table of any number of rows, of which only those in sight are elements. */
+export class RowTable {
+  readonly scroller: HTMLElement;
+  private readonly heads: readonly HTMLElement[];
+  private readonly space = div('rows-space');
+  private readonly pool = new Map<number, HTMLElement>();
+  private count = 0;
+  private current = 0;
+
+  constructor(
+      host: HTMLElement,
+      private readonly app: App,
+      private readonly id: string,
+      label: string,
+      private readonly columns: readonly Column[],
+      private readonly rows: Rows,
+      role: 'grid'|'treegrid' = 'grid',
+  ) {
+    this.heads = columns.map(
+        ({ title, style, sort }) => element(
+            'span', { class: style, role: 'columnheader' },
+            sort === undefined ? title : element('button', { type: 'button', click: sort }, title)));
+    this.space.setAttribute('role', 'rowgroup');
+    this.scroller = element(
+        'div', { class: 'rows', role, 'aria-label': label, tabIndex: '0' },
+        element('div', { class: 'row head', role: 'row' }, ...this.heads), this.space);
+    host.append(this.scroller);
+    this.scroller.addEventListener('scroll', this.repaint);
+    this.space.addEventListener('click', (event) => this.pick(event, false));
+    this.space.addEventListener('dblclick', (event) => this.pick(event, true));
+  }
+
+  get chosen(): number { return this.current; }
+
+  draw(count: number): void {
+    this.count = count;
+    this.current = Math.max(0, Math.min(this.current, count - 1));
+    this.space.style.height = `${count * rowHeight}px`;
+    const { scrollTop, clientHeight } = this.scroller;
+    const first = Math.max(0, Math.floor(scrollTop / rowHeight) - margin);
+    const last = Math.min(count, Math.ceil((scrollTop + clientHeight) / rowHeight) + margin);
+    this.scroller.setAttribute('aria-rowcount', String(count + 1));
+    for (const [index, row] of this.pool) {
+      if (index >= first && index < last) continue;
+      row.remove();
+      this.pool.delete(index);
+    }
+    for (let index = first; index < last; ++index) this.fill(this.pool.get(index) ?? this.add(index), index);
+    this.scroller.setAttribute('aria-activedescendant', `${this.id}-${this.current}`);
+  }
+
+  /** Says by which column, and how, the rows are sorted. */
+  sorted(by: number, descending: boolean): void {
+    this.heads.forEach(
+        (head, column) => head.setAttribute(
+            'aria-sort',
+            column !== by  ? 'none' :
+                descending ? 'descending' :
+                             'ascending'));
+  }
+
+  /** Makes a row the current one and brings it into sight. */
+  choose(index: number): void {
+    if (this.count === 0) return;
+    this.current = Math.max(0, Math.min(index, this.count - 1));
+    const top = this.current * rowHeight;
+    const { scroller } = this;
+    scroller.scrollTop =
+        Math.min(top, Math.max(scroller.scrollTop, top + rowHeight + headHeight - scroller.clientHeight));
+    this.app.announce(this.describe(this.current));
+    this.repaint();
+  }
+
+  key(event: KeyboardEvent): boolean {
+    const page = Math.max(1, Math.floor(this.scroller.clientHeight / rowHeight) - 2);
+    const step = new Map([
+                   ['ArrowUp', -1],
+                   ['ArrowDown', 1],
+                   ['PageUp', -page],
+                   ['PageDown', page],
+                   ['Home', -Infinity],
+                   ['End', Infinity],
+                 ]).get(event.key);
+    if (step !== undefined)
+      this.choose(this.current + step);
+    else if (event.key === 'Enter')
+      this.rows.open(this.current);
+    else
+      return false;
+    return true;
+  }
+
+  /** Goes to the next or previous match of the search; returns what it is, or null. */
+  find(direction: Direction): string|null {
+    const index = nextOf(this.count, this.current, direction, (row) => this.rows.isMatch?.(row) === true);
+    if (index < 0) return null;
+    this.choose(index);
+    return this.describe(index);
+  }
+
+  readonly repaint = (): void => this.app.store.repaint(this.redraw);
+
+  private readonly redraw = () => this.draw(this.count);
+
+  /** Returns the name, then the other cells with the titles of their columns. */
+  private describe(index: number): string {
+    const { cells } = this.rows.row(index);
+    const name = this.columns.findIndex(({ style }) => style === 'name');
+    const others = this.columns.map(({ title }, i) => `${title.toLowerCase()} ${cells[i]}`);
+    return [cells[name], ...others.filter((_, i) => i !== name && cells[i] !== '')].join(', ');
+  }
+
+  private add(index: number): HTMLElement {
+    const row = element(
+        'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': String(index + 2) },
+        ...this.columns.map(({ style }) => element('span', { class: style, role: 'gridcell' })));
+    row.style.transform = `translateY(${index * rowHeight}px)`;
+    this.pool.set(index, row);
+    this.space.append(row);
+    return row;
+  }
+
+  private fill(made: HTMLElement, index: number): void {
+    const { cells, shares = [], colour, style = '', level, open } = this.rows.row(index);
+    made.className = `row ${style}`;
+    made.setAttribute('aria-selected', String(index === this.current));
+    cells.forEach((text, i) => (made.children[i].textContent = text));
+    shares.forEach((share, i) => {
+      (made.children[i] as HTMLElement).style.backgroundSize = `${(100 * share).toFixed(1)}% 100%`;
+    });
+    const name = made.querySelector('.name')!;
+    if (colour !== undefined) name.prepend(swatch(colour));
+    if (level === undefined) return;
+    made.setAttribute('aria-level', String(level + 1));
+    const twisty = span('twisty', open === null ? '' : open === true ? '▾' : '▸');
+    twisty.style.marginLeft = `${Math.min(level, deepestIndent) * indent}px`;
+    name.prepend(twisty);
+    if (open === null)
+      made.removeAttribute('aria-expanded');
+    else
+      made.setAttribute('aria-expanded', String(open));
+  }
+
+  private pick(event: MouseEvent, open: boolean): void {
+    const index = Math.floor((event.clientY - this.space.getBoundingClientRect().top) / rowHeight);
+    if (index < 0 || index >= this.count) return;
+    this.choose(index);
+    if (open !== (event.target as Element).matches('.twisty')) this.rows.open(index);
+  }
+}

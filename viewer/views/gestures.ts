@@ -1,0 +1,68 @@
+/** Wheel and pointer, alike on everything that can be zoomed. */
+
+/** What they do. `event` tells the place. */
+export interface Gestures {
+  /** The wheel with Control. */
+  zoom(factor: number, event: MouseEvent): void;
+  /** The wheel with Shift, or sideways. */
+  pan(pixels: number, event: MouseEvent): void;
+  /** The wheel alone. */
+  scroll(pixels: number, event: MouseEvent): void;
+  /** A button was pressed; returns whether what follows is a click or a drag. */
+  press(event: PointerEvent): boolean;
+  /** The pressed pointer went on, by so many pixels. */
+  drag(event: PointerEvent, right: number, down: number): void;
+  click(event: PointerEvent): void;
+  /** The pointer moved without a drag, or left. */
+  hover(event: PointerEvent|null): void;
+}
+
+/** Movements below this many pixels are clicks. */
+const clickTolerance = 3;
+
+/** Factor of a zoom by the wheel. */
+export const wheelZoom = (pixels: number): number => Math.exp(pixels * 0.002);
+
+/** Pixels of a line, for mice whose wheel counts lines. */
+const linePixels = 16;
+
+export function onGestures(target: HTMLElement, gestures: Gestures): void {
+  let last: PointerEvent|null = null;
+  let moved = false;
+
+  target.addEventListener(
+      'wheel',
+      (event) => {
+        event.preventDefault();
+        const unit = event.deltaMode === 1 ? linePixels : 1;
+        if (event.ctrlKey || event.metaKey)
+          gestures.zoom(wheelZoom(event.deltaY * unit), event);
+        else if (event.shiftKey || event.deltaX !== 0)
+          gestures.pan((event.deltaX || event.deltaY) * unit, event);
+        else
+          gestures.scroll(event.deltaY * unit, event);
+      },
+      { passive: false },
+  );
+  target.addEventListener('pointerdown', (event) => {
+    if (!gestures.press(event)) return;
+    last = event;
+    moved = false;
+    target.setPointerCapture(event.pointerId);
+  });
+  target.addEventListener('pointermove', (event) => {
+    if (last === null) return gestures.hover(event);
+    const [right, down] = [event.clientX - last.clientX, event.clientY - last.clientY];
+    if (!moved && Math.abs(right) + Math.abs(down) < clickTolerance) return;
+    moved = true;
+    last = event;
+    gestures.drag(event, right, down);
+  });
+  target.addEventListener('pointerup', (event) => {
+    const clicked = last !== null && !moved;
+    last = null;
+    if (clicked) gestures.click(event);
+  });
+  target.addEventListener('pointercancel', () => (last = null));
+  target.addEventListener('pointerleave', () => gestures.hover(null));
+}
