@@ -10,10 +10,36 @@ import {gzipSync} from 'node:zlib';
 const room = dirname(fileURLToPath(import.meta.url));
 const [output, ...documents] = process.argv.slice(2);
 
-function bundle(entry) {
-  const command =
-      [join(room, entry), '--bundle', '--minify', '--format=iife', '--target=es2022', '--charset=utf8'];
-  return execFileSync('esbuild', [...command, '--log-level=warning'], { encoding: 'utf8' }).trim();
+/** Bytes that the page may have, as it is and compressed. */
+const limit = {
+  page: 117_000,
+  compressed: 45_000
+};
+
+const run = (program, ...words) => execFileSync(program, words, { encoding: 'utf8' });
+
+const bundle = (entry, ...more) =>
+    run('esbuild', join(room, entry), '--bundle', '--format=iife', '--target=es2022', '--charset=utf8',
+        '--log-level=warning', ...more);
+
+/**
+ * Returns the names of properties that must stay as they are: those that the platform declares, and those
+ * that the script has as texts, by which it may look properties up.
+ */
+function fixedNames(script) {
+  const declarations =
+      run('tsc', '-p', room, '--listFilesOnly').split('\n').filter((path) => path.endsWith('.d.ts'));
+  const member = /^\s+(?:readonly |get |set )*([\w$]+)\??[(:<]/gm;
+  const declared = new Set(declarations.flatMap(
+      (path) => [...readFileSync(path, 'utf8').matchAll(member)].map(([, name]) => name)));
+  const texts = script.match(/"[\w$]+"/g).map((text) => text.slice(1, -1));
+  return new Set([...script.match(/[\w$]+/g).filter((name) => declared.has(name)), ...texts]);
+}
+
+function script(entry) {
+  const fixed = [...fixedNames(bundle(entry))].join('|').replaceAll('$', '\\$');
+  // Capitals begin the names of constants, whose values take their place.
+  return bundle(entry, '--minify', '--mangle-props=^[a-z]', `--reserve-props=^(${fixed})$`);
 }
 
 const hash = (text) => `sha256-${createHash('sha256').update(text).digest('base64')}`;
@@ -21,12 +47,12 @@ const hash = (text) => `sha256-${createHash('sha256').update(text).digest('base6
 // The script element ends at the first of these, wherever it stands.
 const closed = (script) => script.replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
 
-const script = closed(bundle('page/main.ts'));
-const style = bundle('page/page.css');
+const code = closed(script('page/main.ts').trim());
+const style = bundle('page/page.css', '--minify').trim();
 const parts = {
-  SCRIPT: script,
+  SCRIPT: code,
   STYLE: style,
-  SCRIPT_HASH: hash(script),
+  SCRIPT_HASH: hash(code),
   STYLE_HASH: hash(style)
 };
 const page =
@@ -41,4 +67,11 @@ const held = documents.map((path) => {
 mkdirSync(dirname(output), { recursive: true });
 // The mark stays: whoever puts further documents into the page finds it.
 writeFileSync(output, page.replace('<!--documents-->', (mark) => held.join('') + mark));
-console.log(`${output}: ${Buffer.byteLength(page)} bytes, ${gzipSync(page, { level: 9 }).length} compressed`);
+
+const size = {
+  page: Buffer.byteLength(page),
+  compressed: gzipSync(page, { level: 9 }).length
+};
+console.log(`${output}: ${size.page} bytes, ${size.compressed} compressed`);
+for (const [what, most] of Object.entries(limit))
+  if (size[what] > most) throw new Error(`${what}: ${size[what]} bytes are more than ${most}`);
