@@ -1,6 +1,7 @@
 #include "layout/MappedFiles.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "layout/OldRecords.h"

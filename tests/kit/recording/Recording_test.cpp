@@ -1,7 +1,10 @@
 #include "recording/Recording.h"
 
 #include <gtest/gtest.h>
+
 #include <zstd.h>
+#include <sstream>
+#include <stdexcept>
 
 #include "kit/support/EventText.h"
 #include "kit/support/ModernRecording.h"

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "kit/support/TracingData.h"
 #include "recording/Bytes.h"
 

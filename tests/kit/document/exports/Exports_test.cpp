@@ -9,6 +9,7 @@
 #include <map>
 #include <protozero/pbf_reader.hpp>
 #include <sstream>
+#include <stdexcept>
 
 #include "capture/TemporaryFolder.h"
 #include "document/exports/Base64Output.h"
