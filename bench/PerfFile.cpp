@@ -8,7 +8,7 @@ constexpr std::size_t kFileHeaderSize = 104;
 constexpr std::size_t kEventSize = 64;  // of the first perf_event_attr
 constexpr std::size_t kAttributeSize = kEventSize + 16;
 
-// Features of perf's file header: the trace-points' layouts, and what is told of the machine.
+// Features of perf's file header: the trace-points' layouts, and descriptions of the machine.
 constexpr unsigned int kLayouts = 1;
 constexpr unsigned int kFirstMachineText = 3;
 

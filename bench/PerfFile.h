@@ -38,5 +38,5 @@ class PerfFile {
   };
   std::vector<Attribute> _attributes;
   Bytes _eventTypes;
-  std::map<unsigned int, std::string> _features;  ///< the sections behind the records, by number
+  std::map<unsigned int, std::string> _features;  ///< the sections after the records, by number
 };

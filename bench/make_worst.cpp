@@ -106,7 +106,7 @@ class Maker {
     Case(_folder, "events-of-new-interrupts", kTimechart).save(newInterrupts);
   }
 
-  /// Keys that are multiples of the size that the standard library gives a table of so many elements.
+  /// Keys that are multiples of the size of a table of the standard library with that many elements.
   void collidingKeys() const {
     RecordingBuilder processes;
     RecordingBuilder threads;

@@ -78,10 +78,9 @@ std::string misplacedField(const RecordedEvent& event) {
   const unsigned int* next = std::begin(kOrder);
   for (const ReadField& expected : layout) {
     while (next != std::end(kOrder) && !has(event.sampleType, *next)) ++next;
-    if (next == std::end(kOrder))
-      return std::string("nothing stands where the ") + expected.readAs + " is read";
+    if (next == std::end(kOrder)) return std::string("nothing is where the ") + expected.readAs + " is read";
     if (*next != expected.field)
-      return std::string("the ") + kFields[*next] + " stands where the " + expected.readAs + " is read";
+      return std::string("the ") + kFields[*next] + " is where the " + expected.readAs + " is read";
     ++next;
   }
   return {};

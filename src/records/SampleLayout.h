@@ -10,7 +10,7 @@
 std::string sampleFields(std::uint64_t sampleType);
 
 /// Returns a text about the first field of the event's samples that is not where PerfRecordSampleS, or
-/// PerfRecordSampleEventS for trace-points, reads it: "the id stands where the core is read". Returns an
+/// PerfRecordSampleEventS for trace-points, reads it: "the id is where the core is read". Returns an
 /// empty text if there is none; fields after those that are read do no harm.
 std::string misplacedField(const RecordedEvent& event);
 

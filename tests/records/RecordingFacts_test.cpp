@@ -80,13 +80,13 @@ TEST(SampleLayout, NamesTheFirstMisplacedField) {
       {1, 0x1A7, "ip, tid, time, callchain, cpu, period", ""},
       {2, 0x4C7, "ip, tid, time, id, cpu, raw", ""},
       {1, 0x5A7, "ip, tid, time, callchain, cpu, period, raw", ""},
-      {0, 0x1E7, "ip, tid, time, callchain, id, cpu, period", "the id stands where the core is read"},
+      {0, 0x1E7, "ip, tid, time, callchain, id, cpu, period", "the id is where the core is read"},
       {2, 0x105C7, "ip, tid, time, id, cpu, period, raw, identifier",
-       "the identifier stands where the address is read"},
-      {2, 0x587, "ip, tid, time, cpu, period, raw", "the cpu stands where the stream is read"},
-      {2, 0x5C7, "ip, tid, time, id, cpu, period, raw", "the period stands where the raw data is read"},
-      {1, 0x187, "ip, tid, time, cpu, period", "nothing stands where the back-trace is read"},
-      {1, 0x8000000000000000, "field 63", "nothing stands where the address is read"},
+       "the identifier is where the address is read"},
+      {2, 0x587, "ip, tid, time, cpu, period, raw", "the cpu is where the stream is read"},
+      {2, 0x5C7, "ip, tid, time, id, cpu, period, raw", "the period is where the raw data is read"},
+      {1, 0x187, "ip, tid, time, cpu, period", "nothing is where the back-trace is read"},
+      {1, 0x8000000000000000, "field 63", "nothing is where the address is read"},
   };
   for (const Case& one : cases) {
     EXPECT_EQ(sampleFields(one.sampleType), one.fields);

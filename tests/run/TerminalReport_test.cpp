@@ -38,7 +38,7 @@ std::string traceOf(const std::string& release, const std::string& architecture)
 
 struct Case {
   std::string recording;
-  std::vector<std::string> arguments;  ///< behind -b 1 -i perf.data -o perf.json
+  std::vector<std::string> arguments;  ///< after -b 1 -i perf.data -o perf.json
   std::string expected;
   int status = 0;
   const char* kernel = nullptr;  ///< kern_ver and ARM64
@@ -169,13 +169,13 @@ TEST_F(TerminalReports, ShowHowTheRecordingIsRead) {
   const Case cases[] = {
       {oneEvent.build(),
        {},
-       "zelconv: perf.data: its samples hold ip, tid, time, callchain, id, cpu, period: the id stands where "
+       "zelconv: perf.data: its samples hold ip, tid, time, callchain, id, cpu, period: the id is where "
        "the core "
        "is read" +
            wrong + none},
       {events.build(),
        {},
-       "zelconv: perf.data: samples of b?]0;c hold ip, tid, time, cpu, period: nothing stands where the "
+       "zelconv: perf.data: samples of b?]0;c hold ip, tid, time, cpu, period: nothing is where the "
        "back-trace "
        "is read" +
            wrong +

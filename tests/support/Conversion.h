@@ -27,7 +27,7 @@ class ScopedEnvironment {
 /// How a conversion in its own process ended.
 struct Ending {
   bool endedWell = false;  ///< or with the message for an unusable file
-  bool aborted = false;    ///< by an exception that nobody caught
+  bool aborted = false;    ///< by an uncaught exception
   int signal = 0;
   int status = 0;  ///< of its exit
   long peakMegabytes = 0;

@@ -17,7 +17,7 @@ void redirect(int descriptor, const std::string& path) {
   close(file);
 }
 
-/// Reads until nobody has the terminal open any more.
+/// Reads until no process has the terminal open.
 std::string readAll(int terminal) {
   std::string text;
   char bytes[4096];

@@ -170,7 +170,7 @@ TEST(ElfSymbols, SurviveDamagedFiles) {
     } else {
       for (std::size_t at = step; at < damaged.size(); at += 97 + step)
         damaged[at] = static_cast<char>(~damaged[at]);
-      damaged.replace(0, 64, whole, 0, 64);  // or nobody would look further
+      damaged.replace(0, 64, whole, 0, 64);  // otherwise reading ends at the header
     }
     workshop.write("damaged", damaged);
     try {

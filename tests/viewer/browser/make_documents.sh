@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# make_documents.sh FOLDER: the documents of the page's tests: the demo's, and a real machine's where recordings are at hand
+# make_documents.sh FOLDER: the documents of the page's tests: the demo's, and a real machine's if recordings are available
 set -euo pipefail
 folder=$1
 recordings=${ZELCONV_RECORDINGS:-../shared/recordings}/arm32
