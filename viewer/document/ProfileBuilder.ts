@@ -53,7 +53,7 @@ export class ProfileBuilder {
     this.samples = new SampleColumns(layout?.depth ?? null);
   }
 
-  /** Returns a small profile that stands for what was read so far. */
+  /** Returns a small sample of the profile read so far. */
   picture(): Profile { return this.build(this.samples.sampled(pictureSamples), null); }
 
   finish(damage: Damage|null): Profile { return this.build(this.samples.finish(), damage); }

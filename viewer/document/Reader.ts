@@ -1,9 +1,9 @@
 import {DocumentError} from './damage';
 
-/** Thrown by a parser that ran past the bytes at hand; the unit is parsed again once there are more. */
+/** Thrown by a parser that ran past the available bytes; the unit is parsed again once there are more. */
 const needMore = new Error('more bytes are needed');
 
-/** Zero bytes behind the last byte: loops over digits and names stop there without looking at the end. */
+/** Zero bytes after the last byte: loops over digits and names stop there without checking for the end. */
 const padding = 16;
 
 /** Supplies the bytes of a document piece by piece; null at its end. */

@@ -61,7 +61,7 @@ export class SampleBlocks {
     }
   }
 
-  /** Takes pairs: how far back the parent stands, and the label. */
+  /** Reads pairs: the distance to the parent's number, and the label. */
   private takeNodes(row: Row, pairs: readonly Value[], table: NodeTable): void {
     for (let i = 0; i < pairs.length; i += 2) {
       const back = row.checked(pairs[i]);

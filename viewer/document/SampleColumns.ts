@@ -83,7 +83,7 @@ export class SampleColumns {
     this.count = at + 1;
   }
 
-  /** Returns a picture of what is there: every n-th sample, so that there are at most `most` of them. */
+  /** Returns a picture of the samples so far: every n-th one, so that there are at most `most` of them. */
   sampled(most: number): Columns {
     const step = Math.max(1, Math.ceil(this.count / most));
     const count = Math.ceil(this.count / step);
@@ -107,7 +107,7 @@ export class SampleColumns {
     });
   }
 
-  /** Returns everything, and gives up what only the reading needs. */
+  /** Returns all columns, and releases what only the reading needs. */
   finish(): Columns {
     const { parents, keys } = this.stacks.release();
     const { count } = this;
@@ -135,7 +135,7 @@ export class SampleColumns {
   }
 
   /**
-   * Returns the nodes and all that stand above them, ascending, and for each node its position among them.
+   * Returns the nodes and all their ancestors, ascending, and for each node its position among them.
    */
   private nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
     const { stacks } = this;
@@ -172,7 +172,7 @@ export class SampleColumns {
    */
   private cutRoot(entries: number): number {
     if (entries > this.depth) {
-      // The document keeps more than was known, so that nothing tells which back-traces were cut.
+      // The document's depth is larger than known, so cut back-traces cannot be recognised.
       this.depth = Infinity;
       if (this.cutNode !== 0) this.uncut();
       return 0;
@@ -181,7 +181,7 @@ export class SampleColumns {
     return this.cutNode;
   }
 
-  /** Moves what stands below the root of cut back-traces to the root. */
+  /** Moves the nodes below the root of cut back-traces to the root. */
   private uncut(): void {
     const { stacks, cutNode } = this;
     const merged = new StackTable();

@@ -4,14 +4,14 @@ import type {Reader} from './Reader';
 import {Row} from './Row';
 import {cutKey, type SampleColumns} from './SampleColumns';
 
-/** Digits that a double holds exactly whatever they are. */
+/** Number of digits that a double always represents exactly. */
 const exactDigits = 15;
 const powersOfTen = Array.from({ length: exactDigits + 1 }, (_, exponent) => 10 ** exponent);
 
 const toDigits = (value: bigint) => Uint8Array.from(value.toString(), (digit) => digit.charCodeAt(0));
 
 /**
- * Markers of contexts, such as "from here on the kernel", stand among the addresses of a back-trace. They are
+ * Markers of contexts, such as "from here on the kernel", are among the addresses of a back-trace. They are
  * the highest 4095 numbers of 64 bits. perf: PERF_CONTEXT_MAX.
  */
 const firstMarker = 2n ** 64n - 4095n;
@@ -120,7 +120,7 @@ export class SampleRows {
     return another;
   }
 
-  /** Reads a whole number of 32 bits and the comma behind it; returns -1 if anything else stands there. */
+  /** Reads an integer of 32 bits and the comma after it; returns -1 for anything else. */
   private whole(bytes: Uint8Array): number {
     const value = this.digits(bytes);
     return bytes[this.at++] === Byte.Comma ? value : -1;

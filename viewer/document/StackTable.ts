@@ -59,7 +59,7 @@ export class StackTable {
     return spread ^ (spread >>> 13);
   }
 
-  /** Gives up the table of look-ups and returns the nodes' parents and keys. */
+  /** Releases the table of look-ups and returns the nodes' parents and keys. */
   release(): { parents: Uint32Array; keys: Uint32Array } {
     this.slots = new Uint32Array(0);
     return { parents: this.parents.subarray(0, this.count), keys: this.keys.subarray(0, this.count) };

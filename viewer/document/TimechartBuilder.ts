@@ -102,7 +102,7 @@ export class TimechartBuilder {
   }
 }
 
-/** Puts an entry's points in the order of time: the list of all markers stands in the order of the trace. */
+/** Sorts an entry's points by time: the list of all markers is in the order of the trace. */
 function inOrder(entry: Entry): Entry {
   const order = timeOrder(entry.times);
   if (order === null) return entry;

@@ -1,6 +1,6 @@
 /**
  * JSON as our documents have it. It is strict but for three things that the writer does: an array may have a
- * comma ahead of its closing bracket, and strings may hold raw control bytes and bytes that are no UTF-8.
+ * comma before its closing bracket, and strings may contain raw control bytes and invalid UTF-8.
  */
 
 import {Reader} from './Reader';

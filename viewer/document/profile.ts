@@ -1,5 +1,5 @@
 /**
- * What a profile document holds, as columns. docs/profile-document.md describes the bytes that they come
+ * The contents of a profile document, as columns. docs/profile-document.md describes the bytes that they come
  * from.
  */
 

@@ -23,7 +23,7 @@ export class DocumentReading {
   }
 
   /**
-   * Returns what a damaged document holds ahead of the damage. Throws an Error with a clear line for a wrong
+   * Returns the part of a damaged document before the damage. Throws an Error with a clear line for a wrong
    * file.
    */
   async read(): Promise<ZelDocument> {
@@ -39,7 +39,7 @@ export class DocumentReading {
   }
 
   /**
-   * Returns a small profile that stands for what was read so far, or null if there is nothing to show yet.
+   * Returns a small sample of the profile read so far, or null if there is nothing to show yet.
    */
   picture(): Profile|null {
     return this.builder instanceof ProfileBuilder && this.builder.samples.count > 0 ? this.builder.picture() :

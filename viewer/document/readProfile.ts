@@ -6,10 +6,10 @@ import {Row} from './Row';
 import {SampleBlocks} from './SampleBlocks';
 import {SampleRows} from './SampleRows';
 
-/** The sections in their order, which is all that tells them apart in a document without labels. */
+/** The sections in order, by which they are identified in a document without labels. */
 const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
 
-/** Reads a profile document from behind its opening brace, where its first label stands. */
+/** Reads a profile document after its opening brace, from its first label on. */
 export async function readProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   do {
     const label = await reader.unit(() => readLabel(reader));

@@ -2,7 +2,7 @@ import {Byte, accept, anotherElement, expect, firstElement, peek, readLabel, rea
 import type {Reader} from './Reader';
 import type {Head, TimechartBuilder} from './TimechartBuilder';
 
-/** Reads a timechart document from behind its opening brace, where its first label stands. */
+/** Reads a timechart document after its opening brace, from its first label on. */
 export async function readTimechart(reader: Reader, builder: TimechartBuilder): Promise<void> {
   do {
     const label = await reader.unit(() => readLabel(reader));

@@ -73,7 +73,7 @@ function piecesOfFile(file: Blob): Supply {
 
 function piecesOfBase64(text: string): Supply {
   let at = 0;
-  // A multiple of four characters holds whole bytes.
+  // Four characters encode whole bytes.
   const length = firstPiece;
   return async () => {
     if (at >= text.length) return null;

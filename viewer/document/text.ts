@@ -33,7 +33,7 @@ function sequenceSize(bytes: Uint8Array, from: number): number {
   if (lead < 0x80) return 1;
   const size = lead < 0xc2 ? 0 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : lead < 0xf5 ? 4 : 0;
   const second = bytes[from + 1];
-  // Overlong forms, surrogates and what lies beyond Unicode differ from the rest by their second byte.
+  // Overlong forms, surrogates and codes above Unicode's range are recognised by their second byte.
   if ((lead === 0xe0 && second < 0xa0) || (lead === 0xed && second > 0x9f)) return 0;
   if ((lead === 0xf0 && second < 0x90) || (lead === 0xf4 && second > 0x8f)) return 0;
   for (let i = 1; i < size; ++i)

@@ -1,5 +1,5 @@
 /**
- * What a timechart document holds, as columns. docs/timechart-document.md describes the bytes that they come
+ * The contents of a timechart document, as columns. docs/timechart-document.md describes the bytes that they come
  * from.
  */
 

@@ -93,7 +93,7 @@ export class MergedTree implements Tree {
     this.addChildren(node, next, (_, index) => amounts[index]);
   }
 
-  /** Adds children that stand for the nodes of the stacks, one child a place, the heaviest first. */
+  /** Adds the children of nodes of the stacks, one child per place, the heaviest first. */
   private addChildren(
       parent: number, nodes: readonly number[], amountOf: (node: number, index: number) => number): void {
     this.expanded.add(parent);
@@ -113,7 +113,7 @@ export class MergedTree implements Tree {
       for (const index of indices) this.addEntry(nodes[index], amountOf(nodes[index], index));
       this.entryEnd[child] = this.entries;
     }
-    // New nodes have the highest numbers, so that each stands in `children` at its own.
+    // New nodes have the highest numbers, so each one's index in `children` is its number.
     this.childStart[parent] = start;
     this.childEnd[parent] = this.count;
   }

@@ -88,10 +88,10 @@ export function isEverything(filter: Filter): boolean {
   return untimed && cores === null && threads === null && text === '';
 }
 
-/** Adds the weight of each node to all that stand above it. */
+/** Adds the weight of each node to its ancestors. */
 export function sumUp(stacks: Pick<Stacks, 'parents'>, totals: Uint32Array): void {
   const { parents } = stacks;
-  // A subtree without samples costs a look only.
+  // A subtree without samples is skipped.
   for (let node = totals.length - 1; node > 0; --node)
     if (totals[node] !== 0) totals[parents[node]] += totals[node];
 }

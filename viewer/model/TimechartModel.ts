@@ -16,7 +16,7 @@ export class TimechartModel {
   constructor(readonly timechart: Timechart) {
     this.tracks = timechart.entries.map((entry) => new Track(entry));
     this.tree = laneTree(this.tracks);
-    // Markers may stand on another time scale than the trace; they count only if there is nothing else.
+    // Markers may have another time scale than the trace; they count only if there is nothing else.
     const timed =
         this.tracks.filter((track) => track.entry.type !== 'events' && track.entry.times.length > 0);
     const all = timed.length > 0 ? timed : this.tracks.filter((track) => track.entry.times.length > 0);
@@ -26,7 +26,7 @@ export class TimechartModel {
     this.tasks = new Tasks(this.tracks, this.end);
   }
 
-  /** Reckons what happened within [start, end), as far as the document's time goes. */
+  /** Computes what happened within [start, end), limited to the document's time. */
   reckon(start: number, end: number): Generator<void, SpanUse, void> {
     return reckonSpan(this.tracks, Math.max(start, this.start), Math.min(end, this.end));
   }

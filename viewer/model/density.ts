@@ -40,7 +40,7 @@ export function pixelBounds({samples: {times}}: Profile, {start, end}: Extent, p
   return bounds;
 }
 
-/** The samples of each of some rows: what is looked at is counted without a look at all of them. */
+/** The samples of each of some rows: a span is counted without visiting all of them. */
 export class RowSamples {
   /** Ascending. */
   private readonly columns: readonly Uint32Array[];

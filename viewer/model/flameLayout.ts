@@ -41,8 +41,8 @@ const deepest = 4096;
 
 /**
  * Lays out the boxes that are at least `least` pixels wide, where the samples from `start` to `end` of `root`
- * (in samples, 0 to its total) fill `width` pixels. What stands above `root` goes across the whole width. A
- * parent comes ahead of its children.
+ * (in samples, 0 to its total) fill `width` pixels. The ancestors of `root` get the whole width. A
+ * parent precedes its children.
  */
 export function layOut(
     tree: Tree,

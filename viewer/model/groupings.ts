@@ -129,7 +129,7 @@ function ofPlaces(
       for (let node = 1; node < count; ++node) {
         const group = groupOf[places[node]];
         selves[group] += nodes[node];
-        // A group counts once in a stack, however often it stands there.
+        // A group counts once per stack, however often it occurs.
         if (outermost[node] === 1) totals[group] += selection.totals[node];
       }
       return { selves, totals };

@@ -37,7 +37,7 @@ const rootLabels = new Map([
 ]);
 
 /**
- * The rows of these roots are parts of one device: the first of them stands for it and the others go below.
+ * The rows of these roots are parts of one device: the first of them represents it and the others go below.
  */
 const devices = new Set(['cpu', 'kgsl']);
 
@@ -89,7 +89,7 @@ function labelOf(branch: Branch, depth: number, tracks: readonly Track[]): strin
   return first.isCounter ? first.entry.tip : first.label;
 }
 
-/** Returns what tells a row apart from all others: a counter's label goes with its task's. */
+/** Returns what identifies a row: a counter's label goes with its task's. */
 export const fullLabel = ({label, tracks: [first]}: Lane): string =>
     first?.isCounter === true ? `${label}, ${first.entry.name}` : label;
 

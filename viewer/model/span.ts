@@ -1,4 +1,4 @@
-/** What a timechart tells of a span of time. */
+/** Statistics of a timechart over a span of time. */
 
 import {kept} from './maps';
 import {pointsBefore} from './steps';
@@ -34,7 +34,7 @@ export interface TaskUse {
   readonly switches: number;
   /** The longest time that it did not run. */
   readonly longestGap: number;
-  /** By the counters' names. A span that holds a part of a run takes that part of its count. */
+  /** By the counters' names. Of a run that is partly in the span that part of its count is taken. */
   readonly counters: Map<string, number>;
 }
 
@@ -51,7 +51,7 @@ export interface SpanUse {
 }
 
 /**
- * Reckons what the tracks tell of [start, end), which lies within the document's time. Pauses after each
+ * Computes the statistics of [start, end), which must be within the document's time. Pauses after each
  * core, interrupt and task: a long recording takes longer than a frame.
  */
 export function*

@@ -23,7 +23,7 @@ export const pointsUntil = (times: Float64Array, time: number, from = 0) =>
     countUntil(times, time, true, from, times.length);
 
 /**
- * Returns how many of the ascending times are before `time`, which is known to lie between `from` and `to`.
+ * Returns how many of the ascending times are before `time`, which must be between `from` and `to`.
  */
 export const pointsBefore = (times: Float64Array, time: number, from = 0, to = times.length) =>
     countUntil(times, time, false, from, to);
@@ -41,7 +41,7 @@ export interface Slice {
 }
 
 /**
- * A step function: 0 before its first point, and each point holds until the next. The last one holds to the
+ * A step function: 0 before its first point, and each point lasts until the next. The last one lasts to the
  * end of the document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
  */
 export class Steps {
@@ -71,7 +71,7 @@ export class Steps {
     let before = this.onUntil(index, Math.min(start, close));
     for (let x = 0; x < shares.length; ++x) {
       const right = start + (x + 1) * pixel;
-      // Most pixels hold few points; a longer walk gives way to a binary search.
+      // Most pixels have few points; a longer walk is replaced by a binary search.
       for (let walked = 0; index < times.length && times[index] <= right; ++index) {
         if (++walked > 8) {
           index = pointsUntil(times, right, index);

@@ -4,7 +4,7 @@ import {Steps} from './steps';
 /** On or off, a value, or moments. */
 export type Shape = 'state'|'level'|'marks';
 
-/** What a track tells of its subject. */
+/** The kind of data of a track. */
 export type Role =|'busy'|'frequency'|'idle'|'gpu'|'interrupt'|'running'|'waitIo'|'waitCpu'|'waitGpu'|
     'counter'|'marks'|'other';
 
@@ -23,7 +23,7 @@ const rolesOfClass = new Map<string, Role>([
   ['ctr:', 'counter'],
 ]);
 
-/** The last letter of a wait's id tells what is waited for. */
+/** What is waited for, by the last letter of a wait's id. */
 const rolesOfWait = new Map<string, Role>([
   ['d', 'waitIo'],
   ['w', 'waitCpu'],
@@ -57,7 +57,7 @@ export class Track {
     this.cpu = numberIn(/^(?:cpu-|irq-\d+-|proc-\d+-r)(\d+)/, entry.id);
   }
 
-  /** The entry's name; interrupts of one name are told apart by their numbers, as tasks are. */
+  /** The entry's name; interrupts of one name are distinguished by their numbers, as tasks are. */
   get label(): string {
     if (this.role !== 'interrupt') return this.entry.name;
     const number = this.subject < firstSoft ? this.subject : `soft ${this.subject - firstSoft}`;

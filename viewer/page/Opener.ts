@@ -3,7 +3,7 @@ import {ProfileModel} from '../model/ProfileModel';
 import {TimechartModel} from '../model/TimechartModel';
 import type {Reading, Store} from '../views/store';
 
-/** Reads documents in Workers and puts what comes of them into the store. */
+/** Reads documents in Workers and puts the results into the store. */
 export class Opener {
   private readonly workers = new Map<number, Worker>();
   private readonly url: string;
@@ -26,7 +26,7 @@ export class Opener {
     this.openSources(Array.from(files, (file) => ({ name: file.name, file })));
   }
 
-  /** Opens the documents that the page itself holds, see docs/viewer.md. */
+  /** Opens the documents embedded in the page, see docs/viewer.md. */
   openEmbedded(page: Document): void {
     const slots = page.querySelectorAll<HTMLElement>('script[type="application/gzip;base64"]');
     this.openSources(
@@ -46,7 +46,7 @@ export class Opener {
       if (layout !== null) taken.add(layout);
       return [source, layout];
     });
-    // A layout file without its document is opened like one, and the reader says what it is not.
+    // A layout file without its document is opened like a document, and refused by the reader.
     for (const [source, layout] of documents)
       if (!taken.has(source)) this.open(source, layout);
   }

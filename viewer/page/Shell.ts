@@ -115,7 +115,7 @@ export class Shell implements App {
     tip.hidden = lines === null || event === null;
     if (lines === null || event === null) return;
     tip.replaceChildren(...lines.map((line) => div('', line)));
-    // Beside the pointer, on the side that has room.
+    // Next to the pointer, on the side that has room.
     const place = (at: number, size: number, all: number, gap: number) =>
         Math.max(0, at + gap + size > all ? at - size - 10 : at + gap);
     tip.style.transform = `translate(${place(event.clientX, tip.offsetWidth, innerWidth, 14)}px, ${
@@ -358,5 +358,5 @@ export class Shell implements App {
   }
 }
 
-/** A cell holds no tabulator and no line end. */
+/** A cell contains no tab and no line end. */
 const cellText = (cell: string) => cell.replace(/[\t\r\n]/g, ' ');

@@ -1,6 +1,6 @@
 import {button, element} from '../views/dom';
 
-/** What the page can be told by keys and pointer, in the order of the help. */
+/** The commands of keys and pointer, in the order of the help. */
 const sections: readonly(readonly[string, readonly(readonly[string, string])[]])[] = [
   [
     'Page',

@@ -88,7 +88,7 @@ export class FlamePane {
     return (this.upward = !this.upward);
   }
 
-  /** Goes to the next or previous node that the search is for; returns what it is. */
+  /** Goes to the next or previous match of the search; returns its label. */
   find(direction: Direction): string|null {
     const { nodes, count } = this.boxes;
     const index =
@@ -142,7 +142,7 @@ export class FlamePane {
     return true;
   }
 
-  /** Returns the nodes that have a box, a parent ahead of its children. */
+  /** Returns the nodes that have a box, parents before their children. */
   nodes(): number[] { return [...this.boxes.nodes.subarray(0, this.boxes.count)]; }
 
   /** Returns the picture as SVG. */
@@ -234,7 +234,7 @@ export class FlamePane {
     }
   }
 
-  /** Chooses a node, tells it, and brings it into view. */
+  /** Chooses a node, announces it, and scrolls it into view. */
   private choose(node: number): void {
     this.chosen = node;
     if (this.boxOf(node) < 0) {
@@ -322,5 +322,5 @@ export class FlamePane {
   }
 }
 
-/** A gap to the right tells boxes apart; narrow ones would vanish in it. */
+/** A gap to the right separates boxes; narrow ones would vanish in it. */
 const gap = (width: number) => (width > 2 ? 1 : 0);

@@ -16,7 +16,7 @@ const kindLegend =
     kindNames.map((meaning, kind: PlaceKind): LegendEntry => [(dark) => kindColour(kind, dark), meaning]);
 
 /**
- * A view of the selected samples, below a line that tells how many they are, with the filters, the legend and
+ * A view of the selected samples, below a line with their number, with the filters, the legend and
  * the view's own controls.
  */
 export abstract class ProfileView implements View {
@@ -72,7 +72,7 @@ export abstract class ProfileView implements View {
   /** Shows `selection`, which was `before` when this was called last. */
   protected abstract show(state: State, before: Selection|undefined): void;
 
-  /** Selected samples of the document, which those of its picture stand for. */
+  /** Number of selected samples of the document, which those of its picture represent. */
   protected get whole(): number { return this.selection.count * this.model.profile.weight; }
 
   private drawBar({ filter, search }: State): void {

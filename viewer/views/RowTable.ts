@@ -15,7 +15,7 @@ export interface Row {
   readonly cells: readonly string[];
   /** Parts of the width that a bar behind a text fills, for the first columns. */
   readonly shares?: readonly number[];
-  /** Colour of a swatch ahead of the name. */
+  /** Colour of a swatch before the name. */
   readonly colour?: string;
   /** A class of the style sheet. */
   readonly style?: string;
@@ -131,7 +131,7 @@ export class RowTable {
     return true;
   }
 
-  /** Goes to the next or previous match of the search; returns what it is, or null. */
+  /** Goes to the next or previous match of the search; returns its label, or null. */
   find(direction: Direction): string|null {
     const index = nextOf(this.count, this.current, direction, (row) => this.rows.isMatch?.(row) === true);
     if (index < 0) return null;

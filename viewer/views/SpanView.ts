@@ -11,7 +11,7 @@ type Cells = readonly string[];
 /** Milliseconds of a frame that the figures may take. */
 const frameShare = 8;
 
-/** What the timechart tells of the selected span. */
+/** Statistics of the timechart over the selected span. */
 export class SpanView implements View {
   readonly id = 'span';
   readonly title = 'Span';
@@ -41,7 +41,7 @@ export class SpanView implements View {
     this.reckon(timechart!.reckon(start, end), state);
   }
 
-  /** Works for a part of a frame, then goes on in the next one. */
+  /** Works for a part of a frame, then continues in the next one. */
   private reckon(work: Generator<void, SpanUse, void>, state: State): void {
     const deadline = performance.now() + frameShare;
     let step = work.next();
@@ -66,7 +66,7 @@ export class SpanView implements View {
         sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]);
   }
 
-  /** What is known of the selected run, with buttons to the task's next and previous one. */
+  /** Details of the selected run, with buttons to the task's next and previous one. */
   private runLines({ run, timechart }: State): HTMLElement[] {
     if (run === null) return [];
     const step = (direction: Direction) => () => void selectBeside(this.app, run.task, run.start, direction);

@@ -12,7 +12,7 @@ import type {App, View} from './View';
 const rowHeight = 18;
 /** Part of the shown time that a key moves the brush by. */
 const keyStep = 0.01;
-/** A column of one sample stays visible beside one of a thousand. */
+/** A column of one sample stays visible next to one of a thousand. */
 const leastColumn = 2;
 
 /** Samples over time, one row for each core and each thread; a drag selects a span, a label its row. */

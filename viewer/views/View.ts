@@ -5,9 +5,9 @@ import type {State, Store} from './store';
 
 export interface App {
   readonly store: Store;
-  /** Tells screen readers, and the status line, what happened. */
+  /** Announces an action to screen readers and in the status line. */
   announce(text: string): void;
-  /** Shows `lines` beside the pointer, as text; null hides them. */
+  /** Shows `lines` next to the pointer, as text; null hides them. */
   tooltip(lines: readonly string[]|null, event?: MouseEvent|null): void;
   /** Shows a line over all time views where the pointer is; null hides it. */
   hover(time: number|null): void;
@@ -19,9 +19,9 @@ export interface View {
   readonly title: string;
   /** `time` views are above one another at the top; `detail` views share the rest of the page as tabs. */
   readonly zone: 'time'|'detail';
-  /** Whether the state holds something to show; views that return false are not listed. */
+  /** Returns whether there is something to show; views that return false are not listed. */
   available(state: State): boolean;
-  /** Fills `host` once; it stays the view's own until the page closes. */
+  /** Fills `host` once; it belongs to the view until the page closes. */
   mount(host: HTMLElement, app: App): void;
   /**
    * Paints the committed state. `changed` names what differs since this view's last call; all after a

@@ -1,6 +1,6 @@
 /** Wheel and pointer, alike on everything that can be zoomed. */
 
-/** What they do. `event` tells the place. */
+/** Actions of gestures. `event` has the position. */
 export interface Gestures {
   /** The wheel with Control. */
   zoom(factor: number, event: MouseEvent): void;
@@ -10,7 +10,7 @@ export interface Gestures {
   scroll(pixels: number, event: MouseEvent): void;
   /** A button was pressed; returns whether what follows is a click or a drag. */
   press(event: PointerEvent): boolean;
-  /** The pressed pointer went on, by so many pixels. */
+  /** The pressed pointer moved by that many pixels. */
   drag(event: PointerEvent, right: number, down: number): void;
   click(event: PointerEvent): void;
   /** The pointer moved without a drag, or left. */

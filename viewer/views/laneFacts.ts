@@ -36,7 +36,7 @@ export function describeLane(
   return [...lines, formatTime(time) + since];
 }
 
-/** Marks this many pixels beside the pointer are meant by it. */
+/** Distance in pixels at which the pointer selects a mark. */
 const reach = 3;
 const mostMarks = 5;
 

@@ -5,7 +5,7 @@ import type {Lane} from '../model/lanes';
 import {pointsBefore, pointsUntil} from '../model/steps';
 import type {Track} from '../model/tracks';
 
-/** What is painted on: pixels or the elements of a vector picture. Colours are 0xrrggbb. */
+/** The painting surface: pixels or the elements of a vector picture. Colours are 0xrrggbb. */
 export interface Surface {
   /** Fills columns [left, right); rows may be fractions, whose pixels are blended. */
   box(left: number, right: number, top: number, bottom: number, colour: number): void;
@@ -149,7 +149,7 @@ function paintLevel(surface: Surface, track: Track, top: number, bottom: number,
 }
 
 /**
- * Shows each moment as a column; a value of 1 beside greater ones, such as work that ends no frame, is half
+ * Shows each moment as a column; a value of 1 among greater ones, such as work that ends no frame, is half
  * as high.
  */
 function paintMarks(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {

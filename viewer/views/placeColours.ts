@@ -20,7 +20,7 @@ const hues: readonly Hue[] = [
   { hue: 285, saturation: 38, spread: 10 },
   { hue: 45, saturation: 9, spread: 0 },
 ];
-/** Cut back-traces stand out from all places, so that nobody takes their end for a beginning. */
+/** Cut back-traces differ from all places, so that their end is not taken for a root. */
 const cutDarkening = 22;
 const cutLightening = 8;
 
@@ -36,7 +36,7 @@ export interface PlaceColours {
 
 const palettes = new Map<boolean, string[]>();
 
-/** Returns the shades of all kinds, and the colour of what is no place. */
+/** Returns the shades of all kinds, and the colour of nodes that are not places. */
 function palette(dark: boolean): readonly string[] {
   return kept(palettes, dark, () => {
     const colours = hues.flatMap(
@@ -54,7 +54,7 @@ function palette(dark: boolean): readonly string[] {
   });
 }
 
-/** Index of the colour of what is no place, such as "all samples". */
+/** Index of the colour of nodes that are not places, such as "all samples". */
 export const noPlace = shades * hues.length;
 
 /** The colour of a kind by itself, for legends and tables. */

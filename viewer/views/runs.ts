@@ -1,4 +1,4 @@
-/** A task's run as the page tells and selects it. */
+/** A task's run, as shown and selected by the page. */
 
 import {type Direction, formatDuration, formatShare, formatTime} from '../model/axis';
 import type {Run, Tasks} from '../model/tasks';

@@ -1,4 +1,4 @@
-/** The one state of the page. Setters only mark; one commit a frame tells everyone. */
+/** The one state of the page. Setters only mark changes; one commit per frame notifies all views. */
 
 import type {Extent} from '../model/axis';
 import type {Filter} from '../model/filter';
@@ -40,7 +40,7 @@ export interface State {
   readonly panel: string;
   /** Rows of the timechart that are folded, hidden or pinned. */
   readonly lanes: LaneChoice;
-  /** Where the keyboard stands in the timechart: a row's path and a time; null before its first use. */
+  /** The keyboard's position in the timechart: a row's path and a time; null before its first use. */
   readonly cursor: Cursor|null;
   /**
    * The selected run of a task, whose span and thread the filter holds; null if something else is selected.
@@ -84,7 +84,7 @@ export class Store {
     this.schedule();
   }
 
-  /** Calls `paint` once with the next frame: for what a view keeps to itself, such as a zoom of its own. */
+  /** Calls `paint` once with the next frame: for state within a view, such as its own zoom. */
   repaint(paint: () => void): void {
     this.repaints.add(paint);
     this.schedule();

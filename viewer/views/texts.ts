@@ -6,7 +6,7 @@ export interface Writer {
   text(text: string, x: number, middle: number, room: number, colour: string): void;
 }
 
-/** A shorter beginning of a name tells nothing. */
+/** A shorter beginning of a name is not shown. */
 const fewestLetters = 3;
 const mostWidths = 20_000;
 

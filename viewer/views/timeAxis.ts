@@ -62,7 +62,7 @@ export function showTime(store: Store, time: number): void {
   if (time < start || time >= end) zoomTime(store, 1, start, time - (start + end) / 2);
 }
 
-/** Returns a line that tells a span. */
+/** Returns a text that describes a span. */
 export const describeSpan = ({start, end}: Extent): string =>
     `${formatDuration(end - start)} from ${formatTime(start)} to ${formatTime(end)}`;
 
