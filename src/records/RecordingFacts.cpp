@@ -197,6 +197,7 @@ std::optional<RecordingFacts> readRecordingFacts(const std::string& path) {
   for (std::uint64_t& word : features) word = header.number<std::uint64_t>();
 
   const bool fits = facts.dataOffset <= file.size() && dataSize <= file.size() - facts.dataOffset;
+  if (!fits) facts.missingBytes = dataSize - (file.size() - std::min(facts.dataOffset, file.size()));
   // An aborted recording has size 0 here and no features.
   facts.dataEnd = fits && dataSize > 0 ? facts.dataOffset + dataSize : file.size();
   const std::uint64_t attributesEnd = attributesOffset + attributesSize;

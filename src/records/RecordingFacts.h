@@ -24,7 +24,8 @@ struct RecordingFacts {
   std::uint64_t fileSize = 0;
   std::uint64_t dataOffset = 0;
   std::uint64_t dataEnd = 0;
-  bool hasEventTable = false;  ///< whether an entry fits before the data section
+  std::uint64_t missingBytes = 0;  ///< of the data section, beyond the end of the file
+  bool hasEventTable = false;      ///< whether an entry fits before the data section
   bool isCompressed = false;
   std::vector<RecordedEvent> events;
   std::string release;       ///< of the recorded kernel, such as "6.1.0-50-armmp"; empty if unknown

@@ -70,7 +70,7 @@ std::string sampleFields(std::uint64_t sampleType) {
     if (!names.empty()) names += ", ";
     names += field < std::size(kFields) ? kFields[field] : "field " + std::to_string(field);
   }
-  return names.empty() ? "nothing" : names;
+  return names;
 }
 
 std::string misplacedField(const RecordedEvent& event) {

@@ -122,6 +122,8 @@ void TerminalReport::inspectFiles() {
   if (!_facts || _facts->fileSize == 0) return;
   tellFormat();
   if (_facts->format != RecordingFacts::Format::recording) return;
+  if (_facts->missingBytes > 0)
+    sayOfRecording("is truncated: " + counted(_facts->missingBytes, "byte") + " of its data missing");
   if (_facts->isCompressed) sayOfRecording("its records are compressed, and none of those is read");
   tellSampleFields();
   gTimechartMode ? tellKernel() : tellKernelNames();
@@ -155,6 +157,7 @@ void TerminalReport::tellSampleFields() {
     if (hasNoSamples(event)) continue;
     ++sampling;
     hasTracePoints = hasTracePoints || isTracePoint(event);
+    if (event.sampleType == 0) continue;  // perf always asks for some field: the header does not say which
     if (const std::string fault = misplacedField(event); !fault.empty())
       eventsByFault[sampleFields(event.sampleType) + ": " + fault].push_back(nameOf(_facts->events, i));
   }

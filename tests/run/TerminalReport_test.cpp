@@ -166,7 +166,11 @@ TEST_F(TerminalReports, ShowHowTheRecordingIsRead) {
       .feature(12, names.str());
   RecordingBuilder compressed;
   compressed.comm(7, 7, "app").feature(kCompressed, "");
+  RecordingBuilder truncated;
+  truncated.comm(7, 7, "app").attribute(1, 0, 0);  // and says nothing of its fields
+  truncated.dataSize(truncated.data().size() + 500);
   const Case cases[] = {
+      {truncated.build(), {}, "zelconv: perf.data: is truncated: 500 bytes of its data missing\n" + none},
       {oneEvent.build(),
        {},
        "zelconv: perf.data: its samples hold ip, tid, time, callchain, id, cpu, period: the id is where "
