@@ -2,6 +2,7 @@
 // by the first byte the ftrace text, the list of active counters, the counters' types, the soft interrupts or
 // the kernel's symbols.
 
+#include <cstdlib>
 #include <iterator>
 #include <memory>
 
@@ -15,6 +16,13 @@ struct Case {
   const char* file;
   std::vector<std::string> options;
   const char* usual;  ///< what the file holds while another one is random
+};
+
+/// Further options by what is left of the first byte: whether lines count at all depends on times and their
+/// scale.
+const std::vector<std::string> kVariations[] = {
+    {},      {"-q"},  {"-b5"},      {"-q", "-c1.5", "-g-3.25"}, {"-s1"}, {"-f2"}, {"-q", "-s1", "-f2"},
+    {"-v1"}, {"-v2"}, {"-I", "-l"},
 };
 
 const Case kCases[] = {
@@ -44,7 +52,6 @@ std::unique_ptr<Conversion> makeFolder() {
   auto folder = std::make_unique<Conversion>();
   for (const char* variable : {"ZELVIEW_CONFIG", "DOCUMENT_ROOT"})
     folder->environment().set(variable, folder->path("."));
-  folder->environment().set("BUILD_TYPE", "release");
   makeRecording(folder->path("perf.data"));
   return folder;
 }
@@ -55,10 +62,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const std::unique_ptr<Conversion> folder = makeFolder();
   if (size == 0) return 0;
   const Case& chosen = kCases[data[0] % std::size(kCases)];
+  const std::size_t rest = data[0] / std::size(kCases);
+  std::vector<std::string> options = chosen.options;
+  const std::vector<std::string>& variation = kVariations[rest % std::size(kVariations)];
+  options.insert(options.end(), variation.begin(), variation.end());
   runIsolated([&] {
+    // Developers' builds have no counters of the second level.
+    setenv("BUILD_TYPE", rest < std::size(kVariations) ? "release" : "developer", 1);
     for (const Case& each : kCases) folder->write(each.file, each.usual);
     folder->write(chosen.file, textOf(data + 1, size - 1));
-    return convertWhole(*folder, chosen.options);
+    return convertWhole(*folder, options);
   });
   return 0;
 }
