@@ -118,5 +118,11 @@ export class LanePictures {
 }
 
 /** Returns how rows are drawn `width` pixels wide. */
-const pictureOf = (state: State, width: number, scale: number): Picture =>
-    ({ axis: new Scale(shownExtent(state), width), close: state.timechart!.end, scale, dark: isDark() });
+const pictureOf = (state: State, width: number, scale: number): Picture => ({
+  axis: new Scale(shownExtent(state), width),
+  close: state.timechart!.end,
+  scale,
+  dark: isDark(),
+  shares: new Float32Array(width),
+  used: new Float32Array(width),
+});

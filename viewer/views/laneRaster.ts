@@ -18,6 +18,11 @@ export interface Picture {
   /** Device pixels for each pixel of the page. */
   readonly scale: number;
   readonly dark: boolean;
+  /**
+   * A number for each column, for the rows to reckon with: new ones for each would be garbage in each frame.
+   */
+  readonly shares: Float32Array;
+  readonly used: Float32Array;
 }
 
 type BandKind = 'states'|'level'|'marks'|'texts';
@@ -91,9 +96,8 @@ export function paintLane(surface: Surface, lane: Lane, top: number, picture: Pi
 /** Stacks the shares of several states in each column; equal columns are painted as one box. */
 function paintStates(
     surface: Surface, tracks: readonly Track[], top: number, bottom: number, picture: Picture): void {
-  const { axis: { width, shown }, close } = picture;
-  const used = new Float32Array(width);
-  const shares = new Float32Array(width);
+  const { axis: { width, shown }, close, shares, used } = picture;
+  used.fill(0);
   for (const track of tracks) {
     if (!touches(track, shown)) continue;
     track.steps.shares(shown.start, shown.end, close, shares);
@@ -174,11 +178,11 @@ function touches({ steps: { times } }: Track, { start, end }: Extent): boolean {
 
 /** Returns `share` of the second colour over the first. */
 export function mix(first: number, second: number, share: number): number {
-  const channel = (shift: number) => {
-    const from = (first >> shift) & 255;
-    return Math.round(from + (((second >> shift) & 255) - from) * share) << shift;
-  };
-  return channel(16) | channel(8) | channel(0);
+  const part = Math.round(share * 256);
+  // Red and blue at once: there is room for the products between them.
+  const channels = (mask: number, half: number) =>
+      (((first & mask) * (256 - part) + (second & mask) * part + half) >>> 8) & mask;
+  return channels(0xff00ff, 0x800080) | channels(0xff00, 0x8000);
 }
 
 /** Pixels as a canvas takes them. */
@@ -200,22 +204,21 @@ export class Pixels implements Surface {
     const first = Math.max(0, Math.ceil(top));
     const last = Math.min(this.height, Math.floor(bottom));
     const full = word(colour);
-    for (let y = first; y < last; ++y) this.row(y, left, right, full);
+    const { words, width } = this;
+    // A call costs more than a few stores.
+    const narrow = right - left <= 8;
+    for (let start = first * width; start < last * width; start += width) {
+      if (narrow)
+        for (let i = start + left; i < start + right; ++i) words[i] = full;
+      else
+        words.fill(full, start + left, start + right);
+    }
     if (last < first)
       this.blend(last, left, right, full, bottom - top);
     else {
       if (first > top) this.blend(first - 1, left, right, full, first - top);
       if (bottom > last) this.blend(last, left, right, full, bottom - last);
     }
-  }
-
-  private row(y: number, left: number, right: number, full: number): void {
-    const start = y * this.width;
-    // A call costs more than a few stores.
-    if (right - left > 8)
-      this.words.fill(full, start + left, start + right);
-    else
-      for (let x = left; x < right; ++x) this.words[start + x] = full;
   }
 
   private blend(y: number, left: number, right: number, full: number, share: number): void {

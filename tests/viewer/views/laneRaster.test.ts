@@ -3,7 +3,7 @@ import {test} from 'node:test';
 
 import {Scale} from '../../../viewer/model/axis';
 import {laneTree} from '../../../viewer/model/lanes';
-import {laneHeight, paintLane, Surface} from '../../../viewer/views/laneRaster';
+import {laneHeight, paintLane, Pixels, Surface} from '../../../viewer/views/laneRaster';
 import {track} from '../tracks';
 
 /** Keeps how much of each column each colour covers, in pixels. */
@@ -30,7 +30,14 @@ function paint(
     width: number, shown: { start: number; end: number }, ...tracks: ReturnType<typeof track>[]): Ledger {
   const [lane] = laneTree(tracks);
   const ledger = new Ledger(width);
-  paintLane(ledger, lane, 100, { axis: new Scale(shown, width), close: 10, scale: 1, dark: false });
+  paintLane(ledger, lane, 100, {
+    axis: new Scale(shown, width),
+    close: 10,
+    scale: 1,
+    dark: false,
+    shares: new Float32Array(width),
+    used: new Float32Array(width),
+  });
   if (ledger.area.size > 0)
     assert(ledger.top >= 100 && ledger.bottom <= 100 + laneHeight(lane), 'within its row');
   return ledger;
@@ -70,4 +77,29 @@ test('rows without points and spans beside them stay empty', () => {
   const empty = track('proc-1-g', 'proc:wait', 'x_root', []);
   const early = track('proc-1-r0', 'proc:running', 'x_root', [[1, 1], [2, 0]]);
   assert.equal(paint(10, { start: 3, end: 20 }, empty, early).area.size, 0);
+});
+
+test('a box covers pixels by their shares, also at the edges of the picture', () => {
+  Object.assign(globalThis, {
+    ImageData: class {
+      readonly data: Uint8ClampedArray;
+      constructor(width: number, height: number) { this.data = new Uint8ClampedArray(4 * width * height); }
+    }
+  });
+  for (const [left, right] of [[1, 3], [0, 12]]) {
+    const pixels = new Pixels(12, 6);
+    pixels.clear(0x000000);
+    pixels.box(left, right, 0.5, 2.25, 0x80ff40);
+    pixels.box(left, right, 3.25, 3.75, 0x80ff40);
+    pixels.box(left, right, 5, 9, 0x80ff40);
+    pixels.box(left, right, -4, -1, 0xffffff);
+    const { data } = pixels.image;
+    const column = (x: number) => Array.from(
+        { length: 6 }, (_, y) => [...data.subarray(4 * (12 * y + x), 4 * (12 * y + x) + 4)].join());
+    assert.deepEqual(
+        column(left),
+        ['64,128,32,255', '128,255,64,255', '32,64,16,255', '64,128,32,255', '0,0,0,255', '128,255,64,255']);
+    assert.deepEqual(column(right - 1), column(left));
+    if (left > 0) assert.deepEqual(column(right), Array(6).fill('0,0,0,255'));
+  }
 });
