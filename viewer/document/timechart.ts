@@ -1,6 +1,6 @@
 /**
- * The contents of a timechart document, as columns. docs/timechart-document.md describes the bytes that they come
- * from.
+ * The contents of a timechart document, as columns. docs/timechart-document.md describes the bytes that they
+ * come from.
  */
 
 import type {Damage} from './damage';
