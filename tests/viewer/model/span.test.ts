@@ -60,6 +60,7 @@ test('runs of a task follow each other over all cores', () => {
   assert.deepEqual(tasks.runBeside(11, run.start, -1)?.cpu, 0);
   assert.equal(tasks.waitBefore(tasks.runBeside(11, run.start, -1)!), null);
   assert.equal(tasks.runBeside(11, 1, 1)?.start, 4, 'the first of all cores');
+  assert.equal(tasks.runBeside(11, 10, -1)?.start, 7, 'the last of all cores');
   assert.equal(tasks.runAt(11, 3), null);
   assert.deepEqual(tasks.runAt(0, 9)?.end, 10, 'a run without a last point ends with the document');
 });

@@ -53,6 +53,7 @@ test('slices are found at and beside a time', () => {
   assert.deepEqual(sample.sliceAt(9.5, close), { start: 9, end: 10 });
   for (const time of [0, 2, 3, 7, 10]) assert.equal(sample.sliceAt(time, close), null, `at ${time}`);
   assert.deepEqual(sample.sliceBeside(1, 1, close), { start: 4, end: 7 }, 'the stretch of no length is none');
+  assert.deepEqual(sample.sliceBeside(4, 1, close), { start: 9, end: 10 }, 'a new value starts no stretch');
   assert.deepEqual(sample.sliceBeside(4, -1, close), { start: 1, end: 2 });
   assert.deepEqual(sample.sliceBeside(9, -1, close), { start: 4, end: 7 });
   assert.equal(sample.sliceBeside(9, 1, close), null);

@@ -58,6 +58,14 @@ test('states of one row are stacked by their exact shares', () => {
   near(ledger.area.get(0x0a0b0c), [13 * 0.25, 13 * 0.5, 0, 0, 0, 0]);
 });
 
+test('a wait for the GPU has a band of its own', () => {
+  const run = track('proc-1-r0', 'proc:running', 'x_root', [[0, 1], [10, 0]], { white: '#010203' });
+  const wait = track('proc-1-g', 'proc:wait', 'x_root', [[5, 1], [10, 0]], { white: '#0a0b0c' });
+  const ledger = paint(2, { start: 0, end: 10 }, run, wait);
+  near(ledger.area.get(0x010203), [13, 13]);
+  near(ledger.area.get(0x0a0b0c), [0, 4]);
+});
+
 test('a value shows the least and the greatest of each column', () => {
   const level = track(
       'cpu-0-f', 'cpu:freq', 'x_root', [[1, 50], [2, 100], [2.5, 25], [8, 0]],
