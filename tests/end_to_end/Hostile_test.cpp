@@ -177,9 +177,9 @@ TEST_F(Hostile, EventNumbersAndTablesOfEverySize) {
 TEST_F(Hostile, CounterTypesOfNothingButBrackets) {
   constexpr std::size_t megabytes = 2;
 #ifdef ZELCONV_SANITIZED
-  constexpr long mostTimes = 64;  // with what a sanitizer keeps beside each piece and of freed ones
+  constexpr long mostTimes = 64;  // with what a sanitizer keeps for each piece and of freed ones
 #else
-  constexpr long mostTimes = 40;
+  constexpr long mostTimes = 44;  // 41 with the C library of Debian 13
 #endif
   _folder.environment().set("ZELVIEW_CONFIG", _folder.path("config"));
   _folder.environment().set("DOCUMENT_ROOT", _folder.path("www"));
