@@ -7,10 +7,7 @@
 #include "run/Settings.h"
 
 PerfJSONWriter::PerfJSONWriter(bool includeLabels, bool whiteSpace, bool isDocumentWriter)
-    : _bulkJson(isDocumentWriter ? _buffer : _single),
-      _includeLabels(includeLabels),
-      _whiteSpace(whiteSpace),
-      _isDocumentWriter(isDocumentWriter) {}
+    : _includeLabels(includeLabels), _whiteSpace(whiteSpace), _isDocumentWriter(isDocumentWriter) {}
 
 PerfJSONWriter::~PerfJSONWriter() {
   PerfJSONWriter::close();
@@ -153,18 +150,11 @@ void PerfJSONWriter::_terminateLine() {
 }
 
 void PerfJSONWriter::_bufferJsonValue(const char* text, int length) {
-  _separate(_buffer);
+  if (!_buffer.empty()) _buffer.append(',');
   _buffer.append({text, static_cast<std::size_t>(length)});
 }
 
 void PerfJSONWriter::_flushBuffer() {
   _writer->appendJsonValue([this](loomstat::TextBuffer& out) { out.append(_buffer); });
   _buffer.clear();
-}
-
-void PerfJSONWriter::_passBulkJsonOn() {
-  std::string text;
-  for (const std::string_view piece : _single.pieces()) text += piece;
-  _single.clear();
-  writeJson(text.c_str());
 }

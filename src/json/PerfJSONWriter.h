@@ -79,13 +79,24 @@ class PerfJSONWriter {
 
   // Bulk operations, equivalent to calls of the operations above. Only DocumentWriter takes a shorter path.
 
-  /// The same as writeJson of the text that `write(char* out)` writes: at most `most` bytes; it returns their
-  /// end.
-  template <typename Write>
-  void writeJson(std::size_t most, Write write) {
-    _separate(_bulkJson);
-    _bulkJson.append(most, write);
-    if (!_isDocumentWriter) _passBulkJsonOn();
+  /// Writes an array of finished JSON texts, one for each value: `write(char* out, value)` writes at most
+  /// `most` bytes and returns their end. Equivalent to writeArrayStart, writeJson of each text, and
+  /// writeArrayEnd.
+  template <typename Value, typename Write>
+  void writeJsonArray(const char* label, std::span<const Value> values, std::size_t most, Write write) {
+    writeArrayStart(label);
+    if (_isDocumentWriter) {
+      _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _append(values, most, write, out); });
+      _buffer.clear();
+      return _writer->endArray();
+    }
+    std::string text;
+    for (const Value& value : values) {
+      text.resize(most);
+      text.resize(static_cast<std::size_t>(write(text.data(), value) - text.data()));
+      writeJson(text.c_str());
+    }
+    writeArrayEnd();
   }
 
   /// Writes a back-trace as an array of arrays, each of an address and a key.
@@ -98,12 +109,20 @@ class PerfJSONWriter {
  private:
   void _doLabel(const char* label);
   void _terminateLine();
-  static void _separate(loomstat::TextBuffer& values) {
-    if (!values.empty()) values.append(',');
+  /// Appends the texts of the values after what is in the buffer.
+  template <typename Value, typename Write>
+  void _append(std::span<const Value> values, std::size_t most, Write write,
+               loomstat::TextBuffer& out) const {
+    out.append(_buffer);
+    bool separate = !_buffer.empty();
+    for (const Value& value : values) {
+      if (separate) out.append(',');
+      separate = true;
+      out.append(most, [&](char* text) { return write(text, value); });
+    }
   }
   void _bufferJsonValue(const char* text, int length);
   void _flushBuffer();
-  void _passBulkJsonOn();
 
   DocumentFile _file;
   std::string _fileName;
@@ -112,8 +131,6 @@ class PerfJSONWriter {
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
-  loomstat::TextBuffer _single;     ///< one value, to be passed to writeJson of a derived writer
-  loomstat::TextBuffer& _bulkJson;  ///< the target of bulk writeJson: _buffer or _single
   BackTraceTexts _backTraces;
   bool _includeLabels;
   bool _whiteSpace;

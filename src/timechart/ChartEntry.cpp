@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 #include "json/Digits.h"
 #include "json/FixedDecimals.h"
@@ -14,6 +14,18 @@ namespace {
 
 /// Points have always been cut at this length.
 constexpr std::size_t kLongestPoint = 31;
+/// The room for a point before it is cut.
+constexpr std::size_t kPointRoom = kFixedRoom + kMostDigits + std::string_view("[, ]").size();
+
+char* writePoint(char* text, const ChartEntryS& sample, PointSeparator separator) {
+  *text = '[';
+  char* end = writeFixed<kPointDecimals>(text + 1, sample.time);
+  *end++ = ',';
+  if (separator == PointSeparator::commaAndBlank) *end++ = ' ';
+  end = writeDigits(end, sample.value);
+  *end++ = ']';
+  return std::min(end, text + kLongestPoint);
+}
 
 }  // namespace
 
@@ -59,29 +71,9 @@ ChartEntry& ChartEntry::hints(ChartColours colours) {
   return *this;
 }
 
-void ChartEntry::openData() {
-  _writer.writeArrayStart("data");
-}
-
-void ChartEntry::point(double time, unsigned int value, PointSeparator separator) {
-  _writer.writeJson(kFixedRoom + kMostDigits + std::strlen("[, ]"), [=](char* text) {
-    *text = '[';
-    char* end = writeFixed<kPointDecimals>(text + 1, time);
-    *end++ = ',';
-    if (separator == PointSeparator::commaAndBlank) *end++ = ' ';
-    end = writeDigits(end, value);
-    *end++ = ']';
-    return std::min(end, text + kLongestPoint);
-  });
-}
-
-void ChartEntry::closeData() {
-  _writer.writeArrayEnd();
-  _writer.writeStructEnd();
-}
-
 void ChartEntry::writeData(std::span<const ChartEntryS> samples, PointSeparator separator) {
-  openData();
-  for (const ChartEntryS& sample : samples) point(sample.time, sample.value, separator);
-  closeData();
+  _writer.writeJsonArray("data", samples, kPointRoom, [separator](char* text, const ChartEntryS& sample) {
+    return writePoint(text, sample, separator);
+  });
+  _writer.writeStructEnd();
 }

@@ -34,12 +34,7 @@ class ChartEntry {
   ChartEntry& show(unsigned int value);
   ChartEntry& hints(ChartColours colours);
 
-  /// Write the start of the points, one point (time in seconds), and the end of points and entry.
-  void openData();
-  void point(double time, unsigned int value, PointSeparator separator = PointSeparator::comma);
-  void closeData();
-
-  /// Opens the data, writes every sample and closes the entry.
+  /// Writes every sample and ends the entry.
   void writeData(std::span<const ChartEntryS> samples, PointSeparator separator = PointSeparator::comma);
 
  private:

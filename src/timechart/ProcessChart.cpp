@@ -195,31 +195,26 @@ void ProcessChart::outCounters(PerfJSONWriter& writer, const Head& head) const {
 void ProcessChart::outCounter(PerfJSONWriter& writer, const Head& head, const std::vector<Counters>& counters,
                               std::size_t index, const std::string& counterName) const {
   if (counterName == TimechartManager::kUnusedCounter) return;
-  ChartEntry entry(writer);
-  bool started = false;
+  ChartSamples bars;
   double lastTime = 0.0;
   unsigned int last = 0;
   unsigned int beforeLast = 0;
   for (const Counters& sample : counters) {
     const unsigned int value = sample.values[index];
     if (value != last || beforeLast != last) {
-      if (!started) {
-        entry.text("id", chartText("proc-%d-ctr%d", _pid, static_cast<int>(index)))
-            .text("name", head.label)
-            .text("tip", counterName);
-        entry.text("treeId", counterTreeId(index)).text("type", "bar").text("class", "ctr:").show(head.show);
-        entry.hints({"#232381", "#a3a3e6"}).openData();
-        started = true;
-      }
-      entry.point(lastTime, value);
+      bars.push_back({lastTime, value});
       beforeLast = last;
       last = value;
     }
     lastTime = sample.time;
   }
-  if (!started) return;
-  entry.point(lastTime, 0);
-  entry.closeData();
+  if (bars.empty()) return;
+  bars.push_back({lastTime, 0});
+
+  ChartEntry entry(writer);
+  entry.text("id", chartText("proc-%d-ctr%d", _pid, static_cast<int>(index))).text("name", head.label);
+  entry.text("tip", counterName).text("treeId", counterTreeId(index)).text("type", "bar");
+  entry.text("class", "ctr:").show(head.show).hints({"#232381", "#a3a3e6"}).writeData(bars);
 }
 
 std::string ProcessChart::counterTreeId(std::size_t index) const {

@@ -105,7 +105,7 @@ class NotingWriter : public PerfJSONWriter {
   std::string noted;
 };
 
-/// Writes a back-trace and a series of one point.
+/// Writes a back-trace and a series, the latter after a value that has waited for the next end of an array.
 std::string bulk(PerfJSONWriter& writer) {
   const Conversion folder;
   writer.open(folder.path("out").c_str());
@@ -113,7 +113,9 @@ std::string bulk(PerfJSONWriter& writer) {
   writer.writeArrayStart(nullptr);
   const BackTraceEntry entries[] = {{5, 6}, {7, 8}};
   writer.writeBackTrace("bt", "ip", "mapkey", entries);
-  ChartEntry(writer).point(1.5, 9);
+  writer.writeJson("5");
+  const ChartEntryS samples[] = {{1.5, 9}, {2.5, 8}};
+  ChartEntry(writer).writeData(samples);
   writer.writeArrayEnd();
   writer.close();
   return folder.read("out");
@@ -122,9 +124,9 @@ std::string bulk(PerfJSONWriter& writer) {
 TEST(PerfJSONWriter, CallsEveryOperationOfADerivedWriter) {
   NotingWriter derived(true, false);
   DocumentWriter own(true, false);
-  const char* const document = "[[[5,6,],[7,8,],],[1.500000,9]]\n";
+  const char* const document = "[[[5,6,],[7,8,],],[5,[1.500000,9],[2.500000,8]],]\n";
   EXPECT_EQ(bulk(derived), document);
-  EXPECT_EQ(derived.noted, "[[[li][li]][1.500000,9]]");
+  EXPECT_EQ(derived.noted, "[[[li][li]]5[[1.500000,9][2.500000,8]]]");
   EXPECT_EQ(bulk(own), document);
 }
 
