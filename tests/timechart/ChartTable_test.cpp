@@ -7,6 +7,7 @@ namespace {
 TEST(ChartTable, DistinguishesNumbers) {
   ChartTable<int> table;
   int charts[4] = {};
+  EXPECT_EQ(table.find(0), nullptr);
   EXPECT_EQ(table.find(300), nullptr);
   table.add(300, &charts[0]);
   EXPECT_EQ(table.find(300), &charts[0]);
