@@ -15,12 +15,13 @@ PRSE_irq_handler_entry::PRSE_irq_handler_entry(const PerfRecordSampleEventS& rec
     : PerfRecordSampleEvent(record) {
   const EventPayload payload = record.payload();
   const int irq = payload.i32(0);
+  const ChartTime time = record.time();
   TimechartManager* manager = TimechartManager::Instance();
   // Before the state changes. There is one slot a CPU and no stack: a nested entry saves the outer
   // one's.
   manager->saveLastStateForCPU(record.cpu());
-  manager->addValueToCPUChart(record.time(), record.cpu(), CPUChart::kBusy, 1);
-  if (!manager->addValueToIRQChart(record.time(), irq, 1, record.cpu())) return;
+  manager->addValueToCPUChart(time, record.cpu(), CPUChart::kBusy, 1);
+  if (!manager->addValueToIRQChart(time, irq, 1, record.cpu())) return;
   const std::string_view name = payload.locatedText(4);
   if (name.data() != nullptr) manager->addIrqName(irq, std::string(name));
 }

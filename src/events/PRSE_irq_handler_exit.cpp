@@ -11,9 +11,10 @@ const PerfRecordSampleFactoryRegister f("irq:irq_handler_exit", PRSE_irq_handler
 PRSE_irq_handler_exit::PRSE_irq_handler_exit(const PerfRecordSampleEventS& record)
     : PerfRecordSampleEvent(record) {
   TimechartManager* manager = TimechartManager::Instance();
+  const ChartTime time = record.time();
   const int cpu = record.cpu();
-  manager->addValueToCPUChart(record.time(), cpu, CPUChart::kBusy, manager->getLastStateForCPU(cpu));
-  manager->addValueToIRQChart(record.time(), record.payload().i32(0), 0, cpu);
+  manager->addValueToCPUChart(time, cpu, CPUChart::kBusy, manager->getLastStateForCPU(cpu));
+  manager->addValueToIRQChart(time, record.payload().i32(0), 0, cpu);
 }
 
 PerfRecord* PRSE_irq_handler_exit::factory(char* record) {

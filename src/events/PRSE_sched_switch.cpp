@@ -34,7 +34,7 @@ void PRSE_sched_switch::take(int nextPid, int prevPid, unsigned int prevState) {
 
 void PRSE_sched_switch::handle(const PerfRecordSampleEventS& record) {
   TimechartManager* manager = TimechartManager::Instance();
-  const unsigned long long time = record.time();
+  const ChartTime time = record.time();
   const int cpu = record.cpu();
   // In this order: the incoming process looks for where it came from in the table that the second step
   // changes.

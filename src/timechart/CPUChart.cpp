@@ -2,7 +2,6 @@
 
 #include "json/PerfJSONWriter.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/ChartTime.h"
 
 namespace {
 
@@ -25,15 +24,14 @@ void finish(ChartEntry& entry, ChartColours colours, const ChartSeries& series) 
 
 }  // namespace
 
-void CPUChart::addValue(unsigned long long nanoseconds, int kind, int value) {
-  const auto time = chartTime(nanoseconds);
-  if (!time || kind < kBusy) return;
+void CPUChart::addValue(ChartTime time, int kind, int value) {
+  if (!time.isSelected() || kind < kBusy) return;
   if (kind == kBusy) {
-    _busy.add(*time, static_cast<unsigned int>(value));
+    _busy.add(time.seconds(), static_cast<unsigned int>(value));
   } else if (kind == kFrequency) {
-    _frequency.add(*time, static_cast<unsigned int>(value));
+    _frequency.add(time.seconds(), static_cast<unsigned int>(value));
   } else {
-    addIdle(*time, value);
+    addIdle(time.seconds(), value);
   }
 }
 

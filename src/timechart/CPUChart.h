@@ -3,6 +3,7 @@
 #include <array>
 
 #include "timechart/ChartSeries.h"
+#include "timechart/ChartTime.h"
 
 class PerfJSONWriter;
 
@@ -16,7 +17,7 @@ class CPUChart {
 
   /// Adds a value; the frequency is in MHz. A kind below 40 is ignored, and every kind above 41 means kIdle:
   /// a value of 1 to 4 enters idle state value - 1, and 0 leaves the one entered last.
-  void addValue(unsigned long long nanoseconds, int kind, int value);
+  void addValue(ChartTime time, int kind, int value);
 
   /// Returns the latest busy value, or 0.
   int getBusyState() const { return static_cast<int>(_busy.lastValue()); }

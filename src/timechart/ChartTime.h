@@ -4,9 +4,18 @@
 
 #include "run/TimeBase.h"
 
-/// Returns the time of a chart's sample, in seconds relative to gtodAtStart, or nothing when it is outside
-/// the selected range. `time` is in nanoseconds of the recording's clock, or in seconds of the ftrace text.
-template <typename Time>
-std::optional<double> chartTime(Time time) {
-  return selectedTime(doTimeConversion(time));
-}
+/// The time of a fact as the charts have it. A decoder converts a record's time once, whatever the number of
+/// charts that the record concerns.
+class ChartTime {
+ public:
+  /// Takes nanoseconds of the recording's clock. Implicit, so that a raw time may stand for a chart's.
+  ChartTime(unsigned long long nanoseconds) : _seconds(selectedTime(doTimeConversion(nanoseconds))) {}
+
+  /// Returns whether the time is in the selected range; facts outside it are dropped.
+  bool isSelected() const { return _seconds.has_value(); }
+  /// Returns seconds relative to gtodAtStart; 0 for a time that is not selected.
+  double seconds() const { return _seconds.value_or(0); }
+
+ private:
+  std::optional<double> _seconds;
+};

@@ -2,7 +2,6 @@
 
 #include "json/PerfJSONWriter.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/ChartTime.h"
 #include "timechart/IssueKinds.h"
 
 /// Tip and colours of one series; a null tip is left out.
@@ -58,17 +57,16 @@ ChartSeries* seriesOf(std::array<ChartSeries, Kinds>& series, int status, int fi
 
 }  // namespace
 
-void GPUChart::addStatus(unsigned long long nanoseconds, int status, unsigned int sub) {
-  const auto time = chartTime(nanoseconds);
-  if (!time) return;
+void GPUChart::addStatus(ChartTime time, int status, unsigned int sub) {
+  if (!time.isSelected()) return;
   if (ChartSeries* issue = seriesOf(_issue, status, kIssue); issue != nullptr) {
-    issue->add(*time, issueValue(sub));
+    issue->add(time.seconds(), issueValue(sub));
   } else if (ChartSeries* irq = seriesOf(_irqs, status, kInterrupt); irq != nullptr) {
-    irq->add(*time, 1);
+    irq->add(time.seconds(), 1);
   } else if (status >= kPower && status < kPower + static_cast<int>(kPowerLooks.size())) {
-    _powerState.add(*time, static_cast<unsigned int>(status - kPower));
+    _powerState.add(time.seconds(), static_cast<unsigned int>(status - kPower));
   } else if (status == kFrequency) {
-    _frequency.add(*time, sub);
+    _frequency.add(time.seconds(), sub);
   }
 }
 

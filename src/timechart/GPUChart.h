@@ -3,6 +3,7 @@
 #include <array>
 
 #include "timechart/ChartSeries.h"
+#include "timechart/ChartTime.h"
 
 class ChartEntry;
 class PerfJSONWriter;
@@ -20,7 +21,7 @@ class GPUChart {
 
   /// Adds a fact. `sub` is the frequency in MHz, or 1 for an issue that ends a frame. An unknown status is
   /// ignored.
-  void addStatus(unsigned long long nanoseconds, int status, unsigned int sub);
+  void addStatus(ChartTime time, int status, unsigned int sub);
 
   /// Writes the entries of all non-empty series.
   void outGPUChart(PerfJSONWriter& writer) const;

@@ -2,13 +2,11 @@
 
 #include "json/PerfJSONWriter.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/ChartTime.h"
 #include "timechart/TimechartManager.h"
 
-void IRQChart::addValue(unsigned long long nanoseconds, int value, int cpu) {
-  const auto time = chartTime(nanoseconds);
+void IRQChart::addValue(ChartTime time, int value, int cpu) {
   ChartSeries* series = _series.find(cpu);
-  if (time && series != nullptr) series->add(*time, static_cast<unsigned int>(value));
+  if (time.isSelected() && series != nullptr) series->add(time.seconds(), static_cast<unsigned int>(value));
 }
 
 void IRQChart::outIRQChart(PerfJSONWriter& writer) const {

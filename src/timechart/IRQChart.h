@@ -3,6 +3,7 @@
 #include <string>
 
 #include "timechart/ChartSeries.h"
+#include "timechart/ChartTime.h"
 #include "timechart/PerCpu.h"
 
 class PerfJSONWriter;
@@ -21,7 +22,7 @@ class IRQChart {
   explicit IRQChart(int irq) : _irq(irq) {}
 
   /// Adds a value: 1 on entry, 0 on exit.
-  void addValue(unsigned long long nanoseconds, int value, int cpu);
+  void addValue(ChartTime time, int value, int cpu);
 
   /// Writes one entry for each CPU on which the interrupt ran.
   void outIRQChart(PerfJSONWriter& writer) const;

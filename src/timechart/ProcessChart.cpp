@@ -5,7 +5,6 @@
 #include "json/PerfJSONWriter.h"
 #include "records/PerfRecordComm.h"
 #include "timechart/ChartEntry.h"
-#include "timechart/ChartTime.h"
 #include "timechart/IssueKinds.h"
 #include "timechart/TimeOrder.h"
 #include "timechart/TimechartManager.h"
@@ -77,23 +76,22 @@ ProcessChart::ProcessChart(int pid) : _ppid(pid), _pid(pid) {
   _name = process->getName();
 }
 
-void ProcessChart::addStatus(unsigned long long nanoseconds, unsigned int status, unsigned int cpuNumber,
-                             unsigned int sub) {
-  const auto time = chartTime(nanoseconds);
-  if (!time || (status > kGpuAnswered && status < kIssue) || status >= kIssue + kIssueKinds.size()) return;
+void ProcessChart::addStatus(ChartTime time, unsigned int status, unsigned int cpuNumber, unsigned int sub) {
+  if (!time.isSelected() || (status > kGpuAnswered && status < kIssue) ||
+      status >= kIssue + kIssueKinds.size())
+    return;
   const int cpu = static_cast<int>(cpuNumber);
   // A task that runs on one CPU has left the one where it was last seen, so it is never shown as running on
   // two.
   const int left = status == kRunning ? TimechartManager::Instance()->pidMigratedFrom(_pid, cpu) : -1;
-  _facts.add({*time, static_cast<std::uint8_t>(status), issueValue(sub), PerCpu<int>::slotOf(cpu),
+  _facts.add({time.seconds(), static_cast<std::uint8_t>(status), issueValue(sub), PerCpu<int>::slotOf(cpu),
               PerCpu<int>::slotOf(left)});
 }
 
-void ProcessChart::addCounters(unsigned long long nanoseconds, unsigned int cycles, const unsigned int* l1,
+void ProcessChart::addCounters(ChartTime time, unsigned int cycles, const unsigned int* l1,
                                const unsigned int* l2) {
-  const auto time = chartTime(nanoseconds);
-  if (!time) return;
-  Counters counters = {*time, {cycles}};
+  if (!time.isSelected()) return;
+  Counters counters = {time.seconds(), {cycles}};
   std::copy_n(l2, kL2Counters, std::copy_n(l1, kL1Counters, counters.values.begin() + 1));
   _counters.add(counters);
 }

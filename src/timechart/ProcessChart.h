@@ -8,6 +8,7 @@
 #include "timechart/ArrivalList.h"
 #include "timechart/ChartEvents.h"
 #include "timechart/ChartSeries.h"
+#include "timechart/ChartTime.h"
 #include "timechart/PerCpu.h"
 
 class PerfJSONWriter;
@@ -35,11 +36,10 @@ class ProcessChart {
 
   /// Adds a fact. A task is in one state at a time, so entering one leaves the others. `sub` is 1 for an
   /// issue that ends a frame. An unknown status is ignored.
-  void addStatus(unsigned long long nanoseconds, unsigned int status, unsigned int cpu, unsigned int sub);
+  void addStatus(ChartTime time, unsigned int status, unsigned int cpu, unsigned int sub);
 
   /// Adds a sample to each counter series: the cycles, four of the first level, two of the second.
-  void addCounters(unsigned long long nanoseconds, unsigned int cycles, const unsigned int* l1,
-                   const unsigned int* l2);
+  void addCounters(ChartTime time, unsigned int cycles, const unsigned int* l1, const unsigned int* l2);
 
   /// Adds a trace marker; its time is in seconds of the ftrace text.
   void addEvent(double time, unsigned int code, const std::string& name, const std::string& args);

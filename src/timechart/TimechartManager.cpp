@@ -78,16 +78,15 @@ IRQChart* TimechartManager::createIRQChart(int irq) {
   return _irqCharts.add(irq, new IRQChart(irq));
 }
 
-bool TimechartManager::addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu,
+bool TimechartManager::addStatusToProcessChart(ChartTime time, int pid, int status, int cpu,
                                                unsigned int sub) {
   const auto found = orMake(getProcessChart(pid), [&] { return createProcessChart(pid); });
   found.chart->addStatus(time, static_cast<unsigned int>(status), static_cast<unsigned int>(cpu), sub);
   return found.made;
 }
 
-bool TimechartManager::addCountersToProcessChart(unsigned long long time, int cpu, int pid,
-                                                 unsigned int cycles, const unsigned int* l1,
-                                                 const unsigned int* l2) {
+bool TimechartManager::addCountersToProcessChart(ChartTime time, int cpu, int pid, unsigned int cycles,
+                                                 const unsigned int* l1, const unsigned int* l2) {
   const auto found = orMake(getProcessChart(pid), [&] { return createProcessChart(pid); });
   if (_counterStarted.get(cpu)) {
     found.chart->addCounters(time, cycles, l1, l2);
@@ -97,7 +96,7 @@ bool TimechartManager::addCountersToProcessChart(unsigned long long time, int cp
   return found.made;
 }
 
-bool TimechartManager::addStatusToGPUChart(unsigned long long time, int dimension, int device, int status,
+bool TimechartManager::addStatusToGPUChart(ChartTime time, int dimension, int device, int status,
                                            unsigned int sub) {
   const auto found =
       orMake(getGPUChart(dimension, device), [&] { return createGPUChart(dimension, device); });
@@ -105,13 +104,13 @@ bool TimechartManager::addStatusToGPUChart(unsigned long long time, int dimensio
   return found.made;
 }
 
-bool TimechartManager::addValueToCPUChart(unsigned long long time, int cpu, int kind, int value) {
+bool TimechartManager::addValueToCPUChart(ChartTime time, int cpu, int kind, int value) {
   const auto found = orMake(getCPUChart(cpu), [&] { return createCPUChart(cpu); });
   found.chart->addValue(time, kind, value);
   return found.made;
 }
 
-bool TimechartManager::addValueToIRQChart(unsigned long long time, int irq, int value, int cpu) {
+bool TimechartManager::addValueToIRQChart(ChartTime time, int irq, int value, int cpu) {
   const auto found = orMake(getIRQChart(irq), [&] { return createIRQChart(irq); });
   found.chart->addValue(time, value, cpu);
   return found.made;

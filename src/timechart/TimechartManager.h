@@ -6,6 +6,7 @@
 
 #include "timechart/CPUChart.h"
 #include "timechart/ChartTable.h"
+#include "timechart/ChartTime.h"
 #include "timechart/EventChart.h"
 #include "timechart/GPUChart.h"
 #include "timechart/IRQChart.h"
@@ -17,7 +18,7 @@ class PerfJSONWriter;
 /// Owns all charts. Decoders report what they learn from a record; the manager finds or creates the chart and
 /// keeps state that concerns several charts. Charts live until the process ends.
 ///
-/// Times of records are nanoseconds of the recording's clock; the charts convert them. The add operations
+/// Times of records are nanoseconds of the recording's clock, which ChartTime converts. The add operations
 /// return true if they created the chart. A fact about a CPU that has no slot is dropped, see PerCpu.
 class TimechartManager {
  public:
@@ -36,14 +37,14 @@ class TimechartManager {
   IRQChart* getIRQChart(int irq) const;
   IRQChart* createIRQChart(int irq);
 
-  /// Add a fact to a chart, see the chart's addStatus or addValue. `time` is in nanoseconds.
-  bool addStatusToProcessChart(unsigned long long time, int pid, int status, int cpu, unsigned int sub);
+  /// Add a fact to a chart, see the chart's addStatus or addValue.
+  bool addStatusToProcessChart(ChartTime time, int pid, int status, int cpu, unsigned int sub);
   /// Drops the first sample of every CPU, which counts from an unknown start.
-  bool addCountersToProcessChart(unsigned long long time, int cpu, int pid, unsigned int cycles,
+  bool addCountersToProcessChart(ChartTime time, int cpu, int pid, unsigned int cycles,
                                  const unsigned int* l1, const unsigned int* l2);
-  bool addStatusToGPUChart(unsigned long long time, int dimension, int device, int status, unsigned int sub);
-  bool addValueToCPUChart(unsigned long long time, int cpu, int kind, int value);
-  bool addValueToIRQChart(unsigned long long time, int irq, int value, int cpu);
+  bool addStatusToGPUChart(ChartTime time, int dimension, int device, int status, unsigned int sub);
+  bool addValueToCPUChart(ChartTime time, int cpu, int kind, int value);
+  bool addValueToIRQChart(ChartTime time, int irq, int value, int cpu);
   /// Adds a trace marker to its process and to the list of all. `time` is in seconds of the ftrace text.
   bool addEvent(double time, int pid, unsigned int code, const std::string& name, const std::string& args);
 
