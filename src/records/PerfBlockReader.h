@@ -16,10 +16,9 @@ class PerfBlockReader : public PerfReader {
   unsigned long long offset() const override { return _offset - available(); }
 
  private:
-  std::size_t available() const { return _end - _position; }
+  std::size_t available() const { return static_cast<std::size_t>(_limit - _next); }
+  void holdNothing() { _next = _limit = _block.get(); }
   bool fetch(std::size_t size);
 
   std::unique_ptr<char[]> _block;  ///< null for a file that is read directly
-  std::size_t _position = 0;       ///< index of the next byte to return
-  std::size_t _end = 0;
 };

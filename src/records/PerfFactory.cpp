@@ -31,7 +31,7 @@ struct RecordHeader {
 /// False at the end of the file.
 bool readHeader(PerfReader& reader, RecordHeader& header) {
   char bytes[kHeaderSize] = {};
-  if (reader.read(bytes, sizeof bytes) <= 0) return false;
+  if (reader.get(bytes, sizeof bytes) <= 0) return false;
   std::memcpy(&header.type, bytes, sizeof header.type);
   std::memcpy(&header.size, bytes + 6, sizeof header.size);
   return true;
@@ -92,7 +92,7 @@ PerfRecord* PerfFactory::readNext(PerfReader& reader) {
 
   // A body truncated by the end of the file still makes a record; the rest of the buffer holds bytes of
   // earlier ones.
-  reader.read(_tmp + kHeaderSize, header.size - kHeaderSize);
+  reader.get(_tmp + kHeaderSize, header.size - kHeaderSize);
   PerfRecord* record = create(header.type, header.size, _tmp);
   if (record == nullptr && reader.offset() - header.size < _losses.dataEnd)
     _losses.countPassedOver(header.type, _tmp, header.size);

@@ -7,12 +7,6 @@
 
 #include "run/Settings.h"
 
-namespace {
-
-constexpr int kLargestExpectedRead = 2048;
-
-}  // namespace
-
 PerfReader::~PerfReader() {
   PerfReader::close();
   _fd = 0;
