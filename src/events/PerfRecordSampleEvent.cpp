@@ -55,11 +55,6 @@ PerfRecordFunction findIn(const std::vector<PerfNameToFunctionS>& table, const c
 
 }  // namespace
 
-PerfRecordSampleEvent::PerfRecordSampleEvent(const PerfRecordSampleEventS& record)
-    : PerfRecordSample(record.ip(), record.time(), 0, record.pid(), record.tid(), 0, 0, record.sample()) {
-  initVectors();
-}
-
 void PerfRecordSampleEvent::initVectors() {
   if (_functions != nullptr) return;
   _nameAndFunction = new std::vector<PerfNameToFunctionS>;

@@ -23,7 +23,10 @@ struct PerfNameToFunctionS {
 /// number of each name. Decoders report to the TimechartManager, in both modes.
 class PerfRecordSampleEvent : public PerfRecordSample {
  public:
-  explicit PerfRecordSampleEvent(const PerfRecordSampleEventS& record);
+  explicit PerfRecordSampleEvent(const PerfRecordSampleEventS& record)
+      : PerfRecordSample(record.ip(), record.time(), 0, record.pid(), record.tid(), 0, 0, record.sample()) {
+    initVectors();
+  }
 
   /// Called once on every new decoder. Returns nonzero. Decoders do their work either in the constructor or
   /// here, where a derived decoder can read another layout.

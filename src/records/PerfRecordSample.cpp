@@ -61,6 +61,12 @@ PerfRecordSample::PerfRecordSample(unsigned long long ip, unsigned long long tim
   if (_firstSampleTime == 0.0) _firstSampleTime = time64ToDouble(time);
   _lastSampleTime = time;
   key = static_cast<unsigned int>(++_runningIndex);
+  // A timechart's trace-points have nothing to look up, and there may be millions.
+  if (_keepsSamples || _depth != 0 || verbose()) resolveAndJoin(record);
+}
+
+/// Resolves the sample and joins the list of all samples.
+void PerfRecordSample::resolveAndJoin(const PerfRecordSampleS& record) {
   processSample(record);
   if (_keepsSamples) _allSamples.push_back(this);
   if (verbose()) PerfRecordSample::show();

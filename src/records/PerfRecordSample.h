@@ -65,6 +65,7 @@ class PerfRecordSample : public PerfRecord {
   static bool _keepsSamples;
 
  private:
+  void resolveAndJoin(const PerfRecordSampleS& record);
   void resolveTrace(const PerfRecordSampleS& record, unsigned int skip);
   void keepTrace(const BackTraceEntry* entries);
 
