@@ -23,18 +23,6 @@ Mode modeAfter(std::uint64_t marker) {
   return marker == kKernelMarker ? Mode::kernel : Mode::hypervisor;
 }
 
-/// Returns the index of the last number that is not above the sought one, or 0. Called for every entry of
-/// every back-trace, in unpredictable order, so the loop is free of branches.
-std::size_t notAbove(const std::vector<std::uint64_t>& ascending, std::uint64_t sought) {
-  const std::uint64_t* first = ascending.data();
-  for (std::size_t count = ascending.size(); count > 1;) {
-    const std::size_t half = count / 2;
-    first = first[half] <= sought ? first + half : first;
-    count -= half;
-  }
-  return static_cast<std::size_t>(first - ascending.data());
-}
-
 }  // namespace
 
 Layout::Layout(const RecordingInfo& info, LayoutChoice choice, FileKnowledge* knowledge, RecordTaker& taker)
@@ -42,14 +30,15 @@ Layout::Layout(const RecordingInfo& info, LayoutChoice choice, FileKnowledge* kn
       _choice(std::move(choice)),
       _knowledge(knowledge),
       _records(taker),
-      _files(info.architecture, info.buildIds, knowledge) {
-  _places.limit(_choice.kernelStart);
+      _files(info.architecture, info.buildIds, knowledge),
+      _mover(_files, _records, _account) {
+  _mover.limit(_choice.kernelStart);
 }
 
 void Layout::mapping(const MappingEvent& event) {
   if (event.kernel) {
     if (event.start >= Places::kFirst) _choice.kernelStart = std::min(_choice.kernelStart, event.start);
-    _places.limit(_choice.kernelStart);
+    _mover.limit(_choice.kernelStart);
     count(_account.dropped, "mapping: of the kernel, which has its own table");
     return;
   }
@@ -135,8 +124,8 @@ void Layout::plainSample(const Sample& sample) {
   if (sample.hasUserStack && sample.laterChain.size() == 0) ++_account.userStacks;
   const std::uint64_t ip = movedIp(process, sample);
   _trace.clear();
-  addTrace(process, sample, sample.chain, sample.mode);
-  addTrace(process, sample, sample.laterChain, Mode::user);
+  addTrace(process, sample.chain, sample.mode);
+  addTrace(process, sample.laterChain, Mode::user);
   if (_trace.size() > _choice.depth) {
     ++_account.cutTraces;
     _account.cutEntries += _trace.size() - _choice.depth;
@@ -177,10 +166,10 @@ std::uint64_t Layout::movedIp(Process& process, const Sample& sample) {
     if (_choice.countsNames) countNaming(_knowledge->whyKernelUnnamed(sample.ip));
     return sample.ip;
   }
-  const Process::Shift* shift = shiftOf(process, sample.ip);
+  const Process::Shift* shift = _mover.shiftOf(process, sample.ip);
   if (shift == nullptr) {
     if (_choice.countsNames) countNaming("the address is in no mapping of the process");
-    return _places.keep(process.pid, sample.ip);
+    return _mover.keep(process, sample.ip);
   }
   MappedFile& file = _files[shift->file];
   ++file.samples;
@@ -192,87 +181,17 @@ void Layout::countNaming(const char* reason) {
   if (reason != nullptr) count(_account.unnamed, reason);
 }
 
-std::uint64_t Layout::moved(Process& process, std::uint64_t address) {
-  const Process::Shift* shift = shiftOf(process, address);
-  return shift != nullptr ? address + shift->shift : _places.keep(process.pid, address);
-}
-
-void Layout::addTrace(Process& process, const Sample&, const Chain& chain, Mode mode) {
+void Layout::addTrace(Process& process, const Chain& chain, Mode mode) {
   for (std::size_t i = 0; i < chain.size(); ++i) {
     const std::uint64_t entry = chain[i];
     if (entry < kFirstMarker) {
-      _trace.push_back(isKernel(mode, entry) ? entry : moved(process, entry));
+      _trace.push_back(isKernel(mode, entry) ? entry : _mover.moved(process, entry));
       continue;
     }
     mode = modeAfter(entry);
     // Followed by a number that identifies the user part of the back-trace.
     if (entry == kDeferredMarker) ++i;
   }
-}
-
-/// Returns how the addresses around this one move, or null if no mapping contains it. Valid until the next
-/// call.
-const Process::Shift* Layout::shiftOf(Process& process, std::uint64_t address) {
-  const std::size_t index = notAbove(process.starts, address);
-  if (index < process.shifts.size()) {
-    const Process::Shift& known = process.shifts[index];
-    if (process.starts[index] <= address && address < known.end) return &known;
-  }
-  return learnShift(process, address);
-}
-
-/// The same for a mapping that no sample has touched since the process's mappings changed.
-const Process::Shift* Layout::learnShift(Process& process, std::uint64_t address) {
-  const AddressSpace::Mapping* mapping = process.space->find(address);
-  Process::Shift shift;
-  if (mapping == nullptr || !place(process, *mapping, shift)) return nullptr;
-  const auto next = std::upper_bound(process.starts.begin(), process.starts.end(), mapping->start);
-  const auto at = process.shifts.insert(process.shifts.begin() + (next - process.starts.begin()), shift);
-  process.starts.insert(next, mapping->start);
-  return &*at;
-}
-
-bool Layout::place(Process& process, const AddressSpace::Mapping& mapping, Process::Shift& shift) {
-  const std::uint64_t length = mapping.end - mapping.start;
-  const MappedFiles::Place in = _files.placeOf(mapping.entered, mapping.start, length, mapping.offset);
-  const auto known = process.places.find(in.file);
-  PlacedFile placed = known != process.places.end() ? known->second : PlacedFile{};
-  if (known == process.places.end() || placed.end < in.address + length) {
-    placed = placeFile(process, in.file, in.address);
-    process.places[in.file] = placed;
-  }
-  if (!placed.placed) return false;
-  shift.end = mapping.end;
-  shift.file = in.file;
-  shift.toSymbol = in.address - mapping.start;
-  shift.shift = placed.start - _files[in.file].low + shift.toSymbol;
-  const std::uint64_t start = mapping.start + shift.shift;
-  if (shift.shift != 0 && process.toldMoves.emplace(mapping.start, start).second)
-    _account.moved.push_back({process.pid, start, length, mapping.start, in.file});
-  return true;
-}
-
-/// Allocates a range for a file in a process and writes the record of its mapping. `firstAddress`: the lowest
-/// mapped symbol address, as far as is known.
-PlacedFile Layout::placeFile(Process& process, std::size_t index, std::uint64_t firstAddress) {
-  const MappedFile& file = _files[index];
-  const std::uint64_t size = file.end - file.low;
-  PlacedFile placed{file.low, file.end, true};
-  const bool stays =
-      file.fixed && file.end <= Places::kFirst && _places.claim(process.pid, file.low, file.end);
-  if (!stays) {
-    const std::optional<std::uint64_t> start = _places.allocate(process.pid, size);
-    if (!start) {
-      count(_account.noPlace, file.name);
-      return {0, file.end, false};
-    }
-    placed.start = *start;
-  }
-  // With absolute addresses the record need not start at 0.
-  const std::uint64_t unused = stays ? firstAddress : 0;
-  _records.mapping(process.pid, placed.start + unused, size - unused, file.name);
-  count(_account.made, "mmap");
-  return placed;
 }
 
 }  // namespace zelkit

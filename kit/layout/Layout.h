@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "layout/Account.h"
+#include "layout/AddressMover.h"
 #include "layout/MappedFiles.h"
 #include "layout/OldRecords.h"
-#include "layout/Places.h"
 #include "layout/Processes.h"
 #include "recording/Events.h"
 #include "recording/RecordingInfo.h"
@@ -63,23 +63,18 @@ class Layout : public EventSink {
   void announce(Process& process, std::uint32_t tid);
   void tell(Process& process, std::uint32_t tid, Thread& thread, Account::Tally& tally);
   [[nodiscard]] bool isKernel(Mode mode, std::uint64_t address) const;
-  std::uint64_t moved(Process& process, std::uint64_t address);
-  const Process::Shift* shiftOf(Process& process, std::uint64_t address);
-  const Process::Shift* learnShift(Process& process, std::uint64_t address);
-  bool place(Process& process, const AddressSpace::Mapping& mapping, Process::Shift& shift);
-  PlacedFile placeFile(Process& process, std::size_t file, std::uint64_t firstAddress);
   std::uint64_t movedIp(Process& process, const Sample& sample);
   void countNaming(const char* reason);
-  void addTrace(Process& process, const Sample& sample, const Chain& chain, Mode mode);
+  void addTrace(Process& process, const Chain& chain, Mode mode);
 
   const RecordingInfo& _info;
   LayoutChoice _choice;
   FileKnowledge* _knowledge;
   OldRecords _records;
   MappedFiles _files;
-  Places _places;
-  Processes _processes;
   Account _account;
+  AddressMover _mover;
+  Processes _processes;
   bool _kernelTold = false;
   std::vector<std::uint64_t> _trace;  ///< of the current sample
   std::string _raw;

@@ -11,7 +11,8 @@ namespace zelkit {
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+/// Small enough to be in the nearest memory still when it is written.
+constexpr std::size_t kBufferSize = std::size_t{1} << 17;
 constexpr std::size_t kHeaderSize = 104;
 constexpr std::size_t kDataSizeOffset = 48;
 constexpr std::size_t kAttributeSize = 96;

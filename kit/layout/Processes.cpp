@@ -9,12 +9,11 @@ constexpr std::uint64_t kMostCopies = 2'000'000;
 
 }  // namespace
 
-Process& Processes::of(std::uint32_t pid) {
-  if (_last != nullptr && _last->pid == pid) return *_last;
+Process& Processes::enter(std::uint32_t pid) {
   const auto [entry, fresh] = _processes.try_emplace(pid);
   if (fresh) entry->second.pid = pid;
   // References into the table stay valid when it grows.
-  return *(_last = &entry->second);
+  return entry->second;
 }
 
 Thread& Processes::threadOf(Process& process, std::uint32_t tid) {

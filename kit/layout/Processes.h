@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -50,6 +51,21 @@ struct Process {
   std::vector<std::uint64_t> starts;
   std::vector<Shift> shifts;
 
+  /// Returns how the addresses around this one move, or null if no mapping that samples have touched
+  /// contains it.
+  [[nodiscard]] const Shift* knownShift(std::uint64_t address) const {
+    // Called for every entry of every back-trace, in unpredictable order, so the loop is free of branches.
+    const std::uint64_t* start = starts.data();
+    for (std::size_t count = starts.size(); count > 1;) {
+      const std::size_t half = count / 2;
+      start = start[half] <= address ? start + half : start;
+      count -= half;
+    }
+    if (starts.empty() || address < *start) return nullptr;
+    const Shift& shift = shifts[static_cast<std::size_t>(start - starts.data())];
+    return address < shift.end ? &shift : nullptr;
+  }
+
   /// Clears what was derived from the mappings.
   void mappingsChanged() {
     starts.clear();
@@ -61,7 +77,11 @@ struct Process {
 class Processes {
  public:
   /// Returns the process, created on first use.
-  Process& of(std::uint32_t pid);
+  Process& of(std::uint32_t pid) {
+    Process*& recent = _recent[pid % _recent.size()];
+    if (recent == nullptr || recent->pid != pid) recent = &enter(pid);
+    return *recent;
+  }
   /// Returns the thread; before it has a name it is called ":TID".
   Thread& threadOf(Process& process, std::uint32_t tid);
 
@@ -78,11 +98,12 @@ class Processes {
   [[nodiscard]] std::uint64_t cutLineages() const { return _cutLineages; }
 
  private:
+  Process& enter(std::uint32_t pid);
   AddressSpace& ownSpace(Process& process);
 
   std::unordered_map<std::uint64_t, Process, SeededHash> _processes;
-  Process* _last = nullptr;
-  std::uint64_t _copied = 0;  ///< number of mappings copied for processes that changed inherited ones
+  std::array<Process*, 256> _recent{};  ///< asked for last, by the end of the pid
+  std::uint64_t _copied = 0;            ///< mappings, for processes that changed what they had inherited
   std::uint64_t _cutLineages = 0;
 };
 
