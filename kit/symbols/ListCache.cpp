@@ -28,7 +28,7 @@ void markUsed(const std::string& path) {
   utimensat(AT_FDCWD, path.c_str(), nullptr, 0);
 }
 
-bool writeAll(int file, const std::string& bytes) {
+bool writeAll(int file, std::string_view bytes) {
   std::size_t done = 0;
   while (done < bytes.size()) {
     const ssize_t part = ::write(file, bytes.data() + done, bytes.size() - done);
@@ -71,7 +71,7 @@ std::vector<Kept> keptLists(const std::string& folder) {
 std::optional<SymbolList> ListCache::load(const std::string& name) const {
   if (_folder.empty()) return {};
   try {
-    SymbolList list = SymbolList::fromBytes(readWhole(pathOf(name)));
+    SymbolList list = SymbolList::fromFile(pathOf(name));
     markUsed(pathOf(name));
     return list;
   } catch (const std::runtime_error&) {

@@ -1,18 +1,30 @@
 #include "symbols/SymbolList.h"
 
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
+#include "symbols/CheckedFile.h"
 #include "symbols/SymbolListBlock.h"
 
 namespace zelkit {
 
 namespace {
 
-ListEntry entryAt(const std::string& bytes, std::size_t index) {
+ListEntry entryAt(std::string_view bytes, std::size_t index) {
   ListEntry entry;
   std::memcpy(&entry, bytes.data() + sizeof(ListHeader) + index * sizeof entry, sizeof entry);
   return entry;
+}
+
+ListHeader headerOf(std::string_view bytes) {
+  ListHeader header{};
+  if (bytes.size() >= sizeof header) std::memcpy(&header, bytes.data(), sizeof header);
+  return header;
 }
 
 /// Returns the offset of the texts. The header must have been checked.
@@ -21,15 +33,15 @@ std::size_t textStart(std::size_t count) {
 }
 
 /// Returns whether the header matches the size of the block.
-bool headerHolds(const std::string& bytes) {
-  ListHeader header;
-  if (bytes.size() <= sizeof header || bytes.back() != '\0') return false;
-  std::memcpy(&header, bytes.data(), sizeof header);
-  return header.magic == kListMagic && header.count <= (bytes.size() - sizeof header - 1) / sizeof(ListEntry);
+bool headerHolds(std::string_view bytes) {
+  const ListHeader header = headerOf(bytes);
+  return header.magic == kListMagic && header.count <= bytes.size() / sizeof(ListEntry) &&
+         header.textSize != 0 && textStart(header.count) + header.textSize == bytes.size() &&
+         bytes.back() == '\0';
 }
 
 /// Returns whether the entries are ascending and disjoint, with their texts inside the block.
-bool entriesHold(const std::string& bytes, std::size_t count) {
+bool entriesHold(std::string_view bytes, std::size_t count) {
   const std::size_t textSize = bytes.size() - textStart(count);
   std::uint64_t end = 0;
   for (std::size_t i = 0; i < count; ++i) {
@@ -46,12 +58,29 @@ bool entriesHold(const std::string& bytes, std::size_t count) {
 
 Symbol SymbolList::operator[](std::size_t index) const {
   const ListEntry entry = entryAt(_bytes, index);
-  const char* texts = _bytes.data() + textStart(_count);
+  const std::string_view texts = _bytes.substr(textStart(_count));
+  // A block that was damaged on disk may hold any offset; the last byte of the texts is a NUL.
+  const auto textAt = [&](std::uint32_t offset) {
+    return offset < texts.size() ? texts.data() + offset : "";
+  };
   return {.address = entry.address,
           .size = entry.size,
-          .name = texts + entry.name,
-          .file = texts + entry.file,
+          .name = textAt(entry.name),
+          .file = textAt(entry.file),
           .line = entry.line};
+}
+
+std::uint64_t SymbolList::startOf(std::size_t index) const {
+  return entryAt(_bytes, index).address;
+}
+
+bool SymbolList::isNamed(std::size_t index) const {
+  // Offset 0 is the empty text.
+  return entryAt(_bytes, index).name != 0;
+}
+
+bool SymbolList::hasFiles() const {
+  return headerOf(_bytes).hasFiles != 0;
 }
 
 std::size_t SymbolList::find(std::uint64_t address) const {
@@ -71,15 +100,34 @@ std::size_t SymbolList::find(std::uint64_t address) const {
   return _count;
 }
 
-SymbolList SymbolList::fromBytes(std::string bytes) {
+SymbolList SymbolList::ofBlock(std::shared_ptr<const void> owner, std::string_view bytes) {
   if (!headerHolds(bytes)) throw std::runtime_error("not a symbol list");
-  ListHeader header;
-  std::memcpy(&header, bytes.data(), sizeof header);
-  if (!entriesHold(bytes, header.count)) throw std::runtime_error("damaged symbol list");
   SymbolList list;
-  list._bytes = std::move(bytes);
-  list._count = header.count;
+  list._owner = std::move(owner);
+  list._bytes = bytes;
+  list._count = headerOf(bytes).count;
   return list;
+}
+
+SymbolList SymbolList::fromBytes(std::string bytes) {
+  const auto owner = std::make_shared<const std::string>(std::move(bytes));
+  SymbolList list = ofBlock(owner, *owner);
+  if (!entriesHold(list._bytes, list._count)) throw std::runtime_error("damaged symbol list");
+  return list;
+}
+
+SymbolList SymbolList::fromFile(const std::string& path) {
+  const Descriptor file = openRegular(path);
+  struct stat status = {};
+  if (fstat(file.number(), &status) != 0) throw std::runtime_error(path + ": " + std::strerror(errno));
+  const auto size = static_cast<std::size_t>(status.st_size);
+  // Lists are replaced by renaming, never changed, so the mapping keeps its content.
+  void* mapped = size != 0 ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.number(), 0) : MAP_FAILED;
+  if (mapped == MAP_FAILED) throw std::runtime_error(path + ": cannot be mapped");
+  const std::shared_ptr<const char> owner(static_cast<const char*>(mapped), [size](const char* bytes) {
+    munmap(const_cast<char*>(bytes), size);
+  });
+  return ofBlock(owner, {owner.get(), size});
 }
 
 }  // namespace zelkit

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -24,13 +25,14 @@ struct Symbol {
 ///
 /// A list is one block of bytes in this machine's byte order, which is also its format in the cache:
 ///
-/// block = magic (u64) count (u64) entry{count} text entry = address (u64) size (u32) name (u32) file (u32)
-/// line (u32) text = bytes, the last one NUL
+///     block  = magic (u64) count (u64) size of text (u32) has files (u32) entry{count} text
+///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)
+///     text   = bytes, the last one NUL
 ///
 /// `name` and `file` are offsets of NUL-terminated texts in `text`.
 ///
-/// The converter's SymbolTable includes the byte after an element in the element. To fill a table from a
-/// list, symbols must be added with `size - 1`, so that every address gets its own name.
+/// The converter's SymbolTable includes the byte after an element in the element, so symbols must be given to
+/// it with `size - 1`.
 class SymbolList {
  public:
   /// An empty list.
@@ -41,18 +43,31 @@ class SymbolList {
   /// Returns a symbol, whose texts are valid as long as the list.
   [[nodiscard]] Symbol operator[](std::size_t index) const;
 
+  /// Return parts of a symbol at less cost.
+  [[nodiscard]] std::uint64_t startOf(std::size_t index) const;
+  [[nodiscard]] bool isNamed(std::size_t index) const;
+
   /// Returns the index of the symbol that covers the address, or size() if none does.
   [[nodiscard]] std::size_t find(std::uint64_t address) const;
 
   /// Returns the block; empty for a list made by the default constructor.
-  [[nodiscard]] const std::string& bytes() const { return _bytes; }
+  [[nodiscard]] std::string_view bytes() const { return _bytes; }
+  /// Returns whether some symbol has a source file.
+  [[nodiscard]] bool hasFiles() const;
+
   /// Makes a list of a block. Throws std::runtime_error if it is not a valid block of such a list.
   static SymbolList fromBytes(std::string bytes);
+  /// Maps a file that holds a block, of which only the used parts are then read. Throws std::runtime_error if
+  /// it cannot be read or is cut off. The order of its symbols is not checked, but no text reaches outside.
+  static SymbolList fromFile(const std::string& path);
 
  private:
   friend class SymbolListBuilder;
 
-  std::string _bytes;
+  static SymbolList ofBlock(std::shared_ptr<const void> owner, std::string_view bytes);
+
+  std::shared_ptr<const void> _owner;  ///< of the bytes
+  std::string_view _bytes;
   std::size_t _count = 0;
 };
 

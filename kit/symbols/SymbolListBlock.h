@@ -5,13 +5,15 @@
 
 namespace zelkit {
 
-/// "zelsyms4" as a number, which differs in a block of another byte order. The digit is the version,
+/// "zelsyms5" as a number, which differs in a block of another byte order. The digit is the version,
 /// increased with every change of format or rules.
-constexpr std::uint64_t kListMagic = 0x34736d79736c657a;
+constexpr std::uint64_t kListMagic = 0x35736d79736c657a;
 
 struct ListHeader {
   std::uint64_t magic;
   std::uint64_t count;
+  std::uint32_t textSize;
+  std::uint32_t hasFiles;  ///< 1 if an entry has a source file, else 0
 };
 
 struct ListEntry {

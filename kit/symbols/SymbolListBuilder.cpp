@@ -179,7 +179,10 @@ SymbolList SymbolListBuilder::build() {
   std::sort(_starts.begin(), _starts.end());
   std::sort(_code.begin(), _code.end(), [](const Range& a, const Range& b) { return a.from < b.from; });
   const std::vector<ListEntry> entries = Gaps(_code, _starts).fill(pieces.all());
-  const ListHeader header{.magic = kListMagic, .count = entries.size()};
+  const ListHeader header{.magic = kListMagic,
+                          .count = entries.size(),
+                          .textSize = static_cast<std::uint32_t>(_texts.size()),
+                          .hasFiles = _files.empty() ? 0U : 1U};
   std::string block;
   block.reserve(sizeof header + entries.size() * sizeof(ListEntry) + _texts.size());
   block.append(reinterpret_cast<const char*>(&header), sizeof header);

@@ -56,9 +56,10 @@ void Conversion::runEngine(Kind kind, const std::string& output, const std::stri
   Layout made(recording.info(), choice, kind == Kind::profile ? &names : nullptr, records);
   layout = &made;
   pointEngineAtMachine();
-  gMachineFiles.addSymbols = [&](const char* name, SymbolTable& table) {
-    if (gMachineFiles.kernelSymbols == name) return names.addKernelTo(table, choice.kernelStart);
-    if (const MappedFile* file = made.files().find(name); file != nullptr) names.addTo(table, *file);
+  gMachineFiles.symbolSource = [&](const char* name) -> std::unique_ptr<SymbolSource> {
+    if (gMachineFiles.kernelSymbols == name) return names.kernelSource(choice.kernelStart);
+    const MappedFile* file = made.files().find(name);
+    return file != nullptr ? names.sourceOf(*file) : nullptr;
   };
   if (const int status = callEngine(kind, document, records); status != 0)
     throw std::runtime_error(output + ": the conversion failed");

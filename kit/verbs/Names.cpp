@@ -6,9 +6,8 @@
 #include <stdexcept>
 
 #include "symbols/CheckedFile.h"
-#include "symbols/FileNames.h"
 #include "symbols/JitMap.h"
-#include "symbols/SymbolTable.h"
+#include "verbs/EngineSymbols.h"
 #include "verbs/KernelSymbols.h"
 
 namespace zelkit {
@@ -19,40 +18,6 @@ std::vector<std::string> joined(std::vector<std::string> first, const std::vecto
   first.insert(first.end(), second.begin(), second.end());
   return first;
 }
-
-/// Returns the name of code without a symbol, such as "{libc.so.6-0001e650}".
-std::string placeName(const MappedFile& file, std::uint64_t address) {
-  char text[24];
-  std::snprintf(text, sizeof text, "-%08llx}", static_cast<unsigned long long>(address));
-  return '{' + file.path.substr(file.path.rfind('/') + 1) + text;
-}
-
-/// Adds symbols to a table of the engine.
-class TableFiller {
- public:
-  explicit TableFiller(SymbolTable& table) : _table(table) {}
-
-  /// `low`: subtracted from the symbol's address.
-  void add(const Symbol& symbol, std::uint64_t low) {
-    // The engine includes the byte after a symbol in the symbol.
-    _table.addElement(symbol.address - low, symbol.size - 1, symbol.name, fileOf(symbol), symbol.line);
-  }
-
- private:
-  /// Most functions have the same file as the previous one.
-  FileNames* fileOf(const Symbol& symbol) {
-    if (symbol.file.empty()) return nullptr;
-    if (symbol.file != _lastName) {
-      _lastName = symbol.file;
-      _last = FileNames::findOrCreate(_lastName.c_str());
-    }
-    return _last;
-  }
-
-  SymbolTable& _table;
-  std::string _lastName;
-  FileNames* _last = nullptr;
-};
 
 /// Returns the bytes of the vDSO of this process, or nothing.
 std::string_view ownVdso() {
@@ -133,7 +98,7 @@ std::optional<FileKnowledge::Link> Names::linkOfRecorded(const MappedPiece& piec
 }
 
 const Names::Listed& Names::listed(const MappedFile& file) {
-  const auto known = _listed.find(file.name);
+  const auto known = _listed.find(&file);
   if (known != _listed.end()) return known->second;
   Listed made;
   try {
@@ -142,7 +107,7 @@ const Names::Listed& Names::listed(const MappedFile& file) {
     _notes.emplace_back(error.what());
     made = {std::make_shared<SymbolList>(), "its file cannot be read"};
   }
-  return _listed.emplace(file.name, std::move(made)).first->second;
+  return _listed.emplace(&file, std::move(made)).first->second;
 }
 
 Names::Listed Names::make(const MappedFile& file) {
@@ -195,7 +160,7 @@ const char* Names::whyUnnamed(const MappedFile& file, std::uint64_t address) {
   const Listed& found = listed(file);
   if (found.whyEmpty != nullptr) return found.whyEmpty;
   const std::size_t index = found.list->find(address);
-  if (index != found.list->size() && !(*found.list)[index].name.empty()) return nullptr;
+  if (index != found.list->size() && found.list->isNamed(index)) return nullptr;
   return "its file has no symbol there";
 }
 
@@ -205,26 +170,12 @@ const char* Names::whyKernelUnnamed(std::uint64_t address) {
   return list.find(address) != list.size() ? nullptr : "the kernel has no symbol there";
 }
 
-void Names::addTo(SymbolTable& table, const MappedFile& file) {
-  const SymbolList& list = *listed(file).list;
-  TableFiller filler(table);
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    Symbol symbol = list[i];
-    if (symbol.address < file.low || symbol.address >= file.end) continue;
-    const std::string place = symbol.name.empty() ? placeName(file, symbol.address) : "";
-    if (symbol.name.empty()) symbol.name = place;
-    filler.add(symbol, file.low);
-  }
-  // The engine finds nothing in a table of one symbol.
-  if (table.elements().size() == 1) table.addElement(~0ULL - 1, 0, "(end of symbols)", nullptr, 0);
+std::unique_ptr<SymbolSource> Names::sourceOf(const MappedFile& file) {
+  return engineSymbols(*listed(file).list, file);
 }
 
-void Names::addKernelTo(SymbolTable& table, std::uint64_t start) {
-  // The first address, so that the engine knows the kernel even without its symbols.
-  const SymbolList& list = kernel();
-  if (list.empty() || list[0].address > start) table.addElement(start, 0, "[kernel]", nullptr, 0);
-  TableFiller filler(table);
-  for (std::size_t i = 0; i < list.size(); ++i) filler.add(list[i], 0);
+std::unique_ptr<SymbolSource> Names::kernelSource(std::uint64_t start) {
+  return engineKernelSymbols(kernel(), start);
 }
 
 }  // namespace zelkit

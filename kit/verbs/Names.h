@@ -13,9 +13,8 @@
 #include "symbols/SymbolFinder.h"
 #include "symbols/SymbolList.h"
 #include "symbols/SymbolLists.h"
+#include "symbols/SymbolSource.h"
 #include "verbs/Source.h"
-
-class SymbolTable;
 
 namespace zelkit {
 
@@ -30,10 +29,10 @@ class Names : public FileKnowledge {
   const char* whyUnnamed(const MappedFile& file, std::uint64_t address) override;
   const char* whyKernelUnnamed(std::uint64_t address) override;
 
-  /// Fills the engine's table for a mapped file.
-  void addTo(SymbolTable& table, const MappedFile& file);
-  /// Fills the engine's table for the kernel, which starts at `start`.
-  void addKernelTo(SymbolTable& table, std::uint64_t start);
+  /// Returns the symbols of a mapped file for the engine, null if there are none.
+  std::unique_ptr<SymbolSource> sourceOf(const MappedFile& file);
+  /// Returns the symbols of the kernel, which starts at `start`.
+  std::unique_ptr<SymbolSource> kernelSource(std::uint64_t start);
 
   /// Returns one line for each problem with a file.
   [[nodiscard]] const std::vector<std::string>& notes() const { return _notes; }
@@ -59,8 +58,8 @@ class Names : public FileKnowledge {
   SymbolFinder _finder;
   SymbolLists _lists;
   std::map<std::string, const RecordedFile*> _recorded;  ///< by path
-  std::map<std::string, Listed> _listed;                 ///< by name in the records
-  std::unique_ptr<TemporaryFolder> _folder;              ///< for files that exist only in memory
+  std::map<const MappedFile*, Listed> _listed;
+  std::unique_ptr<TemporaryFolder> _folder;  ///< for files that exist only in memory
   std::shared_ptr<const SymbolList> _kernel = std::make_shared<SymbolList>();
   bool _kernelRead = false;
   std::vector<std::string> _notes;

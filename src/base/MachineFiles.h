@@ -1,9 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
-class SymbolTable;
+class SymbolSource;
 
 /// Paths of the files that the run reads from, or writes to, the machine it runs on.
 /// The program always uses the defaults; tests and programs that link the converter point them elsewhere.
@@ -16,10 +17,10 @@ struct MachineFiles {
   /// The directory in which programs and libraries are searched for first, such as a copy of the target's
   /// files. Empty: the machine's own root.
   std::string root;
-  /// Adds the symbols of the file that a map names, or of kernelSymbols, to its table, ascending by address.
-  /// Every name then has its own table. If unset, symbols come from nm for the file on the search path, and
-  /// from the text of kernelSymbols.
-  std::function<void(const char* name, SymbolTable& table)> addSymbols;
+  /// Returns the symbols of the file that a map names, or of kernelSymbols; null if there are none. Each name
+  /// has a table of its own then. Unset: nm is run on the file in the search path, and the text of
+  /// kernelSymbols is read.
+  std::function<std::unique_ptr<SymbolSource>(const char* name)> symbolSource;
 };
 
 extern MachineFiles gMachineFiles;

@@ -140,7 +140,8 @@ unsigned long long PerfRecordSample::countWithoutFunction() {
   std::vector<bool> isFunction(std::size_t{PerfRecordMMap::_indexTotal} + 1);
   for (const SymbolTable* table : SymbolTable::_allSymbolTables)
     if (table != SymbolTable::_syntheticSymTable)
-      for (const SymbolTableElement& symbol : table->elements()) isFunction[symbol.key()] = symbol.key() != 0;
+      for (const SymbolTableElement* symbol : table->inOrder())
+        isFunction[symbol->key()] = symbol->key() != 0;
   return static_cast<unsigned long long>(
       std::count_if(_allSamples.begin(), _allSamples.end(),
                     [&](const PerfRecordSample* sample) { return !isFunction[sample->_mapKey]; }));

@@ -50,8 +50,8 @@ void loadKernelSymbols() {
   SymbolTable::setPath(symPath);
   auto* kernel = new SymbolTable;
   const char* path = gMachineFiles.kernelSymbols.c_str();
-  if (gMachineFiles.addSymbols) {
-    gMachineFiles.addSymbols(path, *kernel);
+  if (gMachineFiles.symbolSource) {
+    kernel->setSource(gMachineFiles.symbolSource(path));
   } else {
     kernel->readFromFile(path);
   }

@@ -167,9 +167,9 @@ SymbolTable::Ticket SymbolTable::request(const char* name, SymbolTable*& result)
     if (verbose()) std::printf("SymTab path found %s\n", name);
     return 0;
   }
-  if (gMachineFiles.addSymbols) {
+  if (gMachineFiles.symbolSource) {
     result = new SymbolTable(name, 0, 0);
-    gMachineFiles.addSymbols(name, *result);
+    result->setSource(gMachineFiles.symbolSource(name));
     return 0;
   }
   if (const Ticket shared = pendingTables.share(name, name, &result); shared != 0) return shared;

@@ -1,8 +1,10 @@
 #include "symbols/SymbolTable.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <utility>
 
 #include "base/KeyTable.h"
 #include "json/DocumentSection.h"
@@ -62,7 +64,9 @@ SymbolTable* SymbolTable::emptyTable(const char* name) {
 }
 
 SymbolTable::~SymbolTable() {
-  if (_bypassDestructor) static_cast<void>(_storage.release());
+  if (!_bypassDestructor) return;
+  static_cast<void>(_storage.release());
+  static_cast<void>(_sourced.release());
 }
 
 /// Registers the table under a name, which is not copied, unless another table has that name already.
@@ -96,7 +100,43 @@ const std::deque<SymbolTableElement>& SymbolTable::elements() const {
   return _storage ? _storage->symbols : none;
 }
 
+void SymbolTable::setSource(std::unique_ptr<SymbolSource> source) {
+  if (source == nullptr) return;
+  _lowAddress = source->lowest();
+  _highAddress = source->highest();
+  _sourced = std::make_unique<Sourced>();
+  _sourced->source = std::move(source);
+}
+
+SymbolTableElement* SymbolTable::findInSource(unsigned long long address) const {
+  const std::size_t number = _sourced->source->find(address);
+  if (number == SymbolSource::kNone) return nullptr;
+  if (SymbolTableElement* known = _sourced->byNumber.find(number); known != nullptr) return known;
+  const SymbolSource::Symbol symbol = _sourced->source->at(number);
+  SymbolTableElement& element = _sourced->found.emplace_back(_sourced->names.keep(symbol.name), symbol.start,
+                                                             symbol.size, symbol.file, symbol.line);
+  _sourced->byNumber.add(number, &element);
+  return &element;
+}
+
+std::vector<const SymbolTableElement*> SymbolTable::inOrder() const {
+  std::vector<const SymbolTableElement*> symbols;
+  if (_sourced)
+    for (const SymbolTableElement& symbol : _sourced->found) symbols.push_back(&symbol);
+  std::sort(symbols.begin(), symbols.end(),
+            [](const SymbolTableElement* left, const SymbolTableElement* right) {
+              return left->address() < right->address();
+            });
+  for (const SymbolTableElement& symbol : elements()) symbols.push_back(&symbol);
+  return symbols;
+}
+
 SymbolTableElement* SymbolTable::findElement(unsigned long long address) const {
+  if (_sourced) {
+    // What was added lies after the symbols of the source.
+    SymbolTableElement* const found = findInSource(address);
+    return found != nullptr || address <= _sourced->source->highest() ? found : findElementLinear(address);
+  }
   const int count = static_cast<int>(elements().size());
   int low = 0;
   int high = count;
@@ -149,8 +189,8 @@ SymbolTable* SymbolTable::findExistingSymbolTable(const std::string& name) {
 }
 
 void SymbolTable::out(PerfJSONWriter& writer, unsigned int) const {
-  for (const SymbolTableElement& element : elements())
-    if (element.used()) element.out(writer, 0);
+  for (const SymbolTableElement* element : inOrder())
+    if (element->used()) element->out(writer, 0);
 }
 
 void SymbolTable::outAll(PerfJSONWriter& writer) {
@@ -162,23 +202,23 @@ void SymbolTable::outAll(PerfJSONWriter& writer) {
 void SymbolTable::outKeys(PerfJSONWriter& writer) const {
   writer.writeArrayStart("smapkeys");
   writer.writeNamed("smapkeys2", 777U);
-  for (const SymbolTableElement& element : elements())
-    if (element.used()) writer.writeNamed("smk", element.key());
+  for (const SymbolTableElement* element : inOrder())
+    if (element->used()) writer.writeNamed("smk", element->key());
   writer.writeArrayEnd();
 }
 
 void SymbolTable::show() const {
-  for (const SymbolTableElement& element : elements()) element.show();
+  for (const SymbolTableElement* element : inOrder()) element->show();
 }
 
 void SymbolTable::showAllUsed() const {
   if (_tableElement.used()) _tableElement.show();
   bool headShown = false;
-  for (const SymbolTableElement& element : elements()) {
-    if (!element.used()) continue;
+  for (const SymbolTableElement* element : inOrder()) {
+    if (!element->used()) continue;
     if (!headShown) std::printf("----------\n%s\n----------\n", _fileName);
     headShown = true;
-    element.show();
+    element->show();
   }
 }
 

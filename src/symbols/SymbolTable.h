@@ -7,9 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/KeyTable.h"
 #include "base/NameStore.h"
 #include "base/PerfFoundation.h"
 #include "symbols/PendingTables.h"
+#include "symbols/SymbolSource.h"
 #include "symbols/SymbolTableElement.h"
 
 class FileNames;
@@ -124,7 +126,15 @@ class SymbolTable : public PerfFoundation {
 
   unsigned long long lowAddress() const { return _lowAddress; }
   unsigned long long highAddress() const { return _highAddress; }
+  /// Returns the added symbols, without those of the source.
   const std::deque<SymbolTableElement>& elements() const;
+
+  /// Makes the table look in the source first; null changes nothing. The kernel's bounds are then the
+  /// source's.
+  void setSource(std::unique_ptr<SymbolSource> source);
+
+  /// Returns the symbols that were found in the source, ascending by address, then the added ones.
+  std::vector<const SymbolTableElement*> inOrder() const;
 
   static std::vector<std::string> _paths;
   static std::vector<SymbolTable*> _allSymbolTables;
@@ -145,6 +155,15 @@ class SymbolTable : public PerfFoundation {
     NameStore names;
   };
 
+  /// A source and what was found in it.
+  struct Sourced {
+    std::unique_ptr<SymbolSource> source;
+    std::deque<SymbolTableElement> found;
+    KeyTable<SymbolTableElement> byNumber;
+    NameStore names;
+  };
+
+  SymbolTableElement* findInSource(unsigned long long address) const;
   void enter(const char* name);
   void enterWithBaseName(const char* name);
   static Ticket requestFile(const char* name, SymbolTable*& result);
@@ -155,6 +174,7 @@ class SymbolTable : public PerfFoundation {
   unsigned long long _highAddress = 0;     ///< highest start so far, not the highest end
   const char* _fileName;                   ///< shared, see sharedName
   SymbolTableElement _tableElement;        ///< represents the table itself
+  std::unique_ptr<Sourced> _sourced;       ///< null if nothing is looked up in a source
   std::unique_ptr<Storage> _storage;       ///< null until there is a symbol
 };
 

@@ -38,17 +38,37 @@ class RecordsInMemory : public RecordSource {
   std::string _records;
 };
 
-void addSymbols(const char* name, SymbolTable& table) {
-  const bool kernel = gMachineFiles.kernelSymbols == name;
-  if (!kernel && std::strcmp(name, "/a/libx.so") != 0) return;
-  const unsigned long long start = kernel ? 0xC0000000 : 0;
-  table.addElement(start, 0xFF, kernel ? "kernel_start" : "start", nullptr, 0);
-  table.addElement(start + 0x100, 0xFF, kernel ? "kernel_next" : "middle", nullptr, 0);
+/// Two functions of 256 bytes.
+class TwoFunctions : public SymbolSource {
+ public:
+  TwoFunctions(unsigned long long start, const char* first, const char* second)
+      : _start(start), _first(first), _second(second) {}
+
+  std::size_t find(unsigned long long address) const override {
+    return address >= _start && address < _start + 0x200 ? (address - _start) / 0x100 : kNone;
+  }
+  Symbol at(std::size_t number) override {
+    return {.start = _start + 0x100 * number, .size = 0xFF, .name = number == 0 ? _first : _second};
+  }
+  unsigned long long lowest() const override { return _start; }
+  unsigned long long highest() const override { return _start + 0x100; }
+
+ private:
+  unsigned long long _start;
+  std::string _first;
+  std::string _second;
+};
+
+std::unique_ptr<SymbolSource> symbolsOf(const char* name) {
+  if (gMachineFiles.kernelSymbols == name)
+    return std::make_unique<TwoFunctions>(0xC0000000, "kernel_start", "kernel_next");
+  if (std::strcmp(name, "/a/libx.so") != 0) return nullptr;
+  return std::make_unique<TwoFunctions>(0, "start", "middle");
 }
 
 TEST(LinkedProgram, ProvidesRecordsAndSymbolsAndKeepsDeepTraces) {
   Conversion conversion;
-  gMachineFiles.addSymbols = addSymbols;
+  gMachineFiles.symbolSource = symbolsOf;
   gDeepestTrace = 40;
   RecordingBuilder recording;
   recording.comm(7, 7, "tool");
