@@ -36,7 +36,7 @@ bool Capture::isCapture(const std::string& path) {
   return fs::is_directory(path, error) || (fs::is_regular_file(path, error) && isTar(path));
 }
 
-Capture::Capture(const std::string& path) {
+Capture::Capture(const std::string& path) : _path(path) {
   std::error_code error;
   std::string folder = path;
   if (!fs::is_directory(path, error)) {
@@ -49,6 +49,14 @@ Capture::Capture(const std::string& path) {
   _machine = MachineFolder::of(_folder);
   std::ifstream uname(_folder + "/uname");
   std::getline(uname, _uname);
+}
+
+std::string Capture::shown(std::string text) const {
+  if (!_unpacked) return text;
+  const std::string folder = _unpacked->path() + '/';
+  for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos; at += _path.size() + 1)
+    text.replace(at, folder.size(), _path + ':');
+  return text;
 }
 
 }  // namespace zelkit

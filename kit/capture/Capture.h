@@ -26,6 +26,8 @@ class Capture {
   /// The perf.data file.
   [[nodiscard]] std::string recording() const { return _folder + "/perf.data"; }
   [[nodiscard]] const MachineFolder& machine() const { return _machine; }
+  /// Returns the text with the paths of unpacked files as "TAR:PATH".
+  [[nodiscard]] std::string shown(std::string text) const;
   /// Returns what "uname -a" printed on the device, without its line end; empty if unknown.
   [[nodiscard]] const std::string& uname() const { return _uname; }
   /// Returns one line about where a damaged tar breaks off; empty for an intact one. The files before the
@@ -33,6 +35,7 @@ class Capture {
   [[nodiscard]] const std::string& damage() const { return _damage; }
 
  private:
+  std::string _path;
   std::unique_ptr<TemporaryFolder> _unpacked;  ///< null for a folder of the user
   std::string _folder;
   std::string _damage;

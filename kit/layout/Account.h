@@ -37,7 +37,9 @@ struct Account {
 
   std::uint64_t recordsLostByKernel = 0;
   std::uint64_t samplesLostByKernel = 0;
-  std::uint64_t highCores = 0;  ///< plain samples of cores above 16, which are shown on core 16
+  std::uint64_t highCores = 0;        ///< plain samples of cores above 16, which are shown on core 16
+  std::uint64_t highTracePoints = 0;  ///< trace-points of cores above 15, which charts of cores leave out
+  std::uint64_t cutLineages = 0;      ///< processes that could not inherit the mappings of their parents
   std::uint64_t userStacks =
       0;  ///< samples whose callers are only in a copy of the stack, which is not unwound
   std::uint64_t cutTraces = 0;  ///< back-traces without their outermost entries

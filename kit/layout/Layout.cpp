@@ -31,7 +31,8 @@ Layout::Layout(const RecordingInfo& info, LayoutChoice choice, FileKnowledge* kn
       _knowledge(knowledge),
       _records(taker),
       _files(info.architecture, info.buildIds, knowledge),
-      _mover(_files, _records, _account) {
+      _mover(_files, _records, _account),
+      _processes(_account) {
   _mover.limit(_choice.kernelStart);
 }
 
@@ -105,6 +106,7 @@ void Layout::tracePoint(const Sample& sample) {
   // Addresses of trace-points are not shown.
   _records.tracePoint({sample.ip, sample.pid, sample.tid, sample.time, sample.cpu, sample.period}, number,
                       _raw);
+  if (sample.cpu > OldRecords::kHighestChartedCore) ++_account.highTracePoints;
   ++_account.tracePointsOut;
 }
 

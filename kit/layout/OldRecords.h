@@ -43,7 +43,8 @@ class OldRecords {
   static constexpr std::size_t kLongestFileName = kLargest - 40 - 1;
   static constexpr std::size_t kLongestThreadName = kLargest - 16 - 1;
   static constexpr std::size_t kDeepestInFile = 25;
-  static constexpr std::uint32_t kHighestCore = 16;
+  static constexpr std::uint32_t kHighestCore = 16;         ///< of plain samples
+  static constexpr std::uint32_t kHighestChartedCore = 15;  ///< of trace-points
 
   explicit OldRecords(RecordTaker& taker) : _taker(taker) {}
 

@@ -63,7 +63,7 @@ AddressSpace& Processes::ownSpace(Process& process) {
       process.space = std::make_shared<AddressSpace>(*process.space);
     } else {
       process.space = std::make_shared<AddressSpace>();
-      ++_cutLineages;
+      ++_account.cutLineages;
     }
   }
   return *process.space;

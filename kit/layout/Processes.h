@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "layout/Account.h"
 #include "layout/AddressSpace.h"
 #include "layout/SeededHash.h"
 
@@ -76,6 +77,9 @@ struct Process {
 /// The processes of a recording, their threads and mappings.
 class Processes {
  public:
+  /// The account must outlive the processes.
+  explicit Processes(Account& account) : _account(account) {}
+
   /// Returns the process, created on first use.
   Process& of(std::uint32_t pid) {
     Process*& recent = _recent[pid % _recent.size()];
@@ -94,17 +98,14 @@ class Processes {
   /// Adds a mapping to a process, or only removes its range from the others if it has no code.
   void map(Process& process, const AddressSpace::Mapping& mapping, bool executable);
 
-  /// Returns how many times mappings were not inherited because too many had been copied already.
-  [[nodiscard]] std::uint64_t cutLineages() const { return _cutLineages; }
-
  private:
   Process& enter(std::uint32_t pid);
   AddressSpace& ownSpace(Process& process);
 
+  Account& _account;
   std::unordered_map<std::uint64_t, Process, SeededHash> _processes;
   std::array<Process*, 256> _recent{};  ///< asked for last, by the end of the pid
   std::uint64_t _copied = 0;            ///< mappings, for processes that changed what they had inherited
-  std::uint64_t _cutLineages = 0;
 };
 
 }  // namespace zelkit

@@ -28,6 +28,9 @@ class Recording {
   Recording(std::string path, std::string bytes);
 
   [[nodiscard]] const std::string& path() const { return _file.path(); }
+  /// Returns what messages call the recording: its path, unless callIt() was called.
+  [[nodiscard]] const std::string& name() const { return _name.empty() ? path() : _name; }
+  void callIt(std::string name) { _name = std::move(name); }
   /// Returns the size of the file in bytes.
   [[nodiscard]] std::uint64_t size() const { return _file.bytes().size(); }
   [[nodiscard]] const RecordingInfo& info() const { return _info; }
@@ -57,6 +60,7 @@ class Recording {
   void note(const std::string& damage);
 
   InputFile _file;
+  std::string _name;
   FileHeader _header;
   RecordingInfo _info;
   std::string _split;  ///< the parts so far of a record split by Android's recorder

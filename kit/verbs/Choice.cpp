@@ -24,7 +24,7 @@ std::size_t namedEvent(const Recording& recording, const std::string& name) {
   const auto found = std::find_if(events.begin(), events.end(),
                                   [&](const EventDescription& event) { return isMeant(event, name); });
   if (found == events.end())
-    throw std::runtime_error(recording.path() + ": no event " + name + "; there are: " + namesOf(events));
+    throw std::runtime_error(recording.name() + ": no event " + name + "; there are: " + namesOf(events));
   return static_cast<std::size_t>(found - events.begin());
 }
 

@@ -21,7 +21,7 @@
 namespace zelkit {
 
 Status Conversion::make(Kind kind, const std::string& output, std::string& report) {
-  const std::string input = _source.recording().path();
+  const std::string& input = _source.file();
   const std::string layoutPath = output + ".layout.json";
   NewFile document(output, input);
   NewFile layout(layoutPath, input);
@@ -65,7 +65,7 @@ void Conversion::runEngine(Kind kind, const std::string& output, const std::stri
     throw std::runtime_error(output + ": the conversion failed");
   Outcome outcome{output, made.account(), made.files(), choice.depth, _source.notes()};
   outcome.notes.insert(outcome.notes.end(), _choice.notes.begin(), _choice.notes.end());
-  outcome.notes.insert(outcome.notes.end(), names.notes().begin(), names.notes().end());
+  for (const std::string& note : names.notes()) outcome.notes.push_back(_source.shown(note));
   if (kind == Kind::profile) {
     OutputFile file(layoutPath);
     file.write(layoutJson(outcome));

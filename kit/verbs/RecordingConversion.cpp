@@ -15,7 +15,7 @@ std::vector<Kind> wanted(const std::string& mode, const Choice& choice) {
 }
 
 Status nothing(const Recording& recording, const std::string& mode) {
-  std::fprintf(stderr, "zelkit: %s: nothing to show%s; see zelkit info\n", recording.path().c_str(),
+  std::fprintf(stderr, "zelkit: %s: nothing to show%s; see zelkit info\n", recording.name().c_str(),
                mode.empty() ? "" : (" in mode " + mode).c_str());
   for (const std::string& damage : recording.damage())
     std::fprintf(stderr, "zelkit:   damaged: %s\n", damage.c_str());

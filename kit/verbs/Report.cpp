@@ -46,7 +46,7 @@ std::vector<const MappedFile*> missingFiles(const MappedFiles& files) {
 
 std::string ofHost(const Recording& recording) {
   const RecordingInfo& info = recording.info();
-  std::string text = recording.path();
+  std::string text = recording.name();
   if (!info.kernelRelease.empty()) text += ": kernel " + info.kernelRelease;
   if (!info.architecture.empty()) text += " " + info.architecture;
   if (!info.hostName.empty()) text += " on " + info.hostName;
@@ -110,7 +110,7 @@ void addMappings(JsonText& json, const Outcome& outcome) {
 void addRecording(JsonText& json, const Recording& recording) {
   const RecordingInfo& info = recording.info();
   json.object("recording")
-      .text("path", recording.path())
+      .text("path", recording.name())
       .text("host", info.hostName)
       .text("kernel", info.kernelRelease)
       .text("architecture", info.architecture)
@@ -141,6 +141,9 @@ std::string reportText(const Recording& recording, const Outcome& outcome) {
   lines.addCount(account.cutTraces, "back-traces were cut to their innermost " +
                                         std::to_string(outcome.depth) + " entries (--depth N keeps more)");
   lines.addCount(account.highCores, "samples of cores above 16 are shown on core 16");
+  lines.addCount(account.highTracePoints, "trace-points of cores above 15 are not in the charts of cores");
+  lines.addCount(account.cutLineages,
+                 "processes did not inherit the mappings of their parents, as there were too many");
   lines.addTally(account.shortened, "names were shortened: ");
   lines.addTally(account.noPlace, "mappings kept their addresses, since there was no room for ");
   addNotes(lines, outcome.notes);
@@ -160,12 +163,15 @@ std::string reportJson(const Recording& recording, const Outcome& outcome) {
   addTally(json, "withoutFunction", account.unnamed);
   json.number("lostByKernel", account.samplesLostByKernel)
       .number("onCoresAbove16", account.highCores)
+      .number("tracePointsOnCoresAbove15", account.highTracePoints)
       .number("withUserStack", account.userStacks)
       .number("cutTraces", account.cutTraces)
       .number("cutEntries", account.cutEntries)
       .boolean("balanced", account.balanced())
       .end();
-  json.object("records").number("lostByKernel", account.recordsLostByKernel);
+  json.object("records")
+      .number("lostByKernel", account.recordsLostByKernel)
+      .number("lineagesCut", account.cutLineages);
   addTally(json, "kept", account.kept);
   addTally(json, "made", account.made);
   addTally(json, "dropped", account.dropped);

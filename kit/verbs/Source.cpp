@@ -33,6 +33,8 @@ Source::Source(const std::string& path) {
     if (!_capture->damage().empty()) _notes.push_back(_capture->damage());
   }
   _recording = std::make_unique<Recording>(_capture ? _capture->recording() : path);
+  _recording->callIt(shown(_recording->path()));
+  _file = shown(_recording->path()) == _recording->path() ? _recording->path() : path;
   const MachineIdentity recorded = identityOf(_recording->info());
   const MachineIdentity here = MachineIdentity::here();
   _madeHere = !_capture && !recorded.hostName.empty() && recorded.hostName == here.hostName &&
@@ -63,7 +65,7 @@ void Source::chooseMachine(const std::string& folder, const Survey& survey) {
         "machine and its running kernel; name a folder with its kallsyms, softirqs, uptime and trace by "
         "--machine");
   }
-  _notes.insert(_notes.end(), _machine.missing.begin(), _machine.missing.end());
+  for (const std::string& missing : _machine.missing) _notes.push_back(shown(missing));
   chooseRoots(folder);
 }
 

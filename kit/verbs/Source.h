@@ -24,6 +24,12 @@ class Source {
   void chooseRoots(const std::string& folder);
 
   [[nodiscard]] Recording& recording() { return *_recording; }
+  /// Returns the file that must not be overwritten: the recording, or the tar that holds it.
+  [[nodiscard]] const std::string& file() const { return _file; }
+  /// Returns a message with the paths of unpacked files as the user knows them.
+  [[nodiscard]] std::string shown(const std::string& message) const {
+    return _capture ? _capture->shown(message) : message;
+  }
   /// Returns whether the recording was made on this machine.
   [[nodiscard]] bool madeHere() const { return _madeHere; }
   [[nodiscard]] const MachineFolder& machine() const { return _machine; }
@@ -35,6 +41,7 @@ class Source {
  private:
   [[nodiscard]] bool isOfRunningKernel(const Survey& survey) const;
 
+  std::string _file;
   std::unique_ptr<Capture> _capture;
   std::unique_ptr<Recording> _recording;
   MachineFolder _machine;

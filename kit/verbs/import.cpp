@@ -39,7 +39,7 @@ class ImportVerb : public Verb {
     Recording& recording = source.recording();
     const OldPayloads payloads(recording.info());
     Names names(source, _folders);
-    NewFile output(_output, recording.path());
+    NewFile output(_output, source.file());
     OldFile::EventTable events;
     for (const OldPayloads::TableEntry& entry : payloads.table())
       events.emplace_back(entry.number, entry.name);

@@ -48,7 +48,7 @@ class InfoVerb : public Verb {
  private:
   static void showMachine(const Recording& recording) {
     const RecordingInfo& info = recording.info();
-    line("recording", recording.path() + ", " + std::to_string(recording.size()) + " bytes" +
+    line("recording", recording.name() + ", " + std::to_string(recording.size()) + " bytes" +
                           (recording.pipeMode() ? ", pipe mode" : "") +
                           (info.android() ? ", by Android's recorder" : ""));
     line("host", info.hostName);

@@ -99,6 +99,10 @@ TEST_F(CaptureTest, IsAFolderOrATar) {
     EXPECT_EQ(capture.uname(), "Linux board 6.1.0 armv7l");
     EXPECT_TRUE(machine.missing.empty());
     EXPECT_EQ(capture.damage(), "");
+    const std::string inside = path.ends_with("nested.tar") ? ":board/" : ":";
+    EXPECT_EQ(capture.shown("in " + capture.recording() + ", " + machine.root + "/lib"),
+              path.ends_with("folder") ? "in " + path + "/perf.data, " + path + "/files/lib"
+                                       : "in " + path + inside + "perf.data, " + path + inside + "files/lib");
   }
   EXPECT_FALSE(fs::exists(unpacked));
   EXPECT_TRUE(fs::exists(workshop.path("folder/perf.data")));

@@ -157,6 +157,26 @@ TEST(Layout, KeepsSamplesWithDeepTracesHighCoresAndLongNames) {
   EXPECT_NE(lay(recording, {.event = 0, .depth = 127}).records.find(whole + "\n"), std::string::npos);
 }
 
+TEST(Layout, CountsTracePointsThatNoChartOfCoresShows) {
+  ModernRecording recording = onArm();
+  recording.event({.type = 2,
+                   .config = 300,
+                   .sampleType = ModernRecording::kSampleType | ModernRecording::kRaw,
+                   .id = 3,
+                   .name = "x:y"});
+  for (const std::uint32_t cpu : {15U, 16U, 40U})
+    recording.sample({.ip = 1, .cpu = cpu, .id = 3, .raw = "0123"});
+  LayoutChoice choice{.event = 0};
+  choice.payloads = [](const zelkit::Sample&, std::uint16_t&, std::string& raw) {
+    raw = "0123";
+    return true;
+  };
+  const Account account = lay(recording, choice).account;
+  EXPECT_EQ(account.tracePointsOut, 3U);
+  EXPECT_EQ(account.highTracePoints, 2U);
+  EXPECT_EQ(account.highCores, 0U);
+}
+
 TEST(Layout, CountsDroppedRecords) {
   ModernRecording recording = onArm();
   recording.event({.config = 1, .id = 2, .name = "task-clock"});

@@ -119,6 +119,9 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
   nothing.event({}).comm(7, 7, "tool");
   folder.write("nothing", nothing.build());
   std::filesystem::create_directory(folder.path("empty"));
+  ASSERT_EQ(std::system(
+                ("tar -cf " + folder.path("capture.tar") + " -C " + folder.path("") + " perf.data").c_str()),
+            0);
   const struct {
     const char* arguments;
     int status;
@@ -135,6 +138,8 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
       {"convert %empty -o %x.json", 2, "perf.data"},
       {"convert %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
+      {"convert %capture.tar -o %capture.tar", 2, "%capture.tar: is the input itself"},
+      {"convert %capture.tar -o %x.json --event cycles", 2, "%capture.tar:perf.data: no event cycles"},
       {"import %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
       {"import %perf.data -o %none/x", 2, "%none/x: No such file or directory\n"},
