@@ -113,7 +113,7 @@ TEST(SymbolListBuilder, KeepsSourcesAndStoresEachFileOnce) {
 }
 
 TEST(SymbolList, RefusesDamagedBlocksAndNeverReadsOutside) {
-  const std::string whole = listOf({{{0x100, 16, "first", "file.c", 3}}, {{0x200, 8, "second"}}}).bytes();
+  const std::string whole(listOf({{{0x100, 16, "first", "file.c", 3}}, {{0x200, 8, "second"}}}).bytes());
   const auto readAll = [](const std::string& bytes) {
     const SymbolList list = SymbolList::fromBytes(bytes);
     std::size_t letters = 0;
