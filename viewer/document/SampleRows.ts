@@ -75,7 +75,7 @@ export class SampleRows {
       if (frame < 0) return false;
       ++entries;
       if (!isMarker(bytes, start, end)) {
-        if (depth === 0) own = frame === key || sameDigits(bytes, start, addressStart, end - start + 1);
+        if (depth === 0) own = sameDigits(bytes, start, addressStart, end - start + 1);
         samples.pushFrame(depth++, frame);
       }
       if (bytes[this.at] === Byte.Comma)
@@ -112,7 +112,7 @@ export class SampleRows {
       const place = row.checkedAddress(Array.isArray(entry) ? entry[0] : null);
       if (frame === cutKey) row.fail();
       if (place >= firstMarker) continue;
-      if (depth === 0) own = frame === key || place === address;
+      if (depth === 0) own = place === address;
       samples.pushFrame(depth++, frame);
     }
     row.whole(0);

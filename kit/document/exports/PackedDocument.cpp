@@ -128,7 +128,7 @@ std::uint64_t PackedDocument::traceOf(const SampleRow& row) {
   bool repeatsOwn = false;
   for (const TraceEntry& entry : row.trace) {
     if (entry.address >= kFirstContextMarker) continue;
-    if (_frames.empty()) repeatsOwn = entry.key == row.mapKey || entry.address == row.ip;
+    if (_frames.empty()) repeatsOwn = entry.address == row.ip;
     _frames.push_back(entry.key);
   }
   return _traces.path(_traces.child(StackTree::kRoot, 2 * row.trace.size() + (repeatsOwn ? 1 : 0)), _frames);

@@ -30,6 +30,17 @@ test('samples come in the order of time, with their stacks, without markers of c
   assert.equal(profile.damage, null);
 });
 
+test('a back-trace starts with the sample itself only if it repeats its address', async () => {
+  const samples =
+      '[1,65796,6,1,0,4,7,[[65800,6,],[65544,7,],],],[2,65796,6,2,0,4,7,[[65796,7,],[65544,7,],],],';
+  // The general parser reads what the loops over bytes do not: here the second row, as the last, and spaces.
+  for (const form of [samples, samples.repeat(2), samples.replace(/,/g, ', ')]) {
+    const stacks =
+        sampleLines(await readProfile(profileText({ samples: form }))).map((line) => line.split(' ')[4]);
+    assert.deepEqual([...new Set(stacks)], ['main;work;work', 'main;work']);
+  }
+});
+
 test('pieces of any size and white space give the same', async () => {
   for (const size of [1, 7, 64])
     assert.deepEqual(sampleLines((await read(latin1(text), size)) as never), lines);

@@ -300,6 +300,11 @@ TEST(PackedDocument, WritesEachThreadAddressAndBackTraceOnce) {
       R"([1500000000,100000000,100000000,100000000,100000000,100000000],)"
       R"([0,1,0,1,0,1],[0,0,1,1,0,2],[2,2,4,6,8,10],[3,7,10,12,13,13]]]}})";
   EXPECT_EQ(text.substr(text.find("\"blocks\"")), blocks);
+
+  // Another address in the same function is a frame of its own: 2 entries, and none repeats the sample.
+  std::string recursion = kProfileDocument;
+  recursion.replace(recursion.find("[1,65796,"), 9, "[1,65800,");
+  EXPECT_NE(packed(recursion).find("65544],[1,4,1,20,1,21,"), std::string::npos) << packed(recursion);
 }
 
 TEST(PackedDocument, KeepsEverySeriesOfATimechart) {
