@@ -1,5 +1,4 @@
 import {grown} from './grown';
-import {RecentStacks} from './RecentStacks';
 import {finishStacks, StackTable} from './StackTable';
 import type {Samples, Stacks} from './profile';
 import {timeOrder} from './timeOrder';
@@ -33,7 +32,6 @@ export class SampleColumns {
   private high = new Uint32Array(1 << 12);
   private low = new Uint32Array(1 << 12);
   private stacks = new StackTable();
-  private readonly recentStacks = new RecentStacks();
   private readonly threadIndex = new Map<number, Map<number, number>>();
   /** The latest thread; most samples have the thread of one before them. */
   private readonly recent = new Uint32Array(256).fill(cutKey);
@@ -70,7 +68,7 @@ export class SampleColumns {
       this.frames.copyWithin(1, 0, depth);
     }
     this.frames[0] = key;
-    const node = this.nodeOf(root, frameCount);
+    const node = this.stacks.stack(root, this.frames, frameCount);
 
     const at = this.count;
     if (at === this.times.length) this.grow(2 * at);
@@ -156,17 +154,6 @@ export class SampleColumns {
     return { kept, position };
   }
 
-  /** Returns the node of the first `depth` keys of `frames` below `root`. */
-  private nodeOf(root: number, depth: number): number {
-    const { frames, stacks, recentStacks } = this;
-    let node = recentStacks.find(root, frames, depth);
-    if (node !== 0) return node;
-    node = root;
-    for (let i = depth - 1; i >= 0; --i) node = stacks.child(node, frames[i]);
-    recentStacks.remember(root, frames, depth, node);
-    return node;
-  }
-
   /**
    * Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more.
    */
@@ -191,7 +178,6 @@ export class SampleColumns {
     }
     for (let i = 0; i < this.count; ++i) this.nodes[i] = moved[this.nodes[i]];
     this.stacks = merged;
-    this.recentStacks.clear();
     this.cutNode = 0;
   }
 

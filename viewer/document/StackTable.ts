@@ -7,12 +7,32 @@ export class StackTable {
   private parents = new Uint32Array(1 << 12);
   private keys = new Uint32Array(1 << 12);
   private slots = new Uint32Array(1 << 13);
+  /**
+   * Nodes of whole back-traces, by a hash of their keys: samples are taken in the same places again and
+   * again, and a walk up the tree is cheaper than a search for each key.
+   */
+  private recent = new Uint32Array(1 << 17);
   /** Keys come from the document, so that a fixed hash could be fed collisions. */
   private readonly seed = (Math.random() * 2 ** 32) | 1;
 
   parent(node: number): number { return this.parents[node]; }
 
   key(node: number): number { return this.keys[node]; }
+
+  /** Returns the node of the first `depth` keys, innermost first, below `root`. */
+  stack(root: number, innermostFirst: Uint32Array, depth: number): number {
+    const { parents, keys, recent } = this;
+    let hash = root;
+    for (let i = 0; i < depth; ++i) hash = Math.imul(hash ^ innermostFirst[i], 0x9e3779b1) ^ (hash >>> 15);
+    const slot = (hash ^ (hash >>> 16)) & (recent.length - 1);
+    let at = recent[slot];
+    let i = 0;
+    for (; at !== 0 && i < depth && keys[at] === innermostFirst[i]; ++i) at = parents[at];
+    if (i === depth && at === root) return recent[slot];
+    let node = root;
+    for (i = depth - 1; i >= 0; --i) node = this.child(node, innermostFirst[i]);
+    return (recent[slot] = node);
+  }
 
   /** Returns the node of `key` below `parent`. */
   child(parent: number, key: number): number {
