@@ -8,14 +8,14 @@ import type {Timechart} from '../../viewer/document/timechart';
 /** Text as bytes; `\xNN` characters stand for themselves, so that bytes that are no UTF-8 can be written. */
 export const latin1 = (text: string) => Uint8Array.from(text, (c) => c.charCodeAt(0));
 
-/** Supplies the bytes in pieces of a size. */
-export function pieces(bytes: Uint8Array, size = bytes.length || 1): Supply {
+/** Supplies the bytes in pieces of at most a size. */
+export function pieces(bytes: Uint8Array, size = Infinity): Supply {
   let at = 0;
-  return async () => {
-    if (at >= bytes.length) return null;
-    const piece = bytes.subarray(at, at + size);
-    at += size;
-    return piece;
+  return async (into) => {
+    const piece = bytes.subarray(at, at + Math.min(size, into.length));
+    at += piece.length;
+    into.set(piece);
+    return into.subarray(0, piece.length);
   };
 }
 

@@ -53,8 +53,10 @@ export class ProfileBuilder {
     this.samples = new SampleColumns(layout?.depth ?? null);
   }
 
-  /** Returns a small sample of the profile read so far. */
-  picture(): Profile { return this.build(this.samples.sampled(pictureSamples), null); }
+  /** Returns a small sample of the profile read so far, or null if there is none yet. */
+  picture(): Profile|null {
+    return this.samples.count > 0 ? this.build(this.samples.sampled(pictureSamples), null) : null;
+  }
 
   finish(damage: Damage|null): Profile { return this.build(this.samples.finish(), damage); }
 

@@ -6,8 +6,13 @@ const needMore = new Error('more bytes are needed');
 /** Zero bytes after the last byte: loops over digits and names stop there without checking for the end. */
 const padding = 16;
 
-/** Supplies the bytes of a document piece by piece; null at its end. */
-export type Supply = () => Promise<Uint8Array|null>;
+/**
+ * Supplies the bytes of a document piece by piece: fills some of `into`, whose memory it may move, and
+ * returns what it filled; nothing at the document's end.
+ */
+export type Supply = (into: Uint8Array) => Promise<Uint8Array>;
+
+const leastWindow = 1 << 20;
 
 /**
  * The bytes of a document, of which a window is in memory. Parsers are plain functions over `bytes` from
@@ -69,26 +74,19 @@ export class Reader {
   /** Moves the window so that it starts at `pos` and holds at least twice the bytes that were not enough. */
   private async refill(): Promise<void> {
     const kept = this.end - this.pos;
-    const pieces: Uint8Array[] = [];
-    let added = 0;
-    while (added === 0 || added < kept) {
-      const piece = await this.supply();
-      if (piece === null) {
-        this.ended = true;
-        break;
-      }
-      pieces.push(piece);
-      added += piece.length;
-    }
-    const size = kept + added;
-    // The pieces' own memory would do for a window of one piece, but for the padding.
-    const window = this.bytes.length >= size + padding ? this.bytes : new Uint8Array(size + padding);
-    window.set(this.bytes.subarray(this.pos, this.end));
-    let at = kept;
-    for (const piece of pieces) {
-      window.set(piece, at);
-      at += piece.length;
-    }
+    let window = this.bytes;
+    if (window.length < 2 * kept + leastWindow) {
+      window = new Uint8Array(4 * kept + leastWindow);
+      window.set(this.bytes.subarray(this.pos, this.end));
+    } else
+      window.copyWithin(0, this.pos, this.end);
+    let size = kept;
+    do {
+      const piece = await this.supply(window.subarray(size, -padding));
+      window = new Uint8Array(piece.buffer);
+      size += piece.length;
+      this.ended = piece.length === 0;
+    } while (!this.ended && size < 2 * kept);
     window.fill(0, size, size + padding);
     this.bytes = window;
     this.base += this.pos;

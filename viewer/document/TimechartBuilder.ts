@@ -1,6 +1,6 @@
 import type {Damage} from './damage';
 import type {Entry, Timechart} from './timechart';
-import {grown} from './grown';
+import {type Column, grown} from './grown';
 import {shownName} from './text';
 import {timeOrder} from './timeOrder';
 
@@ -24,9 +24,9 @@ interface Range {
   readonly exact: Map<number, bigint>|null;
 }
 
-/** Gathers the entries of a timechart document; the points of all of them share their columns. */
+/** Gathers the entries of a timechart document; the points of those of one part share their columns. */
 export class TimechartBuilder {
-  private readonly ranges: Range[] = [];
+  private ranges: Range[] = [];
   private exact: Map<number, bigint>|null = null;
   private count = 0;
   private first = 0;
@@ -36,7 +36,7 @@ export class TimechartBuilder {
   private firstText = 0;
   private names = new Uint32Array(1 << 8);
   private details = new Uint32Array(1 << 8);
-  private readonly strings: string[] = [];
+  private strings: string[] = [];
   private readonly stringIndex = new Map<string, number>();
 
   constructor(private readonly name: string) {}
@@ -71,6 +71,10 @@ export class TimechartBuilder {
     this.exact = null;
   }
 
+  /** Returns the entries that ended since the last part, or null if there are none. */
+  picture(): Timechart|null { return this.ranges.length > 0 ? this.finish(null) : null; }
+
+  /** Returns what no part has brought before. Its columns are given away: what follows starts new ones. */
   finish(damage: Damage|null): Timechart {
     const times = this.times.subarray(0, this.count);
     const values = this.values.subarray(0, this.count);
@@ -89,13 +93,31 @@ export class TimechartBuilder {
         exact,
       });
     });
-    return { kind: 'timechart', name: this.name, entries, strings: this.strings, damage };
+    const part: Timechart = { kind: 'timechart', name: this.name, entries, strings: this.strings, damage };
+    this.startPart();
+    return part;
+  }
+
+  /** Takes the points of the entry that is being read along. */
+  private startPart(): void {
+    const moved = <T extends Column>(column: T, first: number, count: number): T =>
+        grown(column.subarray(first, count) as T, count - first + (1 << 12));
+    this.times = moved(this.times, this.first, this.count);
+    this.values = moved(this.values, this.first, this.count);
+    this.names = moved(this.names, this.firstText, this.textCount);
+    this.details = moved(this.details, this.firstText, this.textCount);
+    this.count -= this.first;
+    this.textCount -= this.firstText;
+    this.first = this.firstText = 0;
+    this.ranges = [];
+    this.strings = [];
   }
 
   private string(text: string): number {
     let index = this.stringIndex.get(text);
     if (index === undefined) {
-      index = this.strings.push(shownName(text)) - 1;
+      index = this.stringIndex.size;
+      this.strings.push(shownName(text));
       this.stringIndex.set(text, index);
     }
     return index;

@@ -4,3 +4,8 @@ declare class DecompressionStream {
   readonly readable: ReadableStream<Uint8Array>;
   readonly writable: WritableStream<Uint8Array>;
 }
+
+interface ReadableStream<R> {
+  /** Reads into memory of the caller, which moves into `value`. */
+  getReader(options: { mode: 'byob' }): { read(into: Uint8Array): Promise<{ value: Uint8Array | undefined }>};
+}

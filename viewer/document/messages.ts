@@ -20,10 +20,12 @@ export type FromWorker =|{
   type: 'progress';
   bytes: number;
   total: number;
-  picture: Profile|null
+  /** A small profile that stands for all, or the entries of a timechart that are new. */
+  picture: ZelDocument|null
 }
 |{
   type: 'document';
+  /** Of a timechart what no picture has brought. */
   document: ZelDocument
 }
 |{

@@ -3,7 +3,6 @@ import {Byte, accept, expect, peek, readLabel} from './json';
 import type {LayoutFile} from './layoutFile';
 import type {ZelDocument} from './messages';
 import {ProfileBuilder} from './ProfileBuilder';
-import type {Profile} from './profile';
 import {Reader, type Supply} from './Reader';
 import {readProfile, readUnlabelledProfile} from './readProfile';
 import {readTimechart} from './readTimechart';
@@ -39,12 +38,11 @@ export class DocumentReading {
   }
 
   /**
-   * Returns a small sample of the profile read so far, or null if there is nothing to show yet.
+   * Returns something to show while the rest is read, if there is anything new: a small sample of
+   * the profile read so far, or the entries of a timechart that came since the last call. What read()
+   * returns of a timechart then lacks those.
    */
-  picture(): Profile|null {
-    return this.builder instanceof ProfileBuilder && this.builder.samples.count > 0 ? this.builder.picture() :
-                                                                                      null;
-  }
+  picture(): ZelDocument|null { return this.builder?.picture() ?? null; }
 
   private async readKnown(): Promise<void> {
     const { reader } = this;

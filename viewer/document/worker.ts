@@ -8,8 +8,8 @@ import type {FromWorker, Source, ToWorker, ZelDocument} from './messages';
 import {open} from './supply';
 
 /** Milliseconds until the first picture of a document, and how much longer each next one waits. */
-const firstPictureAfter = 60;
-const slowing = 2.2;
+const firstPictureAfter = 30;
+const slowing = 4;
 /** Milliseconds between two messages of progress. */
 const progressEvery = 100;
 
@@ -26,17 +26,22 @@ async function read(source: Source, layoutSource: Source|null): Promise<void> {
   let taken = 0;
   const reading = new DocumentReading(
       source.name,
-      async () => {
-        if (cancelled) throw new DocumentError(taken, 'reading was stopped');
+      async (into) => {
         const now = performance.now();
         if (now >= Math.min(pictureAt, progressAt)) {
           const picture = now >= pictureAt ? reading.picture() : null;
           if (picture !== null) pictureAt = now + (now - started) * (slowing - 1);
-          post({ type: 'progress', bytes: progress.bytes, total: progress.total, picture });
+          post(
+              { type: 'progress', bytes: progress.bytes, total: progress.total, picture },
+              picture === null ? [] : buffersOf(picture));
           progressAt = now + progressEvery;
+          // Bytes that wait already come without a turn of the event loop, in which the page's wish to stop
+          // is heard.
+          await new Promise((done) => setTimeout(done));
         }
-        const piece = await supply();
-        taken += piece?.length ?? 0;
+        if (cancelled) throw new DocumentError(taken, 'reading was stopped');
+        const piece = await supply(into);
+        taken += piece.length;
         return piece;
       },
       layout,
@@ -48,7 +53,7 @@ async function read(source: Source, layoutSource: Source|null): Promise<void> {
 async function readLayout(source: Source): Promise<LayoutFile> {
   const { supply } = await open(source);
   const pieces: Uint8Array[] = [];
-  for (let piece; (piece = await supply()) !== null;) pieces.push(piece);
+  for (let piece; (piece = await supply(new Uint8Array(1 << 16))).length > 0;) pieces.push(piece);
   try {
     return LayoutFile.parse(await new Blob(pieces).text());
   } catch (error) {

@@ -1,4 +1,5 @@
 import type {FromWorker, Source, ToWorker, ZelDocument} from '../document/messages';
+import type {Timechart} from '../document/timechart';
 import {ProfileModel} from '../model/ProfileModel';
 import {TimechartModel} from '../model/TimechartModel';
 import type {Reading, Store} from '../views/store';
@@ -7,6 +8,8 @@ import type {Reading, Store} from '../views/store';
 export class Opener {
   private readonly workers = new Map<number, Worker>();
   private readonly url: string;
+  /** What came of timecharts that are being read. */
+  private readonly parts = new Map<number, Timechart>();
   private nextId = 1;
   /** The readings whose documents are shown, the latest first. */
   private readonly shown: Record<ZelDocument['kind'], number[]> = { profile: [], timechart: [] };
@@ -70,7 +73,7 @@ export class Opener {
     switch (message.type) {
       case 'progress':
         this.update(id, { bytes: message.bytes, total: message.total });
-        if (message.picture !== null) this.show(id, message.picture);
+        if (message.picture !== null) this.show(id, this.joined(id, message.picture));
         return;
       case 'document': {
         const damage = message.document.damage;
@@ -79,7 +82,7 @@ export class Opener {
           message: damage === null ? '' :
                                      `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
         });
-        this.show(id, message.document);
+        this.show(id, this.joined(id, message.document));
         break;
       }
       case 'failed':
@@ -88,6 +91,17 @@ export class Opener {
     }
     this.workers.get(id)?.terminate();
     this.workers.delete(id);
+    this.parts.delete(id);
+  }
+
+  /** Returns all that was read of a document: timecharts come in parts. */
+  private joined(id: number, document: ZelDocument): ZelDocument {
+    if (document.kind === 'profile') return document;
+    const before = this.parts.get(id);
+    const entries = [...before?.entries ?? [], ...document.entries];
+    const whole = {...document, entries, strings: [...before?.strings ?? [], ...document.strings] };
+    this.parts.set(id, whole);
+    return whole;
   }
 
   private update(id: number, change: Partial<Reading>): void {
