@@ -46,6 +46,7 @@ export interface Slice {
  */
 export class Steps {
   private known: Float64Array|null = null;
+  private knownLongest = -1;
 
   /** `times` are seconds, ascending. */
   constructor(
@@ -122,6 +123,17 @@ export class Steps {
       on = !on;
     }
     if (on && end > from) visit(from, end);
+  }
+
+  /** Length of the longest stretch; infinite if the last one has no end. */
+  get longest(): number {
+    if (this.knownLongest < 0) {
+      this.knownLongest = 0;
+      this.forEachSlice(-Infinity, Infinity, (from, to) => {
+        this.knownLongest = Math.max(this.knownLongest, to - from);
+      });
+    }
+    return this.knownLongest;
   }
 
   /** Returns how many stretches start within [start, end). */

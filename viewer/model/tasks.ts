@@ -2,7 +2,7 @@
 
 import type {Direction} from './axis';
 import {kept} from './maps';
-import {pointsUntil, Slice} from './steps';
+import type {Slice} from './steps';
 import type {Track} from './tracks';
 
 /** A stretch of time that a task ran on one core. */
@@ -20,18 +20,10 @@ export interface WaitBefore {
   readonly waitGpu: number;
 }
 
-/** All runs on one core in the order of time, as columns. */
-interface CoreRuns {
-  readonly starts: Float64Array;
-  readonly ends: Float64Array;
-  readonly tracks: Track[];
-}
-
 /** The tracks of all tasks, found by task or by core. */
 export class Tasks {
   private readonly ofTask = new Map<number, Track[]>();
   private readonly onCore = new Map<number, Track[]>();
-  private readonly ofCore = new Map<number, CoreRuns>();
 
   /** `close` is the end of the document's time, where stretches without a last point end. */
   constructor(
@@ -45,39 +37,25 @@ export class Tasks {
     }
   }
 
-  /**
-   * Returns whether the runs on a core have been merged, which is done at their first use and takes its
-   * time.
-   */
-  isCoreReady(cpu: number): boolean { return this.ofCore.has(cpu); }
-
   /** Returns what ran on the core at `time`, or null. */
-  runOnCore(cpu: number, time: number): Run|null {
-    const runs = this.coreRuns(cpu);
-    const index = pointsUntil(runs.starts, time) - 1;
-    return index >= 0 && time < runs.ends[index] ? runOf(runs, index, cpu) : null;
-  }
+  runOnCore(cpu: number, time: number): Run|null { return this.runOf(this.onCore.get(cpu) ?? [], time); }
 
   /**
-   * Calls `visit` for each run on the core that shares time with [start, end) and takes `least` seconds or
-   * more.
+   * Calls `visit` for the part within [start, end) of each run on the core, task by task, if it takes `least`
+   * seconds or more.
    */
   forEachRunOnCore(cpu: number, start: number, end: number, least: number, visit: (run: Run) => void): void {
-    const runs = this.coreRuns(cpu);
-    for (let i = Math.max(0, pointsUntil(runs.starts, start) - 1);
-         i < runs.starts.length && runs.starts[i] < end; ++i) {
-      if (runs.ends[i] > start && runs.ends[i] - runs.starts[i] >= least) visit(runOf(runs, i, cpu));
+    for (const track of this.onCore.get(cpu) ?? []) {
+      // Seen from afar, no run of most tasks is long enough, and their many points need no look.
+      if (track.steps.longest < least) continue;
+      track.steps.forEachSlice(start, Math.min(end, this.close), (from, to) => {
+        if (to - from >= least) visit(asRun(track, { start: from, end: to }));
+      });
     }
   }
 
   /** Returns the run of the task that covers `time`, or null. */
-  runAt(task: number, time: number): Run|null {
-    for (const track of this.running(task)) {
-      const slice = track.steps.sliceAt(time, this.close);
-      if (slice !== null) return asRun(track, slice);
-    }
-    return null;
-  }
+  runAt(task: number, time: number): Run|null { return this.runOf(this.running(task), time); }
 
   /**
    * Returns the task's first run that starts after `time`, or the last one that starts before it, or null.
@@ -111,37 +89,13 @@ export class Tasks {
     return (this.ofTask.get(task) ?? []).filter((track) => track.role === 'running');
   }
 
-  private coreRuns(cpu: number): CoreRuns {
-    return kept(this.ofCore, cpu, () => mergeRuns(this.onCore.get(cpu) ?? [], this.close));
+  private runOf(tracks: readonly Track[], time: number): Run|null {
+    for (const track of tracks) {
+      const slice = track.steps.sliceAt(time, this.close);
+      if (slice !== null) return asRun(track, slice);
+    }
+    return null;
   }
-}
-
-/**
- * Merges the runs of all tasks of a core. The starts alone are sorted, natively; the rest looks its position
- * up.
- */
-function mergeRuns(tracks: readonly Track[], close: number): CoreRuns {
-  let count = 0;
-  for (const { steps } of tracks) steps.forEachSlice(-Infinity, close, () => ++count);
-  const starts = new Float64Array(count);
-  for (const { steps } of tracks) steps.forEachSlice(-Infinity, close, (from) => (starts[--count] = from));
-  starts.sort();
-  const ends = new Float64Array(starts.length);
-  const owners = new Array<Track>(starts.length);
-  for (const track of tracks) {
-    track.steps.forEachSlice(-Infinity, close, (from, to) => {
-      let index = pointsUntil(starts, from) - 1;
-      while (owners[index] !== undefined) --index;
-      ends[index] = to;
-      owners[index] = track;
-    });
-  }
-  return { starts, ends, tracks: owners };
-}
-
-function runOf({ starts, ends, tracks }: CoreRuns, index: number, cpu: number): Run {
-  const { subject, entry } = tracks[index];
-  return { start: starts[index], end: ends[index], task: subject, label: entry.name, cpu };
 }
 
 function asRun({ entry, subject, cpu }: Track, slice: Slice): Run {

@@ -3,7 +3,7 @@ import type {Lane} from '../model/lanes';
 import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
 import {sliceOn} from './laneFacts';
 import {groundColours, paintLane, type Picture, Pixels} from './laneRaster';
-import {textsReady, writeTexts} from './laneTexts';
+import {writeTexts} from './laneTexts';
 import type {State} from './store';
 import {SvgPicture} from './SvgPicture';
 import {CanvasWriter} from './texts';
@@ -26,8 +26,6 @@ export class LanePictures {
   private readonly context = this.base.getContext('2d', { alpha: false })!;
   private readonly writer = new CanvasWriter(this.context);
   private pixels: Pixels|null = null;
-  /** Rows whose texts are still to be written. */
-  private late: PlacedLane[] = [];
 
   paint(placed: readonly PlacedLane[], state: State, cssWidth: number, cssHeight: number): void {
     const model = state.timechart!;
@@ -50,12 +48,7 @@ export class LanePictures {
     }
     this.context.putImageData(pixels.image, 0, 0);
     writer.begin(fontSize * scale);
-    const write = ({ lane, top }: PlacedLane) =>
-        writeTexts(writer, model, lane, Math.round(top * scale), picture);
-    this.late = placed.filter(({ lane }) => !textsReady(lane, model));
-    for (const row of placed)
-      if (!this.late.includes(row)) write(row);
-    this.writeLate(this.late, write);
+    for (const { lane, top } of placed) writeTexts(writer, model, lane, Math.round(top * scale), picture);
     const { start, end } = picture.axis.shown;
     this.base.setAttribute(
         'aria-label', `${placed.length} rows from ${formatTime(start)} to ${formatTime(end)}`);
@@ -104,16 +97,6 @@ export class LanePictures {
       writeTexts(svg, state.timechart!, lane, top, picture);
     }
     return svg.toString();
-  }
-
-  /** Writes the texts of rows that take long, one a frame, unless the rows are painted anew meanwhile. */
-  private writeLate(late: PlacedLane[], write: (row: PlacedLane) => void): void {
-    if (late.length === 0) return;
-    requestAnimationFrame(() => {
-      if (late !== this.late) return;
-      write(late.shift()!);
-      this.writeLate(late, write);
-    });
   }
 }
 

@@ -14,10 +14,6 @@ const idleTask = 0;
 /** Narrower stretches, in pixels of the page, carry no text. */
 const leastRoom = 36;
 
-/** Returns whether the texts of a row can be written without long work before. */
-export const textsReady = ({tracks}: Lane, {tasks}: TimechartModel): boolean =>
-    tracks.every(({role, cpu}) => role !== 'busy' || tasks.isCoreReady(cpu));
-
 /** Writes the texts of a row whose uppermost pixel is at `top`, in device pixels. */
 export function writeTexts(
     writer: Writer, model: TimechartModel, lane: Lane, top: number, picture: Picture): void {
