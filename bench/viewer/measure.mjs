@@ -1,15 +1,17 @@
-// Measures the page beside speedscope: measure.mjs PAGE FOLDER MODULES
+// Measures the page beside speedscope: measure.mjs PAGE FOLDER MODULES [CASE...]
 //
-// FOLDER holds million.json, three.json, their .speedscope.json, and trace.json; MODULES the two packages of
-// the lock file. CPU seconds and peak memory are those of the renderer, threads of workers included, above an
-// empty page's.
+// FOLDER holds million.json, three.json, their .speedscope.json, and trace.json; MODULES the two
+// packages of the lock file. CPU seconds and peak memory are those of the renderer, threads of workers
+// included, above an empty page's.
 import {execFileSync} from 'node:child_process';
 import {readFileSync, statSync} from 'node:fs';
 import {createRequire} from 'node:module';
 import {join, resolve} from 'node:path';
 import {pathToFileURL} from 'node:url';
 
-const [pagePath, folder, modules] = process.argv.slice(2).map((path) => resolve(path));
+const [pagePath, folder, modules] = process.argv.slice(2, 5).map((path) => resolve(path));
+/** Names of the rows to measure; all if there are none. */
+const cases = process.argv.slice(5);
 const { chromium } = createRequire(join(modules, 'package.json'))('playwright-core');
 const speedscope = join(modules, 'node_modules/speedscope/dist/release/index.html');
 const ticksPerSecond = Number(execFileSync('getconf', ['CLK_TCK'], { encoding: 'utf8' }));
@@ -190,22 +192,39 @@ async function brushing(name) {
   });
 }
 
-console.log(
-    'Opening: first rows, first picture, complete in ms; CPU in s, peak and empty memory in MB of the renderer; longest gap in ms\n');
-row('what', 'size', 'rows', 'picture', 'complete', 'CPU', 'peak', 'empty', 'gap');
-row(...Array(9).fill('---'));
-await opening('the page, 10^6 samples', ours, 'million.json', 'complete');
-await opening(
-    'speedscope, the same samples', pathToFileURL(speedscope).href, 'million.speedscope.json', 'titled');
-await opening('the page, 3.2 10^6 samples', ours, 'three.json', 'complete');
-await opening('the page, 10^6 trace-points', ours, 'trace.json', 'complete');
-console.log(
-    '\nMoving: ms from frame to frame, median and 95th percentile, ms of script a frame, and ms of the renderer\'s CPU a frame\n');
-row('what', 'median', '95 %', 'script', 'CPU');
-row(...Array(5).fill('---'));
-await moving('flame graph of 10^6 samples', 'million.json', '#view-ruler');
-await moving('rows of 10^6 trace-points', 'trace.json', '#view-lanes .stage');
-console.log('\nBrush to new figures: ms of script, median and worst of 30\n');
-row('what', 'median', 'worst');
-row(...Array(3).fill('---'));
-await brushing('million.json');
+/** Tables: a title, the columns, and by name what each row measures. */
+const tables = [
+  [
+    'Opening: first rows, first picture, complete in ms; CPU in s, peak and empty memory in MB of the renderer; longest gap in ms',
+    ['what', 'size', 'rows', 'picture', 'complete', 'CPU', 'peak', 'empty', 'gap'], {
+      million: () => opening('the page, 10^6 samples', ours, 'million.json', 'complete'),
+      speedscope: () => opening(
+          'speedscope, the same samples', pathToFileURL(speedscope).href, 'million.speedscope.json',
+          'titled'),
+      three: () => opening('the page, 3.2 10^6 samples', ours, 'three.json', 'complete'),
+      trace: () => opening('the page, 10^6 trace-points', ours, 'trace.json', 'complete'),
+    }
+  ],
+  [
+    'Moving: ms from frame to frame, median and 95th percentile, ms of script a frame, and ms of the renderer\'s CPU a frame',
+    ['what', 'median', '95 %', 'script', 'CPU'], {
+      'move-million': () => moving('flame graph of 10^6 samples', 'million.json', '#view-ruler'),
+      'move-trace': () => moving('rows of 10^6 trace-points', 'trace.json', '#view-lanes .stage'),
+    }
+  ],
+  [
+    'Brush to new figures: ms of script, median and worst of 30', ['what', 'median', 'worst'], {
+      'brush-million': () => brushing('million.json'),
+    }
+  ],
+];
+
+for (const [title, columns, rows] of tables) {
+  const chosen = Object.keys(rows).filter((name) => cases.length === 0 || cases.includes(name));
+  if (chosen.length === 0) continue;
+  console.log(`${title}\n`);
+  row(...columns);
+  row(...columns.map(() => '---'));
+  for (const name of chosen) await rows[name]();
+  console.log('');
+}
