@@ -13,7 +13,8 @@ namespace zelkit {
 
 namespace {
 
-constexpr unsigned int kReadAhead = 256 * 1024;
+/// Reads that are at least twice as large skip this buffer.
+constexpr unsigned int kReadAhead = 64 * 1024;
 
 std::runtime_error failure(const std::string& name, const char* reason) {
   return std::runtime_error(name + ": " + reason);
@@ -56,6 +57,13 @@ std::size_t FileSource::read(char* buffer, std::size_t size) {
   int error = Z_OK;
   const char* reason = gzerror(_file, &error);
   throw failure(_name, error == Z_ERRNO ? std::strerror(errno) : reason);
+}
+
+std::string wholeText(ByteSource& source) {
+  std::string text;
+  char block[65536];
+  while (const std::size_t count = source.read(block, sizeof block)) text.append(block, count);
+  return text;
 }
 
 std::size_t MemorySource::read(char* buffer, std::size_t size) {

@@ -39,6 +39,9 @@ class FileSource : public ByteSource {
   gzFile _file = nullptr;
 };
 
+/// Returns all bytes that are left.
+std::string wholeText(ByteSource& source);
+
 /// A text in memory, which must outlive the source.
 class MemorySource : public ByteSource {
  public:

@@ -13,13 +13,6 @@ namespace zelkit {
 
 namespace {
 
-std::string wholeText(ByteSource& source) {
-  std::string text;
-  char block[65536];
-  while (const std::size_t count = source.read(block, sizeof block)) text.append(block, count);
-  return text;
-}
-
 /// Returns the address in a member of the object, "0x" and hexadecimal digits.
 std::uint64_t addressIn(const rapidjson::Value& object, const char* member) {
   const auto found = object.FindMember(member);
@@ -37,7 +30,7 @@ std::uint64_t addressIn(const rapidjson::Value& object, const char* member) {
 
 LayoutFile LayoutFile::beside(const std::string& documentPath) {
   LayoutFile layout;
-  const std::string path = documentPath + ".layout.json";
+  const std::string path = pathOf(documentPath);
   if (struct stat status{}; documentPath == "-" || stat(path.c_str(), &status) != 0) return layout;
   FileSource source(path);
   rapidjson::Document document;

@@ -13,6 +13,9 @@ class LayoutFile {
   /// Maps every address to itself.
   LayoutFile() = default;
 
+  /// Returns the path of the layout file that a document may have.
+  static std::string pathOf(const std::string& documentPath) { return documentPath + ".layout.json"; }
+
   /// Reads the layout file in the folder of a document; if there is none, every address maps to itself.
   /// Throws std::runtime_error with "PATH: reason" if it exists and cannot be parsed.
   static LayoutFile beside(const std::string& documentPath);

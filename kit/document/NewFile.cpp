@@ -17,19 +17,22 @@ namespace {
   throw std::runtime_error(path + ": " + reason);
 }
 
-bool areOneFile(const std::string& left, const std::string& right) {
-  struct stat a = {};
-  struct stat b = {};
-  return stat(left.c_str(), &a) == 0 && stat(right.c_str(), &b) == 0 && a.st_dev == b.st_dev &&
-         a.st_ino == b.st_ino;
+bool statusOf(const std::string& path, struct stat& status) {
+  return (path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status)) == 0;
 }
 
 }  // namespace
 
-NewFile::NewFile(const std::string& path, const std::string& input) : _path(path) {
-  if (areOneFile(path, input)) fail(path, "is the input itself, which writing would destroy");
-  struct stat status = {};
-  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) fail(path, "is not a regular file");
+NewFile::NewFile(const std::string& path, const std::vector<std::string>& inputs) : _path(path) {
+  struct stat present = {};
+  if (stat(path.c_str(), &present) == 0) {
+    if (!S_ISREG(present.st_mode)) fail(path, "is not a regular file");
+    for (const std::string& input : inputs) {
+      struct stat status = {};
+      if (statusOf(input, status) && status.st_dev == present.st_dev && status.st_ino == present.st_ino)
+        fail(path, "is the input itself, which writing would destroy");
+    }
+  }
   _temporary = path + ".XXXXXX";
   const int fd = mkostemp(_temporary.data(), O_CLOEXEC);
   if (fd < 0) fail(path, std::strerror(errno));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace zelkit {
 
@@ -8,9 +9,9 @@ namespace zelkit {
 /// partial file, and a failed run keeps the old one.
 class NewFile {
  public:
-  /// Throws std::runtime_error with "PATH: reason", also if the path is that of the input, which writing
-  /// would destroy. An empty `input` means none.
-  explicit NewFile(const std::string& path, const std::string& input = {});
+  /// Throws std::runtime_error with "PATH: reason", also if the path is the same file as one of the inputs,
+  /// which writing would destroy. The input "-" is standard input; inputs that do not exist are ignored.
+  explicit NewFile(const std::string& path, const std::vector<std::string>& inputs = {});
   /// Removes the temporary file unless it was committed.
   ~NewFile();
   NewFile(const NewFile&) = delete;

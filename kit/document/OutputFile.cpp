@@ -17,12 +17,12 @@ bool isPipeOrDevice(const std::string& path) {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path, const std::string& input) : _path(path) {
+OutputFile::OutputFile(const std::string& path, const std::vector<std::string>& inputs) : _path(path) {
   if (path == "-") {
     _file = stdout;
     return;
   }
-  if (!isPipeOrDevice(path)) _place.emplace(path, input);
+  if (!isPipeOrDevice(path)) _place.emplace(path, inputs);
   _file = std::fopen(_place ? _place->path().c_str() : path.c_str(), "we");
   if (_file == nullptr) fail();
 }

@@ -14,9 +14,8 @@ namespace zelkit {
 /// A new file. "-" is standard output; a pipe or device is written to directly.
 class OutputFile : public ByteSink {
  public:
-  /// Throws std::runtime_error with "PATH: reason", also if the path is that of the input. An empty `input`
-  /// means none.
-  explicit OutputFile(const std::string& path, const std::string& input = {});
+  /// Throws std::runtime_error with "PATH: reason", also if the path is that of an input, as NewFile does.
+  explicit OutputFile(const std::string& path, const std::vector<std::string>& inputs = {});
   ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;

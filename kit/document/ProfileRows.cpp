@@ -47,16 +47,19 @@ bool ProfileRows::hasSection(std::string_view key) {
 
 void ProfileRows::section(std::string_view key) {
   _key.clear();
+  _inData = false;
   _section = std::find_if(kSections.begin(), kSections.end(),
                           [&](const Section& section) { return section.name == key; });
 }
 
 void ProfileRows::key(int depth, std::string_view text) {
-  if (depth == kSectionDepth) _key = text;
+  if (depth != kSectionDepth) return;
+  _key = text;
+  _inData = text == "data" && _section->hand != nullptr;
 }
 
 void ProfileRows::open(int depth, Container container) {
-  const bool inRows = depth > kSectionDepth && _key == "data" && _section->hand != nullptr;
+  const bool inRows = depth > kSectionDepth && _inData;
   if (inRows && container != Container::kArray) return complain("an array was expected");
   if (depth > (inRows ? kPairDepth : kDataDepth)) return complain("nested too deeply");
   if (!inRows) return;

@@ -50,6 +50,7 @@ class ProfileRows : public DocumentRows {
   DocumentVisitor& _visitor;
   const Section* _section = nullptr;
   std::string _key;
+  bool _inData = false;
   /// The row that is being read: its columns, its one text and its one list.
   std::array<Scalar, kMostColumns> _columns;
   std::size_t _columnCount = 0;

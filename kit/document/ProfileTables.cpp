@@ -70,6 +70,19 @@ const ProfileTables::Library* ProfileTables::libraryOf(std::uint32_t key) const 
   return function->libraryKeys.empty() ? nullptr : findLibrary(function->libraryKeys.front());
 }
 
+ProfileTables::Origin ProfileTables::originOf(std::uint32_t key) const {
+  const Function* function = findFunction(key);
+  if (function != nullptr && !function->file.empty()) return {function->file, function->line};
+  const Library* library = libraryOf(key);
+  return library == nullptr ? Origin{} : Origin{library->name, 0};
+}
+
+/// Functions of a program and of the kernel have absolute addresses in a document, others begin relative to
+/// their library.
+std::uint64_t ProfileTables::Library::offsetOf(const Function& function) const {
+  return function.start - start <= size ? function.start - start : function.start;
+}
+
 bool ProfileTables::isKernel(std::uint32_t key) const {
   const Library* library = libraryOf(key);
   return library != nullptr && library == findLibrary(kKernelLibrary);

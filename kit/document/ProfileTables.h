@@ -14,6 +14,7 @@ namespace zelkit {
 /// by key.
 class ProfileTables : public DocumentVisitor {
  public:
+  struct Function;
   struct Process {
     std::uint32_t pid = 0;
     std::uint32_t tid = 0;
@@ -24,6 +25,9 @@ class ProfileTables : public DocumentVisitor {
     std::string name;
     std::uint64_t start = 0;
     std::uint64_t size = 0;
+
+    /// Returns where the function begins within the library.
+    std::uint64_t offsetOf(const Function& function) const;
   };
   struct Function {
     std::string name;
@@ -32,6 +36,12 @@ class ProfileTables : public DocumentVisitor {
     /// Keys of the libraries in which it was hit.
     std::vector<std::uint32_t> libraryKeys;
     std::string file;
+    std::uint32_t line = 0;
+  };
+
+  /// Where a frame comes from: a source file and its line or, with line 0, a library; else nothing.
+  struct Origin {
+    std::string name;
     std::uint32_t line = 0;
   };
 
@@ -59,6 +69,8 @@ class ProfileTables : public DocumentVisitor {
   /// Returns the library that holds the frame, or null. A function that was hit in several has the first of
   /// them.
   const Library* libraryOf(std::uint32_t key) const;
+
+  Origin originOf(std::uint32_t key) const;
 
   /// Returns whether the frame belongs to the kernel.
   bool isKernel(std::uint32_t key) const;

@@ -37,18 +37,16 @@ std::size_t TimechartLoad::taskNamed(const SeriesHead& head) {
 
 void TimechartLoad::point(double time, double value) {
   widen(time);
-  if (_series.use == Use::kNone || (value != 0.0) == _series.on) return;
-  if (_series.on) add(_series, time);
-  _series.on = value != 0.0;
-  _series.start = time;
+  if (_series.use == Use::kNone) return;
+  if (const auto interval = _series.state.point(time, value)) add(_series, *interval);
 }
 
 void TimechartLoad::seriesEnd() {
-  if (_series.on) _open.push_back(_series);
+  if (_series.state.since()) _open.push_back(_series);
 }
 
 void TimechartLoad::finish() {
-  for (const Series& series : _open) add(series, _lastTime);
+  for (const Series& series : _open) add(series, {*series.state.since(), _lastTime});
   _open.clear();
 }
 
@@ -58,24 +56,24 @@ void TimechartLoad::widen(double time) {
   _any = true;
 }
 
-void TimechartLoad::add(const Series& series, double end) {
+void TimechartLoad::add(const Series& series, const OnOffSeries::Interval& interval) {
   using Sum = double Task::*;
   static constexpr Sum kSums[] = {
       nullptr, nullptr, &Task::running, &Task::waitingForCpu, &Task::waitingForInput, &Task::waitingForGpu};
-  const double length = end - series.start;
+  const double length = interval.end - interval.start;
   if (series.use == Use::kCore) {
     _cores[series.owner].busy += length;
     return;
   }
   _tasks[series.owner].*kSums[static_cast<std::size_t>(series.use)] += length;
-  if (series.use != Use::kRunning) addWait(series, end);
+  if (series.use != Use::kRunning) addWait(series, interval);
 }
 
-void TimechartLoad::addWait(const Series& series, double end) {
+void TimechartLoad::addWait(const Series& series, const OnOffSeries::Interval& interval) {
   const auto isLonger = [](const Wait& left, const Wait& right) { return left.length > right.length; };
-  const double length = end - series.start;
+  const double length = interval.end - interval.start;
   if (_waits.size() == _mostWaits && (_waits.empty() || _waits.back().length >= length)) return;
-  Wait wait{_tasks[series.owner].name, series.what, series.start, length};
+  Wait wait{_tasks[series.owner].name, series.what, interval.start, length};
   _waits.insert(std::upper_bound(_waits.begin(), _waits.end(), wait, isLonger), std::move(wait));
   if (_waits.size() > _mostWaits) _waits.pop_back();
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "document/DocumentVisitor.h"
+#include "document/OnOffSeries.h"
 
 namespace zelkit {
 
@@ -61,15 +62,14 @@ class TimechartLoad : public DocumentVisitor {
     /// Index of the core or task.
     std::size_t owner = 0;
     std::string what;
-    bool on = false;
-    double start = 0.0;
+    OnOffSeries state;
   };
 
   static Use useOf(const SeriesHead& head);
   std::size_t taskNamed(const SeriesHead& head);
   void widen(double time);
-  void add(const Series& series, double end);
-  void addWait(const Series& series, double end);
+  void add(const Series& series, const OnOffSeries::Interval& interval);
+  void addWait(const Series& series, const OnOffSeries::Interval& interval);
 
   std::size_t _mostWaits;
   Series _series;

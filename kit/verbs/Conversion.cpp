@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "base/MachineFiles.h"
+#include "document/LayoutFile.h"
 #include "document/NewFile.h"
 #include "document/OutputFile.h"
 #include "layout/Layout.h"
@@ -21,10 +22,9 @@
 namespace zelkit {
 
 Status Conversion::make(Kind kind, const std::string& output, std::string& report) {
-  const std::string& input = _source.file();
-  const std::string layoutPath = output + ".layout.json";
-  NewFile document(output, input);
-  NewFile layout(layoutPath, input);
+  const std::string layoutPath = LayoutFile::pathOf(output);
+  NewFile document(output, _source.files());
+  NewFile layout(layoutPath, _source.files());
   const int status = inChildProcess(
       [&](std::string& result) { runEngine(kind, output, document.path(), layout.path(), result); }, report);
   if (status != 0) return status == kEngineUsage ? Status::kUsage : Status::kUnreadable;

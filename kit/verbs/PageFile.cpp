@@ -23,14 +23,6 @@ std::string installedPage() {
   throw std::runtime_error("viewer.html: not installed with zelkit; name it by --page");
 }
 
-std::string wholeText(const std::string& path) {
-  FileSource source(path);
-  std::string text;
-  char block[65536];
-  while (const std::size_t count = source.read(block, sizeof block)) text.append(block, count);
-  return text;
-}
-
 /// Returns the text, escaped for a quoted attribute.
 std::string quoted(const std::string& text) {
   std::string safe;
@@ -45,7 +37,8 @@ std::string quoted(const std::string& text) {
 
 PageFile::PageFile(OutputFile& output, const std::string& emptyPage) : _output(output) {
   const std::string path = emptyPage.empty() ? installedPage() : emptyPage;
-  _page = wholeText(path);
+  FileSource source(path);
+  _page = wholeText(source);
   _mark = _page.find(kMark);
   if (_mark == std::string::npos) throw std::runtime_error(path + ": not a page for documents");
   _output.write(std::string_view(_page).substr(0, _mark));

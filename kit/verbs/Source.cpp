@@ -27,14 +27,13 @@ bool hasSymbol(const std::string& tablePath, const std::string& symbol, std::uin
 
 }  // namespace
 
-Source::Source(const std::string& path) {
+Source::Source(const std::string& path) : _path(path) {
   if (Capture::isCapture(path)) {
     _capture = std::make_unique<Capture>(path);
     if (!_capture->damage().empty()) _notes.push_back(_capture->damage());
   }
   _recording = std::make_unique<Recording>(_capture ? _capture->recording() : path);
   _recording->callIt(shown(_recording->path()));
-  _file = shown(_recording->path()) == _recording->path() ? _recording->path() : path;
   const MachineIdentity recorded = identityOf(_recording->info());
   const MachineIdentity here = MachineIdentity::here();
   _madeHere = !_capture && !recorded.hostName.empty() && recorded.hostName == here.hostName &&

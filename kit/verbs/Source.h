@@ -23,9 +23,11 @@ class Source {
   /// Chooses only the folders for programs and libraries.
   void chooseRoots(const std::string& folder);
 
+  /// Returns the files that a run on that path reads: itself, or the recording in a folder.
+  static std::vector<std::string> filesOf(const std::string& path) { return {path, path + "/perf.data"}; }
+  [[nodiscard]] std::vector<std::string> files() const { return filesOf(_path); }
+
   [[nodiscard]] Recording& recording() { return *_recording; }
-  /// Returns the file that must not be overwritten: the recording, or the tar that holds it.
-  [[nodiscard]] const std::string& file() const { return _file; }
   /// Returns a message with the paths of unpacked files as the user knows them.
   [[nodiscard]] std::string shown(const std::string& message) const {
     return _capture ? _capture->shown(message) : message;
@@ -41,7 +43,7 @@ class Source {
  private:
   [[nodiscard]] bool isOfRunningKernel(const Survey& survey) const;
 
-  std::string _file;
+  std::string _path;
   std::unique_ptr<Capture> _capture;
   std::unique_ptr<Recording> _recording;
   MachineFolder _machine;

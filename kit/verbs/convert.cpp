@@ -59,7 +59,7 @@ class ConvertVerb : public Verb {
     if (_report.empty()) return;
     std::string reports;
     for (const MadeDocument& document : made) reports += (reports.empty() ? "" : ",\n") + document.report;
-    OutputFile file(_report);
+    OutputFile file(_report, Source::filesOf(_input));
     file.write("[\n" + reports + "\n]\n");
     file.commit();
   }

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <stdexcept>
 
+#include "document/LayoutFile.h"
 #include "document/exports/ExportFormat.h"
 #include "verbs/Verb.h"
 
@@ -39,7 +40,7 @@ class ExportVerb : public Verb {
       std::fprintf(stderr, "zelkit: %s takes one document\n", _format.c_str());
       return Status::kUsage;
     }
-    OutputFile output(_output, _documents.front());
+    OutputFile output(_output, inputs());
     const std::unique_ptr<Exporter> exporter = format->makeExporter(output);
     for (const std::string& name : _documents) take(name, *format, *exporter);
     exporter->finish();
@@ -48,6 +49,13 @@ class ExportVerb : public Verb {
   }
 
  private:
+  /// Returns the paths of all that is read.
+  std::vector<std::string> inputs() const {
+    std::vector<std::string> paths = _documents;
+    for (const std::string& document : _documents) paths.push_back(LayoutFile::pathOf(document));
+    return paths;
+  }
+
   void take(const std::string& name, const ExportFormat& format, Exporter& exporter) {
     FileSource source(name);
     exporter.documentStart(name);

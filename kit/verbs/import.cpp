@@ -39,7 +39,7 @@ class ImportVerb : public Verb {
     Recording& recording = source.recording();
     const OldPayloads payloads(recording.info());
     Names names(source, _folders);
-    NewFile output(_output, source.file());
+    NewFile output(_output, source.files());
     OldFile::EventTable events;
     for (const OldPayloads::TableEntry& entry : payloads.table())
       events.emplace_back(entry.number, entry.name);
@@ -77,7 +77,7 @@ class ImportVerb : public Verb {
   Status report(const Recording& recording, const Outcome& outcome, NewFile& output) const {
     std::fputs(reportText(recording, outcome).c_str(), stderr);
     if (!_report.empty()) {
-      OutputFile file(_report);
+      OutputFile file(_report, Source::filesOf(_input));
       file.write("[\n" + reportJson(recording, outcome) + "\n]\n");
       file.commit();
     }

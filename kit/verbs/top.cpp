@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "document/ByKind.h"
 #include "document/DocumentReader.h"
 #include "document/SampleRanking.h"
 #include "document/TimechartLoad.h"
@@ -20,26 +21,6 @@ constexpr std::size_t kMostCallers = 5;
 double percent(double part, double whole) {
   return whole > 0.0 ? 100.0 * part / whole : 0.0;
 }
-
-/// Passes a document to the visitor of its kind.
-class Both : public DocumentVisitor {
- public:
-  Both(SampleRanking& profile, TimechartLoad& timechart) : _profile(profile), _timechart(timechart) {}
-
-  void process(const ProcessRow& row) override { _profile.process(row); }
-  void library(const LibraryRow& row) override { _profile.library(row); }
-  void file(const FileRow& row) override { _profile.file(row); }
-  void function(const FunctionRow& row) override { _profile.function(row); }
-  void sample(const SampleRow& row) override { _profile.sample(row); }
-  void seriesStart(const SeriesHead& head) override { _timechart.seriesStart(head); }
-  void point(double time, double value) override { _timechart.point(time, value); }
-  void event(const SeriesEvent& event) override { _timechart.event(event); }
-  void seriesEnd() override { _timechart.seriesEnd(); }
-
- private:
-  SampleRanking& _profile;
-  TimechartLoad& _timechart;
-};
 
 class TopVerb : public Verb {
  public:
@@ -75,7 +56,7 @@ class TopVerb : public Verb {
   bool show(const std::string& path) const {
     SampleRanking ranking(_by, _callers);
     TimechartLoad load(_most);
-    Both both(ranking, load);
+    ByKind both(ranking, load);
     FileSource source(path);
     const ReadOutcome outcome = readDocument(source, both);
     if (outcome.kind == DocumentKind::kProfile) {

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "document/DocumentReader.h"
+#include "document/LayoutFile.h"
 #include "document/exports/PackedDocument.h"
 #include "verbs/Documents.h"
 #include "verbs/PageFile.h"
@@ -49,7 +50,7 @@ class ViewVerb : public Verb {
     Documents documents(_options);
     for (const std::string& input : _inputs)
       if (const Status status = documents.add(input); status != Status::kDone) return status;
-    OutputFile output(_output, _inputs.front());
+    OutputFile output(_output, files());
     PageFile page(output, _page);
     for (const std::string& path : documents.paths()) add(path, page);
     page.finish();
@@ -59,6 +60,17 @@ class ViewVerb : public Verb {
   }
 
  private:
+  /// Returns the paths of all that is read.
+  std::vector<std::string> files() const {
+    std::vector<std::string> paths = {_page};
+    for (const std::string& input : _inputs) {
+      const std::vector<std::string> own = Source::filesOf(input);
+      paths.insert(paths.end(), own.begin(), own.end());
+      paths.push_back(LayoutFile::pathOf(input));
+    }
+    return paths;
+  }
+
   void add(const std::string& path, PageFile& page) {
     const std::string name = nameOf(path);
     page.add(name, [&](ByteSink& sink) {
@@ -70,9 +82,9 @@ class ViewVerb : public Verb {
       std::fprintf(stderr, "zelkit: %s; the page shows the part before the damage\n", outcome.damage.c_str());
       _damaged = true;
     });
-    const std::string layout = path + ".layout.json";
+    const std::string layout = LayoutFile::pathOf(path);
     if (path == "-" || !exists(layout)) return;
-    page.add(name + ".layout.json", [&](ByteSink& sink) {
+    page.add(LayoutFile::pathOf(name), [&](ByteSink& sink) {
       FileSource source(layout);
       copy(source, sink);
     });

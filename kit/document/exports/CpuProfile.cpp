@@ -3,11 +3,11 @@
 // has one time line.
 
 #include <algorithm>
-#include <cmath>
 
 #include "document/exports/ExportFormat.h"
 #include "document/exports/JsonOutput.h"
 #include "document/exports/ThreadSamples.h"
+#include "document/exports/WholeUnits.h"
 
 namespace zelkit {
 
@@ -17,11 +17,7 @@ class CpuProfile : public Exporter {
  public:
   explicit CpuProfile(OutputFile& output) : _json(output) {}
 
-  void process(const ProcessRow& row) override { _samples.process(row); }
-  void library(const LibraryRow& row) override { _samples.library(row); }
-  void file(const FileRow& row) override { _samples.file(row); }
-  void function(const FunctionRow& row) override { _samples.function(row); }
-  void sample(const SampleRow& row) override { _samples.sample(row); }
+  ReadOutcome read(ByteSource& source) override { return readDocument(source, _samples); }
 
   void finish() override {
     gather();
@@ -96,28 +92,22 @@ class CpuProfile : public Exporter {
     const auto label = static_cast<std::uint32_t>(_tree.label(node));
     const bool isThread = node != StackTree::kRoot && _tree.parent(node) == StackTree::kRoot;
     const bool isFrame = node != StackTree::kRoot && !isThread;
-    const ProfileTables::Function* function = isFrame ? _samples.findFunction(label) : nullptr;
-    const ProfileTables::Library* library = isFrame ? _samples.libraryOf(label) : nullptr;
-    const bool hasFile = function != nullptr && !function->file.empty();
+    const ProfileTables::Origin origin = isFrame ? _samples.originOf(label) : ProfileTables::Origin{};
     _json.key("callFrame");
     _json.startObject();
     _json.member("functionName", isFrame    ? validUtf8(_samples.frameName(label))
                                  : isThread ? validUtf8(_samples.threadTitle(_samples.threads()[label]))
                                             : std::string("(root)"));
     _json.member("scriptId", "0");
-    _json.member("url", hasFile              ? validUtf8(function->file)
-                        : library != nullptr ? validUtf8(library->name)
-                                             : "");
+    _json.member("url", validUtf8(origin.name));
     // Lines count from 0 here.
-    _json.member("lineNumber", hasFile ? static_cast<int>(function->line) - 1 : -1);
+    _json.member("lineNumber", std::int64_t{origin.line} - 1);
     _json.member("columnNumber", -1);
     _json.endObject();
   }
 
   void writeTimes() {
-    const auto microseconds = [](double seconds) {
-      return static_cast<std::int64_t>(std::llround(seconds * 1e6));
-    };
+    const auto microseconds = [](double seconds) { return wholeUnits(seconds, kMicrosecondsPerSecond); };
     const std::int64_t start = _moments.empty() ? 0 : microseconds(_moments.front().time);
     _json.member("startTime", start);
     _json.member("endTime", _moments.empty() ? 0 : microseconds(_moments.back().time));

@@ -11,10 +11,12 @@
 namespace zelkit {
 
 /// Reads documents, one after the other, and writes them in a format, as a stream if the format allows.
-class Exporter : public DocumentVisitor {
+class Exporter {
  public:
-  /// Reads a document and receives its rows; overridden by formats that copy the document token by token.
-  virtual ReadOutcome read(ByteSource& source) { return readDocument(source, *this); }
+  virtual ~Exporter() = default;
+
+  /// Reads a document and takes its rows.
+  virtual ReadOutcome read(ByteSource& source) = 0;
 
   /// A document starts; keys are only valid within one document. `name` is for titles.
   virtual void documentStart(const std::string& /*name*/) {}

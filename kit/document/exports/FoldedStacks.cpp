@@ -12,13 +12,11 @@ namespace zelkit {
 
 namespace {
 
-class FoldedStacks : public Exporter {
+class FoldedStacks : public Exporter, private ProfileTables {
  public:
   explicit FoldedStacks(OutputFile& output) : _output(output) {}
 
-  void process(const ProcessRow& row) override { _tables.process(row); }
-  void library(const LibraryRow& row) override { _tables.library(row); }
-  void function(const FunctionRow& row) override { _tables.function(row); }
+  ReadOutcome read(ByteSource& source) override { return readDocument(source, *this); }
 
   void sample(const SampleRow& sample) override {
     _frames.clear();
@@ -30,7 +28,7 @@ class FoldedStacks : public Exporter {
     for (StackTree::Node node = 1; node < _tree.size(); ++node)
       if (_tree.self(node) != 0) writeLine(node);
     _tree = {};
-    _tables.clear();
+    ProfileTables::clear();
     _names.clear();
   }
 
@@ -55,8 +53,8 @@ class FoldedStacks : public Exporter {
     const auto key = static_cast<std::uint32_t>(_tree.label(node));
     const auto [place, isNew] = _names.try_emplace({isProcess, key});
     if (isNew) {
-      const ProfileTables::Process* process = _tables.findProcess(key);
-      place->second = !isProcess ? _tables.frameName(key) : process != nullptr ? process->name : "[unknown]";
+      const Process* process = findProcess(key);
+      place->second = !isProcess ? frameName(key) : process != nullptr ? process->name : "[unknown]";
       std::replace(place->second.begin(), place->second.end(), ';', ':');
       std::replace_if(
           place->second.begin(), place->second.end(), [](unsigned char byte) { return byte < 0x20; }, ' ');
@@ -65,7 +63,6 @@ class FoldedStacks : public Exporter {
   }
 
   OutputFile& _output;
-  ProfileTables _tables;
   StackTree _tree;
   std::vector<std::uint32_t> _frames;
   std::map<std::pair<bool, std::uint32_t>, std::string> _names;

@@ -9,12 +9,9 @@
 #include <string_view>
 
 #include "document/ByteSink.h"
+#include "document/Utf8.h"
 
 namespace zelkit {
-
-/// Returns the text with each byte that is not part of a UTF-8 character replaced by U+FFFD. Names in a
-/// recording may contain any bytes, and strict readers refuse a file with a single invalid one.
-std::string validUtf8(std::string_view text);
 
 /// An output stream in the sense of RapidJSON.
 class JsonStream {
@@ -37,6 +34,9 @@ class JsonStream {
   std::array<char, 65536> _block;
   std::size_t _used = 0;
 };
+
+/// Returns the text as a string of JSON, with its quotes; bytes that are no UTF-8 become U+FFFD.
+std::string quotedJson(std::string_view text);
 
 /// Writes JSON; text must be valid UTF-8.
 class JsonOutput {

@@ -1,21 +1,15 @@
 #include "document/exports/PackedDocument.h"
 
-#include <algorithm>
 #include <charconv>
-#include <cmath>
+
+#include "document/exports/WholeUnits.h"
 
 namespace zelkit {
 
 namespace {
 
 constexpr std::size_t kBlockSamples = 4096;
-constexpr double kNanosecondsPerSecond = 1e9;
 constexpr std::uint64_t kFirstContextMarker = ~std::uint64_t{4094};  // enum perf_callchain_context
-
-std::int64_t nanoseconds(double seconds) {
-  constexpr double kMost = 9e18;
-  return std::llround(std::clamp(seconds * kNanosecondsPerSecond, -kMost, kMost));
-}
 
 bool isNumber(std::string_view text) {
   double number = 0.0;
@@ -103,7 +97,7 @@ void PackedDocument::function(const FunctionRow& row) {
 
 void PackedDocument::sample(const SampleRow& row) {
   open("blocks");
-  const std::int64_t time = nanoseconds(row.time);
+  const std::int64_t time = wholeUnits(row.time, kNanosecondsPerSecond);
   _timeSteps.push_back(time - _latestTime);
   _latestTime = time;
   _cores.push_back(row.cpu);

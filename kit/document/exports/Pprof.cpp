@@ -1,14 +1,14 @@
-// pprof's profile.proto, gzipped: samples of a thread with equal stacks become one sample with a count.
+// pprof's profile.proto, gzipped: samples with equal stacks of one thread are one sample with a count.
 
-#include <cmath>
-#include <cstdlib>
 #include <protozero/pbf_builder.hpp>
 
 #include "document/LayoutFile.h"
 #include "document/exports/ExportFormat.h"
 #include "document/exports/GzipOutput.h"
 #include "document/exports/JsonOutput.h"
+#include "document/exports/TextTable.h"
 #include "document/exports/ThreadSamples.h"
+#include "document/exports/WholeUnits.h"
 
 namespace zelkit {
 
@@ -38,41 +38,21 @@ enum class Location : protozero::pbf_tag_type { kId = 1, kMappingId = 2, kAddres
 enum class Line : protozero::pbf_tag_type { kFunctionId = 1, kLine = 2 };
 enum class Function : protozero::pbf_tag_type { kId = 1, kName = 2, kFile = 4, kStartLine = 5 };
 
-/// Texts and their indices; index 0 is the empty text, as the format requires.
-class StringTable {
- public:
-  StringTable() { numberOf(""); }
-
-  std::int64_t numberOf(const std::string& text) {
-    const auto [place, isNew] = _numbers.try_emplace(text, static_cast<std::int64_t>(_texts.size()));
-    if (isNew) _texts.push_back(&place->first);
-    return place->second;
-  }
-  const std::vector<const std::string*>& texts() const { return _texts; }
-
- private:
-  std::map<std::string, std::int64_t> _numbers;
-  std::vector<const std::string*> _texts;
-};
-
 class Pprof : public Exporter {
  public:
-  explicit Pprof(OutputFile& output) : _output(output) {}
+  explicit Pprof(OutputFile& output) : _output(output) {
+    // The format wants the empty text as the first.
+    _strings.indexOf("");
+  }
 
   void documentStart(const std::string& name) override { _layout = LayoutFile::beside(name); }
-  void description(std::string_view name, std::string_view value) override {
-    if (name == "duration") _duration = std::strtod(std::string(value).c_str(), nullptr);
-  }
-  void process(const ProcessRow& row) override { _samples.process(row); }
-  void library(const LibraryRow& row) override { _samples.library(row); }
-  void file(const FileRow& row) override { _samples.file(row); }
-  void function(const FunctionRow& row) override { _samples.function(row); }
-  void sample(const SampleRow& row) override { _samples.sample(row); }
+  ReadOutcome read(ByteSource& source) override { return readDocument(source, _samples); }
 
   void finish() override {
     writeSampleType();
     for (const ThreadSamples::Thread& thread : _samples.threads()) writeThread(thread);
-    if (_duration > 0.0) _profile.add_int64(Profile::kDurationNanos, std::llround(_duration * 1e9));
+    if (const std::int64_t duration = wholeUnits(_samples.duration(), kNanosecondsPerSecond); duration > 0)
+      _profile.add_int64(Profile::kDurationNanos, duration);
     for (const std::string* text : _strings.texts())
       _profile.add_string(Profile::kStringTable, validUtf8(*text));
     GzipOutput compressed(_output);
@@ -83,8 +63,8 @@ class Pprof : public Exporter {
  private:
   void writeSampleType() {
     protozero::pbf_builder<ValueType> type(_profile, Profile::kSampleType);
-    type.add_int64(ValueType::kType, _strings.numberOf("samples"));
-    type.add_int64(ValueType::kUnit, _strings.numberOf("count"));
+    type.add_int64(ValueType::kType, _strings.indexOf("samples"));
+    type.add_int64(ValueType::kUnit, _strings.indexOf("count"));
   }
 
   void writeThread(const ThreadSamples::Thread& thread) {
@@ -105,15 +85,15 @@ class Pprof : public Exporter {
     const ProfileTables::Process* process = _samples.findProcess(thread.pidKey);
     {
       protozero::pbf_builder<Label> label(sample, Sample::kLabel);
-      label.add_int64(Label::kKey, _strings.numberOf("thread"));
-      label.add_int64(Label::kText, _strings.numberOf(_samples.threadTitle(thread)));
+      label.add_int64(Label::kKey, _strings.indexOf("thread"));
+      label.add_int64(Label::kText, _strings.indexOf(_samples.threadTitle(thread)));
     }
     protozero::pbf_builder<Label> label(sample, Sample::kLabel);
-    label.add_int64(Label::kKey, _strings.numberOf("pid"));
+    label.add_int64(Label::kKey, _strings.indexOf("pid"));
     label.add_int64(Label::kNumber, process == nullptr ? 0 : process->pid);
   }
 
-  /// Returns the id of the frame's location. Writes the location and its function on first use.
+  /// Returns the id of the frame's location, which it writes with its function when the frame is new.
   std::uint64_t locationOf(std::uint32_t key) {
     const auto [place, isNew] = _locations.try_emplace(key, _locations.size() + 1);
     if (!isNew) return place->second;
@@ -133,14 +113,14 @@ class Pprof : public Exporter {
   }
 
   void writeFunction(std::uint64_t id, std::uint32_t key) {
-    const std::int64_t name = _strings.numberOf(_samples.frameName(key));
+    const std::int64_t name = _strings.indexOf(_samples.frameName(key));
     protozero::pbf_builder<Function> function(_profile, Profile::kFunction);
     function.add_uint64(Function::kId, id);
     // No system name: pprof regards a system name equal to the name as mangled, and cuts off parameters.
     function.add_int64(Function::kName, name);
     const ProfileTables::Function* known = _samples.findFunction(key);
     if (known == nullptr || known->file.empty()) return;
-    function.add_int64(Function::kFile, _strings.numberOf(known->file));
+    function.add_int64(Function::kFile, _strings.indexOf(known->file));
     function.add_int64(Function::kStartLine, known->line);
   }
 
@@ -152,7 +132,7 @@ class Pprof : public Exporter {
     mapping.add_uint64(Mapping::kId, place->second);
     mapping.add_uint64(Mapping::kStart, start);
     mapping.add_uint64(Mapping::kLimit, start + library.size);
-    mapping.add_int64(Mapping::kFile, _strings.numberOf(library.name));
+    mapping.add_int64(Mapping::kFile, _strings.indexOf(library.name));
     // Keeps pprof from searching for the file to symbolise the addresses itself.
     mapping.add_bool(Mapping::kHasFunctions, true);
     return place->second;
@@ -163,23 +143,19 @@ class Pprof : public Exporter {
     return _layout.original(process == nullptr ? 0 : process->pid, library.start);
   }
 
-  /// Returns the function's address in the process. In the document, addresses of a library are relative to
-  /// its map.
+  /// Returns where the function begins in the process; of a library without symbols where that does.
   std::uint64_t addressOf(std::uint32_t key, const ProfileTables::Library* library) const {
     const ProfileTables::Function* function = _samples.findFunction(key);
-    const std::uint64_t start = function == nullptr ? 0 : function->start;
-    if (library == nullptr) return start;
-    const bool isRelative = start - library->start > library->size;
-    return isRelative ? originalStart(*library) + start : start;
+    if (library == nullptr) return function == nullptr ? 0 : function->start;
+    return originalStart(*library) + (function == nullptr ? 0 : library->offsetOf(*function));
   }
 
   OutputFile& _output;
   std::string _bytes;
   protozero::pbf_builder<Profile> _profile{_bytes};
   ThreadSamples _samples;
-  StringTable _strings;
+  TextTable _strings;
   LayoutFile _layout;
-  double _duration = 0.0;
   std::map<std::uint32_t, std::uint64_t> _locations;
   std::map<const ProfileTables::Library*, std::uint64_t> _mappings;
 };

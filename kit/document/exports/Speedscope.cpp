@@ -17,11 +17,7 @@ class Speedscope : public Exporter {
   explicit Speedscope(OutputFile& output) : _json(output) {}
 
   void documentStart(const std::string& name) override { _name = validUtf8(name); }
-  void process(const ProcessRow& row) override { _samples.process(row); }
-  void library(const LibraryRow& row) override { _samples.library(row); }
-  void file(const FileRow& row) override { _samples.file(row); }
-  void function(const FunctionRow& row) override { _samples.function(row); }
-  void sample(const SampleRow& row) override { _samples.sample(row); }
+  ReadOutcome read(ByteSource& source) override { return readDocument(source, _samples); }
 
   void finish() override {
     _samples.sort();
@@ -60,13 +56,9 @@ class Speedscope : public Exporter {
   void writeFrame(std::uint32_t key) {
     _json.startObject();
     _json.member("name", validUtf8(_samples.frameName(key)));
-    const ProfileTables::Function* function = _samples.findFunction(key);
-    if (function != nullptr && !function->file.empty()) {
-      _json.member("file", validUtf8(function->file));
-      _json.member("line", function->line);
-    } else if (const ProfileTables::Library* library = _samples.libraryOf(key); library != nullptr) {
-      _json.member("file", validUtf8(library->name));
-    }
+    const ProfileTables::Origin origin = _samples.originOf(key);
+    if (!origin.name.empty()) _json.member("file", validUtf8(origin.name));
+    if (origin.line != 0) _json.member("line", origin.line);
     _json.endObject();
   }
 

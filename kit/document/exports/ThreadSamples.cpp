@@ -1,6 +1,7 @@
 #include "document/exports/ThreadSamples.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <numeric>
 
 namespace zelkit {
@@ -15,6 +16,10 @@ void reorder(Values& values, const std::vector<std::uint32_t>& order) {
 }
 
 }  // namespace
+
+void ThreadSamples::description(std::string_view name, std::string_view value) {
+  if (name == "duration") _duration = std::strtod(std::string(value).c_str(), nullptr);
+}
 
 void ThreadSamples::sample(const SampleRow& row) {
   if (_latest == nullptr || _latest->pidKey != row.pidKey || _latest->tid != row.tid) {

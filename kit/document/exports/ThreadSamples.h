@@ -22,6 +22,7 @@ class ThreadSamples : public ProfileTables {
     std::deque<StackTree::Node> nodes;
   };
 
+  void description(std::string_view name, std::string_view value) override;
   void sample(const SampleRow& row) override;
 
   /// Sorts the samples of each thread by time; to be called after the document was read.
@@ -35,12 +36,16 @@ class ThreadSamples : public ProfileTables {
     return static_cast<std::uint32_t>(tree.label(node));
   }
 
+  /// Returns the seconds that the document gives as its duration.
+  double duration() const { return _duration; }
+
   /// Returns "NAME TID", or only the number for a process without a name in the document.
   std::string threadTitle(const Thread& thread) const;
 
   void clear() { *this = {}; }
 
  private:
+  double _duration = 0.0;
   StackTree _tree;
   std::deque<Thread> _threads;
   std::map<std::pair<std::uint32_t, std::uint32_t>, Thread*> _byId;

@@ -12,19 +12,17 @@ namespace zelkit {
 
 namespace {
 
-class TsvSamples : public Exporter {
+class TsvSamples : public Exporter, private ProfileTables {
  public:
   explicit TsvSamples(OutputFile& output) : _output(output) {
     _output.write("time\tcore\tpid\ttid\tprocess\taddress\tfunction\tlibrary\tcallers\n");
   }
 
   void documentStart(const std::string& name) override { _layout = LayoutFile::beside(name); }
-  void process(const ProcessRow& row) override { _tables.process(row); }
-  void library(const LibraryRow& row) override { _tables.library(row); }
-  void function(const FunctionRow& row) override { _tables.function(row); }
+  ReadOutcome read(ByteSource& source) override { return readDocument(source, *this); }
 
   void sample(const SampleRow& row) override {
-    const ProfileTables::Process* process = _tables.findProcess(row.pidKey);
+    const Process* process = findProcess(row.pidKey);
     const std::uint32_t pid = process == nullptr ? 0 : process->pid;
     _line.clear();
     append(row.time);
@@ -35,15 +33,16 @@ class TsvSamples : public Exporter {
     _line += "0x";
     append(_layout.original(pid, row.ip), 16);
     append(nameOf(row.mapKey));
-    const ProfileTables::Library* library = _tables.libraryOf(row.mapKey);
+    const Library* library = libraryOf(row.mapKey);
     append(library == nullptr ? "" : library->name);
     appendCallers(row);
     _output.write(_line);
   }
 
   void documentEnd() override {
-    _tables.clear();
+    ProfileTables::clear();
     _names.clear();
+    _recent = {};
   }
 
   void finish() override {}
@@ -70,18 +69,31 @@ class TsvSamples : public Exporter {
   }
 
   const std::string& nameOf(std::uint32_t key) {
+    Recent& recent = _recent[key % kRecentNames];
+    if (recent.name == nullptr || recent.key != key) recent = {key, &cellOf(key)};
+    return *recent.name;
+  }
+
+  const std::string& cellOf(std::uint32_t key) {
     const auto [place, isNew] = _names.try_emplace(key);
     if (isNew) {
-      place->second = tsvCell(_tables.frameName(key));
+      place->second = tsvCell(frameName(key));
       std::replace(place->second.begin(), place->second.end(), ';', ':');
     }
     return place->second;
   }
 
+  static constexpr std::size_t kRecentNames = 4096;
+  struct Recent {
+    std::uint32_t key = 0;
+    const std::string* name = nullptr;
+  };
+
   OutputFile& _output;
-  ProfileTables _tables;
   LayoutFile _layout;
   std::map<std::uint32_t, std::string> _names;
+  /// The names of frames that were asked for last, by their keys.
+  std::array<Recent, kRecentNames> _recent;
   std::string _line;
 };
 

@@ -24,10 +24,7 @@ using Json = rapidjson::Value;
 
 std::string wholeFile(const std::string& path) {
   FileSource source(path);  // which unpacks gzip
-  std::string text;
-  char block[4096];
-  while (const std::size_t count = source.read(block, sizeof block)) text.append(block, count);
-  return text;
+  return wholeText(source);
 }
 
 std::string exported(const std::string& format, const std::vector<std::string>& documents) {
@@ -238,10 +235,10 @@ TEST(Exports, ShowTheSmallTimechart) {
   const std::string text = exported("trace-event", {kTimechartDocument});
   for (
       const char* event : {
-          R"({"ph":"X","name":"Running on CPU 0","cat":"proc:running","pid":10,"tid":11,"ts":1000.0,"dur":1000.0})",
-          R"({"ph":"B","name":"CPU 1 Busy","cat":"cpu:busy","pid":1073741824,"tid":2,"ts":4000.0})",
-          R"({"ph":"C","name":"CPU 0 MHz","cat":"cpu:freq","pid":1073741824,"tid":3,"ts":5000.0,"args":{"value":800.0}})",
-          R"({"ph":"s","name":"wake-up","cat":"proc:wait","pid":10,"tid":11,"ts":3500.0,"id":1})",
+          R"({"ph":"X","name":"Running on CPU 0","cat":"proc:running","pid":10,"tid":11,"ts":1000,"dur":1000})",
+          R"({"ph":"B","name":"CPU 1 Busy","cat":"cpu:busy","pid":1073741824,"tid":2,"ts":4000})",
+          R"({"ph":"C","name":"CPU 0 MHz","cat":"cpu:freq","pid":1073741824,"tid":3,"ts":5000,"args":{"value":800}})",
+          R"({"ph":"s","name":"wake-up","cat":"proc:wait","pid":10,"tid":11,"ts":3500,"id":1})",
           R"("args":{"code":7,"text":"1 of 2"})",
       })
     EXPECT_NE(text.find(event), std::string::npos) << event << "\n" << text;
