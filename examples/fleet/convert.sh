@@ -15,7 +15,7 @@ hosts=()
 # A host that does not respond is dropped after ten seconds.
 export PARALLEL_SSH="ssh -o BatchMode=yes -o ServerAliveInterval=5 -o ServerAliveCountMax=2 ${FLEET_SSH_OPTIONS:-}"
 
-# {/.} is the recording's name without its folder and ending. zelkit renames a document when it is whole.
+# {/} is the name of the recording in its folder; without its ending two could be one. zelkit renames a document when it is whole.
 find "$recordings" -maxdepth 1 -mindepth 1 -print0 | sort -z |
     parallel --null --joblog "$documents/jobs.log" --resume-failed --retries 3 "${hosts[@]}" \
-        "${ZELKIT:-zelkit}" convert {} -o "$documents/{/.}.json" "${ZELKIT_OPTIONS:-}" "2>" "$documents/{/.}.log"
+        "${ZELKIT:-zelkit}" convert {} -o "$documents/{/}.json" "${ZELKIT_OPTIONS:-}" "2>" "$documents/{/}.json.log"

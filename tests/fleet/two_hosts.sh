@@ -94,7 +94,7 @@ before=$(wc -l <"$work/starts")
 [ "$(wc -l <"$work/starts")" = "$before" ] || fail "a second run did what was done"
 
 ZELKIT=$zelkit "$top/examples/fleet/merge.sh" "$work/documents" "$work/merged.pb.gz"
-one=$("$zelkit" top "$work/documents/r1.json" -n 0 | sed -n 's/ samples.*//p')
+one=$("$zelkit" top "$work/documents/r1.data.json" -n 0 | sed -n 's/ samples.*//p')
 all=$(HOME=$work go tool pprof -top "$work/merged.pb.gz" 2>/dev/null | sed -n 's/.* of \([0-9]*\) total.*/\1/p')
 [ "$all" = $((one * count)) ] || fail "the merged profile has $all samples, not $count times $one"
 echo "nothing lost, nothing done twice; merged: $all samples"

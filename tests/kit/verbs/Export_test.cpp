@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "capture/TemporaryFolder.h"
@@ -40,15 +41,38 @@ TEST_F(ExportVerb, ReadsAPipeAndEndsSilentlyWithItsReader) {
   EXPECT_EQ(closed.said, "{");
 }
 
-TEST_F(ExportVerb, ReportsDamageAndNeverOverwritesItsInput) {
+TEST_F(ExportVerb, ReportsDamage) {
   const std::string cut = file("cut.json", kProfileDocument.substr(0, kProfileDocument.size() - 40));
   const auto damaged = ::runZelkit("export " + cut + " --to folded");
   EXPECT_EQ(damaged.status, 2);
   EXPECT_NE(damaged.said.find("cut.json: byte "), std::string::npos) << damaged.said;
   EXPECT_NE(damaged.said.find("tool;main;work 1\n"), std::string::npos) << damaged.said;
-  const auto onItself = ::runZelkit("export " + cut + " --to folded -o " + cut + "");
-  EXPECT_EQ(onItself.status, 2);
-  EXPECT_NE(onItself.said.find("is the input itself"), std::string::npos) << onItself.said;
+}
+
+TEST_F(ExportVerb, NeverOverwritesAFileThatItReads) {
+  const std::string first = file("a.json", kProfileDocument);
+  const std::string second = file("b.json", kProfileDocument);
+  const std::string layout = file("b.json.layout.json", R"({"mappings":[]})");
+  const std::string page = file("page.html", "<body><!--documents-->");
+  const std::string link = _folder.path() + "/link";
+  std::filesystem::create_hard_link(second, link);
+  const std::string both = first + " " + second;
+  for (const std::string& run : {
+           "export " + both + " --to folded -o " + first,
+           "export " + both + " --to folded -o " + second,
+           "export " + both + " --to folded -o " + link,
+           "export " + both + " --to folded -o " + layout,
+           "export - --to folded -o " + second + " <" + second,
+           "view " + both + " --page " + page + " -o " + link,
+           "view " + both + " --page " + page + " -o " + layout,
+           "view " + both + " --page " + page + " -o " + page,
+       }) {
+    const auto refused = ::runZelkit(run);
+    EXPECT_EQ(refused.status, 2) << run;
+    EXPECT_NE(refused.said.find("is the input itself"), std::string::npos) << run << refused.said;
+  }
+  std::ifstream kept(second);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), kProfileDocument);
 }
 
 TEST_F(ExportVerb, EscapesNamesOfDocumentsInAPage) {

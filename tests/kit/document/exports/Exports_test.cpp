@@ -110,14 +110,77 @@ void expectEvenColumns(const Json& table) {
   }
 }
 
-Stacks firefoxStacks(const Json& file) {
+/// The numbers of a column index a list or a table of that length; null and, where it may, -1 stand for none.
+void expectIndices(const Json& column, rapidjson::SizeType length, int least = 0) {
+  for (const Json& index : column.GetArray()) {
+    if (index.IsNull()) continue;
+    EXPECT_GE(index.GetInt(), least);
+    EXPECT_LT(index.GetInt(), static_cast<int>(length));
+  }
+}
+
+/// Every column that refers to a table stays within it, and every table has columns of one length.
+void expectSoundTables(const Json& file) {
   const Json& shared = file["shared"];
-  for (const auto& table : shared.GetObject())
-    if (table.value.IsObject()) expectEvenColumns(table.value);
-  Stacks stacks;
+  std::map<std::string, rapidjson::SizeType> lengths = {{"libs", file["libs"].Size()},
+                                                        {"stringArray", shared["stringArray"].Size()},
+                                                        {"categories", file["meta"]["categories"].Size()}};
+  for (const auto& table : shared.GetObject()) {
+    if (!table.value.IsObject()) continue;
+    expectEvenColumns(table.value);
+    lengths[table.name.GetString()] = table.value["length"].GetUint();
+  }
+  struct Reference {
+    const char* table;
+    const char* column;
+    const char* target;
+    int least;
+  };
+  for (const Reference& reference : std::vector<Reference>{{"stackTable", "frame", "frameTable", 0},
+                                                           {"frameTable", "category", "categories", 0},
+                                                           {"frameTable", "func", "funcTable", 0},
+                                                           {"frameTable", "lib", "libs", -1},
+                                                           {"frameTable", "nativeSymbol", "nativeSymbols", 0},
+                                                           {"funcTable", "name", "stringArray", 0},
+                                                           {"funcTable", "resource", "resourceTable", -1},
+                                                           {"funcTable", "source", "sources", 0},
+                                                           {"nativeSymbols", "libIndex", "libs", 0},
+                                                           {"nativeSymbols", "name", "stringArray", 0},
+                                                           {"resourceTable", "lib", "libs", 0},
+                                                           {"resourceTable", "name", "stringArray", 0},
+                                                           {"sources", "filename", "stringArray", 0}}) {
+    SCOPED_TRACE(std::string(reference.table) + " " + reference.column);
+    expectIndices(shared[reference.table][reference.column], lengths[reference.target], reference.least);
+  }
+  // A frame names its library, its function's resource and its symbol's library alike.
+  const Json& frames = shared["frameTable"];
+  for (rapidjson::SizeType i = 0; i < lengths["frameTable"]; ++i) {
+    EXPECT_EQ(frames["lib"][i], shared["funcTable"]["resource"][frames["func"][i].GetUint()]);
+    if (const Json& symbol = frames["nativeSymbol"][i]; !symbol.IsNull()) {
+      EXPECT_EQ(frames["lib"][i], shared["nativeSymbols"]["libIndex"][symbol.GetUint()]);
+    }
+  }
+  const Json& offsets = shared["stackTable"]["prefixOffset"];
+  for (rapidjson::SizeType i = 0; i < offsets.Size(); ++i) EXPECT_LE(offsets[i].GetUint(), i);
   for (const Json& thread : file["threads"].GetArray()) {
     expectEvenColumns(thread["samples"]);
     expectEvenColumns(thread["markers"]);
+    expectIndices(thread["samples"]["stack"], lengths["stackTable"]);
+    expectIndices(thread["markers"]["name"], lengths["stringArray"]);
+    expectIndices(thread["markers"]["category"], lengths["categories"]);
+  }
+  for (const Json& counter : file["counters"].GetArray()) {
+    expectEvenColumns(counter["samples"]);
+    const Json& owner = file["threads"][counter["mainThreadIndex"].GetUint()];
+    EXPECT_EQ(owner["pid"], counter["pid"]);
+  }
+}
+
+Stacks firefoxStacks(const Json& file) {
+  expectSoundTables(file);
+  const Json& shared = file["shared"];
+  Stacks stacks;
+  for (const Json& thread : file["threads"].GetArray()) {
     for (const Json& sample : thread["samples"]["stack"].GetArray()) {
       std::vector<std::string> names;
       for (unsigned at = sample.GetUint(), offset = 1; offset != 0; at -= offset) {
@@ -330,6 +393,7 @@ TEST(Firefox, JoinsAProfileAndATimechart) {
   std::size_t at = 0;
   while ((at = profile.find(",5,8,[[")) != std::string::npos) profile.replace(at, 7, ",5,11,[[");
   const rapidjson::Document file = parsed(exported("firefox", {profile, kTimechartDocument}));
+  expectSoundTables(file);
   EXPECT_EQ(file["meta"]["preprocessedProfileVersion"].GetInt(), 70);
   EXPECT_STREQ(file["meta"]["categories"][0]["color"].GetString(), "grey");
   const Json* shared = nullptr;
