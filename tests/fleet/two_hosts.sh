@@ -5,7 +5,7 @@
 set -euo pipefail
 zelkit=$(realpath "$1")
 recording=$(realpath "$2")
-count=${3:-24}
+count=${3:-16}
 top=$(cd "$(dirname "$0")/../.." && pwd)
 work=$(mktemp -d)
 prefix=zf$$
@@ -66,6 +66,19 @@ chmod +x "$work/zelkit"
 
 export ZELKIT=$work/zelkit
 export FLEET_SSH_OPTIONS="-i $work/key -o StrictHostKeyChecking=no -o UserKnownHostsFile=/dev/null -o LogLevel=ERROR"
+
+# tell WHAT START: prints how long the run took since then
+tell() {
+    awk -v what="$1" -v start="$2" -v end="$EPOCHREALTIME" -v count="$count" -v starts="$(wc -l <"$work/starts")" \
+        'BEGIN { printf "%s: %d recordings in %.1f s, %.2f a second, %d begun twice\n",
+                 what, count, end - start, count / (end - start), starts - count }'
+}
+
+start=$EPOCHREALTIME
+"$top/examples/fleet/convert.sh" "$work/recordings" "$work/undisturbed" "$work/hosts"
+tell "two hosts" "$start"
+: >"$work/starts"
+
 start=$EPOCHREALTIME
 "$top/examples/fleet/convert.sh" "$work/recordings" "$work/documents" "$work/hosts" &
 run=$!
@@ -77,8 +90,7 @@ done
 kill_host 2
 wait "$run" || fail "the run failed"
 run=
-awk -v start="$start" -v end="$EPOCHREALTIME" -v count="$count" -v starts="$(wc -l <"$work/starts")" \
-    'BEGIN { printf "%d recordings in %.1f s, %d begun twice, as their host died\n", count, end - start, starts - count }'
+tell "one of which dies" "$start"
 
 documents=$(find "$work/documents" -name 'r*.json' ! -name '*.layout.json' | wc -l)
 [ "$documents" = "$count" ] || fail "$documents documents of $count recordings"
