@@ -1,5 +1,7 @@
 #include "timechart/ChartSeries.h"
 
+#include <utility>
+
 #include "timechart/TimeOrder.h"
 
 ChartSamples ChartSeries::inTimeOrder() const {
@@ -9,7 +11,10 @@ ChartSamples ChartSeries::inTimeOrder() const {
 }
 
 ChartSamples ChartSeries::changes() const {
-  ChartSamples changes;
-  for (const ChartEntryS& sample : inTimeOrder()) addChange(changes, sample.time, sample.value);
-  return changes;
+  ChartSamples samples = inTimeOrder();
+  unsigned int last = 0;
+  std::erase_if(samples, [&last](const ChartEntryS& sample) {
+    return std::exchange(last, sample.value) == sample.value;
+  });
+  return samples;
 }

@@ -45,7 +45,9 @@ class TwoFunctions : public SymbolSource {
       : _start(start), _first(first), _second(second) {}
 
   std::size_t find(unsigned long long address) const override {
-    return address >= _start && address < _start + 0x200 ? (address - _start) / 0x100 : kNone;
+    return address >= _start && address < _start + 0x200
+               ? static_cast<std::size_t>((address - _start) / 0x100)
+               : kNone;
   }
   Symbol at(std::size_t number) override {
     return {.start = _start + 0x100 * number, .size = 0xFF, .name = number == 0 ? _first : _second};
