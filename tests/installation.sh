@@ -48,17 +48,17 @@ DESTDIR=$work/cmake cmake --install "$build" --prefix /opt/zelconv >/dev/null
 (check "$work/cmake/opt/zelconv")
 echo "cmake --install: $(find "$work/cmake" -type f | wc -l) files, they work"
 
-mkdir -p "$work/root/var/lib/dpkg"
-touch "$work/root/var/lib/dpkg/status"
+mkdir -p "$work/installed/var/lib/dpkg"
+touch "$work/installed/var/lib/dpkg/status"
 dpkg_in_root() {
-    dpkg --root="$work/root" --log=/dev/null --force-not-root --force-depends --force-script-chrootless "$@"
+    dpkg --root="$work/installed" --log=/dev/null --force-not-root --force-depends --force-script-chrootless "$@"
 }
 dpkg_in_root --install "${packages[@]}" >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not install"; }
 for package in zelconv zelkit; do
-    [ "$(dpkg-query --admindir="$work/root/var/lib/dpkg" -Wf '${Version}' $package)" = "$version-1" ] ||
+    [ "$(dpkg-query --admindir="$work/installed/var/lib/dpkg" -Wf '${Version}' $package)" = "$version-1" ] ||
         fail "the package $package has another version than $version-1"
 done
-(check "$work/root/usr")
-echo "packages: $(find "$work/root/usr" -type f | wc -l) files, they work"
+(check "$work/installed/usr")
+echo "packages: $(find "$work/installed/usr" -type f | wc -l) files, they work"
 dpkg_in_root --purge zelconv zelkit >"$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg could not remove"; }
-[ ! -e "$work/root/usr" ] || fail "the removed packages left $(find "$work/root/usr" | tail -1)"
+[ ! -e "$work/installed/usr" ] || fail "the removed packages left $(find "$work/installed/usr" | tail -1)"
