@@ -22,8 +22,8 @@ class AddressMover {
   /// See Places.
   void limit(std::uint64_t kernelStart) { _places.limit(kernelStart); }
 
-  /// Returns how the addresses around this one move, or null if no mapping holds it. The answer lasts until
-  /// the next one.
+  /// Returns how the addresses around this one move, or null if no mapping contains it. Valid until the next
+  /// call.
   const Process::Shift* shiftOf(Process& process, std::uint64_t address) {
     const Process::Shift* known = process.knownShift(address);
     return known != nullptr ? known : learnShift(process, address);
@@ -34,7 +34,7 @@ class AddressMover {
     return _places.keep(process.pid, address);
   }
 
-  /// Returns the new address of any one.
+  /// Returns the new address of any address.
   std::uint64_t moved(Process& process, std::uint64_t address) {
     const Process::Shift* shift = shiftOf(process, address);
     return shift != nullptr ? address + shift->shift : keep(process, address);
