@@ -42,3 +42,10 @@ export const functionsOf = (document) =>
       const [self, total, name] = line.split('\t');
       return { self: Number(self), total: Number(total), name };
     });
+
+/** Own samples by name, as programs count them that take functions of one name for one. */
+export function samplesByName(document) {
+  const samples = new Map();
+  for (const { self, name } of functionsOf(document)) samples.set(name, (samples.get(name) ?? 0) + self);
+  return samples;
+}

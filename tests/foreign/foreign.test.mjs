@@ -10,7 +10,7 @@ import {gunzipSync} from 'node:zlib';
 
 import {keepPicture, openPage, useBrowser} from '../viewer/browser/browser.mjs';
 
-import {exported, functionsOf, modules, profiles, root, run, samplesOf, timecharts, zelkit} from './exports.mjs';
+import {exported, functionsOf, modules, profiles, root, run, samplesByName, samplesOf, timecharts, zelkit} from './exports.mjs';
 
 useBrowser();
 const Ajv = createRequire(join(modules, 'index.js'))('ajv');
@@ -33,10 +33,7 @@ for (const document of profiles) {
     const environment = {...process.env, HOME: tmpdir(), GOFLAGS: '-mod=mod' };
     const top = run('go', ['tool', 'pprof', '-top', '-nodecount=100000', file], { env: environment });
     assert.equal(Number(/ of (\d+) total/.exec(top)[1]), samplesOf(document), top.slice(0, 300));
-    // Functions of one name are one row there.
-    const expected = new Map();
-    for (const { self, name: label } of functionsOf(document))
-      expected.set(label, (expected.get(label) ?? 0) + self);
+    const expected = samplesByName(document);
     const rows = [...top.matchAll(/^ *(\d+) +[\d.]+% +[\d.]+% +(\d+) +[\d.]+%  (.+?)( \(inline\))?$/gm)];
     assert(rows.length >= Math.min(10, expected.size), top);
     for (const [, flat, , label] of rows.slice(0, 10)) assert.equal(Number(flat), expected.get(label), label);

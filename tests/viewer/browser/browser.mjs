@@ -34,17 +34,18 @@ export function useBrowser() {
  * Opens the page in a window of its own; `complaints` holds what went wrong there, and any request that it
  * made.
  */
-export async function openPage({fragment = '', file = page, ...options} = {}) {
+export async function openPage(
+    {fragment = '', file = page, url = pathToFileURL(file).href, ...options} = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 720 }, ...options });
   const opened = await context.newPage();
   opened.complaints = [];
   opened.on('pageerror', (error) => opened.complaints.push(error.message));
   opened.on('console', (message) => message.type() === 'error' && opened.complaints.push(message.text()));
   opened.on('request', (request) => {
-    if (!/^(blob|data):/.test(request.url()) && !request.url().startsWith(pathToFileURL(file).href))
+    if (!/^(blob|data):/.test(request.url()) && !request.url().startsWith(url))
       opened.complaints.push(request.url());
   });
-  await opened.goto(pathToFileURL(file).href + fragment);
+  await opened.goto(url + fragment);
   return opened;
 }
 
