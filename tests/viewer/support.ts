@@ -76,14 +76,12 @@ export function stackText(profile: Profile, node: number): string {
   return names.reverse().join(';');
 }
 
-/** One line a sample: time, core, thread, address, stack. */
+/** One line a sample: time, core, thread, stack. */
 export function sampleLines(profile: Profile): string[] {
   const { samples, threads } = profile;
   return Array.from({ length: samples.count }, (_, i) => {
     const thread = threads[samples.threads[i]];
-    const address = (BigInt(samples.addressHigh[i]) << 32n) | BigInt(samples.addressLow[i]);
     const stack = stackText(profile, samples.stacks[i]);
-    return `${samples.times[i]} core${samples.cores[i]} ${thread.name}/${thread.tid} ${
-        address.toString(16)} ${stack}`;
+    return `${samples.times[i]} core${samples.cores[i]} ${thread.name}/${thread.tid} ${stack}`;
   });
 }

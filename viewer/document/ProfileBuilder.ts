@@ -63,11 +63,6 @@ export class ProfileBuilder {
   private build({ samples, stacks, weight }: Columns, damage: Damage|null): Profile {
     const byKey = new Map(this.processes.map((row) => [row.key, row]));
     const threads = this.samples.threads.map((thread) => this.thread(byKey, thread.process, thread.tid));
-    if (this.layout !== null) {
-      for (let i = 0; i < samples.count; ++i) {
-        this.layout.correct(threads[samples.threads[i]].pid, samples.addressHigh, samples.addressLow, i);
-      }
-    }
     return {
       kind: 'profile',
       name: this.name,

@@ -1,4 +1,3 @@
-import {type Address, toAddress} from './address';
 import type {Value} from './json';
 import type {Reader} from './Reader';
 
@@ -49,8 +48,6 @@ export class Row {
     if (typeof value === 'number' && Number.isInteger(value) && value >= 0) return value;
     return typeof value === 'bigint' && value >= 0n && value < 2n ** 64n ? value : this.fail();
   }
-
-  halves(position: number): Address { return toAddress(this.address(position)); }
 
   fail(): never {
     this.reader.pos = this.start;

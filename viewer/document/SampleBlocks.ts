@@ -66,8 +66,7 @@ export class SampleBlocks {
     for (let i = 0; i < pairs.length; i += 2) {
       const back = row.checked(pairs[i]);
       if (back === 0 || back > table.count) row.fail();
-      const { high, low } = toAddress(row.checkedAddress(pairs[i + 1] ?? null));
-      table.add(table.count - back, high, low);
+      table.add(table.count - back, toAddress(row.checkedAddress(pairs[i + 1] ?? null)).low);
     }
   }
 
@@ -75,19 +74,19 @@ export class SampleBlocks {
     const { sites, traces, samples } = this;
     if (core > 0xffff || thread >= this.threads.length || site >= sites.count || trace >= traces.count)
       row.fail();
-    const key = sites.low[sites.parents[site]];
+    const key = sites.keys[sites.parents[site]];
     let depth = 0;
     let node = trace;
     // The node below the root says how many entries the back-trace has, and whether the first is the sample's
     // own.
     for (; traces.parents[node] !== 0; node = traces.parents[node]) {
-      if (traces.low[node] === cutKey) row.fail();
-      samples.pushFrame(depth++, traces.low[node]);
+      if (traces.keys[node] === cutKey) row.fail();
+      samples.pushFrame(depth++, traces.keys[node]);
     }
     const { process, tid } = this.threads[thread];
-    const entries = traces.low[node] >>> 1;
-    const own = (traces.low[node] & 1) === 1 && depth > 0;
+    const entries = traces.keys[node] >>> 1;
+    const own = (traces.keys[node] & 1) === 1 && depth > 0;
     const seconds = this.time / nanosecondsPerSecond;
-    samples.add(sites.high[site], sites.low[site], key, seconds, core, process, tid, depth, entries, own);
+    samples.add(key, seconds, core, process, tid, depth, entries, own);
   }
 }

@@ -29,8 +29,6 @@ export class SampleColumns {
   private cores = new Uint16Array(1 << 12);
   private sampleThreads = new Uint32Array(1 << 12);
   private nodes = new Uint32Array(1 << 12);
-  private high = new Uint32Array(1 << 12);
-  private low = new Uint32Array(1 << 12);
   private stacks = new StackTable();
   private readonly threadIndex = new Map<number, Map<number, number>>();
   /** The latest thread; most samples have the thread of one before them. */
@@ -50,8 +48,6 @@ export class SampleColumns {
    * of contexts included; `own` says that the first one is the sample's own place, which `key` names.
    */
   add(
-      high: number,
-      low: number,
       key: number,
       time: number,
       core: number,
@@ -76,8 +72,6 @@ export class SampleColumns {
     this.cores[at] = core;
     this.sampleThreads[at] = this.thread(process, tid);
     this.nodes[at] = node;
-    this.high[at] = high;
-    this.low[at] = low;
     this.count = at + 1;
   }
 
@@ -100,8 +94,6 @@ export class SampleColumns {
       cores: pick(this.cores),
       threads: pick(this.sampleThreads),
       stacks: nodes.map((node) => position[node]),
-      addressHigh: pick(this.high),
-      addressLow: pick(this.low),
     });
   }
 
@@ -115,16 +107,13 @@ export class SampleColumns {
       cores: this.cores.subarray(0, count),
       threads: this.sampleThreads.subarray(0, count),
       stacks: this.nodes.subarray(0, count),
-      addressHigh: this.high.subarray(0, count),
-      addressLow: this.low.subarray(0, count),
     });
   }
 
   private ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
     const order = timeOrder(samples.times);
     if (order !== null) {
-      const columns = [samples.times, samples.cores, samples.threads, samples.stacks];
-      for (const column of [...columns, samples.addressHigh, samples.addressLow]) {
+      for (const column of [samples.times, samples.cores, samples.threads, samples.stacks]) {
         const before = column.slice();
         for (let i = 0; i < order.length; ++i) column[i] = before[order[i]];
       }
@@ -202,8 +191,6 @@ export class SampleColumns {
     this.cores = grown(this.cores, capacity);
     this.sampleThreads = grown(this.sampleThreads, capacity);
     this.nodes = grown(this.nodes, capacity);
-    this.high = grown(this.high, capacity);
-    this.low = grown(this.low, capacity);
   }
 }
 

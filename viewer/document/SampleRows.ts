@@ -26,8 +26,6 @@ const mostDigits = lastAddressDigits.length;
 export class SampleRows {
   /** Position of the fast loops. */
   private at = 0;
-  private high = 0;
-  private low = 0;
 
   constructor(
       private readonly reader: Reader,
@@ -54,8 +52,8 @@ export class SampleRows {
     const { samples } = this;
     if (bytes[this.at++] !== Byte.OpenArray || this.whole(bytes) < 0) return false;
     const addressStart = this.at;
-    if (!this.address(bytes)) return false;
-    const { high, low } = this;
+    if (!this.skipAddress(bytes)) return false;
+    this.at++;
     const key = this.whole(bytes);
     const time = this.decimal(bytes);
     const core = this.whole(bytes);
@@ -69,7 +67,7 @@ export class SampleRows {
     let own = false;
     while (bytes[this.at] === Byte.OpenArray) {
       const start = ++this.at;
-      if (!this.skipDigits(bytes)) return false;
+      if (!this.skipAddress(bytes)) return false;
       const end = this.at++;
       const frame = this.lastWhole(bytes);
       if (frame < 0) return false;
@@ -87,7 +85,7 @@ export class SampleRows {
     if (bytes[this.at] === Byte.Comma) this.at++;
     if (bytes[this.at++] !== Byte.CloseArray || bytes[this.at++] !== Byte.Comma) return false;
     if (bytes[this.at] !== Byte.OpenArray) return false;
-    samples.add(high, low, key, time, core, process, tid, depth, entries, own);
+    samples.add(key, time, core, process, tid, depth, entries, own);
     return true;
   }
 
@@ -100,7 +98,6 @@ export class SampleRows {
     const another = anotherElement(reader);
     const row = new Row(reader, start, 'samples', value);
     const address = row.address(1);
-    const { high, low } = row.halves(1);
     const key = row.whole(2);
     const core = row.whole(4);
     if (core > 0xffff || key === cutKey) row.fail();
@@ -116,7 +113,7 @@ export class SampleRows {
       samples.pushFrame(depth++, frame);
     }
     row.whole(0);
-    samples.add(high, low, key, row.number(3), core, row.whole(5), row.whole(6), depth, trace.length, own);
+    samples.add(key, row.number(3), core, row.whole(5), row.whole(6), depth, trace.length, own);
     return another;
   }
 
@@ -144,32 +141,8 @@ export class SampleRows {
     return value;
   }
 
-  /** Reads an address of 64 bits and its comma. */
-  private address(bytes: Uint8Array): boolean {
-    const start = this.at;
-    let i = start;
-    let value = 0;
-    let digit = 0;
-    const exactEnd = start + exactDigits;
-    for (; i < exactEnd && (digit = bytes[i] - Byte.Zero) >= 0 && digit <= 9; ++i) value = value * 10 + digit;
-    let high = Math.floor(value / 2 ** 32);
-    let low = value - high * 2 ** 32;
-    for (; (digit = bytes[i] - Byte.Zero) >= 0 && digit <= 9; ++i) {
-      const next = low * 10 + digit;
-      const carry = Math.floor(next / 2 ** 32);
-      low = next - carry * 2 ** 32;
-      high = high * 10 + carry;
-    }
-    this.high = high;
-    this.low = low;
-    this.at = i + 1;
-    const size = i - start;
-    if (size === 0 || size > mostDigits || (size > 1 && bytes[start] === Byte.Zero)) return false;
-    return high < 2 ** 32 && bytes[i] === Byte.Comma;
-  }
-
   /** Passes over the digits of an address; they must be followed by a comma. */
-  private skipDigits(bytes: Uint8Array): boolean {
+  private skipAddress(bytes: Uint8Array): boolean {
     const start = this.at;
     let i = start;
     while (bytes[i] >= Byte.Zero && bytes[i] <= Byte.Nine) ++i;

@@ -1,7 +1,5 @@
 /** Where moved mappings were on the device, see docs/layout-file.md. */
 
-import {toBigInt} from './address';
-
 interface Mapping {
   readonly pid: number;
   readonly start: bigint;
@@ -57,12 +55,5 @@ export class LayoutFile {
     const mapping = mappings[from - 1];
     if (mapping === undefined || address >= mapping.start + mapping.size) return address;
     return address - mapping.start + mapping.original;
-  }
-
-  /** Corrects the columns of samples of one process in place. */
-  correct(pid: number, high: Uint32Array, low: Uint32Array, index: number): void {
-    const original = this.original(pid, toBigInt(high[index], low[index]));
-    high[index] = Number(original >> 32n);
-    low[index] = Number(original & 0xffffffffn);
   }
 }

@@ -59,8 +59,6 @@ export interface Samples {
   readonly threads: Uint32Array;
   /** Node of Profile.stacks: the innermost frame. */
   readonly stacks: Uint32Array;
-  readonly addressHigh: Uint32Array;
-  readonly addressLow: Uint32Array;
 }
 
 /**

@@ -1,6 +1,6 @@
 import type {Direction} from '../model/axis';
 import {button, div, element, searchField, shortName, span} from '../views/dom';
-import type {Reading, State, Store} from '../views/store';
+import type {Change, Reading, State, Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, scaleOf, setBrush, timeKey} from '../views/timeAxis';
 import type {App, View} from '../views/View';
 import {copyText, savePicture} from './copy';
@@ -13,8 +13,10 @@ interface Mounted {
   readonly host: HTMLElement;
   /** The tab of a detail view. */
   readonly tab: HTMLElement|null;
-  /** What changed since the view was drawn last; a hidden one is not drawn. */
-  readonly stale: Set<keyof State>;
+  /** What changed since the view was drawn last. */
+  readonly stale: Set<Change>;
+  /** Draws the view unless it is hidden. */
+  readonly paint: () => void;
 }
 
 /**
@@ -165,12 +167,19 @@ export class Shell implements App {
       this.detailZone.append(host);
     }
     view.mount(host, this);
-    return { view, host, tab, stale: new Set() };
+    const stale = new Set<Change>();
+    const paint = () => {
+      if (host.hidden) return;
+      view.draw(this.store.state, stale);
+      stale.clear();
+    };
+    return { view, host, tab, stale, paint };
   }
 
-  private commit(state: State, changed: ReadonlySet<keyof State>): void {
-    this.welcome.hidden = state.profile !== null || state.timechart !== null;
-    this.main.hidden = !this.welcome.hidden;
+  private commit(state: State, changed: ReadonlySet<Change>): void {
+    const appears = this.main.hidden;
+    this.main.hidden = state.profile === null && state.timechart === null;
+    this.welcome.hidden = !this.main.hidden;
     if (changed.has('readings')) this.drawReadings(state.readings);
     if (changed.has('search') && document.activeElement !== this.search) this.search.value = state.search;
     if (changed.has('profile') || changed.has('timechart')) this.compareClocks(state);
@@ -178,24 +187,24 @@ export class Shell implements App {
     this.brush.hidden = brush === null;
     if (brush !== null) this.brush.textContent = `${describeSpan(brush)} ✕`;
     const panel = this.panel();
-    // Sizes first: a view that appears takes room from the others.
+    const views = new Set(changed);
+    views.delete('readings');
     for (const mounted of this.mounted) {
-      const { view, host, tab, stale } = mounted;
+      const { view, host, tab } = mounted;
       const hidden = !view.available(state) || (tab !== null && mounted !== panel);
       if (tab !== null) {
         tab.hidden = !view.available(state);
         tab.setAttribute('aria-selected', String(!hidden));
         tab.tabIndex = hidden ? -1 : 0;
       }
-      for (const key of changed) stale.add(key);
-      if (host.hidden === hidden) continue;
+      // A view that appears takes room from the others.
+      if (host.hidden !== hidden) views.add('size');
       host.hidden = hidden;
-      this.store.refresh();
     }
-    for (const { view, host, stale } of this.mounted) {
-      if (host.hidden) continue;
-      view.draw(state, stale);
-      stale.clear();
+    for (const { stale, paint } of this.mounted) {
+      for (const key of views) stale.add(key);
+      // Once the views have their sizes, the observer has them painted.
+      if (stale.size > 0 && !appears) this.store.repaint(paint);
     }
   }
 

@@ -6,7 +6,7 @@ import {coreOf, describeLane, sliceOn, taskOf} from './laneFacts';
 import {LanePictures, type PlacedLane} from './LanePictures';
 import {laneHeight} from './laneRaster';
 import {selectBeside, selectRun} from './runs';
-import type {State} from './store';
+import type {Change, State} from './store';
 import {gutter, setBrush, shownExtent, showTime} from './timeAxis';
 import {TimeStage} from './TimeStage';
 import {type App, nextOf, type View} from './View';
@@ -51,9 +51,9 @@ export class LanesView implements View {
     });
   }
 
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
-    const any = (...keys: (keyof State)[]) => keys.some((key) => changed.has(key));
-    const moved = any('timechart', 'lanes', 'profile', 'readings');
+  draw(state: State, changed: ReadonlySet<Change>): void {
+    const any = (...keys: Change[]) => keys.some((key) => changed.has(key));
+    const moved = any('timechart', 'lanes', 'profile', 'size');
     if (moved) this.place(state);
     if (moved || any('visible')) this.pictures.paint(this.placed, state, this.stage.width, this.stage.height);
     if (moved || any('search', 'cursor')) this.label(state);

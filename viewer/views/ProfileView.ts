@@ -6,7 +6,7 @@ import {button, div, element, isDark, searchField, span, swatch} from './dom';
 import {folded} from './folded';
 import {kindColour, kindNames} from './placeColours';
 import {formatCount, formatPart} from './placeLook';
-import type {State} from './store';
+import type {Change, State} from './store';
 import type {App, View} from './View';
 
 /** A colour on a light or a dark page, and what it means. */
@@ -52,8 +52,8 @@ export abstract class ProfileView implements View {
     this.fill(host);
   }
 
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
-    if (!['profile', 'filter', 'search', ...this.more].some((key) => changed.has(key as keyof State))) return;
+  draw(state: State, changed: ReadonlySet<Change>): void {
+    if (!['profile', 'filter', 'search', ...this.more].some((key) => changed.has(key as Change))) return;
     const before = this.selection as Selection | undefined;
     this.model = state.profile!;
     this.selection = this.model.selection(state.filter);

@@ -4,7 +4,7 @@ import type {Selection} from '../model/Selection';
 import {element, fitCanvas, isDark, shortName, span} from './dom';
 import {groundColours, Pixels} from './laneRaster';
 import {formatCount} from './placeLook';
-import type {State} from './store';
+import type {Change, State} from './store';
 import {brushOf, gutter, scaleOf, setBrush, shownExtent} from './timeAxis';
 import {TimeStage} from './TimeStage';
 import type {App, View} from './View';
@@ -58,7 +58,7 @@ export class TimelineView implements View {
     });
   }
 
-  draw(state: State, changed: ReadonlySet<keyof State>): void {
+  draw(state: State, changed: ReadonlySet<Change>): void {
     const model = state.profile!;
     if (model.profile !== this.profile) {
       this.profile = model.profile;
@@ -70,7 +70,7 @@ export class TimelineView implements View {
     const selection = model.selectionOfAllTime(state.filter);
     if (selection !== this.selection) this.listed = [];
     this.selection = selection;
-    if (this.listed.length === 0 || changed.has('readings'))
+    if (this.listed.length === 0 || changed.has('size'))
       this.show();
     else if (changed.has('visible') || changed.has('timechart'))
       this.paint();
@@ -114,11 +114,11 @@ export class TimelineView implements View {
     const { top, height } = this.stage;
     const first = Math.floor(top / rowHeight);
     this.list(this.rows.slice(first, Math.ceil((top + height) / rowHeight)));
-    this.paint();
     this.label(first, top);
+    this.app.store.repaint(this.paint);
   };
 
-  private paint(): void {
+  private readonly paint = (): void => {
     const { stage, picture, profile } = this;
     const { top, width, height } = stage;
     const first = Math.floor(top / rowHeight);
@@ -147,7 +147,7 @@ export class TimelineView implements View {
       });
     });
     picture.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
-  }
+  };
 
   /** Finds the samples of the rows in sight, which many repaints have in common. */
   private list(rows: readonly TimeRow[]): void {

@@ -1,7 +1,7 @@
 /** What every panel of the page is. */
 
 import type {Direction} from '../model/axis';
-import type {State, Store} from './store';
+import type {Change, State, Store} from './store';
 
 export interface App {
   readonly store: Store;
@@ -27,7 +27,7 @@ export interface View {
    * Paints the committed state. `changed` names what differs since this view's last call; all after a
    * resize.
    */
-  draw(state: State, changed: ReadonlySet<keyof State>): void;
+  draw(state: State, changed: ReadonlySet<Change>): void;
   /** Handles a key press while the view has the focus; returns whether it did. */
   key?(event: KeyboardEvent): boolean;
   /**

@@ -50,10 +50,16 @@ export interface State {
   readonly mark: number|null;
 }
 
-type Listener = (state: State, changed: ReadonlySet<keyof State>) => void;
+/** A member of the state, or the room of the views on the page. */
+export type Change = keyof State|'size';
+
+type Listener = (state: State, changed: ReadonlySet<Change>) => void;
+
+/** Milliseconds of a frame for painting: what is left then is painted with the next ones. */
+const paintTime = 8;
 
 export class Store {
-  private pending = new Set<keyof State>();
+  private pending = new Set<Change>();
   private frame = 0;
   private readonly listeners: Listener[] = [];
   private readonly repaints = new Set<() => void>();
@@ -78,13 +84,13 @@ export class Store {
     this.set({ filter: {...this.current.filter, ...change }, run });
   }
 
-  /** Has every view painted with the next frame, such as after a resize. */
+  /** Has every view painted anew, such as after a resize. */
   refresh(): void {
-    for (const key of Object.keys(this.current) as (keyof State)[]) this.pending.add(key);
+    this.pending = new Set([...Object.keys(this.current) as (keyof State)[], 'size']);
     this.schedule();
   }
 
-  /** Calls `paint` once with the next frame: for state within a view, such as its own zoom. */
+  /** Calls `paint` once with one of the next frames; those that were asked for first come first. */
   repaint(paint: () => void): void {
     this.repaints.add(paint);
     this.schedule();
@@ -102,8 +108,12 @@ export class Store {
     this.pending = new Set();
     if (changed.size > 0)
       for (const listener of this.listeners) listener(this.current, changed);
-    const repaints = [...this.repaints];
-    this.repaints.clear();
-    for (const paint of repaints) paint();
+    const end = performance.now() + paintTime;
+    for (const paint of this.repaints) {
+      this.repaints.delete(paint);
+      paint();
+      if (performance.now() >= end) break;
+    }
+    if (this.repaints.size > 0) this.schedule();
   }
 }
