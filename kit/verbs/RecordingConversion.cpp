@@ -1,6 +1,5 @@
 #include "verbs/RecordingConversion.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 
 namespace zelkit {
@@ -24,16 +23,14 @@ Status nothing(const Recording& recording, const std::string& mode) {
 
 }  // namespace
 
-void ConversionOptions::addTo(CLI::App& command) {
-  command.add_option("--mode", mode, "profile, timechart or both; without it what the recording has")
-      ->check(CLI::IsMember({"profile", "timechart", "both"}));
-  command.add_option("--machine", machine,
-                     "folder with kallsyms, softirqs, uptime, trace and files of the device");
-  command.add_option("--symbols", request.symbolFolders, "folder with programs and libraries, repeatable");
-  command.add_option("--event", event, "the event whose samples the profile shows; the first without it");
-  command.add_option("--depth", request.depth, "entries of a back-trace that are kept")
-      ->check(CLI::Range(1, 127))
-      ->capture_default_str();
+void ConversionOptions::addTo(VerbOptions& options) {
+  options.addChoice("--mode", mode, {"profile", "timechart", "both"},
+                    "what to make; without it what the recording has");
+  options.addText("--machine", machine,
+                  "folder with kallsyms, softirqs, uptime, trace and files of the device");
+  options.addTexts("--symbols", request.symbolFolders, "folder with programs and libraries, repeatable");
+  options.addText("--event", event, "the event whose samples the profile shows; the first without it");
+  options.addNumber("--depth", request.depth, 1, 127, "entries of a back-trace that are kept");
 }
 
 Status convertRecording(const std::string& input, const ConversionOptions& options,

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "verbs/CommandLine.h"
 #include "verbs/Conversion.h"
 
 namespace zelkit {
@@ -17,7 +18,7 @@ struct ConversionOptions {
   ConversionRequest request;
 
   /// Adds the options that all converting verbs have.
-  void addTo(CLI::App& command);
+  void addTo(VerbOptions& options);
 };
 
 /// A document made by a conversion.

@@ -4,9 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+#include "verbs/CommandLine.h"
 
 namespace zelkit {
 
@@ -24,8 +22,8 @@ class Verb {
   const std::string& name() const { return _name; }
   const std::string& description() const { return _description; }
 
-  /// Adds the verb's options to its subcommand. Their variables must outlive the parse, so they are members.
-  virtual void addOptions(CLI::App& command) = 0;
+  /// Adds the verb's options. Their variables must outlive the parse, so they are members.
+  virtual void addOptions(VerbOptions& options) = 0;
 
   /// Runs the verb. Throws failures as std::runtime_error with "FILE: reason", which main prints.
   virtual Status run() = 0;

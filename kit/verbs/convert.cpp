@@ -1,6 +1,5 @@
 // zelkit convert RECORDING|CAPTURE: converts a recording to documents.
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "document/OutputFile.h"
@@ -23,13 +22,13 @@ class ConvertVerb : public Verb {
   ConvertVerb()
       : Verb("convert", "converts any perf.data or capture of a device to documents for the viewer") {}
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar")->required();
-    command.add_option("-o", _output, "the document; a second one is written to X.timechart.json")
-        ->capture_default_str();
-    _options.addTo(command);
-    command.add_option("--report", _report, "file for the account of the run, as JSON");
-    command.add_option("ZELCONV_OPTIONS", _options.request.engineOptions, "options of zelconv, after --");
+  void addOptions(VerbOptions& options) override {
+    options.addText("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar",
+                    VerbOptions::Need::kRequired);
+    options.addText("-o", _output, "the document; a second one is written to X.timechart.json");
+    _options.addTo(options);
+    options.addText("--report", _report, "file for the account of the run, as JSON");
+    options.addTexts("ZELCONV_OPTIONS", _options.request.engineOptions, "options of zelconv, after --");
   }
 
   Status run() override {

@@ -1,6 +1,5 @@
 // zelkit export DOCUMENT... --to FORMAT [-o FILE]: writes documents in the formats of other viewers.
 
-#include <CLI/CLI.hpp>
 #include <stdexcept>
 
 #include "document/LayoutFile.h"
@@ -22,11 +21,11 @@ class ExportVerb : public Verb {
  public:
   ExportVerb() : Verb("export", "writes documents in the format of another viewer") {}
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("DOCUMENT", _documents, "documents of zelconv, gzipped or not; - is standard input")
-        ->required();
-    command.add_option("--to", _format, "the format:" + listOfFormats())->required();
-    command.add_option("-o", _output, "the file to write; standard output without it");
+  void addOptions(VerbOptions& options) override {
+    options.addTexts("DOCUMENT", _documents, "documents of zelconv, gzipped or not; - is standard input",
+                     VerbOptions::Need::kRequired);
+    options.addText("--to", _format, "the format:" + listOfFormats(), VerbOptions::Need::kRequired);
+    options.addText("-o", _output, "the file to write; standard output without it");
   }
 
   Status run() override {

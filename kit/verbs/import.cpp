@@ -1,6 +1,5 @@
 // zelkit import RECORDING -o OLD.data: only rewrites a recording into one that zelconv reads correctly.
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "document/NewFile.h"
@@ -23,14 +22,14 @@ class ImportVerb : public Verb {
  public:
   ImportVerb() : Verb("import", "rewrites any perf.data to a recording that zelconv reads correctly") {}
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar")->required();
-    command.add_option("-o", _output, "the recording to write")->required();
-    command.add_option("--machine", _machine, "folder with files of the device");
-    command.add_option("--symbols", _folders, "folder with programs and libraries, repeatable");
-    command.add_option("--event", _event,
-                       "the event whose samples become the plain ones; the first without it");
-    command.add_option("--report", _report, "file for the account of the run, as JSON");
+  void addOptions(VerbOptions& options) override {
+    options.addText("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar",
+                    VerbOptions::Need::kRequired);
+    options.addText("-o", _output, "the recording to write", VerbOptions::Need::kRequired);
+    options.addText("--machine", _machine, "folder with files of the device");
+    options.addTexts("--symbols", _folders, "folder with programs and libraries, repeatable");
+    options.addText("--event", _event, "the event whose samples become the plain ones; the first without it");
+    options.addText("--report", _report, "file for the account of the run, as JSON");
   }
 
   Status run() override {

@@ -1,6 +1,5 @@
 // zelkit info RECORDING|CAPTURE: prints what is in it, how it will be converted, and what is missing.
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
 
@@ -24,10 +23,11 @@ class InfoVerb : public Verb {
  public:
   InfoVerb() : Verb("info", "prints what is in a recording, how it will be converted and what is missing") {}
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar")->required();
-    command.add_option("--machine", _machine,
-                       "folder with kallsyms, softirqs, uptime, trace and files of the device");
+  void addOptions(VerbOptions& options) override {
+    options.addText("RECORDING", _input, "a perf.data file, or a capture: a folder or a tar",
+                    VerbOptions::Need::kRequired);
+    options.addText("--machine", _machine,
+                    "folder with kallsyms, softirqs, uptime, trace and files of the device");
   }
 
   Status run() override {

@@ -1,7 +1,8 @@
 // zelkit top RECORDING|CAPTURE|DOCUMENT: prints what takes the time.
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <map>
 
 #include "document/ByKind.h"
 #include "document/DocumentReader.h"
@@ -18,6 +19,18 @@ constexpr double kMillisecondsPerSecond = 1e3;
 /// Maximum number of callers shown below a function.
 constexpr std::size_t kMostCallers = 5;
 
+using By = SampleRanking::By;
+const std::map<std::string, By> kGroupings = {{"function", By::kFunction}, {"library", By::kLibrary},
+                                              {"process", By::kProcess},   {"thread", By::kThread},
+                                              {"core", By::kCore},         {"file", By::kFile}};
+
+std::vector<std::string> namesOf(const std::map<std::string, By>& groupings) {
+  std::vector<std::string> names;
+  names.reserve(groupings.size());
+  for (const auto& [name, grouping] : groupings) names.push_back(name);
+  return names;
+}
+
 double percent(double part, double whole) {
   return whole > 0.0 ? 100.0 * part / whole : 0.0;
 }
@@ -27,16 +40,13 @@ class TopVerb : public Verb {
   TopVerb()
       : Verb("top", "prints what takes most samples, or the load of cores and tasks and the longest waits") {}
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("INPUT", _input, "a document, a perf.data file or a capture")->required();
-    command.add_option("-n", _most, "rows that are shown")->capture_default_str();
-    command
-        .add_option("--by", _by,
-                    "what samples are counted by: function, library, process, thread, core or file")
-        ->transform(CLI::Transformer(kGroupings))
-        ->option_text("TEXT [function]");
-    command.add_flag("--callers", _callers, "show who called");
-    _options.addTo(command);
+  void addOptions(VerbOptions& options) override {
+    options.addText("INPUT", _input, "a document, a perf.data file or a capture",
+                    VerbOptions::Need::kRequired);
+    options.addNumber("-n", _most, 1, 1000000, "rows that are shown");
+    options.addChoice("--by", _by, namesOf(kGroupings), "what samples are counted by");
+    options.addFlag("--callers", _callers, "show who called");
+    _options.addTo(options);
   }
 
   Status run() override {
@@ -49,12 +59,9 @@ class TopVerb : public Verb {
   }
 
  private:
-  using By = SampleRanking::By;
-  static const std::map<std::string, By> kGroupings;
-
   /// Returns whether the document is intact; of a damaged one the part before the damage is shown.
   bool show(const std::string& path) const {
-    SampleRanking ranking(_by, _callers);
+    SampleRanking ranking(kGroupings.at(_by), _callers);
     TimechartLoad load(_most);
     ByKind both(ranking, load);
     FileSource source(path);
@@ -110,14 +117,10 @@ class TopVerb : public Verb {
 
   std::string _input;
   std::size_t _most = 20;
-  By _by = By::kFunction;
+  std::string _by = "function";
   bool _callers = false;
   ConversionOptions _options;
 };
-
-const std::map<std::string, SampleRanking::By> TopVerb::kGroupings = {
-    {"function", By::kFunction}, {"library", By::kLibrary}, {"process", By::kProcess},
-    {"thread", By::kThread},     {"core", By::kCore},       {"file", By::kFile}};
 
 TopVerb verb;
 

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
 #include <set>
@@ -38,12 +37,13 @@ class ViewVerb : public Verb {
     _options.request.depth = kFullDepth;
   }
 
-  void addOptions(CLI::App& command) override {
-    command.add_option("INPUT", _inputs, "documents, perf.data files or captures")->required();
-    command.add_option("-o", _output, "the page to write")->capture_default_str();
-    command.add_flag("--open", _open, "open it in the browser");
-    command.add_option("--page", _page, "the empty page; the installed one without it");
-    _options.addTo(command);
+  void addOptions(VerbOptions& options) override {
+    options.addTexts("INPUT", _inputs, "documents, perf.data files or captures",
+                     VerbOptions::Need::kRequired);
+    options.addText("-o", _output, "the page to write");
+    options.addFlag("--open", _open, "open it in the browser");
+    options.addText("--page", _page, "the empty page; the installed one without it");
+    _options.addTo(options);
   }
 
   Status run() override {
