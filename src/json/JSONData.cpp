@@ -35,6 +35,24 @@ void destroyContent(Type* object) {
 
 }  // namespace
 
+template <typename Member>
+Member* MemberAllocator<Member>::allocate(std::size_t count) {
+  if (count == 1) return static_cast<Member*>(slots<void*>().take());
+  return std::allocator<Member>().allocate(count);
+}
+
+template <typename Member>
+void MemberAllocator<Member>::deallocate(Member* members, std::size_t count) noexcept {
+  if (count == 1) {
+    slots<void*>().giveBack(members);
+  } else {
+    std::allocator<Member>().deallocate(members, count);
+  }
+}
+
+template struct MemberAllocator<JSONData*>;
+template struct MemberAllocator<JSONData::entry*>;
+
 void* JSONData::operator new(std::size_t) {
   return slots<JSONData>().take();
 }

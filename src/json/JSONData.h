@@ -7,6 +7,16 @@
 
 namespace loomstat {
 
+/// Memory of a container's members. The place of an only member comes from a pool: malloc takes four times as
+/// much for a pointer, and a deep tree has such containers alone.
+template <typename Member>
+struct MemberAllocator {
+  using value_type = Member;
+  Member* allocate(std::size_t count);
+  void deallocate(Member* members, std::size_t count) noexcept;
+  bool operator==(const MemberAllocator&) const = default;
+};
+
 /// One node of a JSON value tree: a tagged value that holds a scalar, a string, an ordered object or an
 /// array. Nodes are shared by reference count and belong to one thread; every element of an array and every
 /// entry of an object holds one reference. A new node is unset and has no references.
@@ -121,8 +131,8 @@ struct JSONData final {
   unsigned short _refCount = 0;
   union {
     bool boolean;
-    std::vector<entry*>* entries;
-    std::vector<JSONData*>* elements;
+    std::vector<entry*, MemberAllocator<entry*>>* entries;
+    std::vector<JSONData*, MemberAllocator<JSONData*>>* elements;
     std::string* string;
     long long integer;
     double real;

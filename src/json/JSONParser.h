@@ -93,21 +93,21 @@ class JSONParser {
   bool parseBoolean(JSONData& node);
   bool nextDigit(int& digit);
 
-  /// A container that is being filled.
-  struct Level {
-    unsigned short type;
-    JSONData* node;  ///< null until it has a member or is closed: opening brackets alone cost no nodes
+  /// The node of an open container, and how many containers are open there.
+  struct OpenNode {
+    std::size_t depth;
+    JSONData* node;
   };
   bool classifyValue();
   bool parseScalar(JSONData& node);
-  void open(JSONData* node);
+  void open();
   bool parseMember();
   bool parseKey();
   bool finishMember();
   void close();
   static JSONData* newNode();
-  static JSONData& nodeOf(Level& level);
-  bool inObject() const { return _levels.back().type == JSONData::kObject; }
+  JSONData& innermost();
+  bool inObject() const { return _levels.back() == JSONData::kObject; }
 
   /// Consumes the token that fetchNextType has classified.
   void step() {
@@ -122,9 +122,10 @@ class JSONParser {
   bool _colon = false;
   bool _end = false;
   // Deques, which grow without moving their elements.
-  std::deque<Level> _levels;      ///< open containers, innermost last; the first is the receiving node
-  std::deque<std::string> _keys;  ///< of the unfinished member of each open object, innermost last
-  JSONData* _member = nullptr;    ///< complete, but not in its container yet
+  std::deque<unsigned short> _levels;  ///< types of the open containers, innermost last
+  std::deque<OpenNode> _nodes;         ///< of those that have a member, after the receiving node
+  std::deque<std::string> _keys;       ///< of the unfinished member of each open object, innermost last
+  JSONData* _member = nullptr;         ///< complete, but not in its container yet
 };
 
 template <typename Cursor>
@@ -207,13 +208,13 @@ bool JSONParser<Cursor>::parse(JSONData& node) {
   if (!classifyValue()) return false;
   if (_type != JSONData::kObject && _type != JSONData::kArray) return parseScalar(node);
   node.setType(_type);
-  open(&node);
+  open();
+  _nodes.push_back({_levels.size(), &node});
   bool good = true;
   while (good && !_levels.empty()) good = _member == nullptr ? parseMember() : finishMember();
   // A failure drops unfinished members; complete ones stay in their container.
   if (_member != nullptr) JSONData::release(_member);
-  for (; _levels.size() > 1; _levels.pop_back())
-    if (_levels.back().node != nullptr) JSONData::release(_levels.back().node);
+  for (; _nodes.size() > 1; _nodes.pop_back()) JSONData::release(_nodes.back().node);
   return good;
 }
 
@@ -242,11 +243,11 @@ bool JSONParser<Cursor>::parseScalar(JSONData& node) {
   }
 }
 
-/// Consumes an opening bracket. The node may be null, see Level.
+/// Consumes an opening bracket.
 template <typename Cursor>
-void JSONParser<Cursor>::open(JSONData* node) {
+void JSONParser<Cursor>::open() {
   step();
-  _levels.push_back({_type, node});
+  _levels.push_back(_type);
 }
 
 template <typename Cursor>
@@ -256,13 +257,15 @@ JSONData* JSONParser<Cursor>::newNode() {
   return node;
 }
 
+/// Returns the node of the innermost container. It is made when the container gets a member or is closed:
+/// opening brackets alone cost no nodes.
 template <typename Cursor>
-JSONData& JSONParser<Cursor>::nodeOf(Level& level) {
-  if (level.node == nullptr) {
-    level.node = newNode();
-    level.node->setType(level.type);
+JSONData& JSONParser<Cursor>::innermost() {
+  if (_nodes.back().depth != _levels.size()) {
+    _nodes.push_back({_levels.size(), newNode()});
+    _nodes.back().node->setType(_levels.back());
   }
-  return *level.node;
+  return *_nodes.back().node;
 }
 
 /// Parses a key, if the innermost container has keys, and its value up to an opening bracket; or closes the
@@ -272,7 +275,7 @@ bool JSONParser<Cursor>::parseMember() {
   const char* unclosed = inObject() ? "object not closed" : "array not closed";
   if (!fetchNextType()) return fail(unclosed);
   if (_end) {
-    if (_type != _levels.back().type) return fail(unclosed);
+    if (_type != _levels.back()) return fail(unclosed);
     step();
     close();
     return true;
@@ -280,7 +283,7 @@ bool JSONParser<Cursor>::parseMember() {
   if (inObject() && !parseKey()) return false;
   if (!classifyValue()) return false;
   if (_type == JSONData::kObject || _type == JSONData::kArray) {
-    open(nullptr);
+    open();
     return true;
   }
   JSONData* scalar = newNode();
@@ -304,17 +307,16 @@ bool JSONParser<Cursor>::parseKey() {
 /// Consumes the ',' or closing bracket after a member and appends the member.
 template <typename Cursor>
 bool JSONParser<Cursor>::finishMember() {
-  Level& level = _levels.back();
   _type = JSONData::kString;  // of the member's key: a comma leaves it
-  if (!fetchNextType() || !(_comma || (_end && _type == level.type)))
+  if (!fetchNextType() || !(_comma || (_end && _type == _levels.back())))
     return fail(inObject() ? "object comma or end expected" : "array comma or end expected");
   step();
   JSONData* member = std::exchange(_member, nullptr);
   if (inObject()) {
-    nodeOf(level)._value.entries->push_back(new JSONData::entry{std::move(_keys.back()), member});
+    innermost()._value.entries->push_back(new JSONData::entry{std::move(_keys.back()), member});
     _keys.pop_back();
   } else {
-    nodeOf(level)._value.elements->push_back(member);
+    innermost()._value.elements->push_back(member);
   }
   if (_end) close();
   return true;
@@ -323,9 +325,10 @@ bool JSONParser<Cursor>::finishMember() {
 /// Ends the innermost container, which becomes a complete member of the one around it.
 template <typename Cursor>
 void JSONParser<Cursor>::close() {
-  Level closed = _levels.back();
+  JSONData& closed = innermost();
   _levels.pop_back();
-  if (!_levels.empty()) _member = &nodeOf(closed);
+  _nodes.pop_back();
+  if (!_levels.empty()) _member = &closed;
 }
 
 template <typename Cursor>
