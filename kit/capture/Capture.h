@@ -11,9 +11,11 @@ namespace zelkit {
 
 /// An opened capture. Its files, of which only the first is required:
 ///
-/// perf.data the recording kallsyms, softirqs, uptime, trace texts of the device's kernel uname what "uname
-/// -a" printed files/PATH the device's file PATH, such as a library or /tmp/perf-PID.map names paths of the
-/// files that samples touched, one a line
+/// - perf.data: the recording
+/// - kallsyms, softirqs, uptime, trace: texts of the device's kernel
+/// - uname: what "uname -a" printed
+/// - files/PATH: the device's file PATH, such as a library or /tmp/perf-PID.map
+/// - names: paths of the files that samples touched, one a line
 class Capture {
  public:
   /// Returns whether the path names a capture and not a recording: a folder, or a tar, plain or compressed.

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 namespace zelkit {
@@ -21,7 +22,22 @@ bool statusOf(const std::string& path, struct stat& status) {
   return (path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status)) == 0;
 }
 
+bool areSame(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
 }  // namespace
+
+bool willBeSameFile(const std::string& first, const std::string& second) {
+  const std::filesystem::path a(first);
+  const std::filesystem::path b(second);
+  struct stat statusOfA = {};
+  struct stat statusOfB = {};
+  if (stat(a.c_str(), &statusOfA) == 0 && stat(b.c_str(), &statusOfB) == 0)
+    return areSame(statusOfA, statusOfB);
+  return a.filename() == b.filename() && stat(("." / a).parent_path().c_str(), &statusOfA) == 0 &&
+         stat(("." / b).parent_path().c_str(), &statusOfB) == 0 && areSame(statusOfA, statusOfB);
+}
 
 NewFile::NewFile(const std::string& path, const std::vector<std::string>& inputs) : _path(path) {
   struct stat present = {};
@@ -29,7 +45,7 @@ NewFile::NewFile(const std::string& path, const std::vector<std::string>& inputs
     if (!S_ISREG(present.st_mode)) fail(path, "is not a regular file");
     for (const std::string& input : inputs) {
       struct stat status = {};
-      if (statusOf(input, status) && status.st_dev == present.st_dev && status.st_ino == present.st_ino)
+      if (statusOf(input, status) && areSame(status, present))
         fail(path, "is the input itself, which writing would destroy");
     }
   }

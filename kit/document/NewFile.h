@@ -5,6 +5,9 @@
 
 namespace zelkit {
 
+/// Returns whether writing to both paths would write to one file, which need not exist.
+bool willBeSameFile(const std::string& first, const std::string& second);
+
 /// A temporary file in the folder of the file to be written, renamed to it when complete: readers never see a
 /// partial file, and a failed run keeps the old one.
 class NewFile {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace zelkit {
 
@@ -51,8 +52,8 @@ std::string OldFile::tableBytes(const EventTable& events) {
   return bytes;
 }
 
-OldFile::OldFile(const std::string& path, const EventTable& events)
-    : _path(path),
+OldFile::OldFile(const std::string& path, std::string name, const EventTable& events)
+    : _name(std::move(name)),
       _fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
       _buffer(kBufferSize) {
   if (_fd < 0) fail();
@@ -107,7 +108,7 @@ void OldFile::finish() {
 }
 
 void OldFile::fail() const {
-  throw std::runtime_error(_path + ": " + std::strerror(errno));
+  throw std::runtime_error(_name + ": " + std::strerror(errno));
 }
 
 }  // namespace zelkit

@@ -19,8 +19,9 @@ class OldFile : public RecordTaker {
   /// Returns the bytes of a table; an entry has a number (u64) and a name of 64 bytes.
   static std::string tableBytes(const EventTable& events);
 
-  /// Creates the file. Throws std::runtime_error with "PATH: reason", as do the other operations.
-  OldFile(const std::string& path, const EventTable& events);
+  /// Creates the file, which becomes `name` when it is complete. Throws std::runtime_error with "NAME:
+  /// reason", as do the other operations.
+  OldFile(const std::string& path, std::string name, const EventTable& events);
   ~OldFile() override;
   OldFile(const OldFile&) = delete;
   OldFile& operator=(const OldFile&) = delete;
@@ -36,7 +37,7 @@ class OldFile : public RecordTaker {
   void write(const char* bytes, std::size_t size);
   [[noreturn]] void fail() const;
 
-  std::string _path;
+  std::string _name;
   int _fd;
   std::vector<char> _buffer;
   std::size_t _used = 0;

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 
 #include "base/MachineFiles.h"
@@ -61,8 +62,8 @@ void Conversion::runEngine(Kind kind, const std::string& output, const std::stri
     const MappedFile* file = made.files().find(name);
     return file != nullptr ? names.sourceOf(*file) : nullptr;
   };
-  if (const int status = callEngine(kind, document, records); status != 0)
-    throw std::runtime_error(output + ": the conversion failed");
+  if (const int error = callEngine(kind, document, records); error != 0)
+    throw std::runtime_error(output + ": " + std::strerror(error));
   Outcome outcome{output, made.account(), made.files(), choice.depth, _source.notes()};
   outcome.notes.insert(outcome.notes.end(), _choice.notes.begin(), _choice.notes.end());
   for (const std::string& note : names.notes()) outcome.notes.push_back(_source.shown(note));
@@ -90,6 +91,7 @@ void Conversion::pointEngineAtMachine() const {
   unsetenv("ARM64");
 }
 
+/// Returns 0, or the errno of what kept the document from being written.
 int Conversion::callEngine(Kind kind, const std::string& document, EngineRecords& records) const {
   // Times of the recording's own clock, so that all documents of a recording share one axis.
   std::vector<std::string> words = {"zelconv", "-o", document, "-b", "0.001"};

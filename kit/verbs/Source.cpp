@@ -27,7 +27,7 @@ bool hasSymbol(const std::string& tablePath, const std::string& symbol, std::uin
 
 }  // namespace
 
-Source::Source(const std::string& path) : _path(path) {
+Source::Source(const std::string& path) : _files(filesOf(path)) {
   if (Capture::isCapture(path)) {
     _capture = std::make_unique<Capture>(path);
     if (!_capture->damage().empty()) _notes.push_back(_capture->damage());
@@ -38,6 +38,13 @@ Source::Source(const std::string& path) : _path(path) {
   const MachineIdentity here = MachineIdentity::here();
   _madeHere = !_capture && !recorded.hostName.empty() && recorded.hostName == here.hostName &&
               recorded.kernelRelease == here.kernelRelease;
+}
+
+std::vector<std::string> Source::filesOf(const std::string& path) {
+  std::vector<std::string> files = {path};
+  for (const char* name : {"perf.data", "kallsyms", "softirqs", "uptime", "trace"})
+    files.push_back(path + '/' + name);
+  return files;
 }
 
 /// Compares the build-ids, or, if perf stored none (compressed recordings, pipe mode), the addresses of the
@@ -53,6 +60,7 @@ bool Source::isOfRunningKernel(const Survey& survey) const {
 void Source::chooseMachine(const std::string& folder, const Survey& survey) {
   if (!folder.empty()) {
     _machine = MachineFolder::of(folder);
+    for (const std::string& file : filesOf(folder)) _files.push_back(file);
   } else if (_capture) {
     _machine = _capture->machine();
   } else if (isOfRunningKernel(survey)) {

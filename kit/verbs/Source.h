@@ -23,9 +23,10 @@ class Source {
   /// Chooses only the folders for programs and libraries.
   void chooseRoots(const std::string& folder);
 
-  /// Returns the files that a run on that path reads: itself, or the recording in a folder.
-  static std::vector<std::string> filesOf(const std::string& path) { return {path, path + "/perf.data"}; }
-  [[nodiscard]] std::vector<std::string> files() const { return filesOf(_path); }
+  /// Returns the files that may be read for that path: itself, or the recording and the texts in a folder.
+  static std::vector<std::string> filesOf(const std::string& path);
+  /// Returns the files that may be read of the input and of the folder of the machine.
+  [[nodiscard]] const std::vector<std::string>& files() const { return _files; }
 
   [[nodiscard]] Recording& recording() { return *_recording; }
   /// Returns a message with the paths of unpacked files as the user knows them.
@@ -43,7 +44,7 @@ class Source {
  private:
   [[nodiscard]] bool isOfRunningKernel(const Survey& survey) const;
 
-  std::string _path;
+  std::vector<std::string> _files;
   std::unique_ptr<Capture> _capture;
   std::unique_ptr<Recording> _recording;
   MachineFolder _machine;

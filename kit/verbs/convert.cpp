@@ -2,8 +2,9 @@
 
 #include <cstdio>
 
-#include "document/OutputFile.h"
+#include "document/LayoutFile.h"
 #include "verbs/RecordingConversion.h"
+#include "verbs/ReportFile.h"
 
 namespace zelkit {
 
@@ -33,11 +34,19 @@ class ConvertVerb : public Verb {
 
   Status run() override {
     if (!checkEngineOptions()) return Status::kUsage;
+    const std::string second = timechartName(_output);
+    std::vector<std::string> inputs = Source::filesOf(_input);
+    if (!_options.machine.empty())
+      for (const std::string& file : Source::filesOf(_options.machine)) inputs.push_back(file);
+    ReportFile report(_report, inputs,
+                      {_output, LayoutFile::pathOf(_output), second, LayoutFile::pathOf(second)});
     std::vector<MadeDocument> made;
     const Status status = convertRecording(
-        _input, _options, [this](Kind, bool isSecond) { return isSecond ? timechartName(_output) : _output; },
-        made);
-    if (status == Status::kDone) writeReport(made);
+        _input, _options, [&](Kind, bool isSecond) { return isSecond ? second : _output; }, made);
+    if (status != Status::kDone) return status;
+    std::string reports;
+    for (const MadeDocument& document : made) reports += (reports.empty() ? "" : ",\n") + document.report;
+    report.write(reports);
     return status;
   }
 
@@ -52,15 +61,6 @@ class ConvertVerb : public Verb {
       return false;
     }
     return true;
-  }
-
-  void writeReport(const std::vector<MadeDocument>& made) const {
-    if (_report.empty()) return;
-    std::string reports;
-    for (const MadeDocument& document : made) reports += (reports.empty() ? "" : ",\n") + document.report;
-    OutputFile file(_report, Source::filesOf(_input));
-    file.write("[\n" + reports + "\n]\n");
-    file.commit();
   }
 
   std::string _input;

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "document/NewFile.h"
-#include "document/OutputFile.h"
 #include "layout/Layout.h"
 #include "layout/OldFile.h"
 #include "tracepoints/OldPayloads.h"
@@ -12,6 +11,7 @@
 #include "verbs/Names.h"
 #include "verbs/Progress.h"
 #include "verbs/Report.h"
+#include "verbs/ReportFile.h"
 #include "verbs/Verb.h"
 
 namespace zelkit {
@@ -39,10 +39,11 @@ class ImportVerb : public Verb {
     const OldPayloads payloads(recording.info());
     Names names(source, _folders);
     NewFile output(_output, source.files());
+    ReportFile reportFile(_report, source.files(), {_output});
     OldFile::EventTable events;
     for (const OldPayloads::TableEntry& entry : payloads.table())
       events.emplace_back(entry.number, entry.name);
-    OldFile file(output.path(), events);
+    OldFile file(output.path(), _output, events);
     LayoutChoice choice;
     choice.event = chooseEvent(recording, payloads);
     choice.kernelStart = kernelStartOf(recording.info(), ~std::uint64_t{0});
@@ -53,7 +54,7 @@ class ImportVerb : public Verb {
     recording.walk(layout, progressLine("rewriting"));
     file.finish();
     const Outcome outcome{_output, layout.account(), layout.files(), choice.depth, source.notes()};
-    return report(recording, outcome, output);
+    return report(recording, outcome, output, reportFile);
   }
 
  private:
@@ -73,13 +74,10 @@ class ImportVerb : public Verb {
     return LayoutChoice::kNoEvent;
   }
 
-  Status report(const Recording& recording, const Outcome& outcome, NewFile& output) const {
+  static Status report(const Recording& recording, const Outcome& outcome, NewFile& output,
+                       ReportFile& reportFile) {
     std::fputs(reportText(recording, outcome).c_str(), stderr);
-    if (!_report.empty()) {
-      OutputFile file(_report, Source::filesOf(_input));
-      file.write("[\n" + reportJson(recording, outcome) + "\n]\n");
-      file.commit();
-    }
+    reportFile.write(reportJson(recording, outcome));
     if (outcome.account.plainSamplesOut + outcome.account.tracePointsOut == 0) return Status::kNothingCameOut;
     if (outcome.account.tracePointsOut != 0)
       std::fprintf(stderr,

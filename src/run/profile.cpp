@@ -133,6 +133,7 @@ void writeTimechartDocument(PerfJSONWriter& writer) {
   manager->writeData(writer);
 }
 
+/// Returns 0, or the errno of what kept the document from being written.
 int convert(int argc, char** argv, RecordSource& records, TerminalReport& report) {
   const PerfRecordMMap firstMap;  // has key 1, so that the keys of a recording's maps start at 2
   const SymbolTable defaultTable;
@@ -165,7 +166,7 @@ int convert(int argc, char** argv, RecordSource& records, TerminalReport& report
   records.close();
   closeKernelLog();
   if (verbose()) PerfFactory::showStats();
-  return 0;
+  return writer->error();
 }
 
 }  // namespace
@@ -173,7 +174,8 @@ int convert(int argc, char** argv, RecordSource& records, TerminalReport& report
 int profile(int argc, char** argv) {
   TerminalReport report(TerminalReport::isTerminal());
   RecordingFile recording(report);
-  return convert(argc, argv, recording, report);
+  convert(argc, argv, recording, report);
+  return 0;
 }
 
 int profile(int argc, char** argv, RecordSource& records) {

@@ -16,6 +16,7 @@ class RecordSource {
 /// calls errorExit with status -1.
 int profile(int argc, char** argv);
 
-/// The same with records from another source than the recording named by the command line. Records are kept
-/// in static tables, so a process can convert only once.
+/// The same with records from another source than the recording named by the command line. Returns 0, or the
+/// errno of what kept the document from being written. Records are kept in static tables, so a process can
+/// convert only once.
 int profile(int argc, char** argv, RecordSource& records);

@@ -25,7 +25,8 @@ inline ProgramRun runCommand(const std::string& command) {
   return run;
 }
 
-/// Runs zelkit without the user's cache.
-inline ProgramRun runZelkit(const std::string& arguments) {
-  return runCommand("unset HOME XDG_CACHE_HOME DEBUGINFOD_URLS; " ZELKIT_PROGRAM " " + arguments);
+/// Runs zelkit without the user's cache, after commands that prepare the shell.
+inline ProgramRun runZelkit(const std::string& arguments, const std::string& preparation = ":") {
+  return runCommand("unset HOME XDG_CACHE_HOME DEBUGINFOD_URLS; " + preparation + "; " ZELKIT_PROGRAM " " +
+                    arguments);
 }

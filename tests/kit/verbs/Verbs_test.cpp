@@ -35,10 +35,10 @@ ModernRecording bothKinds() {
 class Verbs : public testing::Test {
  protected:
   /// Runs zelkit; "%" stands for the folder, also in the output.
-  ProgramRun run(std::string arguments) {
+  ProgramRun run(std::string arguments, const std::string& preparation = ":") {
     for (std::size_t at = 0; (at = arguments.find('%')) != std::string::npos;)
       arguments.replace(at, 1, folder.path(""));
-    ProgramRun run = runZelkit(arguments);
+    ProgramRun run = runZelkit(arguments, preparation);
     for (std::size_t at = 0; (at = run.said.find(folder.path(""))) != std::string::npos;)
       run.said.replace(at, folder.path("").size(), "%");
     return run;
@@ -119,6 +119,10 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
   nothing.event({}).comm(7, 7, "tool");
   folder.write("nothing", nothing.build());
   std::filesystem::create_directory(folder.path("empty"));
+  std::filesystem::create_directory(folder.path("capture"));
+  folder.write("capture/perf.data", good);
+  folder.write("capture/kallsyms", "c0008000 T start\n");
+  folder.write("old.json.layout.json", good);
   ASSERT_EQ(std::system(
                 ("tar -cf " + folder.path("capture.tar") + " -C " + folder.path("") + " perf.data").c_str()),
             0);
@@ -139,6 +143,17 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
       {"convert %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
       {"convert %capture.tar -o %capture.tar", 2, "%capture.tar: is the input itself"},
+      {"convert %capture -o %capture/kallsyms", 2, "%capture/kallsyms: is the input itself"},
+      {"convert %perf.data --machine %capture -o %capture/kallsyms", 2, "kallsyms: is the input itself"},
+      {"convert %old.json.layout.json -o %old.json", 2, "%old.json.layout.json: is the input itself"},
+      {"convert %perf.data -o %x.json --report %perf.data", 2, "%perf.data: is the input itself"},
+      {"convert %capture -o %x.json --report %capture/kallsyms", 2, "%capture/kallsyms: is the input itself"},
+      {"convert %perf.data -o %x.json --report %empty/../x.json", 2,
+       "x.json: is another output of this run\n"},
+      {"convert %perf.data -o %x.json --report %x.json.layout.json", 2, "is another output of this run\n"},
+      {"convert %perf.data -o %x.json --report %none/x", 2, "%none/x: No such file or directory\n"},
+      {"import %perf.data -o %x.data --report %perf.data", 2, "%perf.data: is the input itself"},
+      {"import %perf.data -o %x.data --report %x.data", 2, "%x.data: is another output of this run\n"},
       {"convert %capture.tar -o %x.json --event cycles", 2, "%capture.tar:perf.data: no event cycles"},
       {"import %perf.data -o %perf.data", 2,
        "%perf.data: is the input itself, which writing would destroy\n"},
@@ -158,6 +173,20 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
     EXPECT_EQ(files(), before) << tried.arguments;
   }
   EXPECT_EQ(folder.read("perf.data"), good);
+}
+
+TEST_F(Verbs, KeepOldFilesIfTheNewOnesCannotBeWritten) {
+  folder.write("perf.data", bothKinds().build());
+  folder.write("old", "precious");
+  const std::vector<std::string> before = files();
+  for (const char* arguments : {"convert %perf.data -o %old", "import %perf.data -o %old"}) {
+    const ProgramRun ended = run(arguments, "trap '' XFSZ; ulimit -f 0");
+    EXPECT_EQ(ended.status, 2) << arguments << "\n" << ended.said;
+    EXPECT_NE(ended.said.find("%old: File too large\n"), std::string::npos) << arguments << "\n"
+                                                                            << ended.said;
+    EXPECT_EQ(files(), before) << arguments;
+    EXPECT_EQ(folder.read("old"), "precious") << arguments;
+  }
 }
 
 }  // namespace
