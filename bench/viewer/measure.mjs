@@ -55,7 +55,8 @@ async function withPage(url, body) {
     const page = await browser.newPage({ viewport: { width: 1640, height: 1400 } });
     await page.addInitScript(watch);
     await page.goto(url);
-    await page.waitForTimeout(500);
+    // The browser's own start goes on after the page's.
+    await page.waitForTimeout(2500);
     const session = await browser.newBrowserCDPSession();
     const { processInfo } = await session.send('SystemInfo.getProcessInfo');
     const renderers = processInfo.filter(({ type }) => type === 'renderer').map(({ id }) => id);

@@ -2,10 +2,11 @@
  * Returns the indices of `times` in ascending order, or null if they are so already. perf writes its buffers
  * of each core in turns, so that a recording is a row of ascending runs; they are merged two by two.
  */
-export function timeOrder(times: Float64Array): Uint32Array|null {
+export function timeOrder(times: ArrayLike<number>): Uint32Array|null {
   let runs = runStarts(times);
   if (runs.length <= 2) return null;
-  let from = Uint32Array.from(times, (_, index) => index);
+  let from = new Uint32Array(times.length);
+  for (let i = 0; i < times.length; ++i) from[i] = i;
   let to = new Uint32Array(times.length);
   while (runs.length > 2) {
     const merged = [0];
@@ -21,7 +22,7 @@ export function timeOrder(times: Float64Array): Uint32Array|null {
 }
 
 /** Returns where ascending runs start, and the end of the last. */
-function runStarts(times: Float64Array): number[] {
+function runStarts(times: ArrayLike<number>): number[] {
   const starts = [0];
   for (let i = 1; i < times.length; ++i)
     if (times[i] < times[i - 1]) starts.push(i);
@@ -30,7 +31,7 @@ function runStarts(times: Float64Array): number[] {
 }
 
 function mergeRuns(
-    times: Float64Array,
+    times: ArrayLike<number>,
     from: Uint32Array,
     to: Uint32Array,
     start: number,

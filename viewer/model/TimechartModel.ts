@@ -13,8 +13,12 @@ export class TimechartModel {
   readonly start: number;
   readonly end: number;
 
-  constructor(readonly timechart: Timechart) {
-    this.tracks = timechart.entries.map((entry) => new Track(entry));
+  /** `before` is the model of a part of the document, whose tracks are used again. */
+  constructor(readonly timechart: Timechart, before: TimechartModel|null = null) {
+    this.tracks = timechart.entries.map((entry, index) => {
+      const known = before?.tracks[index];
+      return known?.entry === entry ? known : new Track(entry);
+    });
     this.tree = laneTree(this.tracks);
     // Markers may have another time scale than the trace; they count only if there is nothing else.
     const timed =

@@ -1,7 +1,10 @@
 /** Statistics of a timechart over a span of time. */
 
+import {timeOrder} from '../document/timeOrder';
+
 import {kept} from './maps';
 import {pointsBefore} from './steps';
+
 import type {Track} from './tracks';
 
 /** The task that the kernel runs when there is none. */
@@ -139,24 +142,23 @@ function add(sums: Map<string, number>, name: string, more: number): void {
 
 /** Returns the longest time of [start, end) during which none of the tracks was on, in seconds. */
 export function longestGap(all: readonly Track[], start: number, end: number): number {
-  let slices = 0;
-  for (const { steps } of all) steps.forEachSlice(start, end, () => ++slices);
-  const starts = new Float64Array(slices + 1).fill(end);
-  const ends = new Float64Array(slices + 1).fill(start);
-  let index = 0;
+  const starts: number[] = [];
+  const ends: number[] = [];
   for (const { steps } of all) {
     steps.forEachSlice(start, end, (from, to) => {
-      starts[index] = from;
-      ends[++index] = to;
+      starts.push(from);
+      ends.push(to);
     });
   }
-  if (all.length > 1) {
-    starts.sort();
-    ends.sort();
+  const order = timeOrder(starts);
+  let longest = 0;
+  let last = start;
+  for (let i = 0; i < starts.length; ++i) {
+    const slice = order === null ? i : order[i];
+    longest = Math.max(longest, starts[slice] - last);
+    last = Math.max(last, ends[slice]);
   }
-  // As many slices have ended before ends[i] as have started before starts[i]: between the two, nothing is
-  // on.
-  return starts.reduce((longest, from, i) => Math.max(longest, from - ends[i]), 0);
+  return Math.max(longest, end - last);
 }
 
 /**

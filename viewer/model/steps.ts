@@ -42,7 +42,7 @@ export interface Slice {
 
 /**
  * A step function: 0 before its first point, and each point lasts until the next. The last one lasts to the
- * end of the document, which callers pass as `close`. A running sum makes the share of any span two look-ups.
+ * end of the document, which callers pass as `close`.
  */
 export class Steps {
   private known: Float64Array|null = null;
@@ -56,9 +56,9 @@ export class Steps {
 
   /** Returns the seconds of [start, end) during which the value was not 0. */
   onTime(start: number, end: number): number {
-    if (!(end > start)) return 0;
-    return this.onUntil(pointsUntil(this.times, end), end) -
-        this.onUntil(pointsUntil(this.times, start), start);
+    let seconds = 0;
+    this.forEachSlice(start, end, (from, to) => (seconds += to - from));
+    return seconds;
   }
 
   /**
@@ -127,13 +127,19 @@ export class Steps {
 
   /** Length of the longest stretch; infinite if the last one has no end. */
   get longest(): number {
-    if (this.knownLongest < 0) {
-      this.knownLongest = 0;
-      this.forEachSlice(-Infinity, Infinity, (from, to) => {
-        this.knownLongest = Math.max(this.knownLongest, to - from);
-      });
+    if (this.knownLongest >= 0) return this.knownLongest;
+    const { times, values } = this;
+    let longest = 0;
+    let from = Infinity;
+    for (let i = 0; i < times.length; ++i) {
+      if (values[i] !== 0)
+        from = Math.min(from, times[i]);
+      else {
+        longest = Math.max(longest, times[i] - from);
+        from = Infinity;
+      }
     }
-    return this.knownLongest;
+    return (this.knownLongest = from < Infinity ? Infinity : longest);
   }
 
   /** Returns how many stretches start within [start, end). */
@@ -147,7 +153,8 @@ export class Steps {
   }
 
   /**
-   * The on-time before each point. Most series of a long recording are never looked at, hence not at once.
+   * The on-time before each point, which makes the share of a pixel two look-ups. Most series of a long
+   * recording are never looked at, hence not at once.
    */
   private get sums(): Float64Array {
     if (this.known !== null) return this.known;

@@ -66,8 +66,9 @@ export class Track {
 
   /** The greatest value. */
   get peak(): number {
-    if (this.knownPeak < 0)
-      this.knownPeak = this.entry.values.reduce((peak, value) => Math.max(peak, value), 0);
+    if (this.knownPeak >= 0) return this.knownPeak;
+    this.knownPeak = 0;
+    for (const value of this.entry.values) this.knownPeak = Math.max(this.knownPeak, value);
     return this.knownPeak;
   }
 

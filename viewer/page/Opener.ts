@@ -123,7 +123,7 @@ export class Opener {
     if (superseded.length > 0) this.store.set({ readings });
     if (superseded.includes(id)) return;
     if (document.kind === 'timechart')
-      this.store.set({ timechart: new TimechartModel(document) });
+      this.store.set({ timechart: new TimechartModel(document, this.store.state.timechart) });
     else if (shown.profile[0] !== id)
       this.store.set({ baseline: new ProfileModel(document) });
     else {

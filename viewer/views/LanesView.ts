@@ -55,10 +55,16 @@ export class LanesView implements View {
     const any = (...keys: Change[]) => keys.some((key) => changed.has(key));
     const moved = any('timechart', 'lanes', 'profile', 'size');
     if (moved) this.place(state);
-    if (moved || any('visible')) this.pictures.paint(this.placed, state, this.stage.width, this.stage.height);
-    if (moved || any('search', 'cursor')) this.label(state);
-    this.pictures.paintOverlay(this.placed, state);
+    const { store } = this.app;
+    if (moved || any('visible')) store.repaint(this.paint);
+    if (moved || any('search', 'cursor')) store.repaint(this.label);
+    store.repaint(this.paintOverlay);
   }
+
+  private readonly paint = (): void =>
+      this.pictures.paint(this.placed, this.app.store.state, this.stage.width, this.stage.height);
+
+  private readonly paintOverlay = (): void => this.pictures.paintOverlay(this.placed, this.app.store.state);
 
   key(event: KeyboardEvent): boolean {
     const act = this.actions.get(event.key.length === 1 ? event.key.toLowerCase() : event.key);
@@ -135,7 +141,8 @@ export class LanesView implements View {
             .filter(({ top, height, pinned: fixed }) => fixed || (top + height > this.fixed && top < end));
   }
 
-  private label({ search, lanes, cursor }: State): void {
+  private readonly label = (): void => {
+    const { search, lanes, cursor } = this.app.store.state;
     const wanted = search.toLowerCase();
     const current = cursor?.lane ?? '';
     const rows = this.placed.map(({ lane, top, height, pinned }) => {
@@ -174,7 +181,7 @@ export class LanesView implements View {
     });
     this.labels.replaceChildren(...rows);
     this.labels.setAttribute('aria-activedescendant', current === '' ? '' : `lane-${current}`);
-  }
+  };
 
   private clickLabel(lane: Lane, target: Element): void {
     if (target.matches('button')) return;

@@ -37,6 +37,7 @@ export function useBrowser() {
 export async function openPage(
     {fragment = '', file = page, url = pathToFileURL(file).href, ...options} = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 720 }, ...options });
+  await context.addInitScript(watchFrames);
   const opened = await context.newPage();
   opened.complaints = [];
   opened.on('pageerror', (error) => opened.complaints.push(error.message));
@@ -59,9 +60,30 @@ export async function openDocuments(opened, ...files) {
   await frame(opened);
 }
 
+/** Runs in the page: `settled` calls back once two frames have passed and the page asks for no more. */
+function watchFrames() {
+  const { requestAnimationFrame: ask, cancelAnimationFrame: cancel } = window;
+  const asked = new Set();
+  window.requestAnimationFrame = (callback) => {
+    const id = ask((time) => {
+      asked.delete(id);
+      callback(time);
+    });
+    asked.add(id);
+    return id;
+  };
+  window.cancelAnimationFrame = (id) => {
+    asked.delete(id);
+    cancel(id);
+  };
+  window.settled = (done) => {
+    const look = () => (asked.size === 0 ? done() : ask(look));
+    ask(() => ask(look));
+  };
+}
+
 /** Waits until what was done is drawn. */
-export const frame = (opened) =>
-    opened.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+export const frame = (opened) => opened.evaluate(() => new Promise((done) => window.settled(done)));
 
 /** Returns a table of the page as rows of texts, found by its caption. */
 export const tableOf = (opened, caption) => opened.evaluate((wanted) => {
