@@ -252,7 +252,7 @@ TEST_F(TerminalReports, SummariseLosses) {
   recording.sample({0x10010, 7, 7, 3000, 0, std::vector<std::uint64_t>(40)}).comm(8, 8, "after");
   recording.sample({0x10010, 7, 7, 4000, 300});  // a trace-point of no known event
   const std::size_t dataSize = recording.data().size();
-  recording.dataSize(dataSize).record(5, "behind the data").bytes(std::string(64, 'b'));
+  recording.dataSize(dataSize).record(5, "after the data").bytes(std::string(64, 'b'));
   check({recording.build(),
          {},
          "zelconv: perf.data: 2 samples kept (50.0 % without a function name), 0 trace-points decoded, 384 "

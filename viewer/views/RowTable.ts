@@ -13,7 +13,7 @@ export interface Column {
 export interface Row {
   /** A text for each column. */
   readonly cells: readonly string[];
-  /** Parts of the width that a bar behind a text fills, for the first columns. */
+  /** Parts of the width that a bar under the text fills, for the first columns. */
   readonly shares?: readonly number[];
   /** Colour of a swatch before the name. */
   readonly colour?: string;

@@ -84,7 +84,7 @@ export class Store {
     this.set({ filter: {...this.current.filter, ...change }, run });
   }
 
-  /** Has every view painted anew, such as after a resize. */
+  /** Repaints every view, such as after a resize. */
   refresh(): void {
     this.pending = new Set([...Object.keys(this.current) as (keyof State)[], 'size']);
     this.schedule();

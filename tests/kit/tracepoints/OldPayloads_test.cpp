@@ -79,13 +79,14 @@ TEST(OldPayloads, FindFieldsByName) {
 }
 
 TEST(OldPayloads, MoveTextsAndTheirLocations) {
-  for (const bool behind : {false, true}) {
-    const OnePoint point("irq",
-                         formatText("irq_handler_entry", 20,
-                                    {{"int irq", 8, 4},
-                                     {(behind ? "__rel_loc char[] name" : "__data_loc char[] name"), 12, 4}}),
-                         20);
-    const unsigned int offset = behind ? 4 : 20;
+  for (const bool isRelative : {false, true}) {
+    const OnePoint point(
+        "irq",
+        formatText(
+            "irq_handler_entry", 20,
+            {{"int irq", 8, 4}, {(isRelative ? "__rel_loc char[] name" : "__data_loc char[] name"), 12, 4}}),
+        20);
+    const unsigned int offset = isRelative ? 4 : 20;
     const std::string raw =
         Bytes().append(commonHeader(20, 0)).u32(9).u32(offset | 6U << 16).u32(0).append("mmc0").u8(0).str();
     const Made made = make(point, raw);

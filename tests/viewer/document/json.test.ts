@@ -27,7 +27,7 @@ const accepted: [string, unknown][] = [
 ];
 
 test(
-    'a comma ahead of a closing bracket and raw bytes in names are accepted, however the bytes arrive',
+    'a comma before a closing bracket and raw bytes in names are accepted, however the bytes arrive',
     async () => {
       for (const [text, value] of accepted) {
         for (const size of [1, 2, 3, 1000]) assert.deepEqual(await parse(text, size), value, text);
