@@ -61,7 +61,7 @@ struct RecordingInfo {
   [[nodiscard]] bool android() const { return !files.empty() || !androidMeta.empty(); }
 
   /// Reads one feature, from its section or from a record of pipe mode.
-  void takeFeature(Feature feature, std::string_view bytes);
+  void takeFeature(Feature feature, std::string_view section);
   /// Sets the name of each event from wherever the recording has it. `eventTypes`: the table of old
   /// recordings, entries of a number (u64) and a name of 64 bytes.
   void nameEvents(std::string_view eventTypes);

@@ -20,7 +20,7 @@ std::string installedPage() {
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
   for (const char* place : {"../share/zelkit/viewer.html", "../../viewer/viewer.html"})
     if (fs::exists(folder / place, error)) return (folder / place).lexically_normal().string();
-  throw std::runtime_error("viewer.html: not installed with zelkit; name it by --page");
+  throw std::runtime_error("viewer.html: not installed with zelkit; ./dev viewer makes it, --page names it");
 }
 
 /// Returns the text, escaped for a quoted attribute.
