@@ -1,8 +1,13 @@
-// Converts a random recording, in profile mode or, if built so, in timechart mode. The magic, which is not
-// read otherwise, chooses the options, the kernel and how many bytes at the end are the output of nm for the
-// files that maps name.
+// Converts a random recording, in profile mode or, if built so, in timechart mode. The input's difference
+// from the magic of recordings chooses the options, the kernel, whether standard error is a terminal, and how
+// many bytes at the end are the output of nm for the files that maps name.
+
+#include <fcntl.h>
+#include <pty.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <iterator>
 
@@ -11,10 +16,30 @@
 
 namespace {
 
-std::vector<std::string> chosenOptions(const std::uint8_t* choices, const std::string& searchPath) {
+constexpr const char* kMagic = "PERFFILE";
+using Choices = std::array<unsigned int, 8>;
+
+Choices choicesOf(const std::uint8_t* magic) {
+  Choices choices{};
+  for (std::size_t i = 0; i < choices.size(); ++i)
+    choices[i] = magic[i] ^ static_cast<unsigned int>(kMagic[i]);
+  return choices;
+}
+
+/// The program examines a recording's header only for messages at a terminal. Nobody reads them from this
+/// one, so it must not block.
+void useTerminal() {
+  int master = -1;
+  int terminal = -1;
+  if (openpty(&master, &terminal, nullptr, nullptr, nullptr) != 0) return;
+  fcntl(terminal, F_SETFL, O_NONBLOCK);
+  dup2(terminal, STDERR_FILENO);
+}
+
+std::vector<std::string> chosenOptions(const Choices& choices, const std::string& searchPath) {
   // Infinity and not-a-number would make documents that no parser accepts.
   static const std::vector<std::string> scales[] = {
-      {"-r"}, {"-z"}, {"-q"}, {"-b5"}, {"-e"}, {"-b", "-7.5"}, {"-q", "-c1.5", "-g-3.25"}, {"-q", "-c-1e30"}};
+      {"-b5"}, {"-z"}, {"-q"}, {"-r"}, {"-e"}, {"-b", "-7.5"}, {"-q", "-c1.5", "-g-3.25"}, {"-q", "-c-1e30"}};
   static const char* const switches[] = {"-I", "-l", "-L", "-w", "-W", "-R", "-d", "-m"};
   static const std::vector<std::string> ranges[] = {{},         {},       {"-s1"}, {"-f2"}, {"-s1", "-f2"},
                                                     {"-s1e30"}, {"-f-5"}, {}};
@@ -42,18 +67,20 @@ void makeLibraries(const Conversion& folder, const std::string& list) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Conversion folder;
   if (size < 8) return 0;
-  const std::size_t listSize = std::min<std::size_t>(std::size_t{8} * data[4], size);
+  const Choices choices = choicesOf(data);
+  const std::size_t listSize = std::min<std::size_t>(std::size_t{8} * choices[4], size);
   const std::string list = textOf(data + size - listSize, listSize);
   folder.kernelSymbols("c0008000 T stext\nc0008100 T schedule\nc0008200 t idle\nc000f000 T etext\n");
-  folder.write("perf.data", textOf(data, size));
+  folder.write("perf.data", textOf(data, size).replace(0, choices.size(), kMagic));
   makeLibraries(folder,
-                (data[0] & 1) != 0 ? list : "00000100 T first\n00000200 T second\n00008000 T third\n");
+                (choices[0] & 1) != 0 ? list : "00000100 T first\n00000200 T second\n00008000 T third\n");
   runIsolated([&] {
-    setenv("kern_ver", (data[0] & 32) != 0 ? "3.4" : "3.10", 1);
-    setenv("ARM64", (data[0] & 64) != 0 ? "y" : "n", 1);
+    setenv("kern_ver", (choices[0] & 32) != 0 ? "3.10" : "3.4", 1);
+    setenv("ARM64", (choices[0] & 64) != 0 ? "y" : "n", 1);
+    if ((choices[0] & 16) != 0) useTerminal();
     // Without labels, which -W switches off, the profile document has no one root to be read back from.
-    const bool hasRoot = (data[2] & 16) == 0;
-    return convertWhole(folder, chosenOptions(data, folder.path("root"))) || !hasRoot;
+    const bool hasRoot = (choices[2] & 16) == 0;
+    return convertWhole(folder, chosenOptions(choices, folder.path("root"))) || !hasRoot;
   });
   return 0;
 }

@@ -22,12 +22,12 @@ printf '11\n\n04\n13\n17\n17\n\n17\n04\n' >"$work/activeCounters"
 mkdir -p "$work/config/plotx"
 mv "$work/activeCounters" "$work/config/plotx/"
 
-"$one/tests/support/make_edges" "$work/edges.data"
-inputs=("$work/edges.data" "$one/examples/profile.data" "$one/examples/timechart.data")
+"$one/tests/support/make_edges" "$work"
+inputs=("$work/edges.data" "$work/described.data" "$one/examples/profile.data" "$one/examples/timechart.data")
 for file in "$recordings"/perf.data.* "$recordings"/*/*.data; do
     [ ! -e "$file" ] || inputs+=("$file")
 done
-[ ${#inputs[@]} -gt 3 ] || echo "no recordings of real machines here: the examples alone are compared"
+[ ${#inputs[@]} -gt 4 ] || echo "no recordings of real machines here: the examples alone are compared"
 
 # every time scale, every switch of the writer, and numerals at and beyond the edges
 options=("-b 5" "-b 5 -l" "-b 5 -W -R" "-b 5 -l -W" "-b 5 -L -w -R" "-r" "-z" "-e" "-q" "-q -c 1.5 -g -3.25"

@@ -10,22 +10,13 @@ namespace {
 // Bits of the header's features and of sample_type, as perf's file format and linux/perf_event.h have them.
 constexpr unsigned int kOsRelease = 4;
 constexpr unsigned int kArchitecture = 6;
-constexpr unsigned int kEventDescriptions = 12;
-
-/// A description of two events with 8 bytes of attributes each.
-std::string descriptions(const std::string& first, const std::string& second) {
-  Bytes bytes;
-  bytes.u32(2).u32(8);
-  for (const std::string& name : {first, second}) bytes.u64(0).u32(1).u32(16).text(name, 16).u64(77);
-  return bytes.str();
-}
 
 RecordingBuilder described() {
   RecordingBuilder recording;
   recording.attribute(1, 0, 0x1A7).attribute(2, 300, 0x1A7).comm(1, 1, "one").mmap(1, 1, 0, 1, "/lib/a.so");
   recording.mmap(2, 2, 0, 1, "/other/a.so").mmap(2, 2, 0, 1, "/bin/b (deleted)").mmap(2, 2, 0, 1, "[heap]");
   recording.textFeature(kOsRelease, "6.1.0-arm").textFeature(kArchitecture, "armv7l");
-  return recording.feature(kEventDescriptions, descriptions("cpu-clock", "sched:x"));
+  return recording.eventNames({"cpu-clock", "sched:x"});
 }
 
 TEST(RecordingFacts, AreReadFromTheHeader) {

@@ -156,14 +156,11 @@ TEST_F(TerminalReports, ShowHowTheRecordingIsRead) {
   RecordingBuilder oneEvent;
   oneEvent.comm(7, 7, "app").attribute(0, 0, 0x1E7).attribute(1, 9, 0x10007);  // the second has no samples
   RecordingBuilder events;
-  Bytes names;
-  names.u32(3).u32(0);
-  for (const char* name : {"a", "b\x1b]0;c", "x"}) names.u32(0).u32(16).text(name, 16);
   events.comm(7, 7, "app")
       .attribute(1, 0, 0x1A7)
       .attribute(0, 0, 0x187)
       .attribute(2, 3, 0x4C7)
-      .feature(12, names.str());
+      .eventNames({"a", "b\x1b]0;c", "x"});
   RecordingBuilder compressed;
   compressed.comm(7, 7, "app").feature(kCompressed, "");
   RecordingBuilder truncated;

@@ -135,6 +135,14 @@ RecordingBuilder& RecordingBuilder::textFeature(unsigned int bit, const std::str
   return feature(bit, Bytes().u32(64).text(text, 64).str());
 }
 
+RecordingBuilder& RecordingBuilder::eventNames(const std::vector<std::string>& names) {
+  constexpr unsigned int eventDescriptions = 12;
+  Bytes content;
+  content.u32(names.size()).u32(8);  // attributes of 8 bytes, and one number for each event
+  for (const std::string& name : names) content.u64(0).u32(1).u32(16).text(name, 16).u64(77);
+  return feature(eventDescriptions, content.str());
+}
+
 RecordingBuilder& RecordingBuilder::dataSize(std::uint64_t size) {
   _dataSize = size;
   return *this;

@@ -83,6 +83,8 @@ class RecordingBuilder {
   RecordingBuilder& feature(unsigned int bit, const std::string& content);
   /// The same for one that holds a text.
   RecordingBuilder& textFeature(unsigned int bit, const std::string& text);
+  /// The one that names the events, in the order of their attributes.
+  RecordingBuilder& eventNames(const std::vector<std::string>& names);
   /// Size of the data section as the header has it, instead of the true one.
   RecordingBuilder& dataSize(std::uint64_t size);
 

@@ -1,19 +1,37 @@
-// Makes a trace with numbers at and beyond the edges of 32 bits: make_edges FILE
+// make_edges FOLDER: makes edges.data, a trace of every kind of trace-point with numbers at and beyond the
+// edges of 32 bits, and described.data, whose header names its events and its machine.
 
 #include <cstdio>
 #include <string>
 
 #include "support/TraceEvents.h"
 
-int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: make_edges FILE\n");
-    return 2;
-  }
+namespace {
+
+void makeDescribed(const std::string& path) {
+  constexpr unsigned int osRelease = 4;
+  constexpr unsigned int architecture = 6;
+  RecordingBuilder recording;
+  recording.attribute(1, 0, 0x1A7).attribute(0, 0, 0x1E7).attribute(2, 300, 0x4C7);
+  recording.textFeature(osRelease, "6.1.0-arm").textFeature(architecture, "aarch64");
+  recording.eventNames({"cpu-clock", "cycles", "sched:x"});
+  recording.comm(7, 7, "task")
+      .mmap(7, 7, 0x10000, 0x1000, "/app/tool")
+      .sample({.ip = 0x10004, .pid = 7, .tid = 7});
+  recording.save(path);
+}
+
+void makeEdges(const std::string& path) {
   TraceBuilder trace;
   const std::string digits[] = {"2147483647",           "2147483648", "-2147483648", "-2147483649",
                                 "99999999999999999999", "0x10",       " +7",         "9999999"};
   unsigned int time = 1000;
+  for (const char* name : kTraceEvents) {
+    Payload fields;
+    fields.located("kgsl-3d0");
+    for (unsigned int i = 0; i < 14; ++i) fields.u32(i % 2);
+    trace.at(time++, 0, 77).add(name, fields);
+  }
   for (const std::string& number : digits) {
     trace.at(time++, 0).gpu("kgsl:kgsl_rail", "kgsl-" + number, 1);
     trace.at(time++, 0).gpu("kgsl:kgsl_pwrlevel", "kgsl-3" + number, 0, 4294967295);
@@ -30,6 +48,18 @@ int main(int argc, char** argv) {
     trace.sample(
         {.ip = value << 4, .pid = 77, .tid = 77, .time = value << 32, .trace = {value, value << 30, 0x101}});
   }
-  trace.save(argv[1]);
+  trace.save(path);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: make_edges FOLDER\n");
+    return 2;
+  }
+  const std::string folder = argv[1];
+  makeEdges(folder + "/edges.data");
+  makeDescribed(folder + "/described.data");
   return 0;
 }
