@@ -3,6 +3,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -73,6 +74,8 @@ MachineFolder MachineFolder::here() {
   machine.traceText = readable("/sys/kernel/tracing/trace");
   if (machine.traceText.empty()) machine.traceText = readable("/sys/kernel/debug/tracing/trace");
   machine.root = "/";
+  machine.boot = textOf("/proc/sys/kernel/random/boot_id");
+  machine.boot.erase(std::min(machine.boot.find('\n'), machine.boot.size()));
   checkKernelSymbols(machine);
   return machine;
 }

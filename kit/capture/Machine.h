@@ -6,13 +6,14 @@
 
 namespace zelkit {
 
-/// Paths of the files of a machine; each is empty if there is none.
+/// Paths of the files of a machine, empty if there is none.
 struct MachineFolder {
   std::string kernelSymbols;   ///< text of /proc/kallsyms, addresses not hidden
   std::string softInterrupts;  ///< text of /proc/softirqs
   std::string uptime;          ///< text of /proc/uptime
   std::string traceText;       ///< text of the ftrace buffer
   std::string root;            ///< the folder that holds the machine's files at their own paths
+  std::string boot;            ///< identity of the running kernel's boot; empty for another machine
   /// One line for each missing file that would change a document: which, and how to provide it.
   std::vector<std::string> missing;
 

@@ -47,4 +47,10 @@ std::string demangled(const char* name) {
   return name;
 }
 
+std::string readableName(std::string_view listed) {
+  if (!listed.ends_with(kStubEnding)) return demangled(std::string(listed).c_str());
+  listed.remove_suffix(kStubEnding.size());
+  return demangled(std::string(listed).c_str()).append(kStubEnding);
+}
+
 }  // namespace zelkit

@@ -6,13 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
 
 #include "symbols/CheckedFile.h"
-#include "symbols/Demangler.h"
 #include "symbols/PltSymbols.h"
 #include "symbols/SourceLines.h"
 #include "symbols/SymbolListBuilder.h"
@@ -73,13 +71,30 @@ bool isFunction(const GElf_Sym& symbol, std::string_view name) {
   return symbol.st_shndx != SHN_UNDEF && !name.empty() && !isMappingSymbol(name);
 }
 
-/// Returns the end of a symbol's executable section, or nothing if it is in no such section.
-std::optional<std::uint64_t> codeLimit(Elf* elf, std::size_t section, std::uint64_t bias) {
-  GElf_Shdr header;
-  if (gelf_getshdr(elf_getscn(elf, section), &header) == nullptr) return {};
-  if ((header.sh_flags & SHF_EXECINSTR) == 0) return {};
-  return header.sh_addr + bias + header.sh_size;
-}
+/// The ends of executable sections. Consecutive symbols are mostly in one section.
+class SectionLimits {
+ public:
+  /// Returns the end of a symbol's executable section, or 0 if it is in no such section.
+  std::uint64_t of(Elf* elf, std::size_t section, std::uint64_t bias) {
+    if (elf != _elf || section != _section) {
+      _elf = elf;
+      _section = section;
+      _limit = read(elf, section, bias);
+    }
+    return _limit;
+  }
+
+ private:
+  static std::uint64_t read(Elf* elf, std::size_t section, std::uint64_t bias) {
+    GElf_Shdr header;
+    if (gelf_getshdr(elf_getscn(elf, section), &header) == nullptr) return 0;
+    return (header.sh_flags & SHF_EXECINSTR) != 0 ? header.sh_addr + bias + header.sh_size : 0;
+  }
+
+  Elf* _elf = nullptr;
+  std::size_t _section = 0;
+  std::uint64_t _limit = 0;
+};
 
 /// A session of libdwfl with one file, at its link addresses.
 class Module {
@@ -98,6 +113,7 @@ class Module {
 
   [[nodiscard]] std::vector<ElfFunction> functions() {
     std::vector<ElfFunction> functions;
+    SectionLimits limits;
     const int count = dwfl_module_getsymtab(_module);
     for (int i = 0; i < count; ++i) {
       GElf_Sym symbol;
@@ -107,10 +123,10 @@ class Module {
       Dwarf_Addr bias = 0;
       const char* name = dwfl_module_getsym_info(_module, i, &symbol, &address, &section, &elf, &bias);
       if (name == nullptr || elf == nullptr || !isFunction(symbol, name)) continue;
-      const std::optional<std::uint64_t> limit = codeLimit(elf, section, bias);
-      if (!limit) continue;
+      const std::uint64_t limit = limits.of(elf, section, bias);
+      if (limit == 0) continue;
       if (isThumb(elf, symbol)) address -= 1;
-      functions.push_back({address, symbol.st_size, *limit, rankOf(symbol, name), name});
+      functions.push_back({address, symbol.st_size, limit, rankOf(symbol, name), name});
     }
     return functions;
   }
@@ -133,10 +149,17 @@ class Module {
     for (const std::uint64_t start : unwindStarts(elf)) builder.addStart(start + bias);
   }
 
-  void readLines(SourceLines& lines) {
+  [[nodiscard]] SourceLines readLines(const std::vector<ElfFunction>& functions) {
     Dwarf_Addr bias = 0;
-    if (Dwarf* information = dwfl_module_getdwarf(_module, &bias); information != nullptr)
-      lines.read(information, bias);
+    Dwarf* information = dwfl_module_getdwarf(_module, &bias);
+    if (information == nullptr) return SourceLines({});
+    std::vector<std::uint64_t> starts;
+    starts.reserve(functions.size());
+    for (const ElfFunction& function : functions) starts.push_back(function.address);
+    std::sort(starts.begin(), starts.end());
+    SourceLines lines(std::move(starts));
+    lines.read(information, bias);
+    return lines;
   }
 
  private:
@@ -152,11 +175,10 @@ class Module {
   Dwfl_Module* _module = nullptr;
 };
 
-/// Returns the demangled name, without the version that a name of .symtab may have, "name@VERSION".
-std::string readableName(const char* name) {
-  const char* version = std::strchr(name, '@');
-  if (version == nullptr || version == name) return demangled(name);
-  return demangled(std::string(name, version).c_str());
+/// Returns the name without the version that one of .symtab may have, "name@VERSION".
+std::string_view withoutVersion(std::string_view name) {
+  const std::size_t version = name.find('@');
+  return version != 0 ? name.substr(0, version) : name;
 }
 
 }  // namespace
@@ -164,20 +186,14 @@ std::string readableName(const char* name) {
 SymbolList readElfSymbols(const std::string& path, const std::string& debugPath) {
   Module module(path, debugPath);
   const std::vector<ElfFunction> functions = module.functions();
-  std::vector<std::uint64_t> starts;
-  starts.reserve(functions.size());
-  for (const ElfFunction& function : functions) starts.push_back(function.address);
-  std::sort(starts.begin(), starts.end());
-  SourceLines lines(std::move(starts));
-  module.readLines(lines);
-
+  const SourceLines lines = module.readLines(functions);
   SymbolListBuilder builder;
   module.describeCode(builder);
   for (const ElfFunction& function : functions) {
     const SourceLines::Place place = lines.at(function.address);
     builder.add({.address = function.address,
                  .size = function.size,
-                 .name = readableName(function.name),
+                 .name = withoutVersion(function.name),
                  .file = place.file,
                  .line = place.line},
                 function.limit, function.rank);

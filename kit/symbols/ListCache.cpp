@@ -79,6 +79,17 @@ std::optional<SymbolList> ListCache::load(const std::string& name) const {
   }
 }
 
+std::optional<SymbolList> ListCache::loadStoredSince(const std::string& name, fs::file_time_type time) const {
+  if (_folder.empty()) return {};
+  std::error_code error;
+  if (const auto stored = fs::last_write_time(pathOf(name), error); error || stored < time) return {};
+  try {
+    return SymbolList::fromFile(pathOf(name));
+  } catch (const std::runtime_error&) {
+    return {};
+  }
+}
+
 bool ListCache::store(const std::string& name, const SymbolList& list) const {
   if (_folder.empty() || !makeFolder(_folder)) return false;
   std::string unfinished = _folder + "/XXXXXX" + kUnfinished;

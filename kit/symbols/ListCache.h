@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,11 @@ class ListCache {
 
   /// Returns the list stored under the name, and marks it as used.
   [[nodiscard]] std::optional<SymbolList> load(const std::string& name) const;
+
+  /// Returns the list stored under the name at that time or later. It does not count as used, as its time is
+  /// that of its content.
+  [[nodiscard]] std::optional<SymbolList> loadStoredSince(const std::string& name,
+                                                          std::filesystem::file_time_type time) const;
 
   /// Stores a list. Returns whether that succeeded; otherwise the folder is unchanged.
   bool store(const std::string& name, const SymbolList& list) const;

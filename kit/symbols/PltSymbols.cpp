@@ -75,12 +75,12 @@ void addPltSymbols(Elf* elf, std::uint64_t bias, SymbolListBuilder& builder) {
   for (const StubForm& form : kForms) {
     GElf_Shdr header;
     if (form.machine != file.e_machine || sectionNamed(elf, form.section, header) == nullptr) continue;
-    const std::vector<std::string> names = calledNames(elf);
+    std::vector<std::string> names = calledNames(elf);
     if (header.sh_size != form.header + names.size() * form.stub) return;
     std::uint64_t address = header.sh_addr + bias + form.header;
-    for (const std::string& name : names) {
+    for (std::string& name : names) {
       if (!name.empty())
-        builder.add({.address = address, .size = form.stub, .name = demangled(name.c_str()) + "@plt"},
+        builder.add({.address = address, .size = form.stub, .name = name.append(kStubEnding)},
                     header.sh_addr + bias + header.sh_size);
       address += form.stub;
     }

@@ -13,7 +13,7 @@ namespace zelkit {
 struct Symbol {
   std::uint64_t address = 0;
   std::uint64_t size = 0;      ///< in bytes: the range is [address, address + size); 1 MiB at most in a list
-  std::string_view name;       ///< demangled; empty for code that no symbol names
+  std::string_view name;       ///< see readableName; empty for code that no symbol names
   std::string_view file = {};  ///< source file, empty if unknown
   std::uint32_t line = 0;      ///< line in `file`, 0 if unknown
 

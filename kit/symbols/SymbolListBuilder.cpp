@@ -176,7 +176,8 @@ SymbolList SymbolListBuilder::build() {
     pieces.begin(entry);
   }
   pieces.advanceTo(kNoLimit);
-  std::sort(_starts.begin(), _starts.end());
+  // Tables of unwinding are sorted.
+  if (!std::is_sorted(_starts.begin(), _starts.end())) std::sort(_starts.begin(), _starts.end());
   std::sort(_code.begin(), _code.end(), [](const Range& a, const Range& b) { return a.from < b.from; });
   const std::vector<ListEntry> entries = Gaps(_code, _starts).fill(pieces.all());
   const ListHeader header{.magic = kListMagic,

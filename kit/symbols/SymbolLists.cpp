@@ -50,21 +50,31 @@ SymbolLists::~SymbolLists() {
 
 std::shared_ptr<const SymbolList> SymbolLists::listOf(const FoundFile& file) {
   std::shared_ptr<const SymbolList>& list = _lists[{file.path, file.debugPath}];
-  if (list == nullptr)
-    list = obtain(cacheName(file), [&] { return readElfSymbols(file.path, file.debugPath); });
+  if (list == nullptr) {
+    const std::string name = cacheName(file);
+    list = obtain(_cache.load(name), name, [&] { return readElfSymbols(file.path, file.debugPath); });
+  }
   return list;
 }
 
 std::shared_ptr<const SymbolList> SymbolLists::listOfText(std::string_view text,
                                                           SymbolList (*make)(std::string_view)) {
-  return obtain(cacheName(text), [&] { return make(text); });
+  const std::string name = cacheName(text);
+  return obtain(_cache.load(name), name, [&] { return make(text); });
 }
 
-std::shared_ptr<const SymbolList> SymbolLists::obtain(const std::string& name,
+std::shared_ptr<const SymbolList> SymbolLists::listOfLater(const std::string& name,
+                                                           std::filesystem::file_time_type time,
+                                                           const std::function<SymbolList()>& make) {
+  return obtain(_cache.loadStoredSince(name, time), name, make);
+}
+
+std::shared_ptr<const SymbolList> SymbolLists::obtain(std::optional<SymbolList> cached,
+                                                      const std::string& name,
                                                       const std::function<SymbolList()>& make) {
-  if (std::optional<SymbolList> kept = _cache.load(name)) {
+  if (cached) {
     ++_cached;
-    return std::make_shared<SymbolList>(std::move(*kept));
+    return std::make_shared<SymbolList>(std::move(*cached));
   }
   auto list = std::make_shared<SymbolList>(make());
   ++_made;

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,6 +40,11 @@ class SymbolLists {
   /// Returns the list that `make` returns for a text, such as a kernel's table; called once for each text.
   std::shared_ptr<const SymbolList> listOfText(std::string_view text, SymbolList (*make)(std::string_view));
 
+  /// Returns a list of something that changes with time: the one cached under the name at `time` or later,
+  /// else the one that `make` returns.
+  std::shared_ptr<const SymbolList> listOfLater(const std::string& name, std::filesystem::file_time_type time,
+                                                const std::function<SymbolList()>& make);
+
   /// Returns "$XDG_CACHE_HOME/zelkit", or "$HOME/.cache/zelkit", or "" if neither is set.
   static std::string defaultCacheFolder();
 
@@ -47,7 +54,8 @@ class SymbolLists {
   [[nodiscard]] std::size_t notKept() const { return _notKept; }
 
  private:
-  std::shared_ptr<const SymbolList> obtain(const std::string& name, const std::function<SymbolList()>& make);
+  std::shared_ptr<const SymbolList> obtain(std::optional<SymbolList> cached, const std::string& name,
+                                           const std::function<SymbolList()>& make);
 
   ListCache _cache;
   std::map<std::pair<std::string, std::string>, std::shared_ptr<const SymbolList>> _lists;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "symbols/Demangler.h"
 #include "symbols/FileNames.h"
 
 namespace zelkit {
@@ -31,11 +32,11 @@ class FileSymbols : public SymbolSource {
   }
   Symbol at(std::size_t number) override {
     const zelkit::Symbol symbol = _list[number];
-    if (symbol.name.empty()) _place = placeName(_file, symbol.address);
+    _name = symbol.name.empty() ? placeName(_file, symbol.address) : readableName(symbol.name);
     // The engine includes the byte after a symbol in the symbol.
     return {.start = symbol.address - _file.low,
             .size = symbol.size - 1,
-            .name = symbol.name.empty() ? _place : symbol.name,
+            .name = _name,
             .file = fileNamed(symbol.file),
             .line = symbol.line};
   }
@@ -59,7 +60,7 @@ class FileSymbols : public SymbolSource {
 
   const SymbolList& _list;
   const MappedFile& _file;
-  std::string _place;
+  std::string _name;  ///< of the symbol given last
 };
 
 class KernelSource : public SymbolSource {
@@ -75,7 +76,8 @@ class KernelSource : public SymbolSource {
   Symbol at(std::size_t number) override {
     if (number == _list.size()) return {.start = _start, .name = "[kernel]"};
     const zelkit::Symbol symbol = _list[number];
-    return {.start = symbol.address, .size = symbol.size - 1, .name = symbol.name};
+    _name = readableName(symbol.name);
+    return {.start = symbol.address, .size = symbol.size - 1, .name = _name};
   }
   [[nodiscard]] unsigned long long lowest() const override { return _start; }
   [[nodiscard]] unsigned long long highest() const override {
@@ -85,6 +87,7 @@ class KernelSource : public SymbolSource {
  private:
   const SymbolList& _list;
   std::uint64_t _start;
+  std::string _name;  ///< of the symbol given last
 };
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <vector>
 
-#include "symbols/Demangler.h"
 #include "symbols/SymbolListBuilder.h"
 
 namespace zelkit {
@@ -77,8 +76,7 @@ SymbolList readKernelTable(std::string_view text) {
 
 SymbolList listOf(const RecordedFile& file) {
   SymbolListBuilder builder;
-  for (const RecordedSymbol& symbol : file.symbols)
-    builder.add({symbol.address, symbol.size, demangled(std::string(symbol.name).c_str())});
+  for (const RecordedSymbol& symbol : file.symbols) builder.add({symbol.address, symbol.size, symbol.name});
   return builder.build();
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -50,9 +51,10 @@ const SymbolList& Names::kernel() {
 void Names::readKernel() {
   _kernelRead = true;
   const RecordingInfo& info = _source.recording().info();
-  if (const std::string& path = _source.machine().kernelSymbols; !path.empty()) {
+  if (const MachineFolder& machine = _source.machine(); !machine.kernelSymbols.empty()) {
     try {
-      _kernel = _lists.listOfText(readWhole(path), readKernelTable);
+      _kernel = machine.boot.empty() ? _lists.listOfText(readWhole(machine.kernelSymbols), readKernelTable)
+                                     : runningKernel(machine);
     } catch (const std::runtime_error& error) {
       _notes.emplace_back(error.what());
     }
@@ -61,6 +63,16 @@ void Names::readKernel() {
   } else if (const RecordedFile* file = recordedFile(RecordingInfo::kKernel); file != nullptr) {
     _kernel = std::make_shared<SymbolList>(listOf(*file));
   }
+}
+
+/// To write its table takes the kernel longer than a small conversion. A table of this boot that was read
+/// after the recording was made describes it no worse than one that is read now.
+std::shared_ptr<const SymbolList> Names::runningKernel(const MachineFolder& machine) {
+  std::error_code error;
+  const auto recorded = std::filesystem::last_write_time(_source.recording().path(), error);
+  return _lists.listOfLater("kernel-" + machine.boot,
+                            error ? std::filesystem::file_time_type::max() : recorded,
+                            [&] { return readKernelTable(readWhole(machine.kernelSymbols)); });
 }
 
 const RecordedFile* Names::recordedFile(const std::string& path) const {

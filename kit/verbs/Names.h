@@ -52,6 +52,7 @@ class Names : public FileKnowledge {
   Listed makeFromVdso(const MappedFile& file);
   const SymbolList& kernel();
   void readKernel();
+  std::shared_ptr<const SymbolList> runningKernel(const MachineFolder& machine);
 
   Source& _source;
   std::vector<std::string> _roots;

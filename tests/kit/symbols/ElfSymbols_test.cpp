@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kit/symbols/ElfWorkshop.h"
+#include "symbols/Demangler.h"
 #include "symbols/ElfFile.h"
 
 namespace zelkit {
@@ -17,7 +18,7 @@ namespace {
 /// Returns the first symbol of the name, one without a name if there is none.
 Symbol named(const SymbolList& list, const std::string& name) {
   for (std::size_t i = 0; i < list.size(); ++i)
-    if (list[i].name == name) return list[i];
+    if (readableName(list[i].name) == name) return list[i];
   return {};
 }
 
@@ -55,7 +56,7 @@ TEST(ElfSymbols, AgreeWithReadelfToTheByte) {
   for (const auto& [start, size] : sizes) {
     const std::size_t found = list.find(start);
     ASSERT_LT(found, list.size()) << std::hex << start;
-    EXPECT_TRUE(aliases[start].contains(std::string(list[found].name))) << list[found].name;
+    EXPECT_TRUE(aliases[start].contains(readableName(list[found].name))) << list[found].name;
     EXPECT_EQ(list.find(start + size - 1), found);
     EXPECT_NE(list.find(start + size), found);
   }

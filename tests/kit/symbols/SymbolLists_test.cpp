@@ -71,6 +71,26 @@ TEST(SymbolLists, DistinguishCopiesOfABuild) {
   EXPECT_EQ(filesIn(cache), 5u);
 }
 
+TEST(SymbolLists, ReadAgainWhatMayHaveChangedSince) {
+  const ElfWorkshop workshop;
+  const auto now = fs::file_time_type::clock::now();
+  std::string content = "first";
+  const auto nameSince = [&](fs::file_time_type time) {
+    SymbolLists lists(workshop.path("cache"));
+    const auto list = lists.listOfLater("kernel", time, [&] {
+      SymbolListBuilder builder;
+      builder.add({1, 1, content});
+      return builder.build();
+    });
+    return std::string((*list)[0].name);
+  };
+  EXPECT_EQ(nameSince(now), "first");
+  content = "second";
+  EXPECT_EQ(nameSince(now - std::chrono::hours(1)), "first");
+  EXPECT_EQ(nameSince(now + std::chrono::hours(1)), "second");
+  EXPECT_EQ(nameSince(now - std::chrono::hours(1)), "second");
+}
+
 TEST(SymbolLists, RecogniseTheSameText) {
   const ElfWorkshop workshop;
   const auto make = [](std::string_view text) {
