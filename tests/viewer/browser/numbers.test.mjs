@@ -19,8 +19,6 @@ for (const name of ['timechart.json', 'arm-timechart.json']) {
     assert(expected.length >= 2);
     const page = await openPage();
     await openDocuments(page, file);
-    // A state that is on in the end lasts as long as the document does; cpu_load knows the core's own points
-    // only.
     const cores = await tableOf(page, 'Cores');
     for (const [label, busy] of expected) {
       const row = cores.find(([core]) => core === label);
