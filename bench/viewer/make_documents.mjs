@@ -1,16 +1,19 @@
 // Makes large documents for the page's benchmark: make_documents.mjs FOLDER NAME SAMPLES FRAMES
+// [all-different]
 //
 // FOLDER/NAME.json is a profile document of SAMPLES samples in 30 processes, whose back-traces are walks
 // through a graph of 4,000 functions, FRAMES long at most; 40,000 different ones, some far more often than
-// others. FOLDER/NAME.speedscope.json holds the same samples for speedscope. The numbers are the same on
-// every machine.
+// others. FOLDER/NAME.speedscope.json holds the same samples for speedscope. With `all-different` each sample
+// has a walk of its own, FRAMES long, which makes trees of millions of nodes; speedscope gets no file then.
+// The numbers are the same on every machine.
 import {closeSync, openSync, writeSync} from 'node:fs';
 
-const [folder, name, ...numbers] = process.argv.slice(2);
-const [sampleCount, most] = numbers.map(Number);
+const [folder, name, samples, longest, kind] = process.argv.slice(2);
+const [sampleCount, most] = [Number(samples), Number(longest)];
+const allDifferent = kind === 'all-different';
 const processes = 30;
 const functions = 4000;
-const stackCount = 40000;
+const stackCount = allDifferent ? sampleCount : 40000;
 const cores = 8;
 const interval = 25e-6;
 const firstFunctionKey = 100;
@@ -31,15 +34,18 @@ const callees =
 const stacks = Array.from({ length: stackCount }, (_, index) => {
   const owner = index % processes;
   const frames = [owner * 7];
-  for (let depth = 2 + roll(most - 2); depth > 0; --depth) {
+  for (let depth = allDifferent ? most - 1 : 2 + roll(most - 2); depth > 0; --depth) {
     const next = callees[frames[frames.length - 1]];
     // The first callee is called most often, the last one seldom.
-    frames.push(next[Math.min(roll(next.length + 1), roll(next.length + 1), next.length - 1)]);
+    const skewed = () => Math.min(roll(next.length + 1), roll(next.length + 1), next.length - 1);
+    frames.push(next[allDifferent ? roll(next.length) : skewed()]);
   }
   return { owner, frames: frames.reverse() };
 });
-const chosen = Array.from(
-    { length: sampleCount }, () => stacks[Math.floor((roll(1 << 20) / (1 << 20)) ** 3 * stackCount)]);
+const chosen = allDifferent ?
+    stacks :
+    Array.from(
+        { length: sampleCount }, () => stacks[Math.floor((roll(1 << 20) / (1 << 20)) ** 3 * stackCount)]);
 
 const functionName = (index) => `ns::Class${index % 97}<int, std::string>::method_${index}(int, char const*)`;
 const section = (label, rows) =>
@@ -92,6 +98,8 @@ write(`${folder}/${name}.json`, head, sampleCount, (i) => {
   return `[${i + 1},${address(frames[0])},${frames[0] + firstFunctionKey},${time},${i % cores},${owner + 4},${
       owner + 100},[${trace}],],`;
 }, ']}}\n');
+
+if (allDifferent) process.exit();
 
 // One profile a process, as exporters to speedscope write them.
 const frames = JSON.stringify(range(functions, (index) => ({ name: functionName(index) })));

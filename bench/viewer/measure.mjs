@@ -1,7 +1,7 @@
 // Measures the page beside speedscope: measure.mjs PAGE FOLDER MODULES [CASE...]
 //
-// FOLDER holds million.json, three.json, their .speedscope.json, and trace.json; MODULES the two
-// packages of the lock file. CPU seconds and peak memory are those of the renderer, threads of workers
+// FOLDER holds million.json, three.json, their .speedscope.json, different.json and trace.json; MODULES the
+// two packages of the lock file. CPU seconds and peak memory are those of the renderer, threads of workers
 // included, above an empty page's.
 import {execFileSync} from 'node:child_process';
 import {readFileSync, statSync} from 'node:fs';
@@ -216,6 +216,7 @@ const tables = [
   [
     'Brush to new figures: ms of script, median and worst of 30', ['what', 'median', 'worst'], {
       'brush-million': () => brushing('million.json'),
+      'brush-different': () => brushing('different.json'),
     }
   ],
 ];
