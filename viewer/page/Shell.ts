@@ -1,6 +1,6 @@
 import type {Direction} from '../model/axis';
 import {button, div, element, searchField, shortName, span} from '../views/dom';
-import type {Change, Reading, State, Store} from '../views/store';
+import {type Change, isReading, type Reading, type State, type Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, scaleOf, setBrush, timeKey} from '../views/timeAxis';
 import type {App, View} from '../views/View';
 import {copyText, savePicture} from './copy';
@@ -188,7 +188,8 @@ export class Shell implements App {
     if (brush !== null) this.brush.textContent = `${describeSpan(brush)} ✕`;
     const panel = this.panel();
     const views = new Set(changed);
-    views.delete('readings');
+    // That a reading has ended matters to views, but not how far one has come.
+    if (isReading(state)) views.delete('readings');
     for (const mounted of this.mounted) {
       const { view, host, tab } = mounted;
       const hidden = !view.available(state) || (tab !== null && mounted !== panel);

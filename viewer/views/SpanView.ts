@@ -2,7 +2,7 @@ import {type Direction, formatShare} from '../model/axis';
 import type {SpanUse} from '../model/span';
 import {button, element, shortName} from './dom';
 import {describeRun, selectBeside} from './runs';
-import type {State} from './store';
+import {isReading, type State} from './store';
 import {brushOf, describeSpan, spanOf} from './timeAxis';
 import type {App, View} from './View';
 
@@ -33,6 +33,8 @@ export class SpanView implements View {
 
   draw(state: State): void {
     const { timechart, filter, run } = state;
+    // The figures of a part would be replaced before they can be read.
+    if (timechart !== this.asked[0] && isReading(state)) return;
     const asked = [timechart, filter.start, filter.end, run];
     if (asked.every((part, i) => part === this.asked[i])) return;
     this.asked = asked;

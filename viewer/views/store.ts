@@ -50,6 +50,9 @@ export interface State {
   readonly mark: number|null;
 }
 
+/** Returns whether a document is being read, so that what is shown may be a part. */
+export const isReading = ({readings}: State): boolean => readings.some(({state}) => state === 'reading');
+
 /** A member of the state, or the room of the views on the page. */
 export type Change = keyof State|'size';
 
