@@ -83,6 +83,7 @@ TEST(SlotPool, HandsSlotsOutAgainAndBlocksBackWithTheLast) {
     ASSERT_EQ(slots[i][0], static_cast<char>(i)) << i;
     ASSERT_EQ(slots[i][23], static_cast<char>(i)) << i;
   }
+  EXPECT_EQ(slots[1], slots[0] + 24);
   pool.giveBack(slots[5]);
   pool.giveBack(slots[17]);
   EXPECT_EQ(pool.take(), slots[17]);

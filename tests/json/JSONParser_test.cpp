@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <sstream>
+#include <string>
 
 namespace {
 
@@ -184,5 +186,31 @@ TEST(JSONParser, AcceptsAnyDepthOfNesting) {
   EXPECT_EQ(objects.length(), 0);
   EXPECT_EQ(objects._refCount, 0);
 }
+
+#ifndef ZELCONV_SANITIZED  // a sanitizer retains freed memory
+TEST(JSONParser, TreesLeaveNoMemoryBehind) {
+  std::string text = "[[";
+  for (int i = 0; i < 1000; ++i) text += R"([1],{"key":"a text that is longer than its node"},[2,[3]],)";
+  text += "[]]]";
+  const auto residentPages = [] {
+    std::size_t all = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return resident;
+  };
+  testing::internal::CaptureStderr();
+  std::size_t before = 0;
+  for (int round = 0; round < 200; ++round) {
+    if (round == 20) before = residentPages();
+    // A text that ends early fails with a complete member, or with open containers.
+    for (const std::size_t missing : {0U, 1U, 2U}) {
+      JSONData node;
+      EXPECT_EQ(node.setFromJsonStlString(text.substr(0, text.size() - missing)), missing == 0);
+    }
+  }
+  EXPECT_LT(residentPages(), before + 512);
+  testing::internal::GetCapturedStderr();
+}
+#endif
 
 }  // namespace
