@@ -177,6 +177,24 @@ TEST(Layout, CountsTracePointsThatNoChartOfCoresShows) {
   EXPECT_EQ(account.highCores, 0U);
 }
 
+TEST(Layout, CountsChildrenWhoseMappingsWouldTakeTooMuchMemory) {
+  ModernRecording recording = onArm();
+  for (std::uint64_t i = 0; i < 2000; ++i) recording.mmap(7, 0xB0000000 + i * 0x2000, 0x1000, 0, "/lib/a.so");
+  constexpr std::uint32_t last = 1101;
+  for (std::uint32_t child = 100; child < last; ++child)
+    recording.fork(child, 7, child, 7).mmap(child, 0x42000000, 0x1000, 0, "/lib/own.so");
+  for (const std::uint64_t address : {0xB0000010UL, 0x42000020UL})
+    for (const std::uint32_t child : {100U, last - 1})
+      recording.sample({.ip = address, .pid = child, .tid = child});
+  const Laid laid = lay(recording);
+  EXPECT_EQ(laid.account.plainSamplesOut, 4U);
+  EXPECT_EQ(laid.account.cutLineages, 2U);
+  // What a child without its parent's mappings maps itself is known.
+  EXPECT_NE(laid.records.find("sample b0000010 of 1100/"), std::string::npos);
+  EXPECT_EQ(laid.records.find("sample b0000010 of 100/"), std::string::npos);
+  EXPECT_EQ(laid.records.find("sample 42000020 of 1100/"), std::string::npos);
+}
+
 TEST(Layout, CountsDroppedRecords) {
   ModernRecording recording = onArm();
   recording.event({.config = 1, .id = 2, .name = "task-clock"});
