@@ -38,6 +38,7 @@ if [ ! -e "$system" ]; then
             LD_PRELOAD=$library timeout 5 /bin/true
         done' >/dev/null 2>&1 || true
 fi
+rm -rf "$XDG_CACHE_HOME"
 timed cold "$zelkit" convert "$system" -o "$folder/system.json"
 timed warm "$zelkit" convert "$system" -o "$folder/system.json"
 timed script perf script -i "$system" -F comm,tid,cpu,time,event,ip,sym,dso
