@@ -1,7 +1,7 @@
 import type {Direction} from '../model/axis';
 import {fullLabel, type Lane, type LaneChoice, visibleLanes} from '../model/lanes';
 import {pointBeside} from '../model/steps';
-import {button, element, shortName, span} from './dom';
+import {button, element, shortName, span, twistyOf} from './dom';
 import {coreOf, describeLane, sliceOn, taskOf} from './laneFacts';
 import {LanePictures, type PlacedLane} from './LanePictures';
 import {laneHeight} from './laneRaster';
@@ -164,11 +164,7 @@ export class LanesView implements View {
             title: shortName(fullLabel(lane)),
             click: (event: MouseEvent) => this.clickLabel(lane, event.target as Element),
           },
-          span(
-              'fold',
-              children.length === 0 ? '' :
-                  folded            ? '▸' :
-                                      '▾'),
+          twistyOf('fold', children.length === 0 ? null : !folded),
           span('label-name', shortName(alone ? fullLabel(lane) : lane.label)),
           act(pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)', 'pinned'),
           act('✕', 'Hide (H)', 'hidden'),

@@ -1,5 +1,5 @@
 import type {Direction} from '../model/axis';
-import {div, element, span, swatch} from './dom';
+import {div, element, swatch, twistyOf} from './dom';
 import {type App, nextOf} from './View';
 
 export interface Column {
@@ -173,7 +173,7 @@ export class RowTable {
     if (colour !== undefined) name.prepend(swatch(colour));
     if (level === undefined) return;
     made.setAttribute('aria-level', String(level + 1));
-    const twisty = span('twisty', open === null ? '' : open === true ? '▾' : '▸');
+    const twisty = twistyOf('twisty', open ?? null);
     twisty.style.marginLeft = `${Math.min(level, deepestIndent) * indent}px`;
     name.prepend(twisty);
     if (open === null)

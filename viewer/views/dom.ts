@@ -52,6 +52,16 @@ export function searchField(
   return field;
 }
 
+/**
+ * Returns a sign of whether rows below are listed, or none for null; screen readers are told by the row
+ * itself.
+ */
+export const twistyOf = (className: string, open: boolean|null): HTMLElement => element(
+    'span', {class: className, 'aria-hidden': 'true'},
+    open === null ? '' :
+        open      ? '▾' :
+                    '▸');
+
 /** Returns a sample of a colour. */
 export function swatch(colour: string): HTMLElement {
   const made = element('i', { class: 'swatch' });
