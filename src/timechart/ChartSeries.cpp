@@ -5,9 +5,7 @@
 #include "timechart/TimeOrder.h"
 
 ChartSamples ChartSeries::inTimeOrder() const {
-  ChartSamples samples = _samples.all();
-  sortByTime(samples);
-  return samples;
+  return ::inTimeOrder(_samples);
 }
 
 ChartSamples ChartSeries::changes() const {

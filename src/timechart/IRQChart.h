@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
+#include "timechart/ArrivalList.h"
 #include "timechart/ChartSeries.h"
 #include "timechart/ChartTime.h"
 #include "timechart/PerCpu.h"
@@ -28,8 +30,16 @@ class IRQChart {
   void outIRQChart(PerfJSONWriter& writer) const;
 
  private:
-  void outCpu(PerfJSONWriter& writer, const std::string& name, int cpu) const;
+  /// A value of the interrupt. A recording may have a chart for every record, so a chart has one short list
+  /// instead of a series for each CPU.
+  struct Fact {
+    double time;  ///< seconds relative to gtodAtStart
+    int value;
+    std::int8_t cpu;
+  };
+
+  void outCpu(PerfJSONWriter& writer, const std::string& name, int cpu, const ChartSamples& changes) const;
 
   int _irq;
-  PerCpu<ChartSeries> _series;
+  ArrivalList<Fact> _facts;
 };

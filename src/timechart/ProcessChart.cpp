@@ -9,17 +9,6 @@
 #include "timechart/TimeOrder.h"
 #include "timechart/TimechartManager.h"
 
-namespace {
-
-template <typename Element>
-std::vector<Element> inTimeOrder(const ArrivalList<Element>& list) {
-  std::vector<Element> elements = list.all();
-  sortByTime(elements);
-  return elements;
-}
-
-}  // namespace
-
 /// The values that all entries of a task share.
 struct ProcessChart::Head {
   std::string label;

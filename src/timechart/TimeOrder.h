@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "timechart/ArrivalList.h"
 #include "timechart/ChartSeries.h"
 
 /// Merges two neighbouring runs, [start, middle) and [middle, end), by the member `time`.
@@ -42,4 +43,12 @@ void sortByTime(std::vector<Element>& elements) {
     }
     ends.resize(merged);
   }
+}
+
+/// Returns the elements in order of time; those of one time keep their order.
+template <typename Element>
+std::vector<Element> inTimeOrder(const ArrivalList<Element>& list) {
+  std::vector<Element> elements = list.all();
+  sortByTime(elements);
+  return elements;
 }
