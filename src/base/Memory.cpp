@@ -39,6 +39,7 @@ bool holds(const char* block, const char* byte) {
 }  // namespace
 
 BlockPool::Block BlockPool::take() {
+  const std::lock_guard lock(_lock);
   if (_returned == nullptr) {
     if (_left < kStride) makeChunk();
     _left -= kStride;
@@ -53,6 +54,7 @@ BlockPool::Block BlockPool::take() {
 }
 
 void BlockPool::Return::operator()(char* block) const noexcept {
+  const std::lock_guard lock(_lock);
   ASAN_UNPOISON_MEMORY_REGION(block, sizeof(Returned));
   _returned = new (block) Returned{_returned};
   ASAN_POISON_MEMORY_REGION(block, kBlockSize);
