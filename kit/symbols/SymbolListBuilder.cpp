@@ -109,12 +109,12 @@ class SymbolListBuilder::Gaps {
   }
 
   void addPieces(std::uint64_t from, std::uint64_t to) {
-    for (; from < to; from += kLargestPiece)
-      _entries.push_back({.address = from,
-                          .size = static_cast<std::uint32_t>(std::min(to - from, kLargestPiece)),
-                          .name = 0,
-                          .file = 0,
-                          .line = 0});
+    while (from < to) {
+      const std::uint64_t size = std::min(to - from, kLargestPiece);
+      _entries.push_back(
+          {.address = from, .size = static_cast<std::uint32_t>(size), .name = 0, .file = 0, .line = 0});
+      from += size;
+    }
   }
 
   const std::vector<Range>& _code;

@@ -104,6 +104,12 @@ TEST(SymbolListBuilder, ListsUnnamedCodeAndCutsItAtStartsOfFunctions) {
             "1000+100 named, 1104+3c , 1140+5c0 second, 1700+100 , 2000+f00 , 2f00+80 last, 2fb0+20 padded");
 }
 
+TEST(SymbolListBuilder, ListsCodeUpToTheLastAddress) {
+  SymbolListBuilder builder;
+  builder.addCode(SymbolListBuilder::kNoLimit - 0x100080, SymbolListBuilder::kNoLimit);
+  EXPECT_EQ(textOf(builder.build()), "ffffffffffefff7f+100000 , ffffffffffffff7f+80 ");
+}
+
 TEST(SymbolListBuilder, KeepsSourcesAndStoresEachFileOnce) {
   SymbolListBuilder builder;
   for (std::uint64_t i = 0; i < 100; ++i) builder.add({i, 1, "f", "a/rather/long/name/of/a/file.cpp", 7});
