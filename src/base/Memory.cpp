@@ -39,7 +39,6 @@ bool holds(const char* block, const char* byte) {
 }  // namespace
 
 BlockPool::Block BlockPool::take() {
-  const std::lock_guard lock(_lock);
   if (_returned == nullptr) {
     if (_left < kStride) makeChunk();
     _left -= kStride;
@@ -54,7 +53,6 @@ BlockPool::Block BlockPool::take() {
 }
 
 void BlockPool::Return::operator()(char* block) const noexcept {
-  const std::lock_guard lock(_lock);
   ASAN_UNPOISON_MEMORY_REGION(block, sizeof(Returned));
   _returned = new (block) Returned{_returned};
   ASAN_POISON_MEMORY_REGION(block, kBlockSize);

@@ -3,10 +3,9 @@
 #include <cstddef>
 #include <deque>
 #include <memory>
-#include <mutex>
 
 /// Pool of large memory blocks, for data that grows with the recording. The block returned last is the next
-/// one to be reused: the document grows into the blocks that its samples release. Threads may share it.
+/// one to be reused: the document grows into the blocks that its samples release.
 class BlockPool {
  public:
   static constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
@@ -27,7 +26,6 @@ class BlockPool {
 
   static void makeChunk();
 
-  static inline std::mutex _lock;               ///< of all that follows
   static inline Returned* _returned = nullptr;  ///< list of the returned blocks, the latest first
   static inline char* _chunk = nullptr;         ///< unused tail of the last chunk from the system
   static inline std::size_t _left = 0;          ///< size of that tail

@@ -14,9 +14,6 @@ namespace loomstat {
 class JsomStringWriter {
  public:
   explicit JsomStringWriter(TextBuffer& out) : _out(out) {}
-  /// Continues, in a buffer of its own, the array that is open in another writer and has elements already.
-  JsomStringWriter(TextBuffer& out, const JsomStringWriter& other)
-      : _whiteSpace(other._whiteSpace), _out(out), _state(']'), _stack(other._stack) {}
   virtual ~JsomStringWriter() = default;
   JsomStringWriter(const JsomStringWriter&) = delete;
   JsomStringWriter& operator=(const JsomStringWriter&) = delete;
@@ -57,9 +54,6 @@ class JsomStringWriter {
   void write(const char* text, int length);
   void writeChar(char byte);
   void flush() {}
-
-  /// Returns whether the container opened last, and not ended yet, is an array with elements.
-  bool continuesArray() const { return _state == ']'; }
 
   /// Whether to indent and break lines; takes effect with the next token.
   bool _whiteSpace = false;

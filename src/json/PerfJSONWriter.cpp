@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "base/CallBoth.h"
 #include "json/FixedDecimals.h"
 #include "run/Settings.h"
 
@@ -101,28 +100,6 @@ void PerfJSONWriter::writeArrayStart(const char* label) {
 void PerfJSONWriter::writeArrayEnd() {
   _flushBuffer();
   _writer->endArray();
-}
-
-void PerfJSONWriter::writeBoth(const std::function<void(PerfJSONWriter&)>& first,
-                               const std::function<void(PerfJSONWriter&)>& second) {
-  if (!_isDocumentWriter) {
-    first(*this);
-    return second(*this);
-  }
-  if (!_parallel) _parallel = std::make_unique<DocumentWriter>(_includeLabels, _whiteSpace);
-  _parallel->_continue(*this);
-  callBoth([&] { first(*this); }, [&] { second(*_parallel); });
-  // The text of the second begins with a comma, which is wrong if the first has written nothing.
-  if (!_writer->continuesArray()) return second(*this);
-  _document.take(_parallel->_document);
-}
-
-void PerfJSONWriter::_continue(const PerfJSONWriter& other) {
-  _isWritten = true;
-  _includeLabels = other._includeLabels;
-  _whiteSpace = other._whiteSpace;
-  _document.clear();
-  _writer = std::make_unique<loomstat::JsomStringWriter>(_document, *other._writer);
 }
 
 void PerfJSONWriter::writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,

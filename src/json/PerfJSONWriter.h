@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -100,12 +99,6 @@ class PerfJSONWriter {
     writeArrayEnd();
   }
 
-  /// Calls both functions, which write elements of the current array. They may run in parallel; then each
-  /// gets a writer of its own, and the second may be called twice, as its text follows from whether the first
-  /// has written any.
-  void writeBoth(const std::function<void(PerfJSONWriter&)>& first,
-                 const std::function<void(PerfJSONWriter&)>& second);
-
   /// Writes a back-trace as an array of arrays, each of an address and a key.
   void writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
                       std::span<const BackTraceEntry> entries);
@@ -128,8 +121,6 @@ class PerfJSONWriter {
       out.append(most, [&](char* text) { return write(text, value); });
     }
   }
-  /// Makes this a writer without a file that continues the array of another.
-  void _continue(const PerfJSONWriter& other);
   void _bufferJsonValue(const char* text, int length);
   void _flushBuffer();
 
@@ -141,7 +132,6 @@ class PerfJSONWriter {
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
   BackTraceTexts _backTraces;
-  std::unique_ptr<PerfJSONWriter> _parallel;  ///< see writeBoth; null before its first use
   bool _includeLabels;
   bool _whiteSpace;
   const bool _isDocumentWriter;  ///< no class overrides the operations, so bulk operations need not call them

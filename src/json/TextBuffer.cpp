@@ -1,7 +1,6 @@
 #include "json/TextBuffer.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace loomstat {
@@ -23,16 +22,6 @@ void TextBuffer::append(const TextBuffer& text) {
   append(text.lastPiece());
 }
 
-void TextBuffer::take(TextBuffer& text) {
-  if (text.empty()) return;
-  endBlock();
-  std::move(text._full.begin(), text._full.end(), std::back_inserter(_full));
-  text._full.clear();
-  _block = std::move(text._block);
-  _end = std::exchange(text._end, nullptr);
-  _limit = std::exchange(text._limit, nullptr);
-}
-
 void TextBuffer::appendInPieces(std::string_view text) {
   while (!text.empty()) {
     makeRoom(1);
@@ -43,12 +32,8 @@ void TextBuffer::appendInPieces(std::string_view text) {
   }
 }
 
-void TextBuffer::endBlock() {
-  if (const std::size_t size = lastPiece().size(); size != 0) _full.push_back({std::move(_block), size});
-}
-
 void TextBuffer::startBlock() {
-  endBlock();
+  if (const std::size_t size = lastPiece().size(); size != 0) _full.push_back({std::move(_block), size});
   _block = BlockPool::take();
   _end = _block.get();
   _limit = _end + BlockPool::kBlockSize;

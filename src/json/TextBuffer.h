@@ -38,9 +38,6 @@ class TextBuffer {
 
   void append(const TextBuffer& text);
 
-  /// Appends the blocks of another text without a copy, and leaves that empty.
-  void take(TextBuffer& text);
-
   /// Calls `write(char* out)`, which writes at most `most` bytes (<= BlockPool::kBlockSize) and returns their
   /// end.
   template <typename Write>
@@ -92,7 +89,6 @@ class TextBuffer {
   void makeRoom(std::size_t size) {
     if (room() < size) startBlock();
   }
-  void endBlock();
   void startBlock();
   void appendInPieces(std::string_view text);
 

@@ -32,10 +32,6 @@ constexpr unsigned int kDeepestPossible = 255;
 constexpr unsigned long long kLastInterruptAddress = 0xFEFFFFFF;
 constexpr unsigned long long kLastStrayMarker = 0x100;
 
-/// How many samples a thread writes before those written are released. Fewer cost time to start threads, more
-/// cost memory.
-constexpr std::size_t kWrittenAtOnce = 16384;
-
 constexpr SectionColumn kColumns[] = {
     {"key", "key or reference for this sample"},
     {"ip", "Location of sample, program counter"},
@@ -172,17 +168,10 @@ int PerfRecordSample::_out(PerfJSONWriter& writer) {
 }
 
 void PerfRecordSample::outAll(PerfJSONWriter& writer) {
-  const auto rows = [](std::size_t begin, std::size_t end) {
-    return [=](PerfJSONWriter& part) {
-      for (std::size_t i = begin; i < end; ++i) _allSamples[i]->out(part);
-    };
-  };
   writeSection(writer, "samples", kColumns, [&] {
-    while (!_allSamples.empty()) {
-      const std::size_t count = std::min(_allSamples.size(), 2 * kWrittenAtOnce);
-      writer.writeBoth(rows(0, count / 2), rows(count / 2, count));
-      _allSamples.erase(_allSamples.begin(), _allSamples.begin() + static_cast<std::ptrdiff_t>(count));
-      if (!_allSamples.empty()) _arena.releaseBlocksBefore(_allSamples.front());
+    for (; !_allSamples.empty(); _allSamples.pop_front()) {
+      _arena.releaseBlocksBefore(_allSamples.front());
+      _allSamples.front()->out(writer);
     }
   });
 }

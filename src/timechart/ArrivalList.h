@@ -32,9 +32,6 @@ class ArrivalList : ArrivalListMemory {
   /// The latest element; the list must not be empty.
   const Element& last() const { return _end[-1]; }
 
-  /// Returns for how many elements there is memory.
-  std::size_t capacity() const { return _room; }
-
   /// Returns all elements in order of arrival.
   std::vector<Element> all() const {
     std::vector<Element> elements;

@@ -47,9 +47,6 @@ class ProcessChart {
   /// Writes the entries of the task's series.
   void outProcessChart(PerfJSONWriter& writer) const;
 
-  /// Returns about how many facts were added.
-  std::size_t factCount() const { return _facts.capacity(); }
-
   int _ppid;          ///< the parent, by which the viewer groups; the task itself if unknown
   std::string _name;  ///< may be empty
 

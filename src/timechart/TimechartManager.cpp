@@ -26,17 +26,6 @@ Found<Chart> orMake(Chart* existing, Make make) {
   return existing != nullptr ? Found<Chart>{existing, false} : Found<Chart>{make(), true};
 }
 
-/// Returns the chart from which on the charts have half of the facts.
-auto middleOf(const std::vector<ChartTable<ProcessChart>::Entry>& charts) {
-  std::size_t rest = 0;
-  for (const auto& [pid, chart] : charts) rest += chart->factCount();
-  const std::size_t half = rest / 2;
-  return std::find_if(charts.begin(), charts.end(), [&](const auto& entry) {
-    rest -= entry.second->factCount();
-    return rest < half;
-  });
-}
-
 void outNames(const std::map<int, std::string>& names) {
   for (const auto& [number, name] : names) std::printf("%d:\t %s\n", number, name.c_str());
   std::fflush(stdout);
@@ -226,13 +215,7 @@ void TimechartManager::outProcessCharts(PerfJSONWriter& writer) const {
   auto charts = _processCharts.inOrder();
   std::stable_sort(charts.begin(), charts.end(),
                    [](const auto& a, const auto& b) { return comparePPids(a.second, b.second); });
-  const auto writeCharts = [](auto begin, auto end) {
-    return [=](PerfJSONWriter& part) {
-      for (auto entry = begin; entry != end; ++entry) entry->second->outProcessChart(part);
-    };
-  };
-  const auto middle = middleOf(charts);
-  writer.writeBoth(writeCharts(charts.begin(), middle), writeCharts(middle, charts.end()));
+  for (const auto& [pid, chart] : charts) chart->outProcessChart(writer);
 }
 
 void TimechartManager::outEventChart(PerfJSONWriter& writer) const {

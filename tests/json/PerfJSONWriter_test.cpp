@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include "run/Settings.h"
 #include "support/Conversion.h"
 #include "timechart/ChartEntry.h"
@@ -51,49 +49,6 @@ TEST(PerfJSONWriter, IndentsByOneSpacePerLevel) {
             "{\n \"a\": 1,\n \"b\": [\n\n  {\n   \"x\": 2,\n   \"y\": \"s\"\n  }\n,\n  {\n   \"x\": 3,\n   "
             "\"y\": \"t\"\n"
             "  },\n  \n ],\n \"c\": [\n  4,5\n ],\n \"d\": [\n  \n ]\n}\n");
-}
-
-/// Writes an array with some of the elements before and some in each part of writeBoth.
-template <typename Writer>
-std::string arrayInParts(bool readable, unsigned int before, unsigned int first, unsigned int second) {
-  const Conversion folder;
-  gReadable = readable;
-  Writer writer(true, readable);
-  writer.open(folder.path("out").c_str());
-  writer.newElementStart(nullptr);
-  writer.writeArrayStart("a");
-  unsigned int end = 0;
-  const auto elements = [&end](unsigned int count) {
-    const unsigned int start = std::exchange(end, end + count);
-    return [=](PerfJSONWriter& part) {
-      for (unsigned int i = start; i < start + count; ++i) {
-        part.writeStructStart();
-        part.writeNamed("x", i);
-        part.writeStructEnd();
-      }
-    };
-  };
-  elements(before)(writer);
-  const auto firstPart = elements(first);
-  const auto secondPart = elements(second);
-  writer.writeBoth(firstPart, secondPart);
-  writer.writeBoth(secondPart, firstPart);
-  writer.writeArrayEnd();
-  writer.newElementEnd();
-  writer.close();
-  return folder.read("out");
-}
-
-TEST(PerfJSONWriter, WritesInParallelWhatItWritesInSequence) {
-  for (const bool readable : {false, true})
-    for (unsigned int sizes = 0; sizes < 27; ++sizes) {
-      // The largest size takes several blocks of memory.
-      const auto size = [](unsigned int digit) { return digit == 2 ? 20000 : digit; };
-      const unsigned int before = size(sizes / 9), first = size(sizes / 3 % 3), second = size(sizes % 3);
-      EXPECT_TRUE(arrayInParts<DocumentWriter>(readable, before, first, second) ==
-                  arrayInParts<PerfJSONWriter>(readable, before, first, second))
-          << before << ", " << first << ", " << second;
-    }
 }
 
 TEST(PerfJSONWriter, WritesNoBracesAroundRecordsWithoutLabels) {
