@@ -43,7 +43,7 @@ class TopVerb : public Verb {
   void addOptions(VerbOptions& options) override {
     options.addText("INPUT", _input, "a document, a perf.data file or a capture",
                     VerbOptions::Need::kRequired);
-    options.addNumber("-n", _most, 1, 1000000, "rows that are shown");
+    options.addNumber("-n", _most, 0, 1000000, "rows that are shown");
     options.addChoice("--by", _by, namesOf(kGroupings), "what samples are counted by");
     options.addFlag("--callers", _callers, "show who called");
     _options.addTo(options);
