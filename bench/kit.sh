@@ -5,7 +5,7 @@ set -euo pipefail
 
 zelkit=$1
 make_modern=$2
-folder=$3
+folder=$(realpath -m "$3")  # a relative cache folder is ignored
 export XDG_CACHE_HOME=$folder/cache
 mkdir -p "$folder"
 

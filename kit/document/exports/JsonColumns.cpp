@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 
 #include "document/exports/WholeUnits.h"
 
@@ -16,9 +17,10 @@ void JsonColumns::milliseconds(double seconds, double since) {
     return;
   }
   // Several times as fast as the shortest digits of a double.
-  std::array<char, 32> text{};
+  constexpr std::ptrdiff_t kMostDigits = 20;  // of a number of 64 bits
+  std::array<char, 2 * kMostDigits> text{};
   char* const whole = text.data();
-  char* const point = std::to_chars(whole, whole + text.size(), time / kNanosecondsPerMillisecond).ptr;
+  char* const point = std::to_chars(whole, whole + kMostDigits, time / kNanosecondsPerMillisecond).ptr;
   // The leading 1 keeps the zeros of the fraction, and is overwritten by the point.
   char* end = std::to_chars(point, whole + text.size(), kNanosecondsPerMillisecond + fraction).ptr;
   *point = '.';
