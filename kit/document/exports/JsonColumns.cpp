@@ -1,8 +1,8 @@
 #include "document/exports/JsonColumns.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstddef>
 
 #include "document/exports/WholeUnits.h"
 
@@ -17,13 +17,14 @@ void JsonColumns::milliseconds(double seconds, double since) {
     return;
   }
   // Several times as fast as the shortest digits of a double.
-  constexpr std::ptrdiff_t kMostDigits = 20;  // of a number of 64 bits
-  std::array<char, 2 * kMostDigits> text{};
+  std::array<char, 32> text{};
   char* const whole = text.data();
-  char* const point = std::to_chars(whole, whole + kMostDigits, time / kNanosecondsPerMillisecond).ptr;
+  char* const point = std::to_chars(whole, whole + text.size(), time / kNanosecondsPerMillisecond).ptr;
   // The leading 1 keeps the zeros of the fraction, and is overwritten by the point.
-  char* end = std::to_chars(point, whole + text.size(), kNanosecondsPerMillisecond + fraction).ptr;
-  *point = '.';
+  std::array<char, 7> decimals{};
+  std::to_chars(decimals.data(), decimals.data() + decimals.size(), kNanosecondsPerMillisecond + fraction);
+  decimals[0] = '.';
+  char* end = std::copy(decimals.begin(), decimals.end(), point);
   while (end[-1] == '0') --end;
   raw({whole, static_cast<std::size_t>(end - whole)}, rapidjson::kNumberType);
 }
