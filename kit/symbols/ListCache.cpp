@@ -66,28 +66,29 @@ std::vector<Kept> keptLists(const std::string& folder) {
   return lists;
 }
 
+/// Returns nothing if there is no such file or it is no list.
+std::optional<SymbolList> readList(const std::string& path) {
+  try {
+    return SymbolList::fromFile(path);
+  } catch (const std::runtime_error&) {
+    return {};
+  }
+}
+
 }  // namespace
 
 std::optional<SymbolList> ListCache::load(const std::string& name) const {
   if (_folder.empty()) return {};
-  try {
-    SymbolList list = SymbolList::fromFile(pathOf(name));
-    markUsed(pathOf(name));
-    return list;
-  } catch (const std::runtime_error&) {
-    return {};
-  }
+  std::optional<SymbolList> list = readList(pathOf(name));
+  if (list) markUsed(pathOf(name));
+  return list;
 }
 
 std::optional<SymbolList> ListCache::loadStoredSince(const std::string& name, fs::file_time_type time) const {
   if (_folder.empty()) return {};
   std::error_code error;
   if (const auto stored = fs::last_write_time(pathOf(name), error); error || stored < time) return {};
-  try {
-    return SymbolList::fromFile(pathOf(name));
-  } catch (const std::runtime_error&) {
-    return {};
-  }
+  return readList(pathOf(name));
 }
 
 bool ListCache::store(const std::string& name, const SymbolList& list) const {

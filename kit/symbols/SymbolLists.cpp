@@ -63,9 +63,9 @@ std::shared_ptr<const SymbolList> SymbolLists::listOfText(std::string_view text,
   return obtain(_cache.load(name), name, [&] { return make(text); });
 }
 
-std::shared_ptr<const SymbolList> SymbolLists::listOfLater(const std::string& name,
-                                                           std::filesystem::file_time_type time,
-                                                           const std::function<SymbolList()>& make) {
+std::shared_ptr<const SymbolList> SymbolLists::listSince(const std::string& name,
+                                                         std::filesystem::file_time_type time,
+                                                         const std::function<SymbolList()>& make) {
   return obtain(_cache.loadStoredSince(name, time), name, make);
 }
 

@@ -42,8 +42,8 @@ class SymbolLists {
 
   /// Returns a list of something that changes with time: the one cached under the name at `time` or later,
   /// else the one that `make` returns.
-  std::shared_ptr<const SymbolList> listOfLater(const std::string& name, std::filesystem::file_time_type time,
-                                                const std::function<SymbolList()>& make);
+  std::shared_ptr<const SymbolList> listSince(const std::string& name, std::filesystem::file_time_type time,
+                                              const std::function<SymbolList()>& make);
 
   /// Returns "$XDG_CACHE_HOME/zelkit", or "$HOME/.cache/zelkit", or "" if neither is set.
   static std::string defaultCacheFolder();

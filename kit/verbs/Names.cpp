@@ -65,14 +65,13 @@ void Names::readKernel() {
   }
 }
 
-/// To write its table takes the kernel longer than a small conversion. A table of this boot that was read
-/// after the recording was made describes it no worse than one that is read now.
+/// Reading the kernel's table takes longer than a small conversion. A table of this boot that was read after
+/// the recording was made is as good for it as one that is read now.
 std::shared_ptr<const SymbolList> Names::runningKernel(const MachineFolder& machine) {
   std::error_code error;
   const auto recorded = std::filesystem::last_write_time(_source.recording().path(), error);
-  return _lists.listOfLater("kernel-" + machine.boot,
-                            error ? std::filesystem::file_time_type::max() : recorded,
-                            [&] { return readKernelTable(readWhole(machine.kernelSymbols)); });
+  return _lists.listSince("kernel-" + machine.boot, error ? std::filesystem::file_time_type::max() : recorded,
+                          [&] { return readKernelTable(readWhole(machine.kernelSymbols)); });
 }
 
 const RecordedFile* Names::recordedFile(const std::string& path) const {

@@ -77,7 +77,7 @@ TEST(SymbolLists, ReadAgainWhatMayHaveChangedSince) {
   std::string content = "first";
   const auto nameSince = [&](fs::file_time_type time) {
     SymbolLists lists(workshop.path("cache"));
-    const auto list = lists.listOfLater("kernel", time, [&] {
+    const auto list = lists.listSince("kernel", time, [&] {
       SymbolListBuilder builder;
       builder.add({1, 1, content});
       return builder.build();
