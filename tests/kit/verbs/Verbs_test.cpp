@@ -133,6 +133,9 @@ TEST_F(Verbs, EndWithTheDocumentedStatus) {
   } cases[] = {
       {"convert", 1, "RECORDING is required"},
       {"convert %perf.data --depth 200", 1, "--depth"},
+      {"convert %perf.data --mode neither", 1, "--mode"},
+      {"top %perf.data --by colour", 1, "--by"},
+      {"import %perf.data", 1, "-o is required"},
       {"convert %perf.data -- -i x", 1, "zelkit: -i: zelkit sets this option itself\n"},
       {"convert %perf.data -o %x.json -- --nonsense", 1, "ERROR: Bad option"},
       {"convert %perf.data -o %x.json --event cycles", 2,
