@@ -7,8 +7,8 @@
 
 namespace loomstat {
 
-/// Memory of a container's members. The place of an only member comes from a pool: malloc takes four times as
-/// much for a pointer, and a deep tree has such containers alone.
+/// Memory of a container's members. The slot of a single member comes from a pool: malloc takes four times as
+/// much for a pointer, and a deep tree consists of such containers.
 template <typename Member>
 struct MemberAllocator {
   using value_type = Member;
