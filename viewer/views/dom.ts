@@ -1,14 +1,7 @@
 /** Elements of the page. Text is only ever set as text. */
 
-/**
- * Attributes and events that the platform knows; the script's own names are shortened when the page is
- * built.
- */
-type Name =
-    keyof HTMLInputElement|keyof HTMLTableCellElement|keyof HTMLElementEventMap|'class'|`aria-${string}`;
-type Attributes = {
-  readonly[name in Name]?: string|boolean|((event: never) => void)
-};
+/** Attributes and events, by their names. */
+type Attributes = Readonly<Record<string, string|boolean|((event: never) => void)>>;
 type Content = readonly(Node|string)[];
 
 /** Returns a new element: functions become listeners of the event of that name, all else attributes. */
@@ -18,7 +11,7 @@ export function element<K extends keyof HTMLElementTagNameMap>(
   for (const [key, value] of Object.entries(attributes)) {
     if (typeof value === 'function')
       made.addEventListener(key, value as EventListener);
-    else if (value !== false && value !== undefined)
+    else if (value !== false)
       made.setAttribute(key, value === true ? '' : value);
   }
   made.append(...content);
