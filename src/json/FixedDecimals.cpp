@@ -13,9 +13,10 @@ namespace {
 
 constexpr int kMantissaBits = 52;
 constexpr int kExponentOfOne = 1023;
-/// Largest number of bits of a fraction whose tenfold fits 64 bits.
-constexpr int kMostFractionBits = 60;
-constexpr int kMostBitsForThousands = 54;
+/// Bits of a fraction. Its halves are multiplied apart, as few processors have products of 128 bits.
+constexpr int kFractionBits = 60;
+constexpr int kHalfBits = kFractionBits / 2;
+constexpr std::uint64_t kLowHalf = (std::uint64_t{1} << kHalfBits) - 1;
 
 /// A value of at least 2^-8 and less than 2^53 as whole number and fraction.
 struct Parts {
@@ -23,39 +24,29 @@ struct Parts {
     const auto bits = std::bit_cast<std::uint64_t>(value);
     constexpr std::uint64_t leadingBit = std::uint64_t{1} << kMantissaBits;
     const std::uint64_t mantissa = (bits & (leadingBit - 1)) | leadingBit;
-    fractionBits = kMantissaBits + kExponentOfOne - static_cast<int>(bits >> kMantissaBits & 0x7FF);
-    good = fractionBits >= 0 && fractionBits <= kMostFractionBits;
+    const int fractionBits = kMantissaBits + kExponentOfOne - static_cast<int>(bits >> kMantissaBits & 0x7FF);
+    good = fractionBits >= 0 && fractionBits <= kFractionBits;
     if (!good) return;
     whole = mantissa >> fractionBits;
-    fraction = mantissa & mask();
+    fraction = mantissa << (kFractionBits - fractionBits) & ((std::uint64_t{1} << kFractionBits) - 1);
   }
 
-  std::uint64_t mask() const { return (std::uint64_t{1} << fractionBits) - 1; }
-
-  /// Removes the next three decimals from the fraction and returns them.
-  std::uint32_t takeTriple() {
-    if (fractionBits <= kMostBitsForThousands) return take(1000);
-    std::uint32_t triple = 0;
-    for (int i = 0; i < 3; ++i) triple = 10 * triple + take(10);
-    return triple;
-  }
-
-  std::uint32_t take(std::uint64_t power) {
-    fraction *= power;
-    const std::uint64_t taken = fraction >> fractionBits;
-    fraction &= mask();
-    return static_cast<std::uint32_t>(taken);
-  }
-
-  /// Returns whether the rest of the fraction rounds up a number that ends in those digits.
-  bool roundsUp(std::uint32_t lastDigits) const {
-    if (fractionBits == 0) return false;
-    const std::uint64_t half = std::uint64_t{1} << (fractionBits - 1);
-    return fraction > half || (fraction == half && lastDigits % 2 != 0);
+  /// Returns the fraction in units of 1 / unitsInOne (at most 2^30), rounded to nearest, ties to even. A
+  /// carry goes to the whole number.
+  std::uint32_t takeUnits(std::uint64_t unitsInOne) {
+    const std::uint64_t low = (fraction & kLowHalf) * unitsInOne;
+    const std::uint64_t high = (fraction >> kHalfBits) * unitsInOne + (low >> kHalfBits);
+    const std::uint64_t rest = (high & kLowHalf) << kHalfBits | (low & kLowHalf);
+    std::uint64_t units = high >> kHalfBits;
+    // No branch, as half of the numbers are rounded up. Only an odd number rounds a tie up.
+    constexpr std::uint64_t lessThanHalf = (std::uint64_t{1} << (kFractionBits - 1)) - 1;
+    units += (rest + lessThanHalf + units % 2) >> kFractionBits;
+    if (units != unitsInOne) return static_cast<std::uint32_t>(units);
+    ++whole;
+    return 0;
   }
 
   bool good = false;
-  int fractionBits = 0;
   std::uint64_t whole = 0;
   std::uint64_t fraction = 0;
 };
@@ -77,14 +68,16 @@ char* writeTriple(char* text, std::uint32_t number) {
   return text + 3;
 }
 
-/// Adds one unit in the last decimal, with carry.
-template <std::size_t Triples>
-void addUnit(std::uint64_t& whole, std::array<std::uint32_t, Triples>& triples) {
-  for (std::size_t i = Triples; i-- != 0;) {
-    if (++triples[i] != 1000) return;
-    triples[i] = 0;
-  }
-  ++whole;
+/// Writes the number with leading zeros, and scratch after it.
+template <int Digits>
+char* writePadded(char* text, std::uint32_t number) {
+  static_assert(Digits % 3 == 0);
+  if constexpr (Digits > 3) text = writePadded<Digits - 3>(text, number / 1000);
+  return writeTriple(text, number % 1000);
+}
+
+constexpr std::uint64_t powerOfTen(int exponent) {
+  return exponent == 0 ? 1 : 10 * powerOfTen(exponent - 1);
 }
 
 }  // namespace
@@ -92,18 +85,13 @@ void addUnit(std::uint64_t& whole, std::array<std::uint32_t, Triples>& triples) 
 // A document holds a time for every sample, and printf takes ten times as long.
 template <int Decimals>
 char* writeFixed(char* text, double value) {
-  static_assert(Decimals % 3 == 0);
   Parts parts(value);
   if (!parts.good) return text + std::snprintf(text, kFixedRoom, "%.*f", Decimals, value);
-  std::array<std::uint32_t, Decimals / 3> triples;
-  for (std::uint32_t& triple : triples) triple = parts.takeTriple();
-  if (parts.roundsUp(triples.back())) addUnit(parts.whole, triples);
-
+  const std::uint32_t decimals = parts.takeUnits(powerOfTen(Decimals));
   if (std::signbit(value)) *text++ = '-';
   text = writeDigits(text, parts.whole);
   *text++ = '.';
-  for (const std::uint32_t triple : triples) text = writeTriple(text, triple);
-  return text;
+  return writePadded<Decimals>(text, decimals);
 }
 
 template char* writeFixed<kPointDecimals>(char*, double);
