@@ -7,7 +7,8 @@
 #include "records/PerfRecordSampleS.h"
 #include "records/RecordView.h"
 
-/// The fields of a trace-point after its common header. Offsets count from the start of the payload.
+/// The fields of a trace-point after its common header. Offsets count from the start of the payload. Valid as
+/// long as the view.
 class EventPayload {
  public:
   EventPayload(const RecordView& view, std::size_t start) : _view(view), _start(start) {}
@@ -25,7 +26,7 @@ class EventPayload {
   std::string_view locatedText(std::size_t offset, std::size_t skip = 0) const;
 
  private:
-  RecordView _view;
+  const RecordView& _view;  ///< a copy would wait until both of its parts are in memory
   std::size_t _start;
 };
 

@@ -71,7 +71,6 @@ double relativeToStart(double converted) {
   return asOnTarget(converted - gtodAtStart, converted, gtodAtStart);
 }
 
-std::optional<double> selectedTime(double converted) {
-  if (gSelectiveProcessing && (converted < gtodAtStart || converted > gtodAtStop)) return std::nullopt;
-  return relativeToStart(converted);
+bool isSelectedTime(double converted) {
+  return !gSelectiveProcessing || !(converted < gtodAtStart || converted > gtodAtStop);
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 /// Converts the recording's clock, nanoseconds since about boot, to the document's time scale.
 
 /// Reads the machine's uptime and the wall clock and sets systemStartTime, and gtodAtStart unless an option
@@ -25,5 +23,5 @@ double doTimeConversion(double seconds);
 /// Returns a converted time relative to gtodAtStart, the document's time zero.
 double relativeToStart(double converted);
 
-/// The same, or nothing if the time is outside the range selected by -s and -f.
-std::optional<double> selectedTime(double converted);
+/// Returns whether a converted time is in the range selected by -s and -f.
+bool isSelectedTime(double converted);

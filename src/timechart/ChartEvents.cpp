@@ -1,11 +1,11 @@
 #include "timechart/ChartEvents.h"
 
 #include "json/PerfJSONWriter.h"
-#include "run/TimeBase.h"
+#include "timechart/ChartTime.h"
 
 void ChartEvents::add(double seconds, unsigned int code, const std::string& name, const std::string& args) {
-  if (const auto time = selectedTime(doTimeConversion(seconds)); time)
-    _events.push_back({*time, code, name, args});
+  if (const auto time = ChartTime::ofMarker(seconds); time.isSelected())
+    _events.push_back({time.seconds(), code, name, args});
 }
 
 void ChartEvents::writeData(PerfJSONWriter& writer) const {

@@ -6,6 +6,9 @@
 
 /// One sample of a chart.
 struct ChartEntryS {
+  // For emplace_back: a copy of a sample waits until both of its parts are in memory.
+  ChartEntryS(double time_, unsigned int value_) : time(time_), value(value_) {}
+
   double time;         ///< seconds relative to gtodAtStart
   unsigned int value;  ///< the series' value from this time on
 };
@@ -20,7 +23,7 @@ using ChartSamples = std::vector<ChartEntryS>;
 
 /// Appends a sample if its value differs from that of the last one, or from 0 if it is the first.
 inline void addChange(ChartSamples& samples, double time, unsigned int value) {
-  if (value != (samples.empty() ? 0 : samples.back().value)) samples.push_back({time, value});
+  if (value != (samples.empty() ? 0 : samples.back().value)) samples.emplace_back(time, value);
 }
 
 /// A series of samples in order of arrival.
