@@ -13,8 +13,10 @@ void mergeByTime(Iterator start, Iterator middle, Iterator end, std::vector<Elem
   constexpr auto isBefore = [](const Element& a, const Element& b) {
     return compareChartEntries({a.time, 0}, {b.time, 0});
   };
-  // Elements before the whole second run stay where they are.
-  start = std::upper_bound(start, middle, *middle, isBefore);
+  // Elements before the whole second run stay where they are. Searched from the end, as runs overlap little.
+  Iterator overlap = middle;
+  while (overlap != start && isBefore(*middle, *std::prev(overlap))) --overlap;
+  start = overlap;
   scratch.assign(start, middle);
   for (auto left = scratch.begin(); left != scratch.end(); ++start)
     *start = middle != end && isBefore(*middle, *left) ? *middle++ : *left++;
