@@ -1,6 +1,6 @@
 import {grown} from './grown';
 
-/** Nodes of a tree that a packed document hands out block by block; node 0 is the root. */
+/** Nodes of a tree, each with its parent and a key; node 0 is the root. */
 export class NodeTable {
   count = 1;
   parents = new Uint32Array(1 << 12);

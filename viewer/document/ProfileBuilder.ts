@@ -79,7 +79,7 @@ export class ProfileBuilder {
 
   private thread(byKey: ReadonlyMap<number, ProcessRow>, key: number, tid: number): Thread {
     const row = byKey.get(key);
-    if (row === undefined) return { process: -1, pid: 0, tid, name: `key ${key}` };
+    if (!row) return { process: -1, pid: 0, tid, name: `key ${key}` };
     const own =
         row.tid === tid ? row : this.processes.find((other) => other.pid === row.pid && other.tid === tid);
     return { process: this.processes.indexOf(row), pid: row.pid, tid, name: shownName((own ?? row).name) };
@@ -106,7 +106,7 @@ export class ProfileBuilder {
     for (const row of this.functions) {
       const synthetic = syntheticName.exec(row.name);
       const line = lines.get(row.key);
-      if (synthetic !== null) {
+      if (synthetic) {
         const pid = processOf.get(row.libraries.find((key) => !kernels.has(key)) ?? -1)?.pid;
         const start = pid === undefined ? row.start : this.original(pid, row.start);
         const { high, low } = toAddress(start);
@@ -134,7 +134,7 @@ export class ProfileBuilder {
   }
 
   private original(pid: number, address: Address): Address {
-    if (this.layout === null) return address;
+    if (!this.layout) return address;
     const { high, low } = toAddress(address);
     return this.layout.original(pid, toBigInt(high, low));
   }

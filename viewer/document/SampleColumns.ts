@@ -86,8 +86,8 @@ export class SampleColumns {
     };
     const nodes = pick(this.nodes);
     const { kept, position } = this.nodesAbove(nodes);
-    const parents = kept.map((node) => position[this.stacks.parent(node)]);
-    const keys = kept.map((node) => this.stacks.key(node));
+    const parents = kept.map((node) => position[this.stacks.parents[node]]);
+    const keys = kept.map((node) => this.stacks.keys[node]);
     return this.ordered(step, parents, keys, {
       count,
       times: pick(this.times),
@@ -112,7 +112,7 @@ export class SampleColumns {
 
   private ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
     const order = timeOrder(samples.times);
-    if (order !== null) {
+    if (order) {
       for (const column of [samples.times, samples.cores, samples.threads, samples.stacks]) {
         const before = column.slice();
         for (let i = 0; i < order.length; ++i) column[i] = before[order[i]];
@@ -129,7 +129,7 @@ export class SampleColumns {
     const position = new Uint32Array(stacks.count);
     let count = 1;
     for (let node of nodes) {
-      for (; node !== 0 && position[node] === 0; node = stacks.parent(node)) {
+      for (; node !== 0 && position[node] === 0; node = stacks.parents[node]) {
         position[node] = 1;
         ++count;
       }
@@ -163,7 +163,7 @@ export class SampleColumns {
     const merged = new StackTable();
     const moved = new Uint32Array(stacks.count);
     for (let node = 1; node < stacks.count; ++node) {
-      if (node !== cutNode) moved[node] = merged.child(moved[stacks.parent(node)], stacks.key(node));
+      if (node !== cutNode) moved[node] = merged.child(moved[stacks.parents[node]], stacks.keys[node]);
     }
     for (let i = 0; i < this.count; ++i) this.nodes[i] = moved[this.nodes[i]];
     this.stacks = merged;
@@ -177,7 +177,7 @@ export class SampleColumns {
       return latest;
     }
     let ofProcess = this.threadIndex.get(process);
-    if (ofProcess === undefined) this.threadIndex.set(process, (ofProcess = new Map()));
+    if (!ofProcess) this.threadIndex.set(process, (ofProcess = new Map()));
     let index = ofProcess.get(tid);
     if (index === undefined) {
       index = this.threads.push({ process, tid }) - 1;

@@ -1,11 +1,8 @@
-import {grown} from './grown';
+import {NodeTable} from './NodeTable';
 import type {Stacks} from './profile';
 
 /** Frames of one place with the same callers share a node; node 0 is the root. */
-export class StackTable {
-  count = 1;
-  private parents = new Uint32Array(1 << 12);
-  private keys = new Uint32Array(1 << 12);
+export class StackTable extends NodeTable {
   private slots = new Uint32Array(1 << 13);
   /**
    * Nodes of whole back-traces, by a hash of their keys: samples are taken in the same places again and
@@ -14,10 +11,6 @@ export class StackTable {
   private recent = new Uint32Array(1 << 17);
   /** Keys come from the document, so that a fixed hash could be fed collisions. */
   private readonly seed = (Math.random() * 2 ** 32) | 1;
-
-  parent(node: number): number { return this.parents[node]; }
-
-  key(node: number): number { return this.keys[node]; }
 
   /** Returns the node of the first `depth` keys, innermost first, below `root`. */
   stack(root: number, innermostFirst: Uint32Array, depth: number): number {
@@ -44,19 +37,10 @@ export class StackTable {
       if (parents[node] === parent && keys[node] === key) return node;
       slot = (slot + 1) & mask;
     }
-    return this.add(parent, key, slot);
-  }
-
-  private add(parent: number, key: number, slot: number): number {
-    const node = this.count++;
-    if (node === this.parents.length) {
-      this.parents = grown(this.parents, 2 * node);
-      this.keys = grown(this.keys, 2 * node);
-    }
-    this.parents[node] = parent;
-    this.keys[node] = key;
-    this.slots[slot] = node;
-    if (2 * this.count > this.slots.length) this.widen();
+    node = this.count;
+    this.add(parent, key);
+    slots[slot] = node;
+    if (2 * this.count > slots.length) this.widen();
     return node;
   }
 
@@ -92,7 +76,13 @@ export function finishStacks(parents: Uint32Array, places: Uint32Array, samples:
   const totals = new Uint32Array(count);
   for (const node of samples) totals[node]++;
   for (let node = count - 1; node > 0; --node) totals[parents[node]] += totals[node];
+  return { count, parents, places, totals, ...childrenByWeight(parents, totals) };
+}
 
+/** Returns the children of each node, the heaviest first, and where in them those of a node begin. */
+export function childrenByWeight(
+    parents: Uint32Array, totals: Column): Pick<Stacks, 'firstChild'|'children'> {
+  const count = parents.length;
   const firstChild = new Uint32Array(count + 1);
   for (let node = 1; node < count; ++node) firstChild[parents[node] + 1]++;
   for (let node = 0; node < count; ++node) firstChild[node + 1] += firstChild[node];
@@ -102,10 +92,12 @@ export function finishStacks(parents: Uint32Array, places: Uint32Array, samples:
   for (let node = count - 1; node > 0; --node) children[--next[parents[node]]] = node;
   for (let node = 0; node < count; ++node)
     sortHeaviestFirst(children, firstChild[node], firstChild[node + 1], totals);
-  return { count, parents, places, totals, firstChild, children };
+  return { firstChild, children };
 }
 
-function sortHeaviestFirst(nodes: Uint32Array, start: number, end: number, totals: Uint32Array): void {
+type Column = Uint32Array|Float64Array;
+
+function sortHeaviestFirst(nodes: Uint32Array, start: number, end: number, totals: Column): void {
   // A typed array's own sort costs a call; most nodes have few children.
   if (end - start > 16) {
     nodes.subarray(start, end).sort((a, b) => totals[b] - totals[a] || a - b);

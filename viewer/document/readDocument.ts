@@ -31,7 +31,7 @@ export class DocumentReading {
       await this.readKnown();
     } catch (error) {
       if (!(error instanceof DocumentError)) throw error;
-      if (this.builder === null) throw new Error(`${this.name}: ${error.message} at byte ${error.offset}`);
+      if (!this.builder) throw new Error(`${this.name}: ${error.message} at byte ${error.offset}`);
       damage = { offset: error.offset, reason: error.message };
     }
     return this.builder!.finish(damage);

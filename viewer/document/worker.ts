@@ -18,7 +18,7 @@ let cancelled = false;
 const post = (message: FromWorker, transfer: Transferable[] = []) => postMessage(message, { transfer });
 
 async function read(source: Source, layoutSource: Source|null): Promise<void> {
-  const layout = layoutSource === null ? null : await readLayout(layoutSource);
+  const layout = layoutSource ? await readLayout(layoutSource) : null;
   const { supply, progress } = await open(source);
   const started = performance.now();
   let pictureAt = started + firstPictureAfter;
@@ -30,10 +30,10 @@ async function read(source: Source, layoutSource: Source|null): Promise<void> {
         const now = performance.now();
         if (now >= Math.min(pictureAt, progressAt)) {
           const picture = now >= pictureAt ? reading.picture() : null;
-          if (picture !== null) pictureAt = now + (now - started) * (slowing - 1);
+          if (picture) pictureAt = now + (now - started) * (slowing - 1);
           post(
               { type: 'progress', bytes: progress.bytes, total: progress.total, picture },
-              picture === null ? [] : buffersOf(picture));
+              picture ? buffersOf(picture) : []);
           progressAt = now + progressEvery;
           // Bytes that wait already come without a turn of the event loop, in which the page's wish to stop
           // is heard.

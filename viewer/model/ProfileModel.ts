@@ -57,7 +57,7 @@ export class ProfileModel {
   /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
   matchedSamples(filter: Filter, search: string): number|null {
     const matches = this.matches(search);
-    if (matches === null) return null;
+    if (!matches) return null;
     const { parents, places, totals } = this.selection(filter);
     const inside = new Uint8Array(places.length);
     let samples = 0;

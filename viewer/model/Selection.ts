@@ -45,7 +45,7 @@ export class Selection implements Tree {
 
   /** Samples of each node that were taken in the node's own place. */
   get selves(): Uint32Array {
-    if (this.selfTimes === null) {
+    if (!this.selfTimes) {
       const { parents } = this;
       const selves = this.totals.slice();
       for (let node = selves.length - 1; node > 0; --node) selves[parents[node]] -= this.totals[node];
@@ -59,13 +59,13 @@ export class Selection implements Tree {
     const { profile, filter } = this;
     const { cores, threads, stacks } = profile.samples;
     const [first, end] = sampleRange(profile, filter.start, filter.end);
-    const keptCores = filter.cores === null ? null : marked(filter.cores, 0x10000);
-    const keptThreads = filter.threads === null ? null : marked(filter.threads, profile.threads.length);
+    const keptCores = filter.cores ? marked(filter.cores, 0x10000) : null;
+    const keptThreads = filter.threads ? marked(filter.threads, profile.threads.length) : null;
     const keptNodes = filter.text === '' ? null : nodesWithText(profile, filter.text);
     for (let i = first; i < end; ++i) {
-      if (keptCores !== null && keptCores[cores[i]] === 0) continue;
-      if (keptThreads !== null && keptThreads[threads[i]] === 0) continue;
-      if (keptNodes !== null && keptNodes[stacks[i]] === 0) continue;
+      if (keptCores && keptCores[cores[i]] === 0) continue;
+      if (keptThreads && keptThreads[threads[i]] === 0) continue;
+      if (keptNodes && keptNodes[stacks[i]] === 0) continue;
       visit(i);
     }
   }
@@ -73,7 +73,7 @@ export class Selection implements Tree {
   private countSamples(totals: Uint32Array): void {
     const { stacks } = this.profile.samples;
     const { cores, threads, text, start, end } = this.filter;
-    if (cores !== null || threads !== null || text !== '') {
+    if (cores || threads || text !== '') {
       this.forEachSample((index) => totals[stacks[index]]++);
       return;
     }
@@ -85,7 +85,7 @@ export class Selection implements Tree {
 export function isEverything(filter: Filter): boolean {
   const { start, end, cores, threads, text } = filter;
   const untimed = start === everything.start && end === everything.end;
-  return untimed && cores === null && threads === null && text === '';
+  return untimed && !cores && !threads && text === '';
 }
 
 /** Adds the weight of each node to its ancestors. */

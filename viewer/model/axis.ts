@@ -32,7 +32,7 @@ export function commonExtent(...parts: readonly(Extent | null)[]): Extent {
   let start = Infinity;
   let end = -Infinity;
   for (const part of parts) {
-    if (part === null) continue;
+    if (!part) continue;
     start = Math.min(start, part.start);
     end = Math.max(end, part.end);
   }

@@ -1,5 +1,5 @@
 import type {Profile} from '../document/profile';
-import {StackTable} from '../document/StackTable';
+import {childrenByWeight, StackTable} from '../document/StackTable';
 import type {Selection} from './Selection';
 import {kept} from './maps';
 import {sumUp} from './Selection';
@@ -30,9 +30,9 @@ export class DifferenceTree implements Tree {
         Float64Array.from(gathered(baseline, union.baselineNodes, union.parents, count), (n) => n * scale);
     this.totals = Float64Array.from(this.current, (samples, node) => Math.max(samples, this.baseline[node]));
     this.widen();
-    const { childStart, children } = childrenByWeight(this.parents, this.totals);
-    this.childStart = childStart;
-    this.childEnd = childStart.subarray(1);
+    const { firstChild, children } = childrenByWeight(this.parents, this.totals);
+    this.childStart = firstChild;
+    this.childEnd = firstChild.subarray(1);
     this.children = children;
   }
 
@@ -115,21 +115,4 @@ function gathered(
   for (let node = 0; node < nodes.length; ++node) totals[nodes[node]] += selves[node];
   sumUp({ parents }, totals);
   return totals;
-}
-
-function childrenByWeight(
-    parents: Uint32Array, totals: Float64Array): { childStart: Uint32Array; children: Uint32Array } {
-  const count = parents.length;
-  const childStart = new Uint32Array(count + 1);
-  for (let node = 1; node < count; ++node) childStart[parents[node] + 1]++;
-  for (let node = 0; node < count; ++node) childStart[node + 1] += childStart[node];
-  const next = childStart.slice();
-  const children = new Uint32Array(Math.max(0, count - 1));
-  for (let node = 1; node < count; ++node) children[next[parents[node]]++] = node;
-  for (let node = 0; node < count; ++node) {
-    if (childStart[node + 1] - childStart[node] > 1) {
-      children.subarray(childStart[node], childStart[node + 1]).sort((a, b) => totals[b] - totals[a]);
-    }
-  }
-  return { childStart, children };
 }

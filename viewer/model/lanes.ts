@@ -85,7 +85,7 @@ function laneOf(branch: Branch, depth: number, root: string): Lane {
 
 function labelOf(branch: Branch, depth: number, tracks: readonly Track[]): string {
   const first = tracks[0];
-  if (first === undefined) return depth === 0 ? rootLabels.get(branch.part) ?? branch.part : branch.part;
+  if (!first) return depth === 0 ? rootLabels.get(branch.part) ?? branch.part : branch.part;
   return first.isCounter ? first.entry.tip : first.label;
 }
 

@@ -154,7 +154,7 @@ export function longestGap(all: readonly Track[], start: number, end: number): n
   let longest = 0;
   let last = start;
   for (let i = 0; i < starts.length; ++i) {
-    const slice = order === null ? i : order[i];
+    const slice = order ? order[i] : i;
     longest = Math.max(longest, starts[slice] - last);
     last = Math.max(last, ends[slice]);
   }

@@ -102,7 +102,7 @@ export class Steps {
     const { times, values } = this;
     for (let i = pointBeside(times, time, direction); i >= 0 && i < times.length; i += direction) {
       const slice = values[i] === 0 || (values[i - 1] ?? 0) !== 0 ? null : this.sliceAt(times[i], close);
-      if (slice !== null) return slice;
+      if (slice) return slice;
     }
     return null;
   }
@@ -157,7 +157,7 @@ export class Steps {
    * recording are never looked at, hence not at once.
    */
   private get sums(): Float64Array {
-    if (this.known !== null) return this.known;
+    if (this.known) return this.known;
     const { times, values } = this;
     const sums = (this.known = new Float64Array(times.length));
     for (let i = 1; i < times.length; ++i) {

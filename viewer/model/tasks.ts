@@ -64,8 +64,7 @@ export class Tasks {
     let best: Run|null = null;
     for (const track of this.running(task)) {
       const slice = track.steps.sliceBeside(time, direction, this.close);
-      if (slice !== null && (best === null || (best.start - slice.start) * direction > 0))
-        best = asRun(track, slice);
+      if (slice && (!best || (best.start - slice.start) * direction > 0)) best = asRun(track, slice);
     }
     return best;
   }
@@ -76,7 +75,7 @@ export class Tasks {
    */
   waitBefore(run: Run): WaitBefore|null {
     const before = this.runBeside(run.task, run.start, -1);
-    if (before === null) return null;
+    if (!before) return null;
     const waited = { waitIo: 0, waitCpu: 0, waitGpu: 0 };
     for (const { role, steps } of this.ofTask.get(run.task) ?? []) {
       if (role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
@@ -92,7 +91,7 @@ export class Tasks {
   private runOf(tracks: readonly Track[], time: number): Run|null {
     for (const track of tracks) {
       const slice = track.steps.sliceAt(time, this.close);
-      if (slice !== null) return asRun(track, slice);
+      if (slice) return asRun(track, slice);
     }
     return null;
   }

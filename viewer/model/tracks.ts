@@ -77,5 +77,5 @@ export class Track {
 
 function numberIn(pattern: RegExp, text: string): number {
   const found = pattern.exec(text);
-  return found === null ? -1 : Number(found[1]);
+  return found ? Number(found[1]) : -1;
 }

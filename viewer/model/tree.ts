@@ -4,16 +4,16 @@
  * `children[childEnd[n] - 1]`.
  */
 export interface Tree {
-  readonly places: Uint32Array;
+  readonly places: ArrayLike<number>;
   /** Samples of the node and all below it. */
   readonly totals: ArrayLike<number>;
   /** Never below `totals`, and the order of the children: the heaviest first. */
   readonly bounds: ArrayLike<number>;
-  readonly childStart: Uint32Array;
-  readonly childEnd: Uint32Array;
-  readonly children: Uint32Array;
+  readonly childStart: ArrayLike<number>;
+  readonly childEnd: ArrayLike<number>;
+  readonly children: ArrayLike<number>;
   /** The node above; that of the root is 0. */
-  readonly parents: Uint32Array;
+  readonly parents: ArrayLike<number>;
   /** Makes sure that the children of the node are there. The columns may be others afterwards. */
   expand(node: number): void;
 }

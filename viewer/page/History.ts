@@ -24,7 +24,7 @@ export class History {
   /** Brings the selection before the present one back; returns whether there was one. */
   undo(): boolean {
     const before = this.steps.pop();
-    if (before === undefined) return false;
+    if (!before) return false;
     this.present = before;
     this.noted = -1;
     this.store.set(before);

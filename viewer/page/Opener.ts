@@ -46,7 +46,7 @@ export class Opener {
     const taken = new Set<Source>();
     const documents = sources.map((source): [Source, Source|null] => {
       const layout = layouts.get(`${source.name.replace(/\.gz$/, '')}.layout.json`) ?? null;
-      if (layout !== null) taken.add(layout);
+      if (layout) taken.add(layout);
       return [source, layout];
     });
     // A layout file without its document is opened like a document, and refused by the reader.
@@ -73,14 +73,13 @@ export class Opener {
     switch (message.type) {
       case 'progress':
         this.update(id, { bytes: message.bytes, total: message.total });
-        if (message.picture !== null) this.show(id, this.joined(id, message.picture));
+        if (message.picture) this.show(id, this.joined(id, message.picture));
         return;
       case 'document': {
         const damage = message.document.damage;
         this.update(id, {
-          state: damage === null ? 'complete' : 'damaged',
-          message: damage === null ? '' :
-                                     `${message.document.name}: ${damage.reason} at byte ${damage.offset}`,
+          state: damage ? 'damaged' : 'complete',
+          message: damage ? `${message.document.name}: ${damage.reason} at byte ${damage.offset}` : '',
         });
         this.show(id, this.joined(id, message.document));
         break;

@@ -1,5 +1,5 @@
 import type {Direction} from '../model/axis';
-import {button, div, element, searchField, shortName, span} from '../views/dom';
+import {button, div, element, equip, searchField, shortName, span} from '../views/dom';
 import {type Change, isReading, type Reading, type State, type Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, scaleOf, setBrush, timeKey} from '../views/timeAxis';
 import type {App, View} from '../views/View';
@@ -114,8 +114,8 @@ export class Shell implements App {
 
   tooltip(lines: readonly string[]|null, event: MouseEvent|null = null): void {
     const { tip } = this;
-    tip.hidden = lines === null || event === null;
-    if (lines === null || event === null) return;
+    tip.hidden = !lines || !event;
+    if (!lines || !event) return;
     tip.replaceChildren(...lines.map((line) => div('', line)));
     // Next to the pointer, on the side that has room.
     const place = (at: number, size: number, all: number, gap: number) =>
@@ -178,14 +178,14 @@ export class Shell implements App {
 
   private commit(state: State, changed: ReadonlySet<Change>): void {
     const appears = this.main.hidden;
-    this.main.hidden = state.profile === null && state.timechart === null;
+    this.main.hidden = !state.profile && !state.timechart;
     this.welcome.hidden = !this.main.hidden;
     if (changed.has('readings')) this.drawReadings(state.readings);
     if (changed.has('search') && document.activeElement !== this.search) this.search.value = state.search;
     if (changed.has('profile') || changed.has('timechart')) this.compareClocks(state);
     const brush = brushOf(state);
-    this.brush.hidden = brush === null;
-    if (brush !== null) this.brush.textContent = `${describeSpan(brush)} ✕`;
+    this.brush.hidden = !brush;
+    if (brush) this.brush.textContent = `${describeSpan(brush)} ✕`;
     const panel = this.panel();
     const views = new Set(changed);
     // That a reading has ended matters to views, but not how far one has come.
@@ -193,7 +193,7 @@ export class Shell implements App {
     for (const mounted of this.mounted) {
       const { view, host, tab } = mounted;
       const hidden = !view.available(state) || (tab !== null && mounted !== panel);
-      if (tab !== null) {
+      if (tab) {
         tab.hidden = !view.available(state);
         tab.setAttribute('aria-selected', String(!hidden));
         tab.tabIndex = hidden ? -1 : 0;
@@ -210,9 +210,7 @@ export class Shell implements App {
   }
 
   private compareClocks({ profile, timechart }: State): void {
-    if (profile === null || timechart === null ||
-        (profile.start <= timechart.end && timechart.start <= profile.end))
-      return;
+    if (!profile || !timechart || (profile.start <= timechart.end && timechart.start <= profile.end)) return;
     this.announce(
         'The profile and the timechart share no time: were both converted with the same time scale?');
   }
@@ -246,32 +244,38 @@ export class Shell implements App {
   }
 
   private listen(body: HTMLElement): void {
-    body.addEventListener('dragover', (event) => event.preventDefault());
-    body.addEventListener('drop', (event) => {
-      event.preventDefault();
-      if (event.dataTransfer !== null) this.opener.openFiles(event.dataTransfer.files);
+    equip(body, {
+      dragover: (event: DragEvent) => event.preventDefault(),
+      drop: (event: DragEvent) => {
+        event.preventDefault();
+        if (event.dataTransfer) this.opener.openFiles(event.dataTransfer.files);
+      },
+      // A menu closes once something is chosen, here or elsewhere.
+      click: ({ target }: MouseEvent) => {
+        for (const menu of body.querySelectorAll<HTMLDetailsElement>('details[open]'))
+          if (!(target as Element).matches('summary')) menu.open = false;
+      },
+      keydown: (event: KeyboardEvent) => {
+        if (!this.help.open && this.key(event)) event.preventDefault();
+      },
     });
-    // A menu closes once something is chosen, here or elsewhere.
-    body.addEventListener('click', (event) => {
-      for (const menu of body.querySelectorAll<HTMLDetailsElement>('details[open]'))
-        if (!(event.target as Element).matches('summary')) menu.open = false;
-    });
-    body.addEventListener('keydown', (event) => {
-      if (!this.help.open && this.key(event)) event.preventDefault();
-    });
-    this.search.addEventListener('keydown', (event) => {
-      event.stopPropagation();
-      if (event.key === 'Enter') this.find(event.shiftKey ? -1 : 1);
-      if (event.key !== 'Escape') return;
-      this.search.value = '';
-      this.search.blur();
-      this.store.set({ search: '' });
+    equip(this.search, {
+      keydown: (event: KeyboardEvent) => {
+        event.stopPropagation();
+        if (event.key === 'Enter') this.find(event.shiftKey ? -1 : 1);
+        if (event.key !== 'Escape') return;
+        this.search.value = '';
+        this.search.blur();
+        this.store.set({ search: '' });
+      },
     });
     const { splitter } = this;
-    splitter.addEventListener('pointerdown', ({ pointerId }) => splitter.setPointerCapture(pointerId));
-    splitter.addEventListener('pointermove', ({ pointerId, clientY }) => {
-      if (splitter.hasPointerCapture(pointerId))
-        this.split(clientY - this.timeZone.getBoundingClientRect().top);
+    equip(splitter, {
+      pointerdown: ({ pointerId }: PointerEvent) => splitter.setPointerCapture(pointerId),
+      pointermove: ({ pointerId, clientY }: PointerEvent) => {
+        if (splitter.hasPointerCapture(pointerId))
+          this.split(clientY - this.timeZone.getBoundingClientRect().top);
+      },
     });
   }
 
@@ -301,7 +305,7 @@ export class Shell implements App {
   /** A digit goes to the detail view of that number. */
   private digitKey(key: string): boolean {
     const detail = this.details()[Number(key) - 1];
-    if (detail === undefined) return false;
+    if (!detail) return false;
     this.store.set({ panel: detail.view.id });
     detail.host.hidden = false;
     detail.host.focus();
@@ -363,10 +367,10 @@ export class Shell implements App {
   }
 
   private async picture(kind: 'svg'|'png'): Promise<void> {
-    const view = this.asked().find(({ svg, canvas }) => (kind === 'svg' ? svg : canvas) !== undefined);
-    this.announce(view === undefined ? 'This view has no picture' : `Saved ${await savePicture(view, kind)}`);
+    const view = this.asked().find(({ picture }) => (kind === 'svg' ? picture?.svg : picture) !== undefined);
+    this.announce(view ? `Saved ${await savePicture(view, kind)}` : 'This view has no picture');
   }
 }
 
 /** A cell contains no tab and no line end. */
-const cellText = (cell: string) => cell.replace(/[\t\r\n]/g, ' ');
+const cellText = (cell: string|number) => String(cell).replace(/[\t\r\n]/g, ' ');

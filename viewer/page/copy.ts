@@ -23,8 +23,8 @@ export async function copyText(text: string): Promise<boolean> {
 export async function savePicture(view: View, kind: 'svg'|'png'): Promise<string> {
   const name = `${view.id}.${kind}`;
   const link = document.createElement('a');
-  const content =
-      kind === 'svg' ? new Blob([view.svg!()], { type: 'image/svg+xml' }) : await pixels(view.canvas!());
+  const content = kind === 'svg' ? new Blob([view.picture!.svg!()], { type: 'image/svg+xml' }) :
+                                   await pixels(view.picture!.canvas);
   link.href = URL.createObjectURL(content);
   link.download = name;
   link.click();
@@ -33,5 +33,4 @@ export async function savePicture(view: View, kind: 'svg'|'png'): Promise<string
 }
 
 const pixels = (canvas: HTMLCanvasElement) => new Promise<Blob>(
-    (done, failed) =>
-        canvas.toBlob((blob) => (blob === null ? failed(new Error('no picture')) : done(blob))));
+    (done, failed) => canvas.toBlob((blob) => (blob ? done(blob) : failed(new Error('no picture')))));

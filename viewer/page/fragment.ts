@@ -16,18 +16,18 @@ const laneChoices = ['folded', 'hidden', 'pinned'] as const;
 export function writeFragment(state: State): string {
   const { filter, visible, lanes, cursor, mark } = state;
   const parts = new URLSearchParams();
-  if (visible !== null) parts.set('shown', `${visible.start},${visible.end}`);
+  if (visible) parts.set('shown', `${visible.start},${visible.end}`);
   if (filter.end > filter.start && Number.isFinite(filter.end - filter.start))
     parts.set('selected', `${filter.start},${filter.end}`);
-  if (filter.cores !== null) parts.set('cores', [...filter.cores].join());
-  if (filter.threads !== null) parts.set('threads', [...filter.threads].join());
+  if (filter.cores) parts.set('cores', [...filter.cores].join());
+  if (filter.threads) parts.set('threads', [...filter.threads].join());
   if (filter.text !== '') parts.set('filter', filter.text);
   if (state.search !== '') parts.set('search', state.search);
   if (state.place >= 0) parts.set('place', String(state.place));
   if (state.panel !== '') parts.set('view', state.panel);
   for (const choice of laneChoices)
     for (const path of lanes[choice]) parts.append(choice, path);
-  if (cursor !== null) parts.set('at', `${cursor.time},${cursor.lane}`);
+  if (cursor) parts.set('at', `${cursor.time},${cursor.lane}`);
   if (mark !== null) parts.set('mark', String(mark));
   return parts.toString();
 }

@@ -1,4 +1,3 @@
-import type {Direction} from '../model/axis';
 import {describePlace} from '../model/groupings';
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
@@ -19,25 +18,15 @@ export class ButterflyView extends ProfileView {
   private place = -1;
   protected override more = ['place' as const];
 
-  key(event: KeyboardEvent): boolean {
-    return (this.callers.hasFocus ? this.callers : this.callees).key(event);
-  }
-
-  find = (direction: Direction) => this.callees.find(direction) ?? this.callers.find(direction);
-
-  table(): string[][] {
+  table() {
     const { places: { names }, weight } = this.model.profile;
     const rows = this.panes.flatMap(({ pane, direction }) => {
       const { tree } = pane;
       return childrenOf(tree, 0).map(
-          (node) => [direction, String(tree.totals[node] * weight), names[tree.places[node]]]);
+          (node) => [direction, tree.totals[node] * weight, names[tree.places[node]]]);
     });
     return [['direction', 'samples', 'function'], ...rows];
   }
-
-  svg = () => this.callees.svg();
-
-  canvas = () => this.callees.canvas;
 
   protected fill(host: HTMLElement): void {
     const [above, below] = [div('half'), div('half')];
@@ -45,6 +34,7 @@ export class ButterflyView extends ProfileView {
     const open = (pane: FlamePane, node: number) => this.app.store.set({ place: pane.tree.places[node] });
     this.callers = new FlamePane(above, this.app, 'Callers', (node) => open(this.callers, node), true);
     this.callees = new FlamePane(below, this.app, 'Callees', (node) => open(this.callees, node));
+    this.parts = [this.callees, this.callers];
   }
 
   protected show(state: State, before: Selection|undefined): void {

@@ -1,5 +1,5 @@
 import {PlaceKind} from '../document/profile';
-import {type Direction, formatShare} from '../model/axis';
+import {formatShare} from '../model/axis';
 import {describePlace} from '../model/groupings';
 import type {Selection} from '../model/Selection';
 import {childrenOf} from '../model/tree';
@@ -34,13 +34,12 @@ export class CallTreeView extends ProfileView {
   private opened = new Set<number>();
   private matches: Uint8Array|null = null;
 
-  key(event: KeyboardEvent): boolean {
+  override key(event: KeyboardEvent): boolean {
     const { chosen } = this.list;
     const row = this.rows[chosen];
-    const open = row !== undefined && this.opened.has(row.node) && this.hasChildren(row.node);
-    if (row === undefined)
-      return false;
-    else if (event.key === 'ArrowRight' && open)
+    if (!row) return false;
+    const open = this.opened.has(row.node) && this.hasChildren(row.node);
+    if (event.key === 'ArrowRight' && open)
       this.list.choose(chosen + 1);
     else if (event.key === 'ArrowLeft' && !open)
       this.list.choose(this.rows.findIndex(({ node }) => node === this.selection.parents[row.node]));
@@ -53,12 +52,10 @@ export class CallTreeView extends ProfileView {
     return true;
   }
 
-  find = (direction: Direction) => this.list.find(direction);
-
-  table(): string[][] {
+  table() {
     const rows = this.rows.map(({ node, depth }) => {
       const { total, self, name, detail } = this.figures(node);
-      return [depth, total, self, name, detail].map(String);
+      return [depth, total, self, name, detail];
     });
     return [['depth', 'total', 'self', 'function', 'library'], ...rows];
   }
@@ -70,6 +67,7 @@ export class CallTreeView extends ProfileView {
       isMatch: (index: number) => this.isMatch(this.rows[index].node),
     };
     this.list = new RowTable(host, this.app, this.id, this.title, columns, rows, 'treegrid');
+    this.parts = [this.list];
   }
 
   protected show({ search }: State, before: Selection|undefined): void {

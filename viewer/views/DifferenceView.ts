@@ -1,4 +1,4 @@
-import {type Direction, formatShare} from '../model/axis';
+import {formatShare} from '../model/axis';
 import {DifferenceTree, unite, type Union} from '../model/difference';
 import type {ProfileModel} from '../model/ProfileModel';
 import type {Selection} from '../model/Selection';
@@ -48,23 +48,13 @@ export class DifferenceView extends ProfileView {
 
   override available(state: State): boolean { return state.profile !== null && state.baseline !== null; }
 
-  key(event: KeyboardEvent): boolean {
-    return (this.list.scroller.contains(document.activeElement) ? this.list : this.pane).key(event);
-  }
-
-  find = (direction: Direction) => this.pane.find(direction);
-
-  table(): string[][] {
+  table() {
     const rows = this.changes.map(
         ({ place, before, after }) =>
             [...[before, after, after - before].map((share) => (100 * share).toFixed(3)),
              this.nameOf(place)]);
     return [['before %', 'after %', 'change', 'function'], ...rows];
   }
-
-  svg = () => this.pane.svg();
-
-  canvas = () => this.pane.canvas;
 
   protected fill(host: HTMLElement): void {
     const flame = div('half');
@@ -87,6 +77,7 @@ export class DifferenceView extends ProfileView {
         if (place >= 0) this.app.store.set({ place, panel: 'butterfly' });
       },
     });
+    this.parts = [this.pane, this.list];
   }
 
   protected show({ baseline, filter, search }: State): void {

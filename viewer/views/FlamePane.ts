@@ -1,11 +1,11 @@
 import {type Direction, Scale, zoomed} from '../model/axis';
-import {Boxes, layOut} from '../model/flameLayout';
+import {type Box, boxAt, layOut} from '../model/flameLayout';
 import {childrenOf, type Tree} from '../model/tree';
 import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
 import {onGestures} from './gestures';
 import {SvgPicture} from './SvgPicture';
 import {CanvasWriter} from './texts';
-import {type App, nextOf} from './View';
+import {type App, nextOf, perform} from './View';
 
 /** What a flame graph shows of a tree's nodes. */
 export interface FlameLook {
@@ -42,7 +42,7 @@ export class FlamePane {
   private readonly hoverMark = element('div', { class: 'flame-mark', hidden: true });
   private readonly chosenMark = element('div', { class: 'flame-mark chosen', hidden: true });
   private readonly stage: HTMLElement;
-  private readonly boxes = new Boxes();
+  private boxes: readonly Box[] = [];
   private look!: FlameLook;
   private focus = 0;
   private chosen = 0;
@@ -62,9 +62,18 @@ export class FlamePane {
       private upward = false,
   ) {
     this.stage = element(
-        'div', { class: 'flame', tabIndex: '0', role: 'application', 'aria-roledescription': 'flame graph' },
+        'div', {
+          class: 'flame',
+          tabIndex: 0,
+          role: 'application',
+          'aria-roledescription': 'flame graph',
+          'aria-label': label,
+          dblclick: (event: MouseEvent) => {
+            const box = this.boxAt(event);
+            if (box) this.open(box.node);
+          },
+        },
         this.canvas, this.hoverMark, this.chosenMark);
-    this.stage.setAttribute('aria-label', label);
     host.append(this.stage);
     this.listen();
   }
@@ -90,60 +99,41 @@ export class FlamePane {
 
   /** Goes to the next or previous match of the search; returns its label. */
   find(direction: Direction): string|null {
-    const { nodes, count } = this.boxes;
-    const index =
-        nextOf(count, this.boxOf(this.chosen), direction, (i) => this.look.matches?.(nodes[i]) === true);
+    const { boxes, look, chosen } = this;
+    const from = boxes.findIndex(({ node }) => node === chosen);
+    const index = nextOf(boxes.length, from, direction, (i) => look.matches?.(boxes[i].node) === true);
     if (index < 0) return null;
-    this.choose(nodes[index]);
-    return this.look.describe(nodes[index]).join(', ');
+    const { node } = boxes[index];
+    this.choose(node);
+    return look.describe(node).join(', ');
   }
 
   key(event: KeyboardEvent): boolean {
-    const { tree, chosen } = this;
-    const toParent = this.upward ? 'ArrowDown' : 'ArrowUp';
-    const toChild = this.upward ? 'ArrowUp' : 'ArrowDown';
-    switch (event.key) {
-      case toParent:
-        this.choose(tree.parents[chosen]);
-        break;
-      case toChild:
-        this.choose(childrenOf(tree, chosen)[0] ?? chosen);
-        break;
-      case 'ArrowLeft':
-      case 'ArrowRight': {
-        const siblings = childrenOf(tree, tree.parents[chosen]);
-        this.choose(siblings[siblings.indexOf(chosen) + (event.key === 'ArrowRight' ? 1 : -1)] ?? chosen);
-        break;
-      }
-      case 'Home':
+    const { tree, chosen, upward } = this;
+    const beside = (step: number) => {
+      const siblings = childrenOf(tree, tree.parents[chosen]);
+      this.choose(siblings[siblings.indexOf(chosen) + step] ?? chosen);
+    };
+    return perform(event.key, {
+      [upward ? 'ArrowDown' : 'ArrowUp']: () => this.choose(tree.parents[chosen]),
+      [upward ? 'ArrowUp' : 'ArrowDown']: () => this.choose(childrenOf(tree, chosen)[0] ?? chosen),
+      ArrowLeft: () => beside(-1),
+      ArrowRight: () => beside(1),
+      Home: () => {
         this.focusOn(0);
         this.choose(0);
-        break;
-      case 'Enter':
-        if (event.shiftKey)
-          this.open(chosen);
-        else
-          this.focusOn(chosen);
-        break;
-      case 'Backspace':
-        this.focusOn(tree.parents[this.focus]);
-        break;
-      case '+':
-      case '-':
-        this.zoom(event.key === '+' ? 1 / 1.5 : 1.5, this.width / 2);
-        break;
-      case 'PageDown':
-      case 'PageUp':
-        this.scrollBy((event.key === 'PageDown' ? 0.8 : -0.8) * this.height);
-        break;
-      default:
-        return false;
-    }
-    return true;
+      },
+      Enter: () => (event.shiftKey ? this.open(chosen) : this.focusOn(chosen)),
+      Backspace: () => this.focusOn(tree.parents[this.focus]),
+      '+': () => this.zoom(1 / 1.5, this.width / 2),
+      '-': () => this.zoom(1.5, this.width / 2),
+      PageDown: () => this.scrollBy(0.8 * this.height),
+      PageUp: () => this.scrollBy(-0.8 * this.height),
+    });
   }
 
   /** Returns the nodes that have a box, parents before their children. */
-  nodes(): number[] { return [...this.boxes.nodes.subarray(0, this.boxes.count)]; }
+  nodes(): number[] { return this.boxes.map(({ node }) => node); }
 
   /** Returns the picture as SVG. */
   svg(): string {
@@ -151,12 +141,11 @@ export class FlamePane {
     const height = this.rows * rowHeight;
     const picture = new SvgPicture(this.width, height, pageColour('ground'));
     const text = pageColour('text');
-    for (let i = 0; i < boxes.count; ++i) {
-      const y = (this.upward ? this.rows - 1 - boxes.depths[i] : boxes.depths[i]) * rowHeight;
-      const [left, right] = [this.left(i), this.right(i)];
-      picture.box(
-          left, right - gap(right - left), y, y + rowHeight - 1, look.palette[look.colour(boxes.nodes[i])]);
-      picture.text(look.name(boxes.nodes[i]), left + 3, y + rowHeight / 2, right - left - 7, text);
+    for (const box of boxes) {
+      const y = (this.upward ? this.rows - 1 - box.depth : box.depth) * rowHeight;
+      const [left, right] = this.edges(box);
+      picture.box(left, right - gap(right - left), y, y + rowHeight - 1, look.palette[look.colour(box.node)]);
+      picture.text(look.name(box.node), left + 3, y + rowHeight / 2, right - left - 7, text);
     }
     return picture.toString();
   }
@@ -170,7 +159,7 @@ export class FlamePane {
     this.lay();
     this.scroll = Math.min(this.scroll, Math.max(0, this.rows * rowHeight - this.height));
     this.paint();
-    this.placeMark(this.chosenMark, this.chosen === 0 ? -1 : this.boxOf(this.chosen));
+    this.placeMark(this.chosenMark, this.chosen === 0 ? undefined : this.boxOf(this.chosen));
     this.hoverMark.hidden = true;
   };
 
@@ -179,21 +168,19 @@ export class FlamePane {
   private lay(): void {
     const total = this.tree.totals[this.focus];
     const { start, end } = this.part;
-    layOut(this.tree, this.focus, start * total, end * total, this.width, leastWidth, this.boxes);
+    this.boxes = layOut(this.tree, this.focus, start * total, end * total, this.width, leastWidth);
   }
 
   /** Rows of the whole graph; the last box is in the deepest one. */
-  private get rows(): number {
-    return this.boxes.count === 0 ? 0 : this.boxes.depths[this.boxes.count - 1] + 1;
+  private get rows(): number { return (this.boxes.at(-1)?.depth ?? -1) + 1; }
+
+  /** Left and right edge of a box in the canvas. */
+  private edges({ left, width }: Box): [number, number] {
+    return [Math.max(0, left), Math.min(this.width, left + width)];
   }
 
-  /** Edges of a box in the canvas. */
-  private left(i: number): number { return Math.max(0, this.boxes.lefts[i]); }
-  private right(i: number): number {
-    return Math.min(this.width, this.boxes.lefts[i] + this.boxes.widths[i]);
-  }
-  private top(i: number): number {
-    const down = this.boxes.depths[i] * rowHeight - this.scroll;
+  private top({ depth }: Box): number {
+    const down = depth * rowHeight - this.scroll;
     return this.upward ? this.height - rowHeight - down : down;
   }
 
@@ -204,48 +191,48 @@ export class FlamePane {
     context.fillRect(0, 0, width, height);
     const match = palette.length;
     // Boxes of one colour are painted together.
-    const batches: number[][] = Array.from({ length: match + 1 }, () => []);
-    const labelled: number[] = [];
-    for (let i = 0; i < boxes.count; ++i) {
-      const y = this.top(i);
+    const batches: Box[][] = Array.from({ length: match + 1 }, () => []);
+    const labelled: Box[] = [];
+    for (const box of boxes) {
+      const y = this.top(box);
       if (y <= -rowHeight || y >= height) continue;
-      batches[matches?.(boxes.nodes[i]) === true ? match : look.colour(boxes.nodes[i])].push(i);
-      if (boxes.widths[i] >= leastText) labelled.push(i);
+      batches[matches?.(box.node) === true ? match : look.colour(box.node)].push(box);
+      if (box.width >= leastText) labelled.push(box);
     }
     batches.forEach((batch, colour) => {
       if (batch.length === 0) return;
-      context.globalAlpha = matches !== null && colour !== match ? 0.45 : 1;
+      context.globalAlpha = matches && colour !== match ? 0.45 : 1;
       context.fillStyle = palette[colour] ?? (isDark() ? '#b3248f' : '#ff7ad9');
       context.beginPath();
-      for (const i of batch) {
-        const left = this.left(i);
-        const wide = this.right(i) - left;
-        context.rect(left, this.top(i), Math.max(leastWidth, wide - gap(wide)), rowHeight - 1);
+      for (const box of batch) {
+        const [left, right] = this.edges(box);
+        const wide = right - left;
+        context.rect(left, this.top(box), Math.max(leastWidth, wide - gap(wide)), rowHeight - 1);
       }
       context.fill();
     });
     context.globalAlpha = 1;
     writer.begin(fontSize);
     const text = pageColour('text');
-    for (const i of labelled) {
-      const left = this.left(i);
-      const room = this.right(i) - left - 7;
-      writer.text(shortName(look.name(boxes.nodes[i])), left + 3, this.top(i) + rowHeight / 2, room, text);
+    for (const box of labelled) {
+      const [left, right] = this.edges(box);
+      const middle = this.top(box) + rowHeight / 2;
+      writer.text(shortName(look.name(box.node)), left + 3, middle, right - left - 7, text);
     }
   }
 
   /** Chooses a node, announces it, and scrolls it into view. */
   private choose(node: number): void {
     this.chosen = node;
-    if (this.boxOf(node) < 0) {
+    if (!this.boxOf(node)) {
       // Too small or outside: its parent fills the width.
       this.focusOn(this.tree.parents[node]);
       this.lay();
     }
-    const index = this.boxOf(node);
-    const y = this.top(index);
-    if (y < 0 || y + rowHeight > this.height)
-      this.scroll = Math.max(0, this.boxes.depths[index] * rowHeight - this.height / 2);
+    const box = this.boxOf(node);
+    const y = box ? this.top(box) : 0;
+    if (box && (y < 0 || y + rowHeight > this.height))
+      this.scroll = Math.max(0, box.depth * rowHeight - this.height / 2);
     this.tell(node);
     this.repaint();
   }
@@ -270,31 +257,30 @@ export class FlamePane {
     this.repaint();
   }
 
-  /** Index of a node's box, or -1. */
-  private boxOf(node: number): number { return this.boxes.nodes.subarray(0, this.boxes.count).indexOf(node); }
+  private boxOf(wanted: number): Box|undefined { return this.boxes.find(({ node }) => node === wanted); }
 
-  /** Returns the box under the pointer, or -1. */
-  private boxAt(event: MouseEvent): number {
+  /** Returns the box under the pointer. */
+  private boxAt(event: MouseEvent): Box|undefined {
     const { left, top } = this.stage.getBoundingClientRect();
     const y = event.clientY - top;
     const row = Math.floor(((this.upward ? this.height - y : y) + this.scroll) / rowHeight);
-    return this.boxes.at(event.clientX - left, row);
+    return boxAt(this.boxes, event.clientX - left, row);
   }
 
-  private placeMark(mark: HTMLElement, index: number): void {
-    mark.hidden = index < 0;
-    if (index < 0) return;
-    const left = this.left(index);
-    mark.style.transform = `translate(${left}px, ${this.top(index)}px)`;
-    mark.style.width = `${Math.max(1, this.right(index) - left)}px`;
+  private placeMark(mark: HTMLElement, box: Box|undefined): void {
+    mark.hidden = !box;
+    if (!box) return;
+    const [left, right] = this.edges(box);
+    mark.style.transform = `translate(${left}px, ${this.top(box)}px)`;
+    mark.style.width = `${Math.max(1, right - left)}px`;
   }
 
   private listen(): void {
-    const { stage, boxes } = this;
+    const { stage } = this;
     const hover = (event: PointerEvent|null) => {
-      const index = event === null ? -1 : this.boxAt(event);
-      this.placeMark(this.hoverMark, index);
-      this.app.tooltip(index < 0 ? null : this.look.describe(boxes.nodes[index]), event);
+      const box = event ? this.boxAt(event) : undefined;
+      this.placeMark(this.hoverMark, box);
+      this.app.tooltip(box ? this.look.describe(box.node) : null, event);
     };
     onGestures(stage, {
       zoom: (factor, event) => this.zoom(factor, event.clientX - stage.getBoundingClientRect().left),
@@ -307,17 +293,13 @@ export class FlamePane {
         this.scrollBy(-down);
       },
       click: (event) => {
-        const index = this.boxAt(event);
-        if (index < 0) return;
-        this.chosen = boxes.nodes[index];
+        const box = this.boxAt(event);
+        if (!box) return;
+        this.chosen = box.node;
         this.tell(this.chosen);
         this.focusOn(this.chosen);
       },
       hover,
-    });
-    stage.addEventListener('dblclick', (event) => {
-      const index = this.boxAt(event);
-      if (index >= 0) this.open(boxes.nodes[index]);
     });
   }
 }

@@ -1,4 +1,3 @@
-import type {Direction} from '../model/axis';
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
 import {pathTo, type Tree} from '../model/tree';
@@ -25,31 +24,24 @@ export class FlameView extends ProfileView {
     this.toggle('Root at bottom', 'Grow from the bottom to the top', () => this.pane.turn()),
   ];
 
-  key(event: KeyboardEvent): boolean { return this.pane.key(event); }
-
-  find = (direction: Direction) => this.pane.find(direction);
-
-  table(): string[][] {
+  table() {
     const { tree, selection } = this;
     const { places, weight } = selection.profile;
     const rows = this.pane.nodes().map(
         (node) =>
-            [String(pathTo(tree!, node).length),
-             String(tree!.totals[node] * weight),
+            [pathTo(tree!, node).length,
+             tree!.totals[node] * weight,
              `${((100 * tree!.totals[node]) / selection.count).toFixed(3)}%`,
              node === 0 ? 'all' : places.names[tree!.places[node]],
     ]);
     return [['depth', 'total', 'share', 'name'], ...rows];
   }
 
-  svg = () => this.pane.svg();
-
-  canvas = () => this.pane.canvas;
-
   protected fill(host: HTMLElement): void {
     this.pane = new FlamePane(
         host, this.app, 'Flame graph; arrow keys walk it, Enter zooms',
         (node) => node > 0 && this.app.store.set({ place: this.tree!.places[node], panel: 'butterfly' }));
+    this.parts = [this.pane];
   }
 
   protected show(state: State, before: Selection|undefined): void {

@@ -31,16 +31,12 @@ export class FunctionsView extends ProfileView {
   private matches: Uint8Array|null = null;
   protected override controls = [this.by, this.filter];
 
-  key(event: KeyboardEvent): boolean { return this.list.key(event); }
-
-  find = (direction: 1|- 1) => this.list.find(direction);
-
-  table(): string[][] {
+  table() {
     const { weight } = this.model.profile;
     const { selves, totals } = this.weights;
     const rows = this.groups.map((group) => {
       const { name, detail } = this.grouping.groups[group];
-      return [String(selves[group] * weight), String(totals[group] * weight), name, detail];
+      return [selves[group] * weight, totals[group] * weight, name, detail];
     });
     return [['self', 'total', groupings[this.by.value].title.toLowerCase(), 'where'], ...rows];
   }
@@ -52,6 +48,7 @@ export class FunctionsView extends ProfileView {
       open: (index) => this.open(this.groups[index]),
       isMatch: (index) => this.matches?.[this.groups[index]] === 1,
     });
+    this.parts = [this.list];
   }
 
   protected show({ search }: State): void {

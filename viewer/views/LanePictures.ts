@@ -31,10 +31,9 @@ export class LanePictures {
     const model = state.timechart!;
     const scale = fitCanvas(this.base, cssWidth, cssHeight);
     fitCanvas(this.overlay, cssWidth, cssHeight);
-    const { width, height } = this.base;
-    if (this.pixels?.width !== width || this.pixels.height !== height)
-      this.pixels = new Pixels(width, height);
-    const { pixels, writer } = this;
+    const { width } = this.base;
+    const { writer } = this;
+    const pixels = (this.pixels = Pixels.of(this.base, this.pixels));
     const picture = pictureOf(state, width, scale);
     const { ground, line } = groundColours(picture.dark);
     pixels.clear(ground);
@@ -68,7 +67,7 @@ export class LanePictures {
     };
     context.clearRect(0, 0, width, height);
     const brush = brushOf(state);
-    if (brush !== null) {
+    if (brush) {
       const [left, right] = [x(brush.start), x(brush.end)];
       context.fillStyle = dark ? '#0008' : '#fff9';
       context.fillRect(0, 0, left, height);
@@ -78,7 +77,7 @@ export class LanePictures {
     }
     if (mark !== null) line('bad', x(mark));
     const row = placed.find(({ lane }) => lane.path === cursor?.lane);
-    if (cursor === null || row === undefined) return;
+    if (!cursor || !row) return;
     context.strokeStyle = '#e08a00';
     context.lineWidth = 2 * scale;
     const slice = sliceOn(row.lane, cursor.time, close);

@@ -71,7 +71,7 @@ export class LanesView implements View {
     const { state } = this.app.store;
     const all = this.allLanes();
     const lane = all.find(({ path }) => path === state.cursor?.lane) ?? all[0];
-    if (act === undefined || lane === undefined) return this.stage.key(event);
+    if (!act || !lane) return this.stage.key(event);
     act({ lane, time: this.time }, event);
     return true;
   }
@@ -88,11 +88,10 @@ export class LanesView implements View {
     return fullLabel(all[index]);
   }
 
-  canvas(): HTMLCanvasElement { return this.pictures.base; }
-
-  svg(): string {
-    return this.pictures.svg(this.placed, this.app.store.state, this.stage.width, this.stage.height);
-  }
+  readonly picture = {
+    canvas: this.pictures.base,
+    svg: () => this.pictures.svg(this.placed, this.app.store.state, this.stage.width, this.stage.height),
+  };
 
   /** The keys of the rows; the help lists them. */
   private readonly actions = new Map<string, (cursor: PlacedCursor, event: KeyboardEvent) => void>([
@@ -120,7 +119,7 @@ export class LanesView implements View {
 
   private readonly scrolled = (): void => {
     const { state } = this.app.store;
-    if (state.timechart !== null) this.draw(state, new Set(['lanes']));
+    if (state.timechart) this.draw(state, new Set(['lanes']));
   };
 
   private allLanes(): Lane[] { return visibleLanes(this.app.store.state.timechart!.tree, none).rest; }
@@ -158,7 +157,7 @@ export class LanesView implements View {
                 wanted !== '' && lane.label.toLowerCase().includes(wanted) ? ' match' : ''}`,
             role: 'treeitem',
             id: `lane-${path}`,
-            'aria-level': String(depth + 1),
+            'aria-level': depth + 1,
             'aria-selected': String(path === current),
             'aria-label': shortName(fullLabel(lane)),
             title: shortName(fullLabel(lane)),
@@ -190,7 +189,7 @@ export class LanesView implements View {
     this.app.hover(time);
     const row = this.rowAt(y);
     const inside = event !== null && event.clientX - this.host.getBoundingClientRect().left >= gutter;
-    if (time === null || row === undefined || !inside || row.lane.tracks.length === 0)
+    if (time === null || !row || !inside || row.lane.tracks.length === 0)
       this.app.tooltip(null);
     else
       this.app.tooltip(this.describe(row.lane, time), event);
@@ -199,7 +198,7 @@ export class LanesView implements View {
   private click(time: number, y: number): void {
     const row = this.rowAt(y);
     this.labels.focus();
-    if (row !== undefined) this.selectAt(row.lane, time);
+    if (row) this.selectAt(row.lane, time);
   }
 
   private rowAt(y: number): PlacedLane|undefined {
@@ -214,9 +213,9 @@ export class LanesView implements View {
 
   private step({ lane, time }: PlacedCursor, by: number): void {
     const at = this.rows.findIndex((row) => row.lane === lane);
-    const next = this.app.store.state.cursor === null ? 0 : at + by;
+    const next = this.app.store.state.cursor ? at + by : 0;
     const row = this.rows[Math.min(this.rows.length - 1, Math.max(0, next))];
-    if (row !== undefined) this.moveTo(row.lane, time);
+    if (row) this.moveTo(row.lane, time);
   }
 
   /**
@@ -242,7 +241,7 @@ export class LanesView implements View {
   private toRun({ lane, time }: PlacedCursor, direction: Direction): void {
     const task = taskOf(lane) ?? this.app.store.state.timechart!.tasks.runOnCore(coreOf(lane), time)?.task;
     const run = task === undefined ? null : selectBeside(this.app, task, time, direction);
-    if (run !== null) this.app.store.set({ cursor: { lane: lane.path, time: run.start } });
+    if (run) this.app.store.set({ cursor: { lane: lane.path, time: run.start } });
   }
 
   /** Selects what the row shows at a time: a run with its samples, or another stretch. */
@@ -251,7 +250,7 @@ export class LanesView implements View {
     this.moveTo(lane, time);
     const task = taskOf(lane);
     const run = task === undefined ? tasks.runOnCore(coreOf(lane), time) : tasks.runAt(task, time);
-    if (run !== null)
+    if (run)
       selectRun(this.app, run);
     else
       setBrush(this.app.store, sliceOn(lane, time, end));

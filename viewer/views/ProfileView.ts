@@ -1,13 +1,19 @@
 import {PlaceKind} from '../document/profile';
 import {everything} from '../model/filter';
+import type {Direction} from '../model/axis';
 import type {ProfileModel} from '../model/ProfileModel';
 import {isEverything, type Selection} from '../model/Selection';
 import {button, div, element, isDark, searchField, span, swatch} from './dom';
+import {FlamePane} from './FlamePane';
 import {folded} from './folded';
 import {kindColour, kindNames} from './placeColours';
 import {formatCount, formatPart} from './placeLook';
+import type {RowTable} from './RowTable';
 import type {Change, State} from './store';
 import type {App, View} from './View';
+
+/** What a view consists of: each has keys and takes part in the search. */
+type Part = FlamePane|RowTable;
 
 /** A colour on a light or a dark page, and what it means. */
 export type LegendEntry = readonly[(dark: boolean) => string, string];
@@ -26,6 +32,8 @@ export abstract class ProfileView implements View {
   protected app!: App;
   protected model!: ProfileModel;
   protected selection!: Selection;
+  /** The parts that `fill` made; the first one gets the keys unless another has the focus. */
+  protected parts: readonly Part[] = [];
   /** Own controls and legend. */
   protected controls: readonly Node[] = [];
   protected legend: readonly LegendEntry[] = kindLegend;
@@ -59,6 +67,20 @@ export abstract class ProfileView implements View {
     this.selection = this.model.selection(state.filter);
     this.drawBar(state);
     this.show(state, before);
+  }
+
+  key(event: KeyboardEvent): boolean {
+    return (this.parts.find((part) => part.hasFocus) ?? this.parts[0]).key(event);
+  }
+
+  find(direction: Direction): string|null {
+    let found: string|null = null;
+    for (const part of this.parts) found ??= part.find(direction);
+    return found;
+  }
+
+  get picture(): FlamePane|undefined {
+    return this.parts.find((part): part is FlamePane => part instanceof FlamePane);
   }
 
   folded(): string {

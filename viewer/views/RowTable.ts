@@ -1,6 +1,6 @@
 import type {Direction} from '../model/axis';
-import {div, element, swatch, twistyOf} from './dom';
-import {type App, nextOf} from './View';
+import {div, element, equip, swatch, twistyOf} from './dom';
+import {type App, nextOf, perform} from './View';
 
 export interface Column {
   readonly title: string;
@@ -41,7 +41,7 @@ const deepestIndent = 60;
 
 /** A table of any number of rows, of which only those in sight are elements. */
 export class RowTable {
-  readonly scroller: HTMLElement;
+  private readonly scroller: HTMLElement;
   private readonly heads: readonly HTMLElement[];
   private readonly space = div('rows-space');
   private readonly pool = new Map<number, HTMLElement>();
@@ -60,16 +60,19 @@ export class RowTable {
     this.heads = columns.map(
         ({ title, style, sort }) => element(
             'span', { class: style, role: 'columnheader' },
-            sort === undefined ? title : element('button', { type: 'button', click: sort }, title)));
-    this.space.setAttribute('role', 'rowgroup');
+            sort ? element('button', { type: 'button', click: sort }, title) : title));
+    equip(this.space, {
+      role: 'rowgroup',
+      click: (event: MouseEvent) => this.pick(event, false),
+      dblclick: (event: MouseEvent) => this.pick(event, true),
+    });
     this.scroller = element(
-        'div', { class: 'rows', role, 'aria-label': label, tabIndex: '0' },
+        'div', { class: 'rows', role, 'aria-label': label, tabIndex: 0, scroll: this.repaint },
         element('div', { class: 'row head', role: 'row' }, ...this.heads), this.space);
     host.append(this.scroller);
-    this.scroller.addEventListener('scroll', this.repaint);
-    this.space.addEventListener('click', (event) => this.pick(event, false));
-    this.space.addEventListener('dblclick', (event) => this.pick(event, true));
   }
+
+  get hasFocus(): boolean { return this.scroller.contains(document.activeElement); }
 
   get chosen(): number { return this.current; }
 
@@ -114,21 +117,15 @@ export class RowTable {
 
   key(event: KeyboardEvent): boolean {
     const page = Math.max(1, Math.floor(this.scroller.clientHeight / rowHeight) - 2);
-    const step = new Map([
-                   ['ArrowUp', -1],
-                   ['ArrowDown', 1],
-                   ['PageUp', -page],
-                   ['PageDown', page],
-                   ['Home', -Infinity],
-                   ['End', Infinity],
-                 ]).get(event.key);
-    if (step !== undefined)
-      this.choose(this.current + step);
-    else if (event.key === 'Enter')
-      this.rows.open(this.current);
-    else
-      return false;
-    return true;
+    return perform(event.key, {
+      ArrowUp: () => this.choose(this.current - 1),
+      ArrowDown: () => this.choose(this.current + 1),
+      PageUp: () => this.choose(this.current - page),
+      PageDown: () => this.choose(this.current + page),
+      Home: () => this.choose(0),
+      End: () => this.choose(Infinity),
+      Enter: () => this.rows.open(this.current),
+    });
   }
 
   /** Goes to the next or previous match of the search; returns its label, or null. */
@@ -153,7 +150,7 @@ export class RowTable {
 
   private add(index: number): HTMLElement {
     const row = element(
-        'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': String(index + 2) },
+        'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': index + 2 },
         ...this.columns.map(({ style }) => element('span', { class: style, role: 'gridcell' })));
     row.style.transform = `translateY(${index * rowHeight}px)`;
     this.pool.set(index, row);

@@ -14,7 +14,7 @@ export class RulerView implements View {
   readonly id = 'ruler';
   readonly title = 'Time';
   readonly zone = 'time';
-  private readonly picture = element('canvas', { role: 'img' });
+  private readonly canvas = element('canvas', { role: 'img' });
   private readonly label = div('ruler-label');
   private host!: HTMLElement;
 
@@ -22,7 +22,7 @@ export class RulerView implements View {
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
-    host.append(this.label, this.picture);
+    host.append(this.label, this.canvas);
     timeGestures(
         host, host, app, { hover: (time) => app.hover(time), click: () => setBrush(app.store, null) });
   }
@@ -30,8 +30,8 @@ export class RulerView implements View {
   draw(state: State): void {
     const scale = scaleOf(state, this.host);
     const { shown, width } = scale;
-    const context = this.picture.getContext('2d')!;
-    const density = fitCanvas(this.picture, width, height);
+    const context = this.canvas.getContext('2d')!;
+    const density = fitCanvas(this.canvas, width, height);
     context.setTransform(density, 0, 0, density, 0, 0);
     context.clearRect(0, 0, width, height);
     const box = (colour: string, left: number, top: number, wide: number, high: number) => {
@@ -39,7 +39,7 @@ export class RulerView implements View {
       context.fillRect(left, top, wide, high);
     };
     const brush = brushOf(state);
-    if (brush !== null)
+    if (brush)
       box('bar', scale.x(brush.start), 0, Math.max(1, (brush.end - brush.start) / scale.pixel), height);
     // A thin bar over the whole axis with the shown part of it.
     const whole = new Scale(wholeExtent(state), width);
@@ -53,11 +53,11 @@ export class RulerView implements View {
     }
     if (state.mark !== null) box('bad', Math.round(scale.x(state.mark)) - 1, 6, 2, height - 6);
     const { start, end } = brush ?? shown;
-    this.label.textContent = `${formatDuration(end - start)} ${brush === null ? 'shown' : 'selected'}`;
-    this.picture.setAttribute(
+    this.label.textContent = `${formatDuration(end - start)} ${brush ? 'selected' : 'shown'}`;
+    this.canvas.setAttribute(
         'aria-label',
         `Time from ${formatTime(shown.start)} to ${formatTime(shown.end)}` +
-            (brush === null ? '' : `; selected: ${describeSpan(brush)}`),
+            (brush ? `; selected: ${describeSpan(brush)}` : ''),
     );
   }
 }

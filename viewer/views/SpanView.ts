@@ -56,21 +56,21 @@ export class SpanView implements View {
 
   private show(use: SpanUse, state: State): void {
     this.use = use;
-    const what = brushOf(state) === null ? 'All' : 'Selected';
+    const what = brushOf(state) ? 'Selected' : 'All';
     this.host.replaceChildren(
         element('p', { class: 'lead' }, `${what}: ${describeSpan(spanOf(state))}`), ...this.runLines(state),
         ...sections(use).map(([title, rows]) => tableOf(title, rows)));
   }
 
   table(): readonly Cells[] {
-    return this.use === null ?
-        [] :
-        sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]);
+    return this.use ?
+        sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]) :
+        [];
   }
 
   /** Details of the selected run, with buttons to the task's next and previous one. */
   private runLines({ run, timechart }: State): HTMLElement[] {
-    if (run === null) return [];
+    if (!run) return [];
     const step = (direction: Direction) => () => void selectBeside(this.app, run.task, run.start, direction);
     return [
       element(

@@ -1,6 +1,6 @@
 import {div, element} from './dom';
 import {axisWidth, timeGestures, type TimeSurface} from './timeAxis';
-import type {App} from './View';
+import {type App, perform} from './View';
 
 /** Part of the window that a key scrolls by. */
 const keyScroll = 0.8;
@@ -43,8 +43,7 @@ export class TimeStage {
 
   /** Handles the keys that scroll without a change of the row; returns whether it did. */
   key({ key }: KeyboardEvent): boolean {
-    if (key !== 'PageUp' && key !== 'PageDown') return false;
-    this.scroller.scrollTop += (key === 'PageDown' ? keyScroll : -keyScroll) * this.height;
-    return true;
+    const scroll = (windows: number) => () => void (this.scroller.scrollTop += windows * this.height);
+    return perform(key, { PageUp: scroll(-keyScroll), PageDown: scroll(keyScroll) });
   }
 }

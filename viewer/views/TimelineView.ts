@@ -7,7 +7,7 @@ import {formatCount} from './placeLook';
 import type {Change, State} from './store';
 import {brushOf, gutter, scaleOf, setBrush, shownExtent} from './timeAxis';
 import {TimeStage} from './TimeStage';
-import type {App, View} from './View';
+import {type App, perform, type View} from './View';
 
 const rowHeight = 18;
 /** Part of the shown time that a key moves the brush by. */
@@ -23,7 +23,7 @@ export class TimelineView implements View {
   private app!: App;
   private host!: HTMLElement;
   private stage!: TimeStage;
-  private readonly picture = element('canvas', { 'aria-hidden': 'true' });
+  readonly picture = { canvas: element('canvas', { 'aria-hidden': 'true' }) };
   private readonly brushMark = element('div', { class: 'timeline-brush', hidden: true });
   private profile!: Profile;
   private selection!: Selection;
@@ -43,7 +43,7 @@ export class TimelineView implements View {
     const labels = element('div', {
       class: 'labels',
       role: 'listbox',
-      tabIndex: '0',
+      tabIndex: 0,
       'aria-multiselectable': 'true',
       'aria-label': 'Cores and threads; Enter selects the samples of one, Shift and arrows a span',
       click: (event: MouseEvent) => {
@@ -52,7 +52,7 @@ export class TimelineView implements View {
         if (row < this.rows.length) this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
       }
     });
-    this.stage = new TimeStage(host, app, labels, [this.picture, this.brushMark], this.show, {
+    this.stage = new TimeStage(host, app, labels, [this.picture.canvas, this.brushMark], this.show, {
       hover: (time, y, event) => this.hover(time, y, event),
       click: () => setBrush(app.store, null),
     });
@@ -78,36 +78,23 @@ export class TimelineView implements View {
   }
 
   key(event: KeyboardEvent): boolean {
-    const direction = event.key === 'ArrowRight' || event.key === 'ArrowDown' ? 1 : -1;
-    switch (event.key) {
-      case 'ArrowUp':
-      case 'ArrowDown':
-        this.go(this.current + direction);
-        return true;
-      case 'Home':
-        this.go(0);
-        return true;
-      case 'End':
-        this.go(this.rows.length - 1);
-        return true;
-      case 'Enter':
-      case ' ':
-        this.select(this.current, event.ctrlKey || event.shiftKey);
-        return true;
-      case 'ArrowLeft':
-      case 'ArrowRight':
-        this.moveBrush(direction, event.shiftKey);
-        return true;
-    }
-    return this.stage.key(event);
+    return perform(event.key, {
+             ArrowUp: () => this.go(this.current - 1),
+             ArrowDown: () => this.go(this.current + 1),
+             Home: () => this.go(0),
+             End: () => this.go(Infinity),
+             Enter: () => this.select(this.current, event.ctrlKey || event.shiftKey),
+             ' ': () => this.select(this.current, event.ctrlKey || event.shiftKey),
+             ArrowLeft: () => this.moveBrush(-1, event.shiftKey),
+             ArrowRight: () => this.moveBrush(1, event.shiftKey),
+           }) ||
+        this.stage.key(event);
   }
 
-  table(): string[][] {
+  table() {
     const { weight } = this.profile;
-    return [['row', 'samples'], ...this.rows.map((row) => [this.nameOf(row), String(row.samples * weight)])];
+    return [['row', 'samples'], ...this.rows.map((row) => [this.nameOf(row), row.samples * weight])];
   }
-
-  canvas(): HTMLCanvasElement { return this.picture; }
 
   /** Shows the rows in sight, which are others after a scroll. */
   private readonly show = (): void => {
@@ -119,13 +106,12 @@ export class TimelineView implements View {
   };
 
   private readonly paint = (): void => {
-    const { stage, picture, profile } = this;
+    const { stage, profile } = this;
+    const { canvas } = this.picture;
     const { top, width, height } = stage;
     const first = Math.floor(top / rowHeight);
-    const scale = fitCanvas(picture, width, height);
-    if (this.pixels?.width !== picture.width || this.pixels.height !== picture.height)
-      this.pixels = new Pixels(picture.width, picture.height);
-    const { pixels } = this;
+    const scale = fitCanvas(canvas, width, height);
+    const pixels = (this.pixels = Pixels.of(canvas, this.pixels));
     const dark = isDark();
     const quiet = dark ? 0x3b424a : 0xd0d6dc;
     pixels.clear(groundColours(dark).ground);
@@ -146,7 +132,7 @@ export class TimelineView implements View {
         pixels.box(x, x + 1, middle, bottom, strong);
       });
     });
-    picture.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
+    canvas.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
   };
 
   /** Finds the samples of the rows in sight, which many repaints have in common. */
@@ -195,7 +181,7 @@ export class TimelineView implements View {
     const row = this.rows[Math.floor((y + this.stage.top) / rowHeight)];
     const label = event !== null && event.clientX - this.host.getBoundingClientRect().left < gutter;
     this.app.hover(label ? null : time);
-    if (time === null || row === undefined)
+    if (time === null || !row)
       this.app.tooltip(null);
     else
       this.app.tooltip(
@@ -237,8 +223,8 @@ export class TimelineView implements View {
 
   private placeBrush(state: State): void {
     const brush = brushOf(state);
-    this.brushMark.hidden = brush === null;
-    if (brush === null) return;
+    this.brushMark.hidden = !brush;
+    if (!brush) return;
     const scale = scaleOf(state, this.host);
     const [left, right] =
         [brush.start, brush.end].map((time) => Math.max(0, Math.min(scale.width, scale.x(time))));

@@ -36,12 +36,11 @@ export interface View {
    */
   find?(direction: Direction): string|null;
   /** What it shows of the selection, as rows of cells; the first row names the columns. */
-  table?(): readonly(readonly string[])[];
+  table?(): readonly(readonly(string|number)[])[];
   /** The selected samples as folded stacks. */
   folded?(): string;
-  /** What it shows, as a vector picture and as pixels. */
-  svg?(): string;
-  canvas?(): HTMLCanvasElement;
+  /** What it shows, as pixels and, where it can, as a vector picture. */
+  readonly picture?: { readonly canvas: HTMLCanvasElement; svg ? () : string };
 }
 
 /**
@@ -56,4 +55,11 @@ export function nextOf(
     if (isWanted(index)) return index;
   }
   return -1;
+}
+
+/** Does what a key stands for; returns whether it stands for anything. */
+export function perform(key: string, actions: Readonly<Record<string, () => void>>): boolean {
+  const act = Object.hasOwn(actions, key) ? actions[key] : undefined;
+  act?.();
+  return act !== undefined;
 }

@@ -1,19 +1,24 @@
 /** Elements of the page. Text is only ever set as text. */
 
 /** Attributes and events, by their names. */
-type Attributes = Readonly<Record<string, string|boolean|((event: never) => void)>>;
+type Attributes = Readonly<Record<string, string|number|boolean|((event: never) => void)>>;
 type Content = readonly(Node|string)[];
 
-/** Returns a new element: functions become listeners of the event of that name, all else attributes. */
-export function element<K extends keyof HTMLElementTagNameMap>(
-    name: K, attributes: Attributes = {}, ...content: Content): HTMLElementTagNameMap[K] {
-  const made = document.createElement(name);
+/** Gives attributes and listeners to an element: functions become listeners of the event of that name. */
+export function equip(made: Element, attributes: Attributes): void {
   for (const [key, value] of Object.entries(attributes)) {
     if (typeof value === 'function')
       made.addEventListener(key, value as EventListener);
     else if (value !== false)
-      made.setAttribute(key, value === true ? '' : value);
+      made.setAttribute(key, value === true ? '' : String(value));
   }
+}
+
+/** Returns a new element. */
+export function element<K extends keyof HTMLElementTagNameMap>(
+    name: K, attributes: Attributes = {}, ...content: Content): HTMLElementTagNameMap[K] {
+  const made = document.createElement(name);
+  equip(made, attributes);
   made.append(...content);
   return made;
 }

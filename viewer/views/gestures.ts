@@ -1,5 +1,7 @@
 /** Wheel and pointer, alike on everything that can be zoomed. */
 
+import {equip} from './dom';
+
 /** Actions of gestures. `event` has the position. */
 export interface Gestures {
   /** The wheel with Control. */
@@ -44,25 +46,27 @@ export function onGestures(target: HTMLElement, gestures: Gestures): void {
       },
       { passive: false },
   );
-  target.addEventListener('pointerdown', (event) => {
-    if (!gestures.press(event)) return;
-    last = event;
-    moved = false;
-    target.setPointerCapture(event.pointerId);
+  equip(target, {
+    pointerdown: (event: PointerEvent) => {
+      if (!gestures.press(event)) return;
+      last = event;
+      moved = false;
+      target.setPointerCapture(event.pointerId);
+    },
+    pointermove: (event: PointerEvent) => {
+      if (!last) return gestures.hover(event);
+      const [right, down] = [event.clientX - last.clientX, event.clientY - last.clientY];
+      if (!moved && Math.abs(right) + Math.abs(down) < clickTolerance) return;
+      moved = true;
+      last = event;
+      gestures.drag(event, right, down);
+    },
+    pointerup: (event: PointerEvent) => {
+      const clicked = last !== null && !moved;
+      last = null;
+      if (clicked) gestures.click(event);
+    },
+    pointercancel: () => (last = null),
+    pointerleave: () => gestures.hover(null),
   });
-  target.addEventListener('pointermove', (event) => {
-    if (last === null) return gestures.hover(event);
-    const [right, down] = [event.clientX - last.clientX, event.clientY - last.clientY];
-    if (!moved && Math.abs(right) + Math.abs(down) < clickTolerance) return;
-    moved = true;
-    last = event;
-    gestures.drag(event, right, down);
-  });
-  target.addEventListener('pointerup', (event) => {
-    const clicked = last !== null && !moved;
-    last = null;
-    if (clicked) gestures.click(event);
-  });
-  target.addEventListener('pointercancel', () => (last = null));
-  target.addEventListener('pointerleave', () => gestures.hover(null));
 }

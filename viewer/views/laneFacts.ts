@@ -18,7 +18,7 @@ export const coreOf = (lane: Lane): number => (lane.root === 'cpu' ? lane.tracks
 export function sliceOn(lane: Lane, time: number, close: number): Slice|null {
   for (const { shape, steps } of lane.tracks) {
     const slice = shape === 'state' ? steps.sliceAt(time, close) : null;
-    if (slice !== null) return slice;
+    if (slice) return slice;
   }
   return null;
 }
@@ -30,8 +30,8 @@ export function describeLane(
     shortName(fullLabel(lane)), ...lane.tracks.flatMap((track) => describeTrack(model, track, time, pixel))
   ];
   const busy = lane.tracks.find(({ role }) => role === 'busy');
-  const run = busy === undefined ? null : model.tasks.runOnCore(busy.cpu, time);
-  if (run !== null) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
+  const run = busy ? model.tasks.runOnCore(busy.cpu, time) : null;
+  if (run) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
   const since = mark === null ? '' : `, ${formatDuration(time - mark)} from the mark`;
   return [...lines, formatTime(time) + since];
 }
@@ -46,8 +46,7 @@ function describeTrack(model: TimechartModel, track: Track, time: number, pixel:
   const name = shortName(entry.tip || entry.name);
   if (shape === 'state') {
     const slice = steps.sliceAt(time, model.end);
-    if (slice !== null)
-      return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
+    if (slice) return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
     const share = steps.onTime(time - pixel, time + pixel) / (2 * pixel);
     return share > 0 ? [`${name}: ${formatShare(share)} here`] : [];
   }
@@ -60,8 +59,7 @@ function describeTrack(model: TimechartModel, track: Track, time: number, pixel:
   const count = pointsUntil(times, time + reach * pixel) - from;
   const lines = Array.from({ length: Math.min(mostMarks, count) }, (_, i) => {
     const text = model.markerText(track, from + i);
-    return text === null ? `${name}: ${values[from + i]}` :
-                           `${shortName(text.name)} ${shortName(text.detail)}`;
+    return text ? `${shortName(text.name)} ${shortName(text.detail)}` : `${name}: ${values[from + i]}`;
   });
   return count > mostMarks ? [...lines, `and ${count - mostMarks} more`] : lines;
 }

@@ -198,6 +198,11 @@ export class Pixels implements Surface {
     this.words = new Uint32Array(this.image.data.buffer);
   }
 
+  /** Returns pixels for all of a canvas: those of `before` if it had as many. */
+  static of({ width, height }: HTMLCanvasElement, before: Pixels|null): Pixels {
+    return before?.width === width && before.height === height ? before : new Pixels(width, height);
+  }
+
   clear(colour: number): void { this.words.fill(word(colour)); }
 
   box(left: number, right: number, top: number, bottom: number, colour: number): void {

@@ -61,7 +61,7 @@ function writeMarkers(
     while (next < times.length && times[next] === times[i]) ++next;
     const right = next < times.length ? Math.min(width, axis.x(times[next])) : width;
     const text = model.markerText(track, i);
-    if (text !== null && right - left >= leastRoom * scale) {
+    if (text && right - left >= leastRoom * scale) {
       const words = shortName(text.detail === '' ? text.name : `${text.name} ${text.detail}`);
       writer.text(
           words, left + 4 * scale, middle, right - left - 8 * scale, picture.dark ? '#e6e6e6' : '#222');

@@ -11,7 +11,7 @@ export function describeRun(tasks: Tasks, run: Run): string[] {
   const ran = `${shortName(run.label)} ran on CPU ${run.cpu} for ${
       formatDuration(run.end - run.start)}, from ${formatTime(run.start)} to ${formatTime(run.end)}`;
   const wait = tasks.waitBefore(run);
-  if (wait === null) return [ran, 'its first run'];
+  if (!wait) return [ran, 'its first run'];
   const parts: readonly(readonly[number, string])[] =
       [[wait.waitCpu, 'for a CPU'], [wait.waitIo, 'for I/O'], [wait.waitGpu, 'for the GPU']];
   const told = parts.filter(([seconds]) => seconds > 0)
@@ -34,7 +34,7 @@ export function selectRun(app: App, run: Run): void {
 /** Selects the task's first run after a time, or the last one before it; returns it, or null without one. */
 export function selectBeside(app: App, task: number, time: number, direction: Direction): Run|null {
   const run = app.store.state.timechart!.tasks.runBeside(task, time, direction);
-  if (run === null)
+  if (!run)
     app.announce(`No ${direction > 0 ? 'later' : 'earlier'} run of this task`);
   else {
     showTime(app.store, run.start);

@@ -6,7 +6,7 @@ import {everything} from '../model/filter';
 import {onGestures, wheelZoom} from './gestures';
 
 import type {State, Store} from './store';
-import type {App} from './View';
+import {type App, perform} from './View';
 
 /** Width of the labels to the left of every time view, in pixels of the page. */
 export const gutter = 230;
@@ -39,7 +39,7 @@ export const spanOf = (state: State): Extent => brushOf(state) ?? wholeExtent(st
 export function setBrush(store: Store, brush: Extent|null): void {
   const { filter, run } = store.state;
   const { start, end } = brush ?? everything;
-  store.refine({ start, end, threads: run === null ? filter.threads : null }, null);
+  store.refine({ start, end, threads: run ? null : filter.threads }, null);
 }
 
 /** Scales the axis by `factor` about a time, then moves it by `shift` seconds. */
@@ -75,27 +75,15 @@ export function timeKey({key}: KeyboardEvent, store: Store): boolean {
   const cursor = store.state.cursor?.time ?? NaN;
   const at = cursor >= start && cursor < end ? cursor : (start + end) / 2;
   const brush = brushOf(store.state);
-  switch (key.toLowerCase()) {
-    case 'w':
-      zoomTime(store, 1 / keyZoom, at);
-      return true;
-    case 's':
-      zoomTime(store, keyZoom, at);
-      return true;
-    case 'a':
-      zoomTime(store, 1, at, (start - end) * keyPan);
-      return true;
-    case 'd':
-      zoomTime(store, 1, at, (end - start) * keyPan);
-      return true;
-    case 'f':
-      if (brush !== null) showSpan(store, brush);
-      return brush !== null;
-    case '0':
-      store.set({ visible: null });
-      return true;
-  }
-  return false;
+  const move = (part: number) => zoomTime(store, 1, at, (end - start) * part);
+  return perform(key.toLowerCase(), {
+    'w': () => zoomTime(store, 1 / keyZoom, at),
+    's': () => zoomTime(store, keyZoom, at),
+    'a': () => move(-keyPan),
+    'd': () => move(keyPan),
+    'f': () => brush && showSpan(store, brush),
+    '0': () => store.set({ visible: null }),
+  });
 }
 
 /** What a time view does by itself. */
@@ -120,7 +108,7 @@ export function timeGestures(
   const timeAt = (event: MouseEvent) => scale().time(xOf(event));
   const zoom = (factor: number, event: MouseEvent) => zoomTime(store, factor, timeAt(event));
   const hover = (event: PointerEvent|null) =>
-      event === null ? surface.hover(null, 0, null) : surface.hover(timeAt(event), yOf(event), event);
+      event ? surface.hover(timeAt(event), yOf(event), event) : surface.hover(null, 0, null);
   const pan = (pixels: number) => zoomTime(store, 1, 0, pixels * scale().pixel);
   let from = 0;
   let pans = false;
@@ -129,7 +117,7 @@ export function timeGestures(
     pan,
     hover,
     scroll(pixels, event) {
-      if (surface.scroll === undefined)
+      if (!surface.scroll)
         zoom(wheelZoom(pixels), event);
       else
         surface.scroll(pixels);
@@ -152,6 +140,6 @@ export function timeGestures(
   });
   target.addEventListener('dblclick', () => {
     const brush = brushOf(store.state);
-    if (brush !== null) showSpan(store, brush);
+    if (brush) showSpan(store, brush);
   });
 }

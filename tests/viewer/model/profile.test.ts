@@ -5,7 +5,7 @@ import {pixelBounds, RowSamples, timeRows} from '../../../viewer/model/density';
 import {DifferenceTree, unite} from '../../../viewer/model/difference';
 
 import {everything, type Filter} from '../../../viewer/model/filter';
-import {Boxes, layOut} from '../../../viewer/model/flameLayout';
+import {boxAt, layOut} from '../../../viewer/model/flameLayout';
 import {functionRows, type Order} from '../../../viewer/model/functionRows';
 import {MergedTree} from '../../../viewer/model/MergedTree';
 import {ProfileModel} from '../../../viewer/model/ProfileModel';
@@ -111,24 +111,19 @@ test('a flame graph has the boxes that can be seen, each below its caller', asyn
   const model = await modelOf(lines);
   const tree = model.selection(everything);
   const boxes = (start: number, end: number, least: number) => {
-    const laid = layOut(tree, 0, start, end, 600, least, new Boxes());
-    return Array
-        .from(
-            { length: laid.count },
-            (_, i) => {
-              const name =
-                  laid.nodes[i] === 0 ? '' : names[model.profile.places.names[tree.places[laid.nodes[i]]]];
-              return `${laid.depths[i]}${name}@${laid.lefts[i]}+${laid.widths[i]}`;
-            })
-        .join(' ');
+    const laid = layOut(tree, 0, start, end, 600, least).map(({ node, depth, left, width }) => {
+      const name = node === 0 ? '' : names[model.profile.places.names[tree.places[node]]];
+      return `${depth}${name}@${left}+${width}`;
+    });
+    return laid.join(' ');
   };
   assert.equal(boxes(0, 6, 150), '0@0+600 1m@0+400 2w@0+300');
   assert.equal(
       boxes(0, 6, 1), '0@0+600 1m@0+400 1s@400+100 1w@500+100 2w@0+300 2m@500+100 3s@0+100 3w@500+100');
   assert.equal(boxes(4, 5, 1), '0@-2400+3600 1s@0+600');
-  const laid = layOut(tree, 0, 0, 6, 600, 1, new Boxes());
-  assert.equal(laid.depths[laid.at(550, 2)], 2);
-  assert.equal(laid.at(350, 2), -1);
+  const laid = layOut(tree, 0, 0, 6, 600, 1);
+  assert.equal(boxAt(laid, 550, 2)?.depth, 2);
+  assert.equal(boxAt(laid, 350, 2), undefined);
 });
 
 test('the time line counts each sample once in its core and once in its thread', async () => {
