@@ -19,7 +19,7 @@ timechart: base ground json symbols records
 events: base ground json symbols records timechart
 roof: base ground json symbols records timechart events
 kit/recording:
-kit/symbols:
+kit/symbols: kit/recording
 kit/document:
 kit/layout: kit/recording engine
 kit/tracepoints: kit/recording

@@ -84,9 +84,10 @@ std::string readWhole(const std::string& path) {
   struct stat status = {};
   if (fstat(file.number(), &status) != 0) fail(path, std::strerror(errno));
   std::string content(static_cast<std::size_t>(status.st_size), '\0');
+  // Files of /proc report size 0. The largest one has a few megabytes.
+  if (content.empty()) content.reserve(std::size_t{8} << 20);
   std::size_t got = 0;
   while (true) {
-    // Files of /proc report size 0.
     if (got == content.size()) content.resize(content.size() + 4096);
     const ssize_t part = ::read(file.number(), content.data() + got, content.size() - got);
     if (part < 0) fail(path, std::strerror(errno));

@@ -9,6 +9,7 @@
 
 #include "symbols/BuildId.h"
 #include "symbols/CheckedFile.h"
+#include "symbols/ElfSections.h"
 
 namespace zelkit {
 
@@ -30,18 +31,10 @@ void readSegments(Elf* elf, ElfFile& file) {
 }
 
 void readSections(Elf* elf, ElfFile& file) {
-  std::size_t names = 0;
-  if (elf_getshdrstrndx(elf, &names) != 0) return;
-  for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
-       section = elf_nextscn(elf, section)) {
-    GElf_Shdr header;
-    if (gelf_getshdr(section, &header) == nullptr || header.sh_type == SHT_NOBITS) continue;
+  forEachSection(elf, [&](Elf_Scn*, const GElf_Shdr& header, std::string_view name) {
     if (header.sh_type == SHT_SYMTAB) file.hasSymbolTable = true;
-    const char* name = elf_strptr(elf, names, header.sh_name);
-    if (name == nullptr) continue;
-    if (std::string_view(name) == ".debug_line" || std::string_view(name) == ".zdebug_line")
-      file.hasLines = true;
-  }
+    if (name == ".debug_line" || name == ".zdebug_line") file.hasLines = true;
+  });
 }
 
 void readNotes(Elf* elf, ElfFile& file) {

@@ -26,7 +26,7 @@ struct ElfFunction {
   std::uint64_t size;
   std::uint64_t limit;  ///< end of its section
   std::uint64_t rank;
-  const char* name;  ///< mangled
+  std::string_view name;  ///< mangled; valid as long as the module
 };
 
 /// Callback of libdwfl that returns the separate debug file, which was found before.
@@ -65,10 +65,9 @@ std::uint64_t rankOf(const GElf_Sym& symbol, std::string_view name) {
   return rank << 32 | std::min<std::size_t>(name.size(), 0xFFFFFFFF);
 }
 
-bool isFunction(const GElf_Sym& symbol, std::string_view name) {
+bool canBeFunction(const GElf_Sym& symbol) {
   const unsigned type = GELF_ST_TYPE(symbol.st_info);
-  if (type != STT_FUNC && type != STT_GNU_IFUNC && type != STT_NOTYPE) return false;
-  return symbol.st_shndx != SHN_UNDEF && !name.empty() && !isMappingSymbol(name);
+  return (type == STT_FUNC || type == STT_GNU_IFUNC || type == STT_NOTYPE) && symbol.st_shndx != SHN_UNDEF;
 }
 
 /// The ends of executable sections. Consecutive symbols are mostly in one section.
@@ -115,14 +114,17 @@ class Module {
     std::vector<ElfFunction> functions;
     SectionLimits limits;
     const int count = dwfl_module_getsymtab(_module);
+    functions.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (int i = 0; i < count; ++i) {
       GElf_Sym symbol;
       GElf_Addr address = 0;
       GElf_Word section = 0;
       Elf* elf = nullptr;
       Dwarf_Addr bias = 0;
-      const char* name = dwfl_module_getsym_info(_module, i, &symbol, &address, &section, &elf, &bias);
-      if (name == nullptr || elf == nullptr || !isFunction(symbol, name)) continue;
+      const char* text = dwfl_module_getsym_info(_module, i, &symbol, &address, &section, &elf, &bias);
+      if (text == nullptr || elf == nullptr || !canBeFunction(symbol)) continue;
+      const std::string_view name = text;
+      if (name.empty() || isMappingSymbol(name)) continue;
       const std::uint64_t limit = limits.of(elf, section, bias);
       if (limit == 0) continue;
       if (isThumb(elf, symbol)) address -= 1;
@@ -149,31 +151,29 @@ class Module {
     for (const std::uint64_t start : unwindStarts(elf)) builder.addStart(start + bias);
   }
 
-  [[nodiscard]] SourceLines readLines(const std::vector<ElfFunction>& functions) {
-    Dwarf_Addr bias = 0;
-    Dwarf* information = dwfl_module_getdwarf(_module, &bias);
-    if (information == nullptr) return SourceLines({});
-    std::vector<std::uint64_t> starts;
-    starts.reserve(functions.size());
-    for (const ElfFunction& function : functions) starts.push_back(function.address);
-    std::sort(starts.begin(), starts.end());
-    SourceLines lines(std::move(starts));
-    lines.read(information, bias);
-    return lines;
-  }
-
  private:
   /// Returns whether the lowest bit of the address marks Thumb code.
   static bool isThumb(Elf* elf, const GElf_Sym& symbol) {
     GElf_Ehdr header;
-    return gelf_getehdr(elf, &header) != nullptr && header.e_machine == EM_ARM &&
-           GELF_ST_TYPE(symbol.st_info) != STT_NOTYPE && (symbol.st_value & 1) != 0;
+    return (symbol.st_value & 1) != 0 && GELF_ST_TYPE(symbol.st_info) != STT_NOTYPE &&
+           gelf_getehdr(elf, &header) != nullptr && header.e_machine == EM_ARM;
   }
 
   std::string _debugPath;
   std::unique_ptr<Dwfl, decltype(&dwfl_end)> _session;
   Dwfl_Module* _module = nullptr;
 };
+
+/// Returns the source lines of the functions: those in the file itself, else those in its debug file.
+SourceLines linesOf(const std::vector<ElfFunction>& functions, const std::string& path,
+                    const std::string& debugPath) {
+  std::vector<std::uint64_t> starts;
+  starts.reserve(functions.size());
+  for (const ElfFunction& function : functions) starts.push_back(function.address);
+  SourceLines lines(std::move(starts));
+  if (!lines.read(path) && !debugPath.empty()) lines.read(debugPath);
+  return lines;
+}
 
 /// Returns the name without the version that one of .symtab may have, "name@VERSION".
 std::string_view withoutVersion(std::string_view name) {
@@ -186,9 +186,12 @@ std::string_view withoutVersion(std::string_view name) {
 SymbolList readElfSymbols(const std::string& path, const std::string& debugPath) {
   Module module(path, debugPath);
   const std::vector<ElfFunction> functions = module.functions();
-  const SourceLines lines = module.readLines(functions);
+  const SourceLines lines = linesOf(functions, path, debugPath);
+  std::size_t text = 0;
+  for (const ElfFunction& function : functions) text += function.name.size();
   SymbolListBuilder builder;
   module.describeCode(builder);
+  builder.reserve(functions.size(), text);
   for (const ElfFunction& function : functions) {
     const SourceLines::Place place = lines.at(function.address);
     builder.add({.address = function.address,

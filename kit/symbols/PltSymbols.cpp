@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "symbols/Demangler.h"
+#include "symbols/ElfSections.h"
 
 namespace zelkit {
 
@@ -25,16 +26,15 @@ constexpr StubForm kForms[] = {
     {EM_386, ".plt", 16, 16},       {EM_AARCH64, ".plt", 32, 16}, {EM_ARM, ".plt", 20, 12},
 };
 
-Elf_Scn* sectionNamed(Elf* elf, std::string_view wanted, GElf_Shdr& header) {
-  std::size_t names = 0;
-  if (elf_getshdrstrndx(elf, &names) != 0) return nullptr;
-  for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
-       section = elf_nextscn(elf, section)) {
-    if (gelf_getshdr(section, &header) == nullptr || header.sh_type == SHT_NOBITS) continue;
-    const char* name = elf_strptr(elf, names, header.sh_name);
-    if (name != nullptr && name == wanted) return section;
-  }
-  return nullptr;
+/// Returns the first section of the name, null if there is none.
+Elf_Scn* sectionNamed(Elf* elf, std::string_view wanted, GElf_Shdr& found) {
+  Elf_Scn* first = nullptr;
+  forEachSection(elf, [&](Elf_Scn* section, const GElf_Shdr& header, std::string_view name) {
+    if (first != nullptr || name != wanted) return;
+    first = section;
+    found = header;
+  });
+  return first;
 }
 
 /// Returns the names in the relocations of the stubs, including empty ones.

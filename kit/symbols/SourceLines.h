@@ -2,10 +2,12 @@
 
 #include <elfutils/libdw.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zelkit {
@@ -18,22 +20,27 @@ class SourceLines {
     std::uint32_t line = 0;  ///< counted from 1
   };
 
-  /// `starts`: addresses of the functions' first bytes, ascending.
-  explicit SourceLines(std::vector<std::uint64_t> starts);
+  /// `starts`: addresses of the functions' first bytes, in any order.
+  explicit SourceLines(std::vector<std::uint64_t> starts) : _starts(std::move(starts)) {}
 
-  /// Reads the line tables of one file. `bias` is added to its addresses. Units that cannot be read are
-  /// skipped.
-  void read(Dwarf* debugInformation, std::uint64_t bias);
+  /// Reads the line tables of an ELF file. Returns whether it has any. Those that cannot be read are skipped.
+  /// Throws std::runtime_error with "FILE: reason" if the file cannot be opened.
+  bool read(const std::string& path);
 
   /// Returns the source line of the function that starts at the address.
   [[nodiscard]] Place at(std::uint64_t start) const;
 
  private:
-  void readUnit(Dwarf_Die& unit, std::uint64_t bias);
-  void take(Dwarf_Line* row, std::size_t function);
+  bool readTables(std::string_view tables, std::string_view texts);
+  void readUnits(Elf* elf);
+  void readUnit(Dwarf_Die& unit);
+  Place* wanted(std::uint64_t address);
+  [[nodiscard]] std::size_t indexFrom(std::size_t from, std::uint64_t address) const;
+  void set(Place& place, std::string file, std::uint32_t line);
 
   std::vector<std::uint64_t> _starts;
-  std::vector<Place> _places;
+  std::vector<Place> _places;  ///< of the starts; empty until lines are read
+  std::size_t _next = 0;       ///< index of the first start not below the address asked for last
   std::set<std::string, std::less<>> _files;
 };
 

@@ -15,37 +15,39 @@ namespace zelkit {
 
 namespace {
 
-ListEntry entryAt(std::string_view bytes, std::size_t index) {
-  ListEntry entry;
-  std::memcpy(&entry, bytes.data() + sizeof(ListHeader) + index * sizeof entry, sizeof entry);
-  return entry;
-}
-
 ListHeader headerOf(std::string_view bytes) {
   ListHeader header{};
   if (bytes.size() >= sizeof header) std::memcpy(&header, bytes.data(), sizeof header);
   return header;
 }
 
-/// Returns the offset of the texts. The header must have been checked.
-std::size_t textStart(std::size_t count) {
-  return sizeof(ListHeader) + count * sizeof(ListEntry);
+/// Returns the texts. The header must have been checked.
+std::string_view textsOf(std::string_view bytes) {
+  return bytes.substr(sizeof(ListHeader), headerOf(bytes).textSize);
+}
+
+ListEntry entryAt(std::string_view bytes, std::size_t count, std::size_t index) {
+  ListEntry entry;
+  // The entries end the block.
+  std::memcpy(&entry, bytes.data() + bytes.size() - (count - index) * sizeof entry, sizeof entry);
+  return entry;
 }
 
 /// Returns whether the header matches the size of the block.
 bool headerHolds(std::string_view bytes) {
   const ListHeader header = headerOf(bytes);
   return header.magic == kListMagic && header.count <= bytes.size() / sizeof(ListEntry) &&
-         header.textSize != 0 && textStart(header.count) + header.textSize == bytes.size() &&
-         bytes.back() == '\0';
+         header.textSize != 0 &&
+         sizeof header + header.textSize + header.count * sizeof(ListEntry) == bytes.size() &&
+         textsOf(bytes).back() == '\0';
 }
 
 /// Returns whether the entries are ascending and disjoint, with their texts inside the block.
 bool entriesHold(std::string_view bytes, std::size_t count) {
-  const std::size_t textSize = bytes.size() - textStart(count);
+  const std::size_t textSize = textsOf(bytes).size();
   std::uint64_t end = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    const ListEntry entry = entryAt(bytes, i);
+    const ListEntry entry = entryAt(bytes, count, i);
     if (entry.address < end || entry.size == 0 || entry.name >= textSize || entry.file >= textSize)
       return false;
     end = entry.address + entry.size;
@@ -57,8 +59,8 @@ bool entriesHold(std::string_view bytes, std::size_t count) {
 }  // namespace
 
 Symbol SymbolList::operator[](std::size_t index) const {
-  const ListEntry entry = entryAt(_bytes, index);
-  const std::string_view texts = _bytes.substr(textStart(_count));
+  const ListEntry entry = entryAt(_bytes, _count, index);
+  const std::string_view texts = textsOf(_bytes);
   // A block that was damaged on disk may hold any offset; the last byte of the texts is a NUL.
   const auto textAt = [&](std::uint32_t offset) {
     return offset < texts.size() ? texts.data() + offset : "";
@@ -71,12 +73,12 @@ Symbol SymbolList::operator[](std::size_t index) const {
 }
 
 std::uint64_t SymbolList::startOf(std::size_t index) const {
-  return entryAt(_bytes, index).address;
+  return entryAt(_bytes, _count, index).address;
 }
 
 bool SymbolList::isNamed(std::size_t index) const {
   // Offset 0 is the empty text.
-  return entryAt(_bytes, index).name != 0;
+  return entryAt(_bytes, _count, index).name != 0;
 }
 
 bool SymbolList::hasFiles() const {
@@ -88,7 +90,7 @@ std::size_t SymbolList::find(std::uint64_t address) const {
   std::size_t high = _count;
   while (low < high) {
     const std::size_t middle = low + (high - low) / 2;
-    const ListEntry entry = entryAt(_bytes, middle);
+    const ListEntry entry = entryAt(_bytes, _count, middle);
     if (address < entry.address) {
       high = middle;
     } else if (address - entry.address < entry.size) {

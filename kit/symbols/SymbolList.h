@@ -25,9 +25,9 @@ struct Symbol {
 ///
 /// A list is one block of bytes in this machine's byte order, which is also its format in the cache:
 ///
-///     block  = magic (u64) count (u64) size of text (u32) has files (u32) entry{count} text
-///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)
+///     block  = magic (u64) count (u64) size of text (u32) has files (u32) text entry{count}
 ///     text   = bytes, the last one NUL
+///     entry  = address (u64) size (u32) name (u32) file (u32) line (u32)
 ///
 /// `name` and `file` are offsets of NUL-terminated texts in `text`.
 ///

@@ -5,9 +5,9 @@
 
 namespace zelkit {
 
-/// "zelsyms6" as a number, which differs in a block of another byte order. The digit is the version,
+/// "zelsyms7" as a number, which differs in a block of another byte order. The digit is the version,
 /// increased with every change of format or rules.
-constexpr std::uint64_t kListMagic = 0x36736d79736c657a;
+constexpr std::uint64_t kListMagic = 0x37736d79736c657a;
 
 struct ListHeader {
   std::uint64_t magic;

@@ -14,6 +14,8 @@ namespace zelkit {
 /// Builds a list of symbols, which may be added in any order, overlap and repeat.
 class SymbolListBuilder {
  public:
+  SymbolListBuilder();
+
   static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
 
   /// Adds a function; the texts are copied, and a symbol without a name is ignored. Size 0 means unknown: the
@@ -21,6 +23,9 @@ class SymbolListBuilder {
   /// `limit` or is longer than 64 MiB. Of several symbols at one address the one with the highest rank is
   /// kept, of equal ranks the one added last.
   void add(const Symbol& symbol, std::uint64_t limit = kNoLimit, std::uint64_t rank = 0);
+
+  /// Prepares for a number of functions and the bytes of their names. Starts should be added before.
+  void reserve(std::size_t functions, std::size_t text);
 
   /// Declares [from, to) as code. The parts without a function are listed without a name, except padding.
   void addCode(std::uint64_t from, std::uint64_t to);
@@ -48,14 +53,14 @@ class SymbolListBuilder {
     std::uint64_t from;
     std::uint64_t to;
   };
+  class Entries;
   class Pieces;
-  class Gaps;
 
   void keepBestOfEachAddress();
   std::uint32_t store(std::string_view text);
 
   std::vector<Entry> _entries;
-  std::string _texts = std::string(1, '\0');  ///< offset 0 is the empty text
+  std::string _block;  ///< the list's: room for its header, and the texts
   std::map<std::string, std::uint32_t, std::less<>> _files;
   std::vector<Range> _code;
   std::vector<std::uint64_t> _starts;

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "symbols/ElfSections.h"
+
 namespace zelkit {
 
 namespace {
@@ -51,19 +53,12 @@ std::string_view contentOf(Elf_Scn* section) {
 std::vector<std::uint64_t> unwindStarts(Elf* elf) {
   std::vector<std::uint64_t> starts;
   GElf_Ehdr file;
-  std::size_t names = 0;
   if (gelf_getehdr(elf, &file) == nullptr || file.e_ident[EI_DATA] != ELFDATA2LSB) return starts;
-  if (elf_getshdrstrndx(elf, &names) != 0) return starts;
-  for (Elf_Scn* section = elf_nextscn(elf, nullptr); section != nullptr;
-       section = elf_nextscn(elf, section)) {
-    GElf_Shdr header;
-    if (gelf_getshdr(section, &header) == nullptr || header.sh_type == SHT_NOBITS) continue;
-    const char* name = elf_strptr(elf, names, header.sh_name);
-    if (name != nullptr && std::string_view(name) == ".eh_frame_hdr")
-      readFrameTable(contentOf(section), header.sh_addr, starts);
+  forEachSection(elf, [&](Elf_Scn* section, const GElf_Shdr& header, std::string_view name) {
+    if (name == ".eh_frame_hdr") readFrameTable(contentOf(section), header.sh_addr, starts);
     if (file.e_machine == EM_ARM && header.sh_type == SHT_ARM_EXIDX)
       readExceptionIndex(contentOf(section), header.sh_addr, starts);
-  }
+  });
   return starts;
 }
 

@@ -26,7 +26,8 @@ bool readLine(std::string_view text, Line& line) {
   if (error != std::errc{} || text.size() < used + 4) return false;
   line.type = text[used + 1];
   line.name = text.substr(used + 3);
-  line.name = line.name.substr(0, line.name.find_first_of(" \t\r"));
+  const auto isSpace = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\r'; };
+  line.name = {line.name.begin(), std::find_if(line.name.begin(), line.name.end(), isSpace)};
   // Mapping symbols of ARM are ignored.
   return !line.name.empty() && line.name.front() != '$';
 }
@@ -36,22 +37,28 @@ bool isFunction(char type) {
 }
 
 /// Returns the rank of one of several names at an address: global before local, then fewer underscores, then
-/// longer.
-std::uint64_t rankOf(const Line& line) {
+/// longer, then the first one.
+std::uint64_t rankOf(const Line& line, std::size_t index) {
   const std::size_t underscores = std::min<std::size_t>(line.name.find_first_not_of('_'), 15);
   const std::uint64_t binding = line.type == 'T' ? 2 : line.type == 't' ? 1 : 0;
-  return binding << 16 | (15 - underscores) << 8 | std::min<std::size_t>(line.name.size(), 255);
+  const std::uint64_t rank =
+      binding << 16 | (15 - underscores) << 8 | std::min<std::size_t>(line.name.size(), 255);
+  return rank << 32 | (0xFFFFFFFF - index);
 }
 
 std::vector<Line> readLines(std::string_view text) {
+  constexpr std::size_t kShortestLine = sizeof "ffff0000 t x";
   std::vector<Line> lines;
+  lines.reserve(text.size() / kShortestLine);
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     if (Line line; readLine(text.substr(0, end), line) && line.address != 0) lines.push_back(line);
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-  std::stable_sort(lines.begin(), lines.end(),
-                   [](const Line& left, const Line& right) { return left.address < right.address; });
+  const auto byAddress = [](const Line& left, const Line& right) { return left.address < right.address; };
+  // Mostly the table is sorted.
+  if (!std::is_sorted(lines.begin(), lines.end(), byAddress))
+    std::stable_sort(lines.begin(), lines.end(), byAddress);
   return lines;
 }
 
@@ -60,16 +67,14 @@ std::vector<Line> readLines(std::string_view text) {
 SymbolList readKernelTable(std::string_view text) {
   const std::vector<Line> lines = readLines(text);
   SymbolListBuilder builder;
-  std::uint64_t next = 0;  // the next address that differs
-  for (std::size_t i = lines.size(); i-- > 0;) {
+  builder.reserve(lines.size(), text.size());
+  for (std::size_t i = 0, next = 0; i < lines.size(); ++i) {
     const Line& line = lines[i];
-    if (i + 1 == lines.size()) {
-      next = line.address + kLastSize;
-    } else if (lines[i + 1].address != line.address) {
-      next = lines[i + 1].address;
-    }
+    while (next < lines.size() && lines[next].address == line.address) ++next;
+    const std::uint64_t end = next < lines.size() ? lines[next].address : line.address + kLastSize;
     if (isFunction(line.type))
-      builder.add({line.address, next - line.address, line.name}, SymbolListBuilder::kNoLimit, rankOf(line));
+      builder.add({line.address, end - line.address, line.name}, SymbolListBuilder::kNoLimit,
+                  rankOf(line, i));
   }
   return builder.build();
 }

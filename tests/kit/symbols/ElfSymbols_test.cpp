@@ -73,6 +73,23 @@ TEST(ElfSymbols, IncludeLocalFunctionsAndSourceLines) {
   }
 }
 
+TEST(ElfSymbols, HaveLinesFromAnyFormOfDebugInformation) {
+  if (!ElfWorkshop::has("c++")) GTEST_SKIP() << "no compiler";
+  const ElfWorkshop workshop;
+  workshop.write("t.cpp",
+                 "int first(int i) {\n  return i * 3;\n}\n#line 40 \"folder/u.cpp\"\n"
+                 "int second(int i) {\n  return first(i) + 1;\n}\n");
+  for (const char* form : {"-gdwarf-5", "-gdwarf-5 -gz", "-gdwarf-5 -O2 -ffunction-sections", "-gdwarf-4",
+                           "-gdwarf-4 -gz=zlib-gnu", "-gdwarf-5 -gdwarf64"}) {
+    workshop.run(std::string("c++ -fPIC -shared ") + form + " -o t.so t.cpp");
+    const SymbolList list = readElfSymbols(workshop.path("t.so"), "");
+    EXPECT_EQ(named(list, "first(int)").line, 1u) << form;
+    EXPECT_TRUE(endsWith(named(list, "first(int)").file, "/t.cpp")) << form;
+    EXPECT_EQ(named(list, "second(int)").line, 40u) << form;
+    EXPECT_TRUE(endsWith(named(list, "second(int)").file, "folder/u.cpp")) << form;
+  }
+}
+
 TEST(ElfSymbols, CloseFunctionsAndLeaveMarksOut) {
   const SymbolList list = readElfSymbols(ZELKIT_FIXTURE, "");
   EXPECT_EQ(named(list, "after_gap").size, 1u);
