@@ -113,18 +113,12 @@ void JsomStringWriter::appendUnsignedLong(unsigned long long value) {
 
 void JsomStringWriter::appendDouble(double value, int precision) {
   if (!beginValue("appendDouble")) return;
-  char text[kFixedRoom];
-  if (value > 1e16 || value < -1e16) {
-    const int length = std::snprintf(text, sizeof text, "%e", value);
-    return _out.append({text, static_cast<std::size_t>(length)});
-  }
-  if (precision == kDocumentDecimals) {
-    const std::string_view decimals(text, writeFixed<kDocumentDecimals>(text, value));
-    _out.append(trimmed(decimals, precision));
+  if (precision == kDocumentDecimals || hasExponent(value)) {
+    _out.append(kFixedRoom, [value](char* out) { return writeDocumentNumber(out, value); });
   } else if (precision != 0) {
     _out.append(trimmedDecimals(value, precision));
   } else {
-    _out.append(std::string_view(text, writeFixed<kPointDecimals>(text, value)));
+    _out.append(kFixedRoom, [value](char* out) { return writeFixed<kPointDecimals>(out, value); });
   }
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "json/FixedDecimals.h"
+
 namespace loomstat {
 
 namespace {
@@ -42,6 +44,12 @@ std::string trimmedDecimals(double value, int precision) {
   std::snprintf(text.data(), text.size(), "%.*f", precision, value);
   text.pop_back();
   return std::string(trimmed(text, precision));
+}
+
+char* writeDocumentNumber(char* text, double value) {
+  if (hasExponent(value)) return text + std::snprintf(text, kFixedRoom, "%e", value);
+  const std::string_view decimals(text, writeFixed<kDocumentDecimals>(text, value));
+  return text + trimmed(decimals, kDocumentDecimals).size();
 }
 
 void appendQuoted(std::string& out, const char* text, std::size_t length) {

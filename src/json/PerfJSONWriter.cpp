@@ -102,16 +102,11 @@ void PerfJSONWriter::writeArrayEnd() {
   _writer->endArray();
 }
 
-void PerfJSONWriter::writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
-                                    std::span<const BackTraceEntry> entries) {
-  if (_isDocumentWriter && !_includeLabels && !_whiteSpace)
-    return _writer->appendJsonValue([&](loomstat::TextBuffer& out) { _backTraces.append(entries, out); });
+void PerfJSONWriter::writeNamed(const char* label, const BackTrace& trace) {
   writeArrayStart(label);
-  for (const BackTraceEntry& entry : entries) {
-    writeArrayStart(nullptr);
-    writeNamed(addressLabel, entry.address());
-    writeNamed(keyLabel, entry.key());
-    writeArrayEnd();
+  for (const BackTraceEntries::Index index : trace.indexes) {
+    const BackTraceEntry& entry = trace.entries[index];
+    writeRow(Named{trace.addressLabel, entry.address()}, Named{trace.keyLabel, entry.key()});
   }
   writeArrayEnd();
 }

@@ -6,10 +6,30 @@
 #include <string>
 #include <string_view>
 
-#include "json/BackTraceTexts.h"
+#include "json/BackTraceEntries.h"
+#include "json/Digits.h"
 #include "json/DocumentFile.h"
+#include "json/FixedDecimals.h"
 #include "json/JsomStringWriter.h"
+#include "json/JsonText.h"
 #include "json/TextBuffer.h"
+
+/// A value of a row and its label.
+template <typename Value>
+struct Named {
+  const char* label;
+  Value value;
+};
+template <typename Value>
+Named(const char*, Value) -> Named<Value>;
+
+/// A back-trace as the value of a row: an array of arrays, each of an address and a key.
+struct BackTrace {
+  BackTraceEntries& entries;
+  std::span<const BackTraceEntries::Index> indexes;
+  const char* addressLabel;
+  const char* keyLabel;
+};
 
 /// Writes the document. Every function that writes a part of it gets the writer by reference.
 ///
@@ -99,9 +119,19 @@ class PerfJSONWriter {
     writeArrayEnd();
   }
 
-  /// Writes a back-trace as an array of arrays, each of an address and a key.
-  void writeBackTrace(const char* label, const char* addressLabel, const char* keyLabel,
-                      std::span<const BackTraceEntry> entries);
+  /// Writes an array of values, numbers or back-traces. Equivalent to writeArrayStart, writeNamed of each,
+  /// and writeArrayEnd.
+  template <typename... Values>
+  void writeRow(const Named<Values>&... values) {
+    const bool isCompact = !_includeLabels && !_whiteSpace && _buffer.empty();
+    if (_isDocumentWriter && isCompact) return _appendRow(values.value...);
+    writeArrayStart(nullptr);
+    (writeNamed(values.label, values.value), ...);
+    writeArrayEnd();
+  }
+
+  /// Equivalent to writing an array of arrays, each of an address and a key.
+  void writeNamed(const char* label, const BackTrace& trace);
 
  protected:
   PerfJSONWriter(bool includeLabels, bool whiteSpace, bool isDocumentWriter);
@@ -121,6 +151,27 @@ class PerfJSONWriter {
       out.append(most, [&](char* text) { return write(text, value); });
     }
   }
+  /// Appends an array without labels and white space.
+  template <typename... Values>
+  void _appendRow(const Values&... values) {
+    _writer->appendJsonValue([&](loomstat::TextBuffer& out) {
+      out.append((2 + ... + (_room(values) + 1)), [&](char* text) {
+        *text++ = '[';
+        ((text = _write(text, values), *text++ = ','), ...);
+        *text++ = ']';
+        return text;
+      });
+    });
+  }
+  /// Return how many bytes _write may write.
+  static std::size_t _room(std::unsigned_integral auto) { return kMostDigits; }
+  static std::size_t _room(double) { return kFixedRoom; }
+  static std::size_t _room(const BackTrace& trace) { return BackTraceEntries::room(trace.indexes.size()); }
+  /// Write a value and return the end of its text.
+  static char* _write(char* text, std::unsigned_integral auto number) { return writeDigits(text, number); }
+  static char* _write(char* text, double number) { return loomstat::writeDocumentNumber(text, number); }
+  static char* _write(char* text, const BackTrace& trace) { return trace.entries.write(text, trace.indexes); }
+
   void _bufferJsonValue(const char* text, int length);
   void _flushBuffer();
 
@@ -131,7 +182,6 @@ class PerfJSONWriter {
   loomstat::TextBuffer _document;
   std::unique_ptr<loomstat::JsomStringWriter> _writer;
   loomstat::TextBuffer _buffer;
-  BackTraceTexts _backTraces;
   bool _includeLabels;
   bool _whiteSpace;
   const bool _isDocumentWriter;  ///< no class overrides the operations, so bulk operations need not call them

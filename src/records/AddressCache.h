@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/FibonacciHash.h"
+#include "json/BackTraceEntries.h"
 #include "records/AddressClass.h"
 
 class PerfRecordMMap;
@@ -25,6 +26,7 @@ struct Resolution {
   SymbolTableElement* symbol = nullptr;  ///< in the map; null if it has none at the address
   SymbolTableElement* page = nullptr;    ///< the synthetic symbol under the map, for an unmapped address
   bool unmapped = false;                 ///< no map covers the address; map or page is synthetic
+  BackTraceEntries::Index caller = BackTraceEntries::kNone;  ///< the entry of back-traces, once there is one
 };
 
 /// What a resolution depends on, besides the address and the thread.
@@ -42,15 +44,14 @@ struct ResolutionBasis {
 class AddressCache {
  public:
   /// Returns the resolution stored for the address, or null if there is none or it is stale.
-  const Resolution* find(const CodeAddress& code, const ResolutionBasis& now) const {
-    const Entry& entry = _entries[slotOf(code)];
+  Resolution* find(const CodeAddress& code, const ResolutionBasis& now) {
+    Entry& entry = _entries[slotOf(code)];
     return entry.code == code && isCurrent(entry, now) ? &entry.resolution : nullptr;
   }
 
   /// Stores a resolution, which replaces another one in its slot. Returns the one stored, which is valid
   /// until the next call.
-  const Resolution& store(const CodeAddress& code, const ResolutionBasis& basis,
-                          const Resolution& resolution) {
+  Resolution& store(const CodeAddress& code, const ResolutionBasis& basis, const Resolution& resolution) {
     Entry& entry = _entries[slotOf(code)];
     entry = {code, basis, resolution};
     return entry.resolution;

@@ -12,6 +12,7 @@
 #include "symbols/SymbolTable.h"
 
 unsigned int PerfRecordMMap::_indexTotal = 0;
+BackTraceEntries PerfRecordMMap::_callers;
 PerfRecordMMap* PerfRecordMMap::_lostAndFound = nullptr;
 PerfRecordMMap* PerfRecordMMap::_kernelMap = nullptr;
 PerfRecordMMap* PerfRecordMMap::_stackMap = nullptr;
@@ -217,14 +218,14 @@ ResolutionBasis PerfRecordMMap::basisNow(AddressClass sampleClass) {
   return {static_cast<std::uint32_t>(_allMaps.size()), PerfRecordComm::count(), sampleClass};
 }
 
-const Resolution& PerfRecordMMap::resolve(const CodeAddress& code, ResolutionBasis& basis) {
+Resolution& PerfRecordMMap::resolve(const CodeAddress& code, ResolutionBasis& basis) {
   // A verbose run prints every look-up.
-  const Resolution* known = verbose() ? nullptr : addressCache.find(code, basis);
+  Resolution* known = verbose() ? nullptr : addressCache.find(code, basis);
   if (known == nullptr) {
     known = &addressCache.store(code, basis, lookUp(code, basis.sampleClass));
     basis = basisNow(basis.sampleClass);
   }
-  const Resolution& resolution = *known;
+  Resolution& resolution = *known;
   if (resolution.map == nullptr) return resolution;
   countPageUse(resolution);
   resolution.map->countUse();
@@ -237,8 +238,11 @@ unsigned int PerfRecordMMap::keyOf(const Resolution& resolution) {
   return resolution.map != nullptr ? resolution.map->key : 0;
 }
 
-unsigned int PerfRecordMMap::resolveCaller(const CodeAddress& caller, ResolutionBasis& basis) {
-  return keyOf(resolve(caller, basis));
+BackTraceEntries::Index PerfRecordMMap::resolveCaller(const CodeAddress& caller, ResolutionBasis& basis) {
+  Resolution& resolution = resolve(caller, basis);
+  if (resolution.caller == BackTraceEntries::kNone)
+    resolution.caller = _callers.add({caller.address, keyOf(resolution)});
+  return resolution.caller;
 }
 
 unsigned int PerfRecordMMap::resolveSample(const CodeAddress& sample) {

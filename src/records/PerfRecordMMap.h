@@ -52,8 +52,9 @@ class PerfRecordMMap : public PerfRecord {
   static ResolutionBasis basisNow(AddressClass sampleClass);
   /// Resolves an address of a back-trace, and counts one use of the map and of the symbol there. An address
   /// without a map gets a synthetic entry. `basis` must be current and is kept current, so one serves a whole
-  /// back-trace. Returns the key of the symbol, else of the map; 0 if there is no map.
-  static unsigned int resolveCaller(const CodeAddress& caller, ResolutionBasis& basis);
+  /// back-trace. Returns the index in _callers of the address and the key of the symbol, else of the map; the
+  /// key is 0 if there is no map.
+  static BackTraceEntries::Index resolveCaller(const CodeAddress& caller, ResolutionBasis& basis);
   /// The same for a sample's own address, which counts two uses of the symbol if a map covers it.
   static unsigned int resolveSample(const CodeAddress& sample);
 
@@ -93,7 +94,8 @@ class PerfRecordMMap : public PerfRecord {
   /// Writes the section "libraries": the fixed maps, then the maps that samples used.
   static void outAll(PerfJSONWriter& writer);
 
-  static unsigned int _indexTotal;  ///< the last key assigned; maps and symbols share the counter
+  static unsigned int _indexTotal;   ///< the last key assigned; maps and symbols share the counter
+  static BackTraceEntries _callers;  ///< the entries of all back-traces
   static PerfRecordMMap* _lostAndFound;
   static PerfRecordMMap* _kernelMap;
   static PerfRecordMMap* _stackMap;
@@ -104,7 +106,7 @@ class PerfRecordMMap : public PerfRecord {
                                          unsigned long long length, unsigned int pidKey,
                                          SymbolTable* symbols);
   static PerfRecordMMap* findPidMap(unsigned int pid, AddressClass addressClass);
-  static const Resolution& resolve(const CodeAddress& code, ResolutionBasis& basis);
+  static Resolution& resolve(const CodeAddress& code, ResolutionBasis& basis);
   static Resolution lookUp(const CodeAddress& code, AddressClass sampleClass);
   static Resolution makeHome(const CodeAddress& code, AddressClass sampleClass);
   static void countPageUse(const Resolution& resolution);

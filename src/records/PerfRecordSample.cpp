@@ -77,7 +77,7 @@ PerfRecordSample::PerfRecordSample() {
 }
 
 PerfRecordSample::~PerfRecordSample() {
-  _arena.release(_trace, _depth * sizeof(BackTraceEntry));
+  _arena.release(_trace, _depth * sizeof *_trace);
 }
 
 PerfRecord* PerfRecordSample::createInstance(char* record) {
@@ -108,19 +108,20 @@ void PerfRecordSample::processTrace(const PerfRecordSampleS& record) {
 void PerfRecordSample::resolveTrace(const PerfRecordSampleS& record, unsigned int skip) {
   // A skipped entry does not shorten the trace: its last entry is then the one after those that `nr` covers.
   // Documents have always contained it.
-  std::array<BackTraceEntry, kDeepestPossible> entries;
+  std::array<BackTraceEntries::Index, kDeepestPossible> entries;
   ResolutionBasis basis = PerfRecordMMap::basisNow(classOf(_ip));
   unsigned long long address = 0;
   for (unsigned int i = 0; i < _depth; ++i) {
     address = record.ips(skip + i);
-    entries[i] = {address, PerfRecordMMap::resolveCaller({address, pid, tid}, basis)};
+    entries[i] = PerfRecordMMap::resolveCaller({address, pid, tid}, basis);
   }
   if (address <= kLastStrayMarker) --_depth;
   keepTrace(entries.data());
 }
 
-void PerfRecordSample::keepTrace(const BackTraceEntry* entries) {
-  _trace = static_cast<BackTraceEntry*>(_arena.allocate(_depth * sizeof(BackTraceEntry)));
+void PerfRecordSample::keepTrace(const BackTraceEntries::Index* entries) {
+  _trace = static_cast<BackTraceEntries::Index*>(
+      _arena.allocate(_depth * sizeof *_trace, alignof(BackTraceEntries::Index)));
   std::uninitialized_copy_n(entries, _depth, _trace);
 }
 
@@ -154,16 +155,11 @@ void PerfRecordSample::show() {
 }
 
 int PerfRecordSample::_out(PerfJSONWriter& writer) {
-  writer.writeArrayStart(nullptr);
-  writer.writeNamed("key", getKey());
-  writer.writeNamed("ip", _ip);
-  writer.writeNamed("mapkey", _mapKey);
-  writer.writeNamed("time", relativeToStart(doTimeConversion(_time)));
-  writer.writeNamed("cpu", static_cast<unsigned int>(_cpu));
-  writer.writeNamed("pidkey", _processRecord->getKey());
-  writer.writeNamed("tid", tid);
-  writer.writeBackTrace("bt", "ip", "mapkey", {_trace, _depth});
-  writer.writeArrayEnd();
+  writer.writeRow(Named{"key", key}, Named{"ip", _ip}, Named{"mapkey", _mapKey},
+                  Named{"time", relativeToStart(doTimeConversion(_time))},
+                  Named{"cpu", static_cast<unsigned int>(_cpu)}, Named{"pidkey", _processRecord->key},
+                  Named{"tid", tid},
+                  Named{"bt", BackTrace{PerfRecordMMap::_callers, {_trace, _depth}, "ip", "mapkey"}});
   return 0;
 }
 

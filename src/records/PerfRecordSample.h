@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "base/Memory.h"
-#include "json/BackTraceTexts.h"
+#include "json/BackTraceEntries.h"
 #include "records/PerfRecord.h"
 #include "records/PerfRecordSampleS.h"
 
@@ -67,7 +67,7 @@ class PerfRecordSample : public PerfRecord {
  private:
   void resolveAndJoin(const PerfRecordSampleS& record);
   void resolveTrace(const PerfRecordSampleS& record, unsigned int skip);
-  void keepTrace(const BackTraceEntry* entries);
+  void keepTrace(const BackTraceEntries::Index* entries);
 
   static Arena _arena;                      ///< of all samples and their back-traces
   static unsigned long long _runningIndex;  ///< the last sample number assigned
@@ -78,6 +78,6 @@ class PerfRecordSample : public PerfRecord {
   unsigned int _mapKey = 0;  ///< key of the symbol or map at _ip; 0 until verifyKey
   unsigned long long _ip = 0;
   unsigned long long _time = 0;
-  PerfRecordComm* _processRecord = nullptr;  ///< null while unknown, never after verifyKey
-  BackTraceEntry* _trace = nullptr;
+  PerfRecordComm* _processRecord = nullptr;   ///< null while unknown, never after verifyKey
+  BackTraceEntries::Index* _trace = nullptr;  ///< in PerfRecordMMap::_callers
 };

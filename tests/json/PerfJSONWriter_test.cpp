@@ -105,14 +105,22 @@ class NotingWriter : public PerfJSONWriter {
   std::string noted;
 };
 
-/// Writes a back-trace and a series, the latter after a value that has waited for the next end of an array.
+/// Writes two rows and a series, the second row and the series after a value that has waited for the next end
+/// of an array.
 std::string bulk(PerfJSONWriter& writer) {
   const Conversion folder;
   writer.open(folder.path("out").c_str());
   writer.setIncludeLabels(false);
   writer.writeArrayStart(nullptr);
-  const BackTraceEntry entries[] = {{5, 6}, {7, 8}};
-  writer.writeBackTrace("bt", "ip", "mapkey", entries);
+  BackTraceEntries entries;
+  const BackTraceEntries::Index trace[] = {entries.add({5, 6}), entries.add({~0ULL, ~0U})};
+  const auto writeRow = [&](double time) {
+    writer.writeRow(Named{"key", 1U}, Named{"time", time},
+                    Named{"bt", BackTrace{entries, trace, "ip", "mapkey"}});
+  };
+  writeRow(2.5);
+  writer.writeJson("5");
+  writeRow(-1e17);
   writer.writeJson("5");
   const ChartEntryS samples[] = {{1.5, 9}, {2.5, 8}};
   ChartEntry(writer).writeData(samples);
@@ -124,9 +132,12 @@ std::string bulk(PerfJSONWriter& writer) {
 TEST(PerfJSONWriter, CallsEveryOperationOfADerivedWriter) {
   NotingWriter derived(true, false);
   DocumentWriter own(true, false);
-  const char* const document = "[[[5,6,],[7,8,],],[5,[1.500000,9],[2.500000,8]],]\n";
+  const char* const document =
+      "[[1,2.5,[[5,6,],[18446744073709551615,4294967295,],],],"
+      "[1,-1.000000e+17,[[5,6,5],[18446744073709551615,4294967295,],],],"
+      "[5,[1.500000,9],[2.500000,8]],]\n";
   EXPECT_EQ(bulk(derived), document);
-  EXPECT_EQ(derived.noted, "[[[li][li]]5[[1.500000,9][2.500000,8]]]");
+  EXPECT_EQ(derived.noted, "[[i[[li][li]]]5[i[[li][li]]]5[[1.500000,9][2.500000,8]]]");
   EXPECT_EQ(bulk(own), document);
 }
 

@@ -30,7 +30,7 @@ class PerfRecordMMapTest : public testing::Test {
 
   static unsigned int resolve(unsigned long long address, unsigned int pid = 7) {
     ResolutionBasis basis = PerfRecordMMap::basisNow(AddressClass::mapped);
-    return PerfRecordMMap::resolveCaller({address, pid, pid}, basis);
+    return PerfRecordMMap::_callers[PerfRecordMMap::resolveCaller({address, pid, pid}, basis)].key();
   }
 
   SymbolTableElement* _symbol;
