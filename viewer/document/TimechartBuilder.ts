@@ -1,6 +1,6 @@
 import type {Damage} from './damage';
 import type {Entry, Timechart} from './timechart';
-import {type Column, grown} from './grown';
+import {grown} from './grown';
 import {shownName} from './text';
 import {timeOrder} from './timeOrder';
 
@@ -17,100 +17,91 @@ export interface Head {
   black: string;
 }
 
-interface Range {
-  readonly head: Head;
-  readonly first: number;
-  readonly firstText: number;
-  readonly exact: Map<number, bigint>|null;
-}
+/** Points for which columns have room when they are new. */
+const usualPoints = 1 << 16;
+const usualTexts = 1 << 10;
 
-/** Gathers the entries of a timechart document; the points of those of one part share their columns. */
+/**
+ * Gathers the entries of a timechart document. Their columns are parts of larger ones: columns that are full
+ * are left to the entries in them, and the one that is being read moves on to new ones.
+ */
 export class TimechartBuilder {
-  private ranges: Range[] = [];
+  private entries: Entry[] = [];
   private exact: Map<number, bigint>|null = null;
-  private count = 0;
+  /** The points of the entry that is being read are those from `first` to `count`. */
   private first = 0;
-  private times = new Float64Array(1 << 12);
-  private values = new Float64Array(1 << 12);
-  private textCount = 0;
+  private count = 0;
+  private times = new Float64Array(0);
+  private values = new Float64Array(0);
   private firstText = 0;
-  private names = new Uint32Array(1 << 8);
-  private details = new Uint32Array(1 << 8);
+  private textCount = 0;
+  private names = new Uint32Array(0);
+  private details = new Uint32Array(0);
   private strings: string[] = [];
   private readonly stringIndex = new Map<string, number>();
 
   constructor(private readonly name: string) {}
 
-  get points(): number { return this.count; }
-
   addPoint(time: number, value: number|bigint): void {
+    if (this.count === this.times.length) this.movePoints();
     const at = this.count++;
-    if (at === this.times.length) {
-      this.times = grown(this.times, 2 * at);
-      this.values = grown(this.values, 2 * at);
-    }
     this.times[at] = time;
     this.values[at] = Number(value);
     if (typeof value === 'bigint') (this.exact ??= new Map()).set(at - this.first, value);
   }
 
   addTexts(name: string, details: string): void {
+    if (this.textCount === this.names.length) this.moveTexts();
     const at = this.textCount++;
-    if (at === this.names.length) {
-      this.names = grown(this.names, 2 * at);
-      this.details = grown(this.details, 2 * at);
-    }
     this.names[at] = this.string(name);
     this.details[at] = this.string(details);
   }
 
   endEntry(head: Head): void {
-    this.ranges.push({ head, first: this.first, firstText: this.firstText, exact: this.exact });
+    this.entries.push(inOrder({
+      ...head,
+      name: shownName(head.name),
+      tip: shownName(head.tip),
+      times: this.times.subarray(this.first, this.count),
+      values: this.values.subarray(this.first, this.count),
+      names: this.names.subarray(this.firstText, this.textCount),
+      details: this.details.subarray(this.firstText, this.textCount),
+      exact: this.exact,
+    }));
     this.first = this.count;
     this.firstText = this.textCount;
     this.exact = null;
   }
 
   /** Returns the entries that ended since the last part, or null if there are none. */
-  picture(): Timechart|null { return this.ranges.length > 0 ? this.finish(null) : null; }
+  picture(): Timechart|null { return this.entries.length > 0 ? this.finish(null) : null; }
 
   /** Returns what no part has brought before. Its columns are given away: what follows starts new ones. */
   finish(damage: Damage|null): Timechart {
-    const times = this.times.subarray(0, this.count);
-    const values = this.values.subarray(0, this.count);
-    const entries = this.ranges.map(({ head, first, firstText, exact }, index): Entry => {
-      const next = this.ranges[index + 1];
-      const end = next?.first ?? this.first;
-      const endText = next?.firstText ?? this.firstText;
-      return inOrder({
-        ...head,
-        name: shownName(head.name),
-        tip: shownName(head.tip),
-        times: times.subarray(first, end),
-        values: values.subarray(first, end),
-        names: this.names.subarray(firstText, endText),
-        details: this.details.subarray(firstText, endText),
-        exact,
-      });
-    });
-    const part: Timechart = { kind: 'timechart', name: this.name, entries, strings: this.strings, damage };
-    this.startPart();
-    return part;
+    const { name, entries, strings } = this;
+    this.entries = [];
+    this.strings = [];
+    this.movePoints();
+    this.moveTexts();
+    return { kind: 'timechart', name, entries, strings, damage };
   }
 
-  /** Takes the points of the entry that is being read along. */
-  private startPart(): void {
-    const moved = <T extends Column>(column: T, first: number, count: number): T =>
-        grown(column.subarray(first, count) as T, count - first + (1 << 12));
-    this.times = moved(this.times, this.first, this.count);
-    this.values = moved(this.values, this.first, this.count);
-    this.names = moved(this.names, this.firstText, this.textCount);
-    this.details = moved(this.details, this.firstText, this.textCount);
-    this.count -= this.first;
-    this.textCount -= this.firstText;
-    this.first = this.firstText = 0;
-    this.ranges = [];
-    this.strings = [];
+  private movePoints(): void {
+    const { first, count } = this;
+    const room = Math.max(usualPoints, 2 * (count - first));
+    this.times = grown(this.times.subarray(first, count), room);
+    this.values = grown(this.values.subarray(first, count), room);
+    this.count -= first;
+    this.first = 0;
+  }
+
+  private moveTexts(): void {
+    const { firstText, textCount } = this;
+    const room = Math.max(usualTexts, 2 * (textCount - firstText));
+    this.names = grown(this.names.subarray(firstText, textCount), room);
+    this.details = grown(this.details.subarray(firstText, textCount), room);
+    this.textCount -= firstText;
+    this.firstText = 0;
   }
 
   private string(text: string): number {

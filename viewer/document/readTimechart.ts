@@ -21,12 +21,16 @@ async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<voi
   const members: { [label: string]: Value } = Object.create(null);
   try {
     if (await reader.unit(() => accept(reader, Byte.CloseObject))) return;
+    let points = false;
     do {
-      const label = await reader.unit(() => readLabel(reader));
-      if (label !== 'data')
-        members[label] = await reader.unit(() => readValue(reader));
-      else if (await reader.unit(() => firstElement(reader)))
-        await readPoints(reader, builder, members);
+      await reader.rows(() => {
+        const label = readLabel(reader);
+        points = label === 'data' && firstElement(reader);
+        if (points) return false;
+        if (label !== 'data') members[label] = readValue(reader);
+        return accept(reader, Byte.Comma);
+      });
+      if (points) await readPoints(reader, builder, members);
     } while (await reader.unit(() => accept(reader, Byte.Comma)));
     await reader.unit(() => expect(reader, Byte.CloseObject));
   } finally {
@@ -40,7 +44,7 @@ async function readPoints(
   if (members['type'] === 'events')
     await reader.rows(() => readEvent(reader, builder));
   else
-    await reader.rows(() => readPlainPoints(reader, builder) > 0 || readPoint(reader, builder));
+    await reader.rows(() => readPlainPoints(reader, builder) || readPoint(reader, builder));
 }
 
 function readPoint(reader: Reader, builder: TimechartBuilder): boolean {
@@ -54,10 +58,13 @@ function readPoint(reader: Reader, builder: TimechartBuilder): boolean {
   return another;
 }
 
-/** Reads points in the engine's own form, `[1.000001,2],[`, by loops over bytes; returns how many. */
-function readPlainPoints(reader: Reader, builder: TimechartBuilder): number {
+/**
+ * Reads points in the engine's own form, `[1.000001,2],[`, by loops over bytes; returns whether there were
+ * any.
+ */
+function readPlainPoints(reader: Reader, builder: TimechartBuilder): boolean {
   const { bytes } = reader;
-  const start = builder.points;
+  const start = reader.pos;
   for (;;) {
     let i = reader.pos;
     if (bytes[i] !== Byte.OpenArray) break;
@@ -84,7 +91,7 @@ function readPlainPoints(reader: Reader, builder: TimechartBuilder): number {
     builder.addPoint(negative ? -time / 1e6 : time / 1e6, value);
     reader.pos = i + 2;
   }
-  return builder.points - start;
+  return reader.pos > start;
 }
 
 /** Reads a point of a series of events: time, code, name, arguments. */

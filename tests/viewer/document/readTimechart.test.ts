@@ -42,6 +42,19 @@ test('white space and pieces of any size give the same', async () => {
   for (const size of [1, 13]) assert.deepEqual(shown((await read(latin1(text), size)) as never), expected);
 });
 
+test('entries keep their points where columns end', async () => {
+  // Columns have room for 65,536 points.
+  const counts = [40_000, 40_000, 140_000, 1];
+  const points = (count: number, from: number) =>
+      Array.from({ length: count }, (_, i) => `[${(i + 1).toFixed(6)},${from + i}]`).join(',');
+  const entries = counts.map((count, i) => entry(`e${i}`, 'bar', points(count, i * 1e6)));
+  const document = await readTimechart(`{"entries":[${entries.join(',')}]}`);
+  document.entries.forEach(({ times, values }, i) => {
+    assert.equal(times.length, counts[i]);
+    assert(times.every((time, at) => time === at + 1) && values.every((value, at) => value === i * 1e6 + at));
+  });
+});
+
 test('every cut shows the points before it', async () => {
   const bytes = latin1(text);
   let most = 0;
