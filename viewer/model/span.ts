@@ -1,9 +1,7 @@
 /** Statistics of a timechart over a span of time. */
 
-import {timeOrder} from '../document/timeOrder';
-
 import {kept} from './maps';
-import {pointsBefore} from './steps';
+import {pointsBefore, Stretches} from './steps';
 
 import type {Track} from './tracks';
 
@@ -64,7 +62,7 @@ export function*
   const tasks: TaskUse[] = [];
   for (const track of all) {
     if (track.role !== 'busy') continue;
-    const busy = track.steps.onTime(start, end);
+    const busy = track.steps.use(start, end).seconds;
     cores.push({ label: track.label, cpu: track.cpu, busy, longestGap: longestGap([track], start, end) });
     yield;
   }
@@ -100,8 +98,9 @@ function interruptUse(tracks: readonly Track[], start: number, end: number): Int
   let count = 0;
   let seconds = 0;
   for (const { steps } of tracks) {
-    count += steps.startsWithin(start, end);
-    seconds += steps.onTime(start, end);
+    const use = steps.use(start, end);
+    count += use.starts;
+    seconds += use.seconds;
   }
   return { label: tracks[0].label, count, seconds };
 }
@@ -112,9 +111,11 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
   let switches = 0;
   for (const track of tracks) {
     const { role, steps } = track;
-    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
-      seconds[role] += steps.onTime(start, end);
-    if (role === 'running') switches += steps.startsWithin(start, end);
+    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu') {
+      const use = steps.use(start, end);
+      seconds[role] += use.seconds;
+      if (role === 'running') switches += use.starts;
+    }
     if (role === 'counter') add(counters, track.entry.tip, counted(track, start, end));
   }
   const runs = tracks.filter(({ role }) => role === 'running');
@@ -142,23 +143,18 @@ function add(sums: Map<string, number>, name: string, more: number): void {
 
 /** Returns the longest time of [start, end) during which none of the tracks was on, in seconds. */
 export function longestGap(all: readonly Track[], start: number, end: number): number {
-  const starts: number[] = [];
-  const ends: number[] = [];
-  for (const { steps } of all) {
-    steps.forEachSlice(start, end, (from, to) => {
-      starts.push(from);
-      ends.push(to);
-    });
-  }
-  const order = timeOrder(starts);
+  const coming = all.map(({ steps }) => new Stretches(steps, start));
   let longest = 0;
   let last = start;
-  for (let i = 0; i < starts.length; ++i) {
-    const slice = order ? order[i] : i;
-    longest = Math.max(longest, starts[slice] - last);
-    last = Math.max(last, ends[slice]);
+  for (;;) {
+    const next = coming.reduce((least, stretch) => Math.min(least, stretch.start), end);
+    longest = Math.max(longest, next - last);
+    if (next >= end) return longest;
+    // What starts closer to the last end than the longest gap ends no longer one.
+    const until = Math.max(next, last + longest);
+    for (const stretch of coming)
+      for (; stretch.start <= until; stretch.next()) last = Math.max(last, Math.min(end, stretch.end));
   }
-  return Math.max(longest, end - last);
 }
 
 /**

@@ -40,13 +40,44 @@ export interface Slice {
   readonly end: number;
 }
 
+/** The stretches of a step function from a time on, one after the other; the last one may have no end. */
+export class Stretches {
+  /** Infinite after the last stretch. */
+  start = -Infinity;
+  end = -Infinity;
+  private at: number;
+
+  constructor(private readonly steps: Steps, from: number) {
+    this.at = Math.max(0, pointsUntil(steps.times, from) - 1);
+    this.next();
+  }
+
+  next(): void {
+    const { times, values } = this.steps;
+    let i = this.at;
+    do {
+      while (i < times.length && values[i] === 0) ++i;
+      this.start = i < times.length ? times[i] : Infinity;
+      while (i < times.length && values[i] !== 0) ++i;
+      this.end = i < times.length ? times[i] : Infinity;
+    } while (this.end === this.start && i < times.length);
+    this.at = i;
+  }
+}
+
+/** What a step function did within a span. */
+export interface Use {
+  readonly seconds: number;
+  readonly starts: number;
+}
+
 /**
  * A step function: 0 before its first point, and each point lasts until the next. The last one lasts to the
  * end of the document, which callers pass as `close`.
  */
 export class Steps {
   private known: Float64Array|null = null;
-  private knownLongest = -1;
+  private knownLongest = -Infinity;
 
   /** `times` are seconds, ascending. */
   constructor(
@@ -54,11 +85,24 @@ export class Steps {
       readonly values: Float64Array,
   ) {}
 
-  /** Returns the seconds of [start, end) during which the value was not 0. */
-  onTime(start: number, end: number): number {
+  /** Returns how long the value was not 0 within [start, end), and how many stretches start there. */
+  use(start: number, end: number): Use {
+    const { times, values } = this;
+    const first = pointsBefore(times, start);
+    let on = first > 0 && values[first - 1] !== 0;
+    let since = start;
     let seconds = 0;
-    this.forEachSlice(start, end, (from, to) => (seconds += to - from));
-    return seconds;
+    let starts = 0;
+    for (let i = first; i < times.length && times[i] < end; ++i) {
+      if (on === (values[i] !== 0)) continue;
+      if (on)
+        seconds += times[i] - since;
+      else
+        ++starts;
+      since = times[i];
+      on = !on;
+    }
+    return { seconds: on && end > since ? seconds + end - since : seconds, starts };
   }
 
   /**
@@ -107,24 +151,6 @@ export class Steps {
     return null;
   }
 
-  /**
-   * Calls `visit` for each stretch of non-zero values within [start, end), cut to that span, in the order of
-   * time.
-   */
-  forEachSlice(start: number, end: number, visit: (from: number, to: number) => void): void {
-    const { times, values } = this;
-    let from = start;
-    let on = false;
-    for (let i = Math.max(0, pointsUntil(times, start) - 1); i < times.length && times[i] < end; ++i) {
-      if (on === (values[i] !== 0)) continue;
-      const time = Math.max(start, times[i]);
-      if (on && time > from) visit(from, time);
-      from = time;
-      on = !on;
-    }
-    if (on && end > from) visit(from, end);
-  }
-
   /** Length of the longest stretch; infinite if the last one has no end. */
   get longest(): number {
     if (this.knownLongest >= 0) return this.knownLongest;
@@ -140,16 +166,6 @@ export class Steps {
       }
     }
     return (this.knownLongest = from < Infinity ? Infinity : longest);
-  }
-
-  /** Returns how many stretches start within [start, end). */
-  startsWithin(start: number, end: number): number {
-    const { times, values } = this;
-    let count = 0;
-    for (let i = pointsBefore(times, start); i < times.length && times[i] < end; ++i) {
-      if (values[i] !== 0 && (i === 0 || values[i - 1] === 0)) ++count;
-    }
-    return count;
   }
 
   /**

@@ -2,7 +2,7 @@
 
 import type {Direction} from './axis';
 import {kept} from './maps';
-import type {Slice} from './steps';
+import {type Slice, Stretches} from './steps';
 import type {Track} from './tracks';
 
 /** A stretch of time that a task ran on one core. */
@@ -48,9 +48,11 @@ export class Tasks {
     for (const track of this.onCore.get(cpu) ?? []) {
       // Seen from afar, no run of most tasks is long enough, and their many points need no look.
       if (track.steps.longest < least) continue;
-      track.steps.forEachSlice(start, Math.min(end, this.close), (from, to) => {
-        if (to - from >= least) visit(asRun(track, { start: from, end: to }));
-      });
+      const runs = new Stretches(track.steps, start);
+      for (; runs.start < end; runs.next()) {
+        const run = { start: Math.max(start, runs.start), end: Math.min(end, this.close, runs.end) };
+        if (run.end - run.start >= least) visit(asRun(track, run));
+      }
     }
   }
 
@@ -79,7 +81,7 @@ export class Tasks {
     const waited = { waitIo: 0, waitCpu: 0, waitGpu: 0 };
     for (const { role, steps } of this.ofTask.get(run.task) ?? []) {
       if (role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
-        waited[role] += steps.onTime(before.end, run.start);
+        waited[role] += steps.use(before.end, run.start).seconds;
     }
     return { total: Math.max(0, run.start - before.end), ...waited };
   }

@@ -47,7 +47,7 @@ function describeTrack(model: TimechartModel, track: Track, time: number, pixel:
   if (shape === 'state') {
     const slice = steps.sliceAt(time, model.end);
     if (slice) return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
-    const share = steps.onTime(time - pixel, time + pixel) / (2 * pixel);
+    const share = steps.use(time - pixel, time + pixel).seconds / (2 * pixel);
     return share > 0 ? [`${name}: ${formatShare(share)} here`] : [];
   }
   if (shape === 'level') {

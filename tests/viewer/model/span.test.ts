@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
 
-import {counted, reckonSpan, SpanUse} from '../../../viewer/model/span';
+import {counted, longestGap, reckonSpan, SpanUse} from '../../../viewer/model/span';
 import {Tasks} from '../../../viewer/model/tasks';
 import {track} from '../tracks';
 
@@ -41,6 +41,26 @@ test('a span tells what cores tasks and interrupts did', () => {
   assert.deepEqual([task.waitIo, task.waitCpu, task.waitGpu, task.longestGap], [1, 1.5, 0, 2]);
   assert.equal(use.switches, 3);
   assert.deepEqual([...use.counters], [['cycles', 110]], 'half of the first run, all of the second');
+});
+
+test('the longest gap lies between the runs of all cores', () => {
+  for (let round = 1; round <= 200; ++round) {
+    // Numbers that repeat with every run of the test; times are whole, so that a second is on or off.
+    const roll = (i: number) => Math.floor(Math.abs(Math.sin(round * 1e3 + i)) * 1e5) % 300;
+    const cores = Array.from({ length: 3 }, (_, core) => {
+      const times =
+          Array.from({ length: roll(core) % 12 }, (_, i) => roll(10 * core + i)).sort((a, b) => a - b);
+      return track(
+          `proc-1-r${core}`, 'proc:running', '1_proc_root', times.map((time, i) => [time, (i + 1) % 2]));
+    });
+    const [start, end] = [roll(50), roll(51)].sort((a, b) => a - b);
+    let longest = 0;
+    for (let second = start, gap = 0; second < end; ++second) {
+      gap = cores.some(({ steps }) => steps.use(second, second + 1).seconds > 0) ? 0 : gap + 1;
+      longest = Math.max(longest, gap);
+    }
+    assert.equal(longestGap(cores, start, end), longest, `round ${round}`);
+  }
 });
 
 test('counters of no length count where they stand', () => {

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import {test} from 'node:test';
 
-import {Steps} from '../../../viewer/model/steps';
+import {Steps, Stretches} from '../../../viewer/model/steps';
 
 const steps = (...points: [number, number][]) =>
     new Steps(Float64Array.from(points, ([time]) => time), Float64Array.from(points, ([, value]) => value));
@@ -30,7 +30,7 @@ function slowShares(of: Steps, start: number, end: number, width: number): numbe
 test('on-time is exact for any span', () => {
   for (const [start, end, expected] of [
            [0, 10, 5], [1.5, 1.75, 0.25], [0, 1, 0], [4.5, 6, 1.5], [6, 9.5, 1.5], [5, 5, 0], [6, 5, 0]]) {
-    assert.equal(sample.onTime(start, end), expected, `[${start}, ${end})`);
+    assert.equal(sample.use(start, end).seconds, expected, `[${start}, ${end})`);
   }
 });
 
@@ -60,9 +60,10 @@ test('slices are found at and beside a time', () => {
   assert.equal(sample.sliceBeside(1, -1, close), null);
 });
 
-test('slices within a span are cut to it', () => {
-  const cut: number[][] = [];
-  sample.forEachSlice(1.5, 9.5, (from, to) => cut.push([from, to]));
-  assert.deepEqual(cut, [[1.5, 2], [4, 7], [9, 9.5]]);
-  assert.equal(sample.startsWithin(1, 9), 3, 'those of no length count: something was switched on');
+test('stretches follow each other from a time on', () => {
+  const found: number[][] = [];
+  const stretches = new Stretches(sample, 1.5);
+  for (; stretches.start < Infinity; stretches.next()) found.push([stretches.start, stretches.end]);
+  assert.deepEqual(found, [[1, 2], [4, 7], [9, Infinity]], 'the one of no length is left out');
+  assert.equal(sample.use(1, 9).starts, 3, 'those of no length count: something was switched on');
 });
