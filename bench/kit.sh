@@ -16,6 +16,7 @@ timed() {
     /usr/bin/time -f '%U %S %M' -o "$folder/$name.figures" "$@" >/dev/null 2>"$folder/$name.said"
 }
 cpu() { awk 'END { print $1 + $2 }' "$folder/$1.figures"; }
+kernel() { awk 'END { print $2 }' "$folder/$1.figures"; }
 memory() { awk 'END { print $3 / 1024 }' "$folder/$1.figures"; }
 
 large=$folder/large.data
@@ -23,11 +24,16 @@ large=$folder/large.data
 size=$(stat -c %s "$large")
 cat "$large" >/dev/null  # into the page cache
 timed import "$zelkit" import "$large" -o "$folder/large.old"
+blocks=$(($(stat -c %s "$folder/large.old") >> 17))
+rm "$folder/large.old"
+# What the machine takes for the pages of the output, whoever writes them.
+timed write dd if=/dev/zero of="$folder/large.old" bs=128K count="$blocks"
 rm "$folder/large.old"
 records=$(sed -n 's/.*: \([0-9]*\) of .* samples$/\1/p' "$folder/import.said")
 awk -v size="$size" -v cpu="$(cpu import)" -v memory="$(memory import)" -v records="$records" 'BEGIN {
     printf "import of %.0f MB: %.2f s of CPU, %.0f MB/s, %.0f MiB of memory (bound: %.0f)\n", size / 1e6, cpu, size / 1e6 / cpu,
         memory, 64 + 16 * records / 1048576 }'
+echo "  $(kernel import) s of it in the kernel; to write as much, dd takes $(cpu write) s"
 
 # A system-wide recording of this machine, with what maps two hundred files in it.
 system=$folder/system.data
