@@ -31,6 +31,7 @@ class FileKnowledge {
     std::uint64_t end = 0;      ///< where the last executable segment of the file ends; 0 if unknown
     bool fixed = false;         ///< a program at its link address (ET_EXEC)
     bool inPlace = false;       ///< symbols have addresses of the process, as those of JIT code have
+    bool stripped = false;      ///< without its symbol table, which is not at hand elsewhere either
   };
 
   /// Returns nothing if the file is unknown.

@@ -175,7 +175,11 @@ std::uint64_t Layout::movedIp(Process& process, const Sample& sample) {
   }
   MappedFile& file = _files[shift->file];
   ++file.samples;
-  if (_choice.countsNames) countNaming(_knowledge->whyUnnamed(file, sample.ip + shift->toSymbol));
+  if (_choice.countsNames) {
+    const char* reason = _knowledge->whyUnnamed(file, sample.ip + shift->toSymbol);
+    countNaming(reason);
+    if (reason != nullptr) ++file.unnamed;
+  }
   return sample.ip + shift->shift;
 }
 

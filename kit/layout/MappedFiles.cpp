@@ -75,6 +75,7 @@ MappedFiles::Place MappedFiles::placeOf(std::size_t entered, std::uint64_t start
   file.pid = piece.pid;
   file.fixed = link->fixed;
   file.inPlace = link->inPlace;
+  file.stripped = link->stripped;
   file.end = std::max(link->end, link->address + length);
   if (link->inPlace || file.end > kHighestLinkEnd || file.end < link->address) {
     file.low = link->address & ~(kPage - 1);

@@ -24,7 +24,9 @@ struct MappedFile {
   bool fixed = false;         ///< runs at its link address
   bool inPlace = false;       ///< its symbols have addresses of the process
   bool known = false;         ///< whether the file itself was available
+  bool stripped = false;      ///< whether its symbol table is missing
   std::uint64_t samples = 0;  ///< number of samples in it
+  std::uint64_t unnamed = 0;  ///< of these without a function
 };
 
 /// The mapped files of a recording. Names are shortened to fit a record.

@@ -87,7 +87,8 @@ std::optional<FileKnowledge::Link> Names::linkOf(const MappedPiece& piece) {
   if (!file.found()) return linkOfRecorded(piece);
   const std::optional<std::uint64_t> address = file.elf.addressOf(piece.offset);
   if (!address) return linkOfRecorded(piece);
-  Link link{*address, 0, !file.elf.positionIndependent, false};
+  Link link{.address = *address, .fixed = !file.elf.positionIndependent};
+  link.stripped = !file.elf.hasSymbolTable && file.debugPath.empty();
   for (const ElfSegment& segment : file.elf.segments)
     if (segment.executable) link.end = std::max(link.end, segment.address + segment.fileSize);
   return link;

@@ -1,6 +1,7 @@
 #include "verbs/Report.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "verbs/JsonText.h"
 
@@ -32,16 +33,30 @@ class Lines {
   std::string _text;
 };
 
-/// Returns the files that are missing and leave samples without a function, most samples first.
-std::vector<const MappedFile*> missingFiles(const MappedFiles& files) {
-  std::vector<const MappedFile*> missing;
+/// Files and numbers of their samples without a function, most samples first.
+using Wanted = std::vector<std::pair<const MappedFile*, std::uint64_t>>;
+
+Wanted mostFirst(Wanted wanted) {
+  std::stable_sort(wanted.begin(), wanted.end(),
+                   [](const auto& left, const auto& right) { return left.second > right.second; });
+  return wanted;
+}
+
+/// Returns the files that are missing and leave samples without a function.
+Wanted missingFiles(const MappedFiles& files) {
+  Wanted missing;
   for (std::size_t i = 0; i < files.size(); ++i)
     if (!files[i].known && files[i].samples != 0 && files[i].path.starts_with('/'))
-      missing.push_back(&files[i]);
-  std::stable_sort(missing.begin(), missing.end(), [](const MappedFile* left, const MappedFile* right) {
-    return left->samples > right->samples;
-  });
-  return missing;
+      missing.emplace_back(&files[i], files[i].samples);
+  return mostFirst(std::move(missing));
+}
+
+/// Returns the files whose debug files would name more functions.
+Wanted strippedFiles(const MappedFiles& files) {
+  Wanted stripped;
+  for (std::size_t i = 0; i < files.size(); ++i)
+    if (files[i].stripped && files[i].unnamed != 0) stripped.emplace_back(&files[i], files[i].unnamed);
+  return mostFirst(std::move(stripped));
 }
 
 std::string ofHost(const Recording& recording) {
@@ -54,18 +69,28 @@ std::string ofHost(const Recording& recording) {
   return text + (info.android() ? ", Android's recorder" : "");
 }
 
-void addFetchHints(Lines& lines, const MappedFiles& files) {
-  const std::vector<const MappedFile*> missing = missingFiles(files);
-  for (std::size_t i = 0; i < missing.size() && i < kFilesNamed; ++i) {
-    lines.addCount(missing[i]->samples, "samples in " + missing[i]->path +
-                                            ", which is missing: fetch it from the device, such as by  scp "
-                                            "DEVICE:" +
-                                            missing[i]->path + " DIR" + missing[i]->path +
-                                            "  and add --symbols DIR");
-  }
-  if (missing.size() > kFilesNamed)
-    lines.add("  and " + std::to_string(missing.size() - kFilesNamed) +
+/// Adds one line for each of the first files: the number of samples and what `hint` returns.
+void addHints(Lines& lines, const Wanted& wanted, std::string (*hint)(const MappedFile&)) {
+  for (std::size_t i = 0; i < wanted.size() && i < kFilesNamed; ++i)
+    lines.addCount(wanted[i].second, "samples in " + hint(*wanted[i].first));
+  if (wanted.size() > kFilesNamed)
+    lines.add("  and " + std::to_string(wanted.size() - kFilesNamed) +
               " more such files (--report lists them)");
+}
+
+std::string fetchHint(const MappedFile& file) {
+  return file.path + ", which is missing: fetch it from the device, such as by  scp DEVICE:" + file.path +
+         " DIR" + file.path + "  and add --symbols DIR";
+}
+
+std::string debugFileHint(const MappedFile& file) {
+  std::string place = "DIR";
+  if (file.buildId.size() > 2)
+    place += "/.build-id/" + file.buildId.substr(0, 2) + '/' + file.buildId.substr(2) + ".debug";
+  return "functions that the stripped " + file.path +
+         " does not name: fetch its debug file (from a package PACKAGE-dbg or PACKAGE-dbgsym, or set "
+         "DEBUGINFOD_URLS) to " +
+         place + " and add --symbols DIR";
 }
 
 void addNotes(Lines& lines, const std::vector<std::string>& notes) {
@@ -80,14 +105,10 @@ void addTally(JsonText& json, std::string_view key, const Account::Tally& tally)
   json.end();
 }
 
-void addMissing(JsonText& json, const MappedFiles& files) {
-  json.array("filesNotAtHand");
-  for (const MappedFile* file : missingFiles(files)) {
-    json.object()
-        .text("path", file->path)
-        .text("buildId", file->buildId)
-        .number("samples", file->samples)
-        .end();
+void addFiles(JsonText& json, std::string_view key, const Wanted& wanted) {
+  json.array(key);
+  for (const auto& [file, samples] : wanted) {
+    json.object().text("path", file->path).text("buildId", file->buildId).number("samples", samples).end();
   }
   json.end();
 }
@@ -132,7 +153,8 @@ std::string reportText(const Recording& recording, const Outcome& outcome) {
             " samples");
   lines.addTally(account.samplesLost, "left out: ");
   lines.addTally(account.unnamed, "samples without a function: ");
-  addFetchHints(lines, outcome.files);
+  addHints(lines, missingFiles(outcome.files), fetchHint);
+  addHints(lines, strippedFiles(outcome.files), debugFileHint);
   lines.addCount(account.samplesLostByKernel, "samples were lost by the kernel while it recorded");
   lines.addCount(account.recordsLostByKernel, "records were lost by the kernel while it recorded");
   lines.addCount(
@@ -178,7 +200,8 @@ std::string reportJson(const Recording& recording, const Outcome& outcome) {
   addTally(json, "shortened", account.shortened);
   addTally(json, "withoutRoom", account.noPlace);
   json.end();
-  addMissing(json, outcome.files);
+  addFiles(json, "filesNotAtHand", missingFiles(outcome.files));
+  addFiles(json, "strippedFiles", strippedFiles(outcome.files));
   json.array("notes");
   for (const std::string& note : outcome.notes) json.text({}, note);
   json.end().number("depth", outcome.depth);

@@ -10,6 +10,7 @@
 #include "kit/support/TestFolder.h"
 #include "kit/support/TracingData.h"
 #include "kit/support/Zelkit.h"
+#include "symbols/ElfFile.h"
 
 namespace {
 
@@ -88,6 +89,26 @@ TEST_F(Verbs, ConvertUsesTheRequestedEventAndMode) {
   EXPECT_EQ(ProfileFigures(folder.path("x.json")).firstTime, 1.6);
   EXPECT_EQ(run("convert %perf.data -o %t.json --mode timechart").status, 0);
   EXPECT_EQ(files(), (std::vector<std::string>{"perf.data", "t.json", "x.json", "x.json.layout.json"}));
+}
+
+TEST_F(Verbs, ConvertTellsWhichDebugFileWouldNameFunctions) {
+  ASSERT_EQ(runCommand("strip -o " + folder.path("tool") + " " ZELKIT_FIXTURE).status, 0);
+  const std::string hidden = runCommand("nm -C " ZELKIT_FIXTURE " | sed -n 's/ t fixture::hidden.*//p'").said;
+  ModernRecording recording;
+  recording.event({}).comm(7, 7, "tool").mmap(7, 0x10000000, 0x100000, 0, "/bin/tool");
+  recording.sample({.ip = 0x10000000 + std::stoull(hidden, nullptr, 16), .pid = 7, .tid = 7});
+  folder.write("perf.data", recording.build());
+  const std::string convert = "convert %perf.data -o %x.json --symbols %";
+  const std::string hint = "1 samples in functions that the stripped /bin/tool does not name";
+  EXPECT_NE(run(convert).said.find(hint), std::string::npos) << run(convert).said;
+  const std::string id = zelkit::ElfFile::read(folder.path("tool")).buildId;
+  const std::string place = folder.path(".build-id/") + id.substr(0, 2);
+  std::filesystem::create_directories(place);
+  ASSERT_EQ(
+      runCommand("objcopy --only-keep-debug " ZELKIT_FIXTURE " " + place + '/' + id.substr(2) + ".debug")
+          .status,
+      0);
+  EXPECT_EQ(run(convert).said.find("functions"), std::string::npos) << run(convert).said;
 }
 
 TEST_F(Verbs, InfoShowsWhatIsInARecording) {
