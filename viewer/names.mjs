@@ -82,6 +82,8 @@ export function fixedNames(room) {
       keepTexts(typeOf(node.expression));
     else if (ts.isCallExpression(node) && /^Object\.(keys|entries)$/.test(node.expression.getText()))
       keepMembers(typeOf(node.arguments[0]));
+    else if (ts.isBinaryExpression(node) && node.operatorToken.kind === ts.SyntaxKind.InKeyword)
+      keepMembers(typeOf(node.right));
     else if (ts.isAsExpression(node) && isOpen(typeOf(node.expression)))
       keepMembers(typeOf(node));
     ts.forEachChild(node, visit);

@@ -34,11 +34,11 @@ export class Reader {
   get offset(): number { return this.base + this.pos; }
 
   /** Returns what `parse` returns, with as many bytes as it takes. */
-  async unit<T>(parse: () => T): Promise<T> {
+  async unit<A extends unknown[], T>(parse: (reader: Reader, ...more: A) => T, ...more: A): Promise<T> {
     for (;;) {
       const start = this.pos;
       try {
-        return parse();
+        return parse(this, ...more);
       } catch (error) {
         if (error !== needMore) throw error;
         this.pos = start;

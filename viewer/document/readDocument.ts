@@ -47,8 +47,8 @@ export class DocumentReading {
   private async readKnown(): Promise<void> {
     const { reader } = this;
     await this.refuseOthers();
-    await reader.unit(() => expect(reader, Byte.OpenObject));
-    if (await reader.unit(() => accept(reader, Byte.CloseObject))) {
+    await reader.unit(expect, Byte.OpenObject);
+    if (await reader.unit(accept, Byte.CloseObject)) {
       await readUnlabelledProfile(reader, this.profileBuilder());
       return;
     }
@@ -79,7 +79,7 @@ export class DocumentReading {
   /** Fails with the right line for files that people take for documents. */
   private async refuseOthers(): Promise<void> {
     const { reader } = this;
-    const first = await reader.unit(() => peek(reader));
+    const first = await reader.unit(peek);
     if (first === Byte.OpenObject) return;
     const head =
         String.fromCharCode(...reader.bytes.subarray(reader.pos, Math.min(reader.end, reader.pos + 8)));
@@ -97,7 +97,7 @@ export class DocumentReading {
     const { reader } = this;
     let more = true;
     try {
-      await reader.unit(() => peek(reader));
+      await reader.unit(peek);
     } catch {
       more = false;
     }

@@ -12,15 +12,15 @@ const sections = ['processes', 'libraries', 'files', 'functions', 'samples'];
 /** Reads a profile document after its opening brace, from its first label on. */
 export async function readProfile(reader: Reader, builder: ProfileBuilder): Promise<void> {
   do {
-    const label = await reader.unit(() => readLabel(reader));
+    const label = await reader.unit(readLabel);
     if (sections.includes(label) || label === 'blocks')
       await readSection(reader, builder, label);
     else if (label === 'Description')
-      await reader.unit(() => readValue(reader));
+      await reader.unit(readValue);
     else
       reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
-  } while (await reader.unit(() => accept(reader, Byte.Comma)));
-  await reader.unit(() => expect(reader, Byte.CloseObject));
+  } while (await reader.unit(accept, Byte.Comma));
+  await reader.unit(expect, Byte.CloseObject);
 }
 
 /**
@@ -32,17 +32,17 @@ export async function readUnlabelledProfile(reader: Reader, builder: ProfileBuil
 }
 
 async function readSection(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
-  await reader.unit(() => expect(reader, Byte.OpenObject));
+  await reader.unit(expect, Byte.OpenObject);
   do {
-    const label = await reader.unit(() => readLabel(reader));
+    const label = await reader.unit(readLabel);
     if (label === 'descriptions')
-      await reader.unit(() => readValue(reader));
+      await reader.unit(readValue);
     else if (label !== 'data')
       reader.fail(`"${label.slice(0, 40)}" is no part of a section`);
-    else if (await reader.unit(() => firstElement(reader)))
+    else if (await reader.unit(firstElement))
       await readRows(reader, builder, section);
-  } while (await reader.unit(() => accept(reader, Byte.Comma)));
-  await reader.unit(() => expect(reader, Byte.CloseObject));
+  } while (await reader.unit(accept, Byte.Comma));
+  await reader.unit(expect, Byte.CloseObject);
 }
 
 function readRows(reader: Reader, builder: ProfileBuilder, section: string): Promise<void> {
@@ -65,19 +65,20 @@ function readRows(reader: Reader, builder: ProfileBuilder, section: string): Pro
   });
 }
 
+/** What becomes of a section's rows, by its label in the document. */
 const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
-  processes: (builder, row) =>
+  'processes': (builder, row) =>
       builder.processes.push({ key: row.whole(0), pid: row.whole(1), tid: row.whole(2), name: row.text(3) }),
-  libraries: (builder, row) => builder.libraries.push({
+  'libraries': (builder, row) => builder.libraries.push({
     key: row.whole(0),
     process: row.whole(1),
     name: row.text(2),
   }),
-  files: (builder, row) => builder.files.push({
+  'files': (builder, row) => builder.files.push({
     name: row.text(1),
     lines: row.list(2).map((entry) => [row.part(entry, 0), row.part(entry, 1)]),
   }),
-  functions: (builder, row) => builder.functions.push({
+  'functions': (builder, row) => builder.functions.push({
     key: row.whole(0),
     name: row.text(1),
     start: row.address(2),

@@ -5,22 +5,22 @@ import type {Head, TimechartBuilder} from './TimechartBuilder';
 /** Reads a timechart document after its opening brace, from its first label on. */
 export async function readTimechart(reader: Reader, builder: TimechartBuilder): Promise<void> {
   do {
-    const label = await reader.unit(() => readLabel(reader));
+    const label = await reader.unit(readLabel);
     if (label !== 'entries')
-      await reader.unit(() => readValue(reader));
-    else if (await reader.unit(() => firstElement(reader))) {
+      await reader.unit(readValue);
+    else if (await reader.unit(firstElement)) {
       do await readEntry(reader, builder);
-      while (await reader.unit(() => anotherElement(reader)));
+      while (await reader.unit(anotherElement));
     }
-  } while (await reader.unit(() => accept(reader, Byte.Comma)));
-  await reader.unit(() => expect(reader, Byte.CloseObject));
+  } while (await reader.unit(accept, Byte.Comma));
+  await reader.unit(expect, Byte.CloseObject);
 }
 
 async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<void> {
-  await reader.unit(() => expect(reader, Byte.OpenObject));
+  await reader.unit(expect, Byte.OpenObject);
   const members: { [label: string]: Value } = Object.create(null);
   try {
-    if (await reader.unit(() => accept(reader, Byte.CloseObject))) return;
+    if (await reader.unit(accept, Byte.CloseObject)) return;
     let points = false;
     do {
       await reader.rows(() => {
@@ -31,8 +31,8 @@ async function readEntry(reader: Reader, builder: TimechartBuilder): Promise<voi
         return accept(reader, Byte.Comma);
       });
       if (points) await readPoints(reader, builder, members);
-    } while (await reader.unit(() => accept(reader, Byte.Comma)));
-    await reader.unit(() => expect(reader, Byte.CloseObject));
+    } while (await reader.unit(accept, Byte.Comma));
+    await reader.unit(expect, Byte.CloseObject);
   } finally {
     // Also after damage, so that the points before it are shown.
     if (text(members['id']) !== '') builder.endEntry(headOf(members));

@@ -1,7 +1,7 @@
 import type {Profile} from '../document/profile';
 import {everything, type Filter} from './filter';
 import {type Grouping, groupings} from './groupings';
-import {kept} from './maps';
+import {kept, latest} from './maps';
 import {placesWithText, Selection} from './Selection';
 
 /**
@@ -10,11 +10,17 @@ import {placesWithText, Selection} from './Selection';
 export class ProfileModel {
   readonly start: number;
   readonly end: number;
-  private latest: Selection|null = null;
-  private latestOfAllTime: Selection|null = null;
+  /** Returns the selection of a filter. */
+  readonly selection = latest((filter: Filter) => new Selection(this.profile, filter));
+  /** Returns the filter that has this text only. */
+  readonly textFilter = latest((text: string): Filter => ({...everything, text }));
+  /** Returns a mark for each place that the search is for, or null if there is no search. */
+  readonly matches =
+      latest((search: string) => (search === '' ? null : placesWithText(this.profile, search)));
+  private readonly untimed = latest(
+      (cores: Filter['cores'], threads: Filter['threads'], text: string) =>
+          new Selection(this.profile, {...everything, cores, threads, text }));
   private readonly made = new Map<string, Grouping>();
-  private texted: Filter = everything;
-  private searched: { readonly text: string; readonly matches: Uint8Array }|null = null;
 
   constructor(readonly profile: Profile) {
     const { times, count } = profile.samples;
@@ -22,37 +28,13 @@ export class ProfileModel {
     this.end = count > 0 ? times[count - 1] : 0;
   }
 
-  /** Returns the selection of the filter. */
-  selection(filter: Filter): Selection {
-    if (this.latest?.filter !== filter) this.latest = new Selection(this.profile, filter);
-    return this.latest;
-  }
-
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
   selectionOfAllTime({ cores, threads, text }: Filter): Selection {
-    const known = this.latestOfAllTime?.filter;
-    if (known?.cores !== cores || known.threads !== threads || known.text !== text) {
-      this.latestOfAllTime = new Selection(this.profile, {...everything, cores, threads, text });
-    }
-    return this.latestOfAllTime!;
-  }
-
-  /** Returns the filter that has this text only. */
-  textFilter(text: string): Filter {
-    if (this.texted.text !== text) this.texted = {...everything, text };
-    return this.texted;
+    return this.untimed(cores, threads, text);
   }
 
   /** Returns one of `groupings` for this profile. */
   grouping(id: string): Grouping { return kept(this.made, id, () => groupings[id].make(this.profile)); }
-
-  /** Returns a mark for each place that the search is for, or null if there is no search. */
-  matches(search: string): Uint8Array|null {
-    if (search === '') return null;
-    if (this.searched?.text !== search)
-      this.searched = { text: search, matches: placesWithText(this.profile, search) };
-    return this.searched.matches;
-  }
 
   /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
   matchedSamples(filter: Filter, search: string): number|null {

@@ -6,6 +6,10 @@ export interface Extent {
   readonly end: number;
 }
 
+/** Returns the number of [least, most] that is nearest to `value`; `least` if there is none. */
+export const clamped = (value: number, least: number, most: number): number =>
+    Math.max(least, Math.min(value, most));
+
 /** Backward or forward. */
 export type Direction = -1|1;
 
@@ -50,10 +54,9 @@ export const closestZoom = 1e-6;
  */
 export function zoomed(shown: Extent, whole: Extent, factor: number, at: number, shift = 0): Extent {
   const wholeLength = whole.end - whole.start;
-  const length =
-      Math.min(wholeLength, Math.max(Math.min(closestZoom, wholeLength), (shown.end - shown.start) * factor));
+  const length = clamped((shown.end - shown.start) * factor, Math.min(closestZoom, wholeLength), wholeLength);
   const part = (at - shown.start) / (shown.end - shown.start);
-  const start = Math.min(Math.max(whole.start, at - part * length + shift), whole.end - length);
+  const start = clamped(at - part * length + shift, whole.start, whole.end - length);
   return { start, end: start + length };
 }
 

@@ -84,15 +84,7 @@ export class RowSamples {
 function firstFrom(column: Uint32Array, sample: number, from: number): number {
   let step = 1;
   for (; column[from + step] < sample; step *= 2) from += step;
-  let to = Math.min(column.length, from + step);
-  while (from < to) {
-    const middle = (from + to) >>> 1;
-    if (column[middle] < sample)
-      from = middle + 1;
-    else
-      to = middle;
-  }
-  return from;
+  return pointsBefore(column, sample, from, Math.min(column.length, from + step));
 }
 
 /** Calls `visit` with the index of each sample of the profile. */

@@ -24,13 +24,13 @@ export function functionRows(
   }
   const sign = order.descending ? -1 : 1;
   const { selves, totals } = weights;
-  const compare: Record<SortKey, (a: number, b: number) => number> = {
-    self: (a, b) => selves[a] - selves[b] || totals[a] - totals[b],
-    total: (a, b) => totals[a] - totals[b] || selves[a] - selves[b],
-    name: (a, b) => compareText(groups[a].name, groups[b].name),
-    detail: (a, b) => compareText(groups[a].detail, groups[b].detail),
-  };
-  return rows.sort((a, b) => sign * compare[order.key](a, b) || a - b);
+  const compare = new Map<SortKey, (a: number, b: number) => number>([
+                    ['self', (a, b) => selves[a] - selves[b] || totals[a] - totals[b]],
+                    ['total', (a, b) => totals[a] - totals[b] || selves[a] - selves[b]],
+                    ['name', (a, b) => compareText(groups[a].name, groups[b].name)],
+                    ['detail', (a, b) => compareText(groups[a].detail, groups[b].detail)],
+                  ]).get(order.key)!;
+  return rows.sort((a, b) => sign * compare(a, b) || a - b);
 }
 
 const compareText = (a: string, b: string) => (a < b ? -1 : Number(a > b));

@@ -1,6 +1,7 @@
 /** What the rows of the table of functions can be: functions, or what functions and samples belong to. */
 
 import {PlaceKind, type Profile} from '../document/profile';
+import type {Filter} from './filter';
 import {kept} from './maps';
 import type {Selection} from './Selection';
 
@@ -22,6 +23,8 @@ export interface Grouping {
   /** Whether each group is one place, of the same number. */
   readonly byPlace: boolean;
   weigh(selection: Selection): GroupWeights;
+  /** Returns the filter that lets the samples of a group through, where a filter can. */
+  narrow?(group: number): Partial<Filter>;
 }
 
 interface Kind {
@@ -30,12 +33,12 @@ interface Kind {
 }
 
 export const groupings: Readonly<Record<string, Kind>> = {
-  function: {title: 'Function', make: byFunction},
-  library: {title: 'Library', make: byLibrary},
-  file: {title: 'Source file', make: byFile},
-  process: {title: 'Process', make: byProcess},
-  thread: {title: 'Thread', make: byThread},
-  core: {title: 'Core', make: byCore},
+  'function': {title: 'Function', make: byFunction},
+  'library': {title: 'Library', make: byLibrary},
+  'file': {title: 'Source file', make: byFile},
+  'process': {title: 'Process', make: byProcess},
+  'thread': {title: 'Thread', make: byThread},
+  'core': {title: 'Core', make: byCore},
 };
 
 /** Returns where a place is: its library, its source file and line. */
@@ -84,20 +87,29 @@ function byProcess(profile: Profile): Grouping {
   const first = new Map<number, number>();
   profile.processes.forEach(({ pid }, index) => first.has(pid) || first.set(pid, index));
   const groupOf = profile.threads.map(({ process, pid }) => (process < 0 ? none : first.get(pid) ?? none));
-  return ofSamples(groups, (index) => groupOf[profile.samples.threads[index]]);
+  return {
+    ...ofSamples(groups, (index) => groupOf[profile.samples.threads[index]]),
+    narrow: (chosen) => {
+      const pid = profile.processes[chosen]?.pid;
+      return { threads: new Set(profile.threads.flatMap((thread, at) => (thread.pid === pid ? [at] : []))) };
+    }
+  };
 }
 
 function byThread(profile: Profile): Grouping {
   const groups = profile.threads.map(
       ({ name, pid, tid }) => group(name, PlaceKind.User, `thread ${tid} of process ${pid}`));
-  return ofSamples(groups, (index) => profile.samples.threads[index]);
+  return {
+    ...ofSamples(groups, (index) => profile.samples.threads[index]),
+    narrow: (chosen) => ({ threads: new Set([chosen]) })
+  };
 }
 
 function byCore(profile: Profile): Grouping {
   const { cores } = profile.samples;
   const most = cores.reduce((highest, core) => Math.max(highest, core), 0);
   const groups = Array.from({ length: most + 1 }, (_, core) => group(`Core ${core}`));
-  return ofSamples(groups, (index) => cores[index]);
+  return {...ofSamples(groups, (index) => cores[index]), narrow: (chosen) => ({ cores: new Set([chosen]) }) };
 }
 
 /** Groups of samples: each sample belongs to one, so that its own time is all of its time. */

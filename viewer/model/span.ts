@@ -3,7 +3,7 @@
 import {kept} from './maps';
 import {pointsBefore, Stretches} from './steps';
 
-import type {Track} from './tracks';
+import {isWait, noWaits, type Track} from './tracks';
 
 /** The task that the kernel runs when there is none. */
 const idle = 0;
@@ -106,12 +106,12 @@ function interruptUse(tracks: readonly Track[], start: number, end: number): Int
 }
 
 function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse {
-  const seconds = { running: 0, waitIo: 0, waitCpu: 0, waitGpu: 0 };
+  const seconds = { running: 0, ...noWaits };
   const counters = new Map<string, number>();
   let switches = 0;
   for (const track of tracks) {
     const { role, steps } = track;
-    if (role === 'running' || role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu') {
+    if (role === 'running' || isWait(role)) {
       const use = steps.use(start, end);
       seconds[role] += use.seconds;
       if (role === 'running') switches += use.starts;

@@ -4,7 +4,8 @@ import type {Direction} from './axis';
  * Returns how many of the ascending times are before `time`, or at it if `inclusive`; the answer is known to
  * lie between `from` and `to`.
  */
-function countUntil(times: Float64Array, time: number, inclusive: boolean, from: number, to: number): number {
+function countUntil(
+    times: ArrayLike<number>, time: number, inclusive: boolean, from: number, to: number): number {
   while (from < to) {
     const middle = (from + to) >>> 1;
     const at = times[middle];
@@ -19,13 +20,13 @@ function countUntil(times: Float64Array, time: number, inclusive: boolean, from:
 /**
  * Returns how many of the ascending times are at or before `time`; those below index `from` are known to be.
  */
-export const pointsUntil = (times: Float64Array, time: number, from = 0) =>
+export const pointsUntil = (times: ArrayLike<number>, time: number, from = 0) =>
     countUntil(times, time, true, from, times.length);
 
 /**
  * Returns how many of the ascending times are before `time`, which must be between `from` and `to`.
  */
-export const pointsBefore = (times: Float64Array, time: number, from = 0, to = times.length) =>
+export const pointsBefore = (times: ArrayLike<number>, time: number, from = 0, to = times.length) =>
     countUntil(times, time, false, from, to);
 
 /**

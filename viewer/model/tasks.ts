@@ -3,7 +3,7 @@
 import type {Direction} from './axis';
 import {kept} from './maps';
 import {type Slice, Stretches} from './steps';
-import type {Track} from './tracks';
+import {isWait, noWaits, type Track, type Waits} from './tracks';
 
 /** A stretch of time that a task ran on one core. */
 export interface Run extends Slice {
@@ -13,11 +13,8 @@ export interface Run extends Slice {
 }
 
 /** How long a task did not run before a run, and how much of that it waited for what, in seconds. */
-export interface WaitBefore {
+export interface WaitBefore extends Waits {
   readonly total: number;
-  readonly waitIo: number;
-  readonly waitCpu: number;
-  readonly waitGpu: number;
 }
 
 /** The tracks of all tasks, found by task or by core. */
@@ -78,10 +75,9 @@ export class Tasks {
   waitBefore(run: Run): WaitBefore|null {
     const before = this.runBeside(run.task, run.start, -1);
     if (!before) return null;
-    const waited = { waitIo: 0, waitCpu: 0, waitGpu: 0 };
+    const waited = {...noWaits };
     for (const { role, steps } of this.ofTask.get(run.task) ?? []) {
-      if (role === 'waitIo' || role === 'waitCpu' || role === 'waitGpu')
-        waited[role] += steps.use(before.end, run.start).seconds;
+      if (isWait(role)) waited[role] += steps.use(before.end, run.start).seconds;
     }
     return { total: Math.max(0, run.start - before.end), ...waited };
   }

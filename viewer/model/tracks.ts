@@ -8,6 +8,17 @@ export type Shape = 'state'|'level'|'marks';
 export type Role =|'busy'|'frequency'|'idle'|'gpu'|'interrupt'|'running'|'waitIo'|'waitCpu'|'waitGpu'|
     'counter'|'marks'|'other';
 
+/** Seconds that a task waits, by what for. */
+export type Waits = Record<'waitIo'|'waitCpu'|'waitGpu', number>;
+
+export const noWaits: Readonly<Waits> = {
+  waitIo: 0,
+  waitCpu: 0,
+  waitGpu: 0
+};
+
+export const isWait = (role: Role): role is keyof Waits => role in noWaits;
+
 const rolesOfClass = new Map<string, Role>([
   ['cpu:busy', 'busy'],
   ['cpu:freq', 'frequency'],

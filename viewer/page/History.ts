@@ -16,9 +16,7 @@ export class History {
   constructor(private readonly store: Store) {
     this.present = selectionOf(store.state);
     for (const press of ['pointerdown', 'keydown']) addEventListener(press, () => ++this.presses, true);
-    store.onCommit((state, keys) => {
-      if (keys.has('filter')) this.note(selectionOf(state));
-    });
+    store.onCommit((state) => this.note(selectionOf(state)));
   }
 
   /** Brings the selection before the present one back; returns whether there was one. */

@@ -12,7 +12,8 @@ export class Opener {
   private readonly parts = new Map<number, Timechart>();
   private nextId = 1;
   /** The readings whose documents are shown, the latest first. */
-  private readonly shown: Record<ZelDocument['kind'], number[]> = { profile: [], timechart: [] };
+  private profiles: readonly number[] = [];
+  private timecharts: readonly number[] = [];
   /** The reading of the state's profile. */
   private latest = 0;
 
@@ -114,22 +115,28 @@ export class Opener {
    * with.
    */
   private show(id: number, document: ZelDocument): void {
-    const { shown } = this;
-    shown[document.kind] =
-        [id, ...shown[document.kind].filter((other) => other !== id)].sort((a, b) => b - a);
-    const superseded = [...shown.profile.splice(2), ...shown.timechart.splice(1)];
+    const newest =
+        (ids: readonly number[],
+         most: number) => [id, ...ids.filter((other) => other !== id)].sort((a, b) => b - a).slice(0, most);
+    const before = [...this.profiles, ...this.timecharts, id];
+    if (document.kind === 'profile')
+      this.profiles = newest(this.profiles, 2);
+    else
+      this.timecharts = newest(this.timecharts, 1);
+    const superseded =
+        before.filter((other) => !this.profiles.includes(other) && !this.timecharts.includes(other));
     const readings = this.store.state.readings.filter((reading) => !superseded.includes(reading.id));
     if (superseded.length > 0) this.store.set({ readings });
     if (superseded.includes(id)) return;
     if (document.kind === 'timechart')
       this.store.set({ timechart: new TimechartModel(document, this.store.state.timechart) });
-    else if (shown.profile[0] !== id)
+    else if (this.profiles[0] !== id)
       this.store.set({ baseline: new ProfileModel(document) });
     else {
       const { profile, baseline } = this.store.state;
-      const before = this.latest !== id ? profile : baseline;
+      const compared = this.latest !== id ? profile : baseline;
       this.latest = id;
-      this.store.set({ profile: new ProfileModel(document), baseline: before });
+      this.store.set({ profile: new ProfileModel(document), baseline: compared });
     }
   }
 }

@@ -1,6 +1,6 @@
-import type {Direction} from '../model/axis';
+import {clamped, type Direction} from '../model/axis';
 import {button, div, element, equip, searchField, shortName, span} from '../views/dom';
-import {type Change, isReading, type Reading, type State, type Store} from '../views/store';
+import type {Reading, State, Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, scaleOf, setBrush, timeKey} from '../views/timeAxis';
 import type {App, View} from '../views/View';
 import {copyText, savePicture} from './copy';
@@ -13,8 +13,8 @@ interface Mounted {
   readonly host: HTMLElement;
   /** The tab of a detail view. */
   readonly tab: HTMLElement|null;
-  /** What changed since the view was drawn last. */
-  readonly stale: Set<Change>;
+  /** The state that the view has painted; null if it has to paint all. */
+  painted: State|null;
   /** Draws the view unless it is hidden. */
   readonly paint: () => void;
 }
@@ -51,7 +51,7 @@ export class Shell implements App {
     role: 'separator',
     'aria-label': 'Height of the time views',
     'aria-orientation': 'horizontal',
-    tabIndex: '0'
+    tabIndex: 0
   });
   private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
   private readonly detailZone = div('zone detail');
@@ -103,7 +103,7 @@ export class Shell implements App {
     this.main = element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
     body.append(this.header(), this.welcome, this.main, this.status, this.tip, this.help);
     this.listen(body);
-    store.onCommit((state, changed) => this.commit(state, changed));
+    store.onCommit((state, before) => this.commit(state, before));
     const refresh = () => store.refresh();
     new ResizeObserver(refresh).observe(this.main);
     matchMedia('(prefers-color-scheme: dark)').addEventListener('change', refresh);
@@ -155,7 +155,7 @@ export class Shell implements App {
   private mount(view: View): Mounted {
     const { id, title } = view;
     const host = element(
-        'section', { id: `view-${id}`, class: 'view', 'aria-label': title, tabIndex: '-1', hidden: true });
+        'section', { id: `view-${id}`, class: 'view', 'aria-label': title, tabIndex: -1, hidden: true });
     let tab: HTMLElement|null = null;
     if (view.zone === 'time')
       this.timeZone.append(host);
@@ -167,45 +167,43 @@ export class Shell implements App {
       this.detailZone.append(host);
     }
     view.mount(host, this);
-    const stale = new Set<Change>();
     const paint = () => {
       if (host.hidden) return;
-      view.draw(this.store.state, stale);
-      stale.clear();
+      const { state } = this.store;
+      view.draw(state, mounted.painted);
+      mounted.painted = state;
     };
-    return { view, host, tab, stale, paint };
+    const mounted: Mounted = { view, host, tab, painted: null, paint };
+    return mounted;
   }
 
-  private commit(state: State, changed: ReadonlySet<Change>): void {
+  private commit(state: State, before: State|null): void {
     const appears = this.main.hidden;
     this.main.hidden = !state.profile && !state.timechart;
     this.welcome.hidden = !this.main.hidden;
-    if (changed.has('readings')) this.drawReadings(state.readings);
-    if (changed.has('search') && document.activeElement !== this.search) this.search.value = state.search;
-    if (changed.has('profile') || changed.has('timechart')) this.compareClocks(state);
+    if (state.readings !== before?.readings) this.drawReadings(state.readings);
+    if (document.activeElement !== this.search) this.search.value = state.search;
+    if (state.profile !== before?.profile || state.timechart !== before?.timechart) this.compareClocks(state);
     const brush = brushOf(state);
     this.brush.hidden = !brush;
     if (brush) this.brush.textContent = `${describeSpan(brush)} ✕`;
     const panel = this.panel();
-    const views = new Set(changed);
-    // That a reading has ended matters to views, but not how far one has come.
-    if (isReading(state)) views.delete('readings');
+    let resized = false;
     for (const mounted of this.mounted) {
       const { view, host, tab } = mounted;
       const hidden = !view.available(state) || (tab !== null && mounted !== panel);
       if (tab) {
         tab.hidden = !view.available(state);
-        tab.setAttribute('aria-selected', String(!hidden));
-        tab.tabIndex = hidden ? -1 : 0;
+        equip(tab, { 'aria-selected': !hidden, tabIndex: hidden ? -1 : 0 });
       }
       // A view that appears takes room from the others.
-      if (host.hidden !== hidden) views.add('size');
+      if (host.hidden !== hidden) resized = true;
       host.hidden = hidden;
     }
-    for (const { stale, paint } of this.mounted) {
-      for (const key of views) stale.add(key);
+    for (const mounted of this.mounted) {
+      if (!before || (resized && !mounted.tab)) mounted.painted = null;
       // Once the views have their sizes, the observer has them painted.
-      if (stale.size > 0 && !appears) this.store.repaint(paint);
+      if (mounted.painted !== state && !appears) this.store.repaint(mounted.paint);
     }
   }
 
@@ -232,9 +230,9 @@ export class Shell implements App {
     const chips = readings.map(({ id, name, bytes, total, state, message }) => {
       const chip = span(`reading ${state}`, shortName(message || name));
       if (state === 'reading') {
-        const value = String(total > 0 ? bytes / total : 0);
+        const value = total > 0 ? bytes / total : 0;
         chip.append(
-            element('progress', { max: '1', value, 'aria-label': `Reading ${shortName(name)}` }),
+            element('progress', { max: 1, value, 'aria-label': `Reading ${shortName(name)}` }),
             button('✕', `Stop reading ${shortName(name)}`, () => this.opener.cancel(id)),
         );
       }
@@ -281,7 +279,7 @@ export class Shell implements App {
 
   private split(height: number): void {
     const most = this.main.clientHeight - leastDetail;
-    this.timeZone.style.flexBasis = `${Math.max(leastTime, Math.min(height, most))}px`;
+    this.timeZone.style.flexBasis = `${clamped(height, leastTime, most)}px`;
   }
 
   private key(event: KeyboardEvent): boolean {

@@ -14,23 +14,29 @@ const laneChoices = ['folded', 'hidden', 'pinned'] as const;
  * out.
  */
 export function writeFragment(state: State): string {
-  const { filter, visible, lanes, cursor, mark } = state;
+  const { filter, visible, lanes, cursor, mark, search, place, panel } = state;
+  const brushed = filter.end > filter.start && Number.isFinite(filter.end - filter.start);
+  const said: [string, string|number|false|null][] = [
+    ['shown', visible && pairOf(visible)],
+    ['selected', brushed && pairOf(filter)],
+    ['cores', listOf(filter.cores)],
+    ['threads', listOf(filter.threads)],
+    ['filter', filter.text || null],
+    ['search', search || null],
+    ['place', place >= 0 && place],
+    ['view', panel || null],
+    ...laneChoices.flatMap((choice) => [...lanes[choice]].map((path): [string, string] => [choice, path])),
+    ['at', cursor && `${cursor.time},${cursor.lane}`],
+    ['mark', mark],
+  ];
   const parts = new URLSearchParams();
-  if (visible) parts.set('shown', `${visible.start},${visible.end}`);
-  if (filter.end > filter.start && Number.isFinite(filter.end - filter.start))
-    parts.set('selected', `${filter.start},${filter.end}`);
-  if (filter.cores) parts.set('cores', [...filter.cores].join());
-  if (filter.threads) parts.set('threads', [...filter.threads].join());
-  if (filter.text !== '') parts.set('filter', filter.text);
-  if (state.search !== '') parts.set('search', state.search);
-  if (state.place >= 0) parts.set('place', String(state.place));
-  if (state.panel !== '') parts.set('view', state.panel);
-  for (const choice of laneChoices)
-    for (const path of lanes[choice]) parts.append(choice, path);
-  if (cursor) parts.set('at', `${cursor.time},${cursor.lane}`);
-  if (mark !== null) parts.set('mark', String(mark));
+  for (const [part, text] of said)
+    if (text !== null && text !== false) parts.append(part, String(text));
   return parts.toString();
 }
+
+const pairOf = ({ start, end }: Extent) => `${start},${end}`;
+const listOf = (numbers: ReadonlySet<number>|null) => numbers && [...numbers].join();
 
 /** Returns what a fragment says of the state; what it does not say, or says wrongly, is as from the start. */
 export function readFragment(fragment: string, start: State): Partial<State> {

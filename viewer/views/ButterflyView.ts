@@ -16,7 +16,7 @@ export class ButterflyView extends ProfileView {
   private callers!: FlamePane;
   private callees!: FlamePane;
   private place = -1;
-  protected override more = ['place' as const];
+  protected override more = ({ place }: State) => place;
 
   table() {
     const { places: { names }, weight } = this.model.profile;

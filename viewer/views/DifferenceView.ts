@@ -1,4 +1,6 @@
 import {formatShare} from '../model/axis';
+import {differ} from '../model/maps';
+
 import {DifferenceTree, unite, type Union} from '../model/difference';
 import type {ProfileModel} from '../model/ProfileModel';
 import type {Selection} from '../model/Selection';
@@ -35,7 +37,7 @@ export class DifferenceView extends ProfileView {
   private selections: readonly Selection[] = [];
   private tree!: DifferenceTree;
   private changes: readonly Change[] = [];
-  protected override more = ['baseline' as const];
+  protected override more = ({ baseline }: State) => baseline;
   protected override legend: readonly LegendEntry[] = [
     [(dark) => palette(dark)[0], 'less than before'],
     [(dark) => palette(dark)[steps], 'the same'],
@@ -151,9 +153,6 @@ export class DifferenceView extends ProfileView {
         .sort((a, b) => size(b) - size(a));
   }
 }
-
-const differ = (first: readonly unknown[], second: readonly unknown[]) =>
-    first.some((part, index) => part !== second[index]);
 
 const signed = (share: number) => `${share > 0 ? '+' : share < 0 ? '−' : ''}${formatShare(Math.abs(share))}`;
 

@@ -35,7 +35,7 @@ const everything = {
  * they repaint nothing.
  */
 export class FlamePane {
-  readonly canvas = element('canvas', { 'aria-hidden': 'true' });
+  readonly canvas = element('canvas', { 'aria-hidden': true });
   tree!: Tree;
   private readonly context = this.canvas.getContext('2d', { alpha: false })!;
   private readonly writer = new CanvasWriter(this.context);

@@ -61,7 +61,7 @@ export class FlameView extends ProfileView {
     const made = button(label, title, () => {
       made.setAttribute('aria-pressed', String(flip()));
       this.app.store.refresh();
-    }, { 'aria-pressed': 'false' });
+    }, { 'aria-pressed': false });
     return made;
   }
 }

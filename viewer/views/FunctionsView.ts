@@ -87,16 +87,10 @@ export class FunctionsView extends ProfileView {
   /** Looks into a function; for anything else, selects its samples. */
   private open(group: number): void {
     const { store } = this.app;
-    const { threads, processes } = this.model.profile;
-    if (this.grouping.byPlace)
+    const { byPlace, narrow } = this.grouping;
+    if (byPlace)
       store.set({ place: group, panel: 'butterfly' });
-    else if (this.by.value === 'core')
-      store.refine({ cores: new Set([group]) });
-    else if (this.by.value === 'thread')
-      store.refine({ threads: new Set([group]) });
-    else if (this.by.value === 'process') {
-      const pid = processes[group]?.pid;
-      store.refine({ threads: new Set(threads.flatMap((thread, at) => (thread.pid === pid ? [at] : []))) });
-    }
+    else if (narrow)
+      store.refine(narrow(group));
   }
 }

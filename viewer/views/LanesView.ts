@@ -1,3 +1,4 @@
+import {differ} from '../model/maps';
 import type {Direction} from '../model/axis';
 import {fullLabel, type Lane, type LaneChoice, visibleLanes} from '../model/lanes';
 import {pointBeside} from '../model/steps';
@@ -6,7 +7,7 @@ import {coreOf, describeLane, sliceOn, taskOf} from './laneFacts';
 import {LanePictures, type PlacedLane} from './LanePictures';
 import {laneHeight} from './laneRaster';
 import {selectBeside, selectRun} from './runs';
-import type {Change, State} from './store';
+import type {State} from './store';
 import {gutter, setBrush, shownExtent, showTime} from './timeAxis';
 import {TimeStage} from './TimeStage';
 import {type App, nextOf, type View} from './View';
@@ -32,7 +33,7 @@ export class LanesView implements View {
   private stage!: TimeStage;
   private readonly pictures = new LanePictures();
   private readonly labels =
-      element('div', { class: 'labels', role: 'tree', tabIndex: '0', 'aria-label': 'Rows of the timechart' });
+      element('div', { class: 'labels', role: 'tree', tabIndex: 0, 'aria-label': 'Rows of the timechart' });
   /** All rows that are neither folded nor hidden, where the view would show them without an end. */
   private rows: readonly PlacedLane[] = [];
   /** Height of the pinned rows, which do not scroll. */
@@ -51,13 +52,13 @@ export class LanesView implements View {
     });
   }
 
-  draw(state: State, changed: ReadonlySet<Change>): void {
-    const any = (...keys: Change[]) => keys.some((key) => changed.has(key));
-    const moved = any('timechart', 'lanes', 'profile', 'size');
+  draw(state: State, before: State|null): void {
+    const other = (parts: (state: State) => unknown[]) => !before || differ(parts(state), parts(before));
+    const moved = other(({ timechart, lanes, profile }) => [timechart, lanes, profile]);
     if (moved) this.place(state);
     const { store } = this.app;
-    if (moved || any('visible')) store.repaint(this.paint);
-    if (moved || any('search', 'cursor')) store.repaint(this.label);
+    if (moved || other(({ visible }) => [visible])) store.repaint(this.paint);
+    if (moved || other(({ search, cursor }) => [search, cursor])) store.repaint(this.label);
     store.repaint(this.paintOverlay);
   }
 
@@ -119,7 +120,7 @@ export class LanesView implements View {
 
   private readonly scrolled = (): void => {
     const { state } = this.app.store;
-    if (state.timechart) this.draw(state, new Set(['lanes']));
+    if (state.timechart) this.draw(state, null);
   };
 
   private allLanes(): Lane[] { return visibleLanes(this.app.store.state.timechart!.tree, none).rest; }
@@ -149,7 +150,7 @@ export class LanesView implements View {
       const folded = lanes.folded.has(path);
       const alone = pinned || lanes.pinned.has(path.slice(0, path.lastIndexOf('_')));
       const act = (mark: string, title: string, what: keyof LaneChoice) =>
-          button(mark, title, () => this.toggle(what, lane), { tabIndex: '-1', 'aria-hidden': 'true' });
+          button(mark, title, () => this.toggle(what, lane), { tabIndex: -1, 'aria-hidden': true });
       const row = element(
           'div',
           {
@@ -158,7 +159,7 @@ export class LanesView implements View {
             role: 'treeitem',
             id: `lane-${path}`,
             'aria-level': depth + 1,
-            'aria-selected': String(path === current),
+            'aria-selected': path === current,
             'aria-label': shortName(fullLabel(lane)),
             title: shortName(fullLabel(lane)),
             click: (event: MouseEvent) => this.clickLabel(lane, event.target as Element),

@@ -1,5 +1,7 @@
 import {PlaceKind} from '../document/profile';
 import {everything} from '../model/filter';
+import {differ} from '../model/maps';
+
 import type {Direction} from '../model/axis';
 import type {ProfileModel} from '../model/ProfileModel';
 import {isEverything, type Selection} from '../model/Selection';
@@ -9,7 +11,7 @@ import {folded} from './folded';
 import {kindColour, kindNames} from './placeColours';
 import {formatCount, formatPart} from './placeLook';
 import type {RowTable} from './RowTable';
-import type {Change, State} from './store';
+import type {State} from './store';
 import type {App, View} from './View';
 
 /** What a view consists of: each has keys and takes part in the search. */
@@ -38,7 +40,7 @@ export abstract class ProfileView implements View {
   protected controls: readonly Node[] = [];
   protected legend: readonly LegendEntry[] = kindLegend;
   /** What the view depends on besides profile, filter and search. */
-  protected more: readonly(keyof State)[] = [];
+  protected more: (state: State) => unknown = () => null;
   private readonly counted = span('counted');
   private readonly found = span('quiet');
   private readonly legendLine = span('legend');
@@ -60,8 +62,9 @@ export abstract class ProfileView implements View {
     this.fill(host);
   }
 
-  draw(state: State, changed: ReadonlySet<Change>): void {
-    if (!['profile', 'filter', 'search', ...this.more].some((key) => changed.has(key as Change))) return;
+  draw(state: State, painted: State|null): void {
+    const subjects = (one: State) => [one.profile, one.filter, one.search, this.more(one)];
+    if (painted && !differ(subjects(state), subjects(painted))) return;
     const before = this.selection as Selection | undefined;
     this.model = state.profile!;
     this.selection = this.model.selection(state.filter);

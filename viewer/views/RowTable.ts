@@ -1,4 +1,4 @@
-import type {Direction} from '../model/axis';
+import {clamped, type Direction} from '../model/axis';
 import {div, element, equip, swatch, twistyOf} from './dom';
 import {type App, nextOf, perform} from './View';
 
@@ -78,7 +78,7 @@ export class RowTable {
 
   draw(count: number): void {
     this.count = count;
-    this.current = Math.max(0, Math.min(this.current, count - 1));
+    this.current = clamped(this.current, 0, count - 1);
     this.space.style.height = `${count * rowHeight}px`;
     const { scrollTop, clientHeight } = this.scroller;
     const first = Math.max(0, Math.floor(scrollTop / rowHeight) - margin);
@@ -106,7 +106,7 @@ export class RowTable {
   /** Makes a row the current one and brings it into sight. */
   choose(index: number): void {
     if (this.count === 0) return;
-    this.current = Math.max(0, Math.min(index, this.count - 1));
+    this.current = clamped(index, 0, this.count - 1);
     const top = this.current * rowHeight;
     const { scroller } = this;
     scroller.scrollTop =

@@ -1,3 +1,4 @@
+import {differ} from '../model/maps';
 import {type Direction, formatShare} from '../model/axis';
 import type {SpanUse} from '../model/span';
 import {button, element, shortName} from './dom';
@@ -36,7 +37,7 @@ export class SpanView implements View {
     // The figures of a part would be replaced before they can be read.
     if (timechart !== this.asked[0] && isReading(state)) return;
     const asked = [timechart, filter.start, filter.end, run];
-    if (asked.every((part, i) => part === this.asked[i])) return;
+    if (!differ(asked, this.asked)) return;
     this.asked = asked;
     const { start, end } = spanOf(state);
     cancelAnimationFrame(this.pending);

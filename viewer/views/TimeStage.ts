@@ -10,7 +10,7 @@ const keyScroll = 0.8;
  */
 export class TimeStage {
   private readonly space = div('');
-  private readonly scroller = element('div', { class: 'scroll', tabIndex: '-1' }, this.space);
+  private readonly scroller = element('div', { class: 'scroll', tabIndex: -1 }, this.space);
 
   constructor(
       private readonly host: HTMLElement,

@@ -1,10 +1,11 @@
+import {clamped} from '../model/axis';
 import type {Profile} from '../document/profile';
 import {everySample, pixelBounds, RowSamples, type TimeRow, timeRows} from '../model/density';
 import type {Selection} from '../model/Selection';
 import {element, fitCanvas, isDark, shortName, span} from './dom';
 import {groundColours, Pixels} from './laneRaster';
 import {formatCount} from './placeLook';
-import type {Change, State} from './store';
+import type {State} from './store';
 import {brushOf, gutter, scaleOf, setBrush, shownExtent} from './timeAxis';
 import {TimeStage} from './TimeStage';
 import {type App, perform, type View} from './View';
@@ -23,7 +24,7 @@ export class TimelineView implements View {
   private app!: App;
   private host!: HTMLElement;
   private stage!: TimeStage;
-  readonly picture = { canvas: element('canvas', { 'aria-hidden': 'true' }) };
+  readonly picture = { canvas: element('canvas', { 'aria-hidden': true }) };
   private readonly brushMark = element('div', { class: 'timeline-brush', hidden: true });
   private profile!: Profile;
   private selection!: Selection;
@@ -44,7 +45,7 @@ export class TimelineView implements View {
       class: 'labels',
       role: 'listbox',
       tabIndex: 0,
-      'aria-multiselectable': 'true',
+      'aria-multiselectable': true,
       'aria-label': 'Cores and threads; Enter selects the samples of one, Shift and arrows a span',
       click: (event: MouseEvent) => {
         const { top } = host.getBoundingClientRect();
@@ -58,7 +59,7 @@ export class TimelineView implements View {
     });
   }
 
-  draw(state: State, changed: ReadonlySet<Change>): void {
+  draw(state: State, before: State|null): void {
     const model = state.profile!;
     if (model.profile !== this.profile) {
       this.profile = model.profile;
@@ -70,9 +71,9 @@ export class TimelineView implements View {
     const selection = model.selectionOfAllTime(state.filter);
     if (selection !== this.selection) this.listed = [];
     this.selection = selection;
-    if (this.listed.length === 0 || changed.has('size'))
+    if (this.listed.length === 0 || !before)
       this.show();
-    else if (changed.has('visible') || changed.has('timechart'))
+    else if (state.visible !== before.visible || state.timechart !== before.timechart)
       this.paint();
     this.placeBrush(state);
   }
@@ -156,7 +157,7 @@ export class TimelineView implements View {
             class: first + i === this.current ? 'label current' : 'label',
             role: 'option',
             id: `row-${first + i}`,
-            'aria-selected': String(chosen)
+            'aria-selected': chosen
           },
           span('label-name', shortName(this.nameOf(row))), span('quiet', this.countOf(row)));
       option.style.top = `${(first + i) * rowHeight - top}px`;
@@ -190,7 +191,7 @@ export class TimelineView implements View {
   }
 
   private go(row: number): void {
-    this.current = Math.max(0, Math.min(row, this.rows.length - 1));
+    this.current = clamped(row, 0, this.rows.length - 1);
     this.stage.show(this.current * rowHeight, rowHeight);
     this.app.announce(this.tell(this.rows[this.current]).join(', '));
     this.app.store.repaint(this.show);
@@ -200,15 +201,16 @@ export class TimelineView implements View {
   private select(index: number, add: boolean): void {
     const { kind, subject } = this.rows[index];
     const { store } = this.app;
-    const key = kind === 'core' ? 'cores' : 'threads';
-    const before = store.state.filter[key];
+    const { cores, threads } = store.state.filter;
+    const before = kind === 'core' ? cores : threads;
     const chosen = new Set(add ? before : []);
     if (before?.has(subject) === true && (add || before.size === 1))
       chosen.delete(subject);
     else
       chosen.add(subject);
     this.current = index;
-    store.refine({ [key]: chosen.size === 0 ? null : chosen }, null);
+    const next = chosen.size === 0 ? null : chosen;
+    store.refine(kind === 'core' ? { cores: next } : { threads: next }, null);
   }
 
   private moveBrush(direction: number, extend: boolean): void {
@@ -226,8 +228,7 @@ export class TimelineView implements View {
     this.brushMark.hidden = !brush;
     if (!brush) return;
     const scale = scaleOf(state, this.host);
-    const [left, right] =
-        [brush.start, brush.end].map((time) => Math.max(0, Math.min(scale.width, scale.x(time))));
+    const [left, right] = [brush.start, brush.end].map((time) => clamped(scale.x(time), 0, scale.width));
     this.brushMark.style.transform = `translateX(${gutter + left}px)`;
     this.brushMark.style.width = `${Math.max(1, right - left)}px`;
   }

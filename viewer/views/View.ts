@@ -1,7 +1,7 @@
 /** What every panel of the page is. */
 
 import type {Direction} from '../model/axis';
-import type {Change, State, Store} from './store';
+import type {State, Store} from './store';
 
 export interface App {
   readonly store: Store;
@@ -24,10 +24,10 @@ export interface View {
   /** Fills `host` once; it belongs to the view until the page closes. */
   mount(host: HTMLElement, app: App): void;
   /**
-   * Paints the committed state. `changed` names what differs since this view's last call; all after a
-   * resize.
+   * Paints the committed state. `before` is the one that this view painted last; null if all is to be
+   * painted, as after a resize.
    */
-  draw(state: State, changed: ReadonlySet<Change>): void;
+  draw(state: State, before: State|null): void;
   /** Handles a key press while the view has the focus; returns whether it did. */
   key?(event: KeyboardEvent): boolean;
   /**

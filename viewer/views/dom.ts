@@ -4,11 +4,16 @@
 type Attributes = Readonly<Record<string, string|number|boolean|((event: never) => void)>>;
 type Content = readonly(Node|string)[];
 
-/** Gives attributes and listeners to an element: functions become listeners of the event of that name. */
+/**
+ * Gives attributes and listeners to an element: functions become listeners of the event of that name. Those
+ * of ARIA say `true` or `false`; all others are there or not.
+ */
 export function equip(made: Element, attributes: Attributes): void {
   for (const [key, value] of Object.entries(attributes)) {
     if (typeof value === 'function')
       made.addEventListener(key, value as EventListener);
+    else if (key.startsWith('aria-'))
+      made.setAttribute(key, String(value));
     else if (value !== false)
       made.setAttribute(key, value === true ? '' : String(value));
   }
@@ -55,7 +60,7 @@ export function searchField(
  * itself.
  */
 export const twistyOf = (className: string, open: boolean|null): HTMLElement => element(
-    'span', {class: className, 'aria-hidden': 'true'},
+    'span', {class: className, 'aria-hidden': true},
     open === null ? '' :
         open      ? '▾' :
                     '▸');

@@ -1,5 +1,6 @@
 /** The one state of the page. Setters only mark changes; one commit per frame notifies all views. */
 
+import {differ} from '../model/maps';
 import type {Extent} from '../model/axis';
 import type {Filter} from '../model/filter';
 import type {LaneChoice} from '../model/lanes';
@@ -53,16 +54,14 @@ export interface State {
 /** Returns whether a document is being read, so that what is shown may be a part. */
 export const isReading = ({readings}: State): boolean => readings.some(({state}) => state === 'reading');
 
-/** A member of the state, or the room of the views on the page. */
-export type Change = keyof State|'size';
-
-type Listener = (state: State, changed: ReadonlySet<Change>) => void;
+/** Gets the state and the one of the commit before; null asks for everything to be painted. */
+type Listener = (state: State, before: State|null) => void;
 
 /** Milliseconds of a frame for painting: what is left then is painted with the next ones. */
 const paintTime = 8;
 
 export class Store {
-  private pending = new Set<Change>();
+  private committed: State|null = null;
   private frame = 0;
   private readonly listeners: Listener[] = [];
   private readonly repaints = new Set<() => void>();
@@ -74,10 +73,7 @@ export class Store {
   /** Replaces members of the state; views see it with the next frame. */
   set(change: Partial<State>): void {
     const next = {...this.current, ...change };
-    for (const key of Object.keys(change) as (keyof State)[]) {
-      if (next[key] !== this.current[key]) this.pending.add(key);
-    }
-    if (this.pending.size === 0) return;
+    if (!differ(Object.values(next), Object.values(this.current))) return;
     this.current = next;
     this.schedule();
   }
@@ -89,7 +85,7 @@ export class Store {
 
   /** Repaints every view, such as after a resize. */
   refresh(): void {
-    this.pending = new Set([...Object.keys(this.current) as (keyof State)[], 'size']);
+    this.committed = null;
     this.schedule();
   }
 
@@ -107,10 +103,10 @@ export class Store {
 
   private commit(): void {
     this.frame = 0;
-    const changed = this.pending;
-    this.pending = new Set();
-    if (changed.size > 0)
-      for (const listener of this.listeners) listener(this.current, changed);
+    const { current, committed } = this;
+    this.committed = current;
+    if (current !== committed)
+      for (const listener of this.listeners) listener(current, committed);
     const end = performance.now() + paintTime;
     for (const paint of this.repaints) {
       this.repaints.delete(paint);
