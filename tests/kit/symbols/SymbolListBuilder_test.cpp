@@ -94,14 +94,15 @@ TEST(SymbolListBuilder, ListsUnnamedCodeAndCutsItAtStartsOfFunctions) {
   SymbolListBuilder builder;
   builder.addCode(0x2000, 0x3000);
   builder.addCode(0x1000, 0x1800);
-  for (const std::uint64_t start : {0x1010u, 0x1104u, 0x1104u, 0x1700u, 0x1900u, 0x2000u})
+  for (const std::uint64_t start : {0x1010u, 0x1104u, 0x1104u, 0x1700u, 0x1900u, 0x2000u, 0x2f10u, 0x2f80u})
     builder.addStart(start);
   builder.add({0x1000, 0x100, "named"});   // covers a start
   builder.add({0x1140, 0x5c0, "second"});  // begins within unnamed code, ends where some begins
   builder.add({0x2f00, 0x80, "last"});
   builder.add({0x2fb0, 0x20, "padded"});
   EXPECT_EQ(textOf(builder.build()),
-            "1000+100 named, 1104+3c , 1140+5c0 second, 1700+100 , 2000+f00 , 2f00+80 last, 2fb0+20 padded");
+            "1000+100 named, 1104+3c , 1140+5c0 second, 1700+100 , 2000+f00 , 2f00+80 last, 2f80+30 , "
+            "2fb0+20 padded");
 }
 
 TEST(SymbolListBuilder, ListsCodeUpToTheLastAddress) {
