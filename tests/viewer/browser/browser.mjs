@@ -38,6 +38,7 @@ export async function openPage(
     {fragment = '', file = page, url = pathToFileURL(file).href, ...options} = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 720 }, ...options });
   await context.addInitScript(watchFrames);
+  await context.addInitScript(watchTimers);
   const opened = await context.newPage();
   opened.complaints = [];
   opened.on('pageerror', (error) => opened.complaints.push(error.message));
@@ -82,8 +83,33 @@ function watchFrames() {
   };
 }
 
+/** Runs in the page: `timers` holds what the page still waits for. */
+function watchTimers() {
+  const { setTimeout: start, clearTimeout: stop } = window;
+  const timers = (window.timers = new Set());
+  window.setTimeout = (callback, delay) => {
+    const id = start(() => {
+      timers.delete(id);
+      callback();
+    }, delay);
+    timers.add(id);
+    return id;
+  };
+  window.clearTimeout = (id) => {
+    timers.delete(id);
+    stop(id);
+  };
+}
+
 /** Waits until what was done is drawn. */
 export const frame = (opened) => opened.evaluate(() => new Promise((done) => window.settled(done)));
+
+/** Returns what the URL says of the page's state, once it has followed what was done. */
+export async function stateOf(opened) {
+  await frame(opened);
+  await opened.waitForFunction(() => window.timers.size === 0);
+  return new URLSearchParams(new URL(opened.url()).hash.slice(1));
+}
 
 /** Returns a table of the page as rows of texts, found by its caption. */
 export const tableOf = (opened, caption) => opened.evaluate((wanted) => {

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {join} from 'node:path';
 import {test} from 'node:test';
 
-import {documents, frame, keepPicture, openDocuments, openPage, tableOf, useBrowser} from './browser.mjs';
+import {documents, frame, keepPicture, openDocuments, openPage, stateOf, tableOf, useBrowser} from './browser.mjs';
 
 useBrowser();
 
@@ -20,12 +20,6 @@ async function openTimechart(options) {
 async function press(page, key) {
   await page.keyboard.press(key);
   await frame(page);
-}
-
-/** What the URL says of the page's state, once it has followed. */
-async function stateOf(page) {
-  await page.waitForTimeout(400);
-  return new URLSearchParams(new URL(page.url()).hash.slice(1));
 }
 
 const spanOf = (text) => text.split(',').map(Number);
