@@ -68,6 +68,8 @@ export class FlamePane {
           role: 'application',
           'aria-roledescription': 'flame graph',
           'aria-label': label,
+          // Some screen readers say nothing of an application that gets the focus.
+          focus: () => this.tell(this.chosen, `${label}; `),
           dblclick: (event: MouseEvent) => {
             const box = this.boxAt(event);
             if (box) this.open(box.node);
@@ -237,7 +239,9 @@ export class FlamePane {
     this.repaint();
   }
 
-  private tell(node: number): void { this.app.announce(this.look.describe(node).join(', ')); }
+  private tell(node: number, before = ''): void {
+    this.app.announce(before + this.look.describe(node).join(', '));
+  }
 
   private focusOn(node: number): void {
     this.focus = node;

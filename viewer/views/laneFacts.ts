@@ -26,9 +26,8 @@ export function sliceOn(lane: Lane, time: number, close: number): Slice|null {
 /** Returns the lines that tell what a row shows; `pixel` is the time around it that the eye takes for it. */
 export function describeLane(
     model: TimechartModel, lane: Lane, time: number, pixel: number, mark: number|null): string[] {
-  const lines = [
-    shortName(fullLabel(lane)), ...lane.tracks.flatMap((track) => describeTrack(model, track, time, pixel))
-  ];
+  const label = shortName(fullLabel(lane));
+  const lines = [label, ...lane.tracks.flatMap((track) => describeTrack(model, track, time, pixel, label))];
   const busy = lane.tracks.find(({ role }) => role === 'busy');
   const run = busy ? model.tasks.runOnCore(busy.cpu, time) : null;
   if (run) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
@@ -40,26 +39,29 @@ export function describeLane(
 const reach = 3;
 const mostMarks = 5;
 
-function describeTrack(model: TimechartModel, track: Track, time: number, pixel: number): string[] {
+function describeTrack(
+    model: TimechartModel, track: Track, time: number, pixel: number, label: string): string[] {
   const { entry, steps, shape } = track;
   const { times, values } = steps;
   const name = shortName(entry.tip || entry.name);
+  // The row's label stands ahead of all.
+  const lead = name === label ? '' : `${name}: `;
   if (shape === 'state') {
     const slice = steps.sliceAt(time, model.end);
-    if (slice) return [`${name}: ${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
+    if (slice) return [`${lead}${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
     const share = steps.use(time - pixel, time + pixel).seconds / (2 * pixel);
-    return share > 0 ? [`${name}: ${formatShare(share)} here`] : [];
+    return share > 0 ? [`${lead}${formatShare(share)} here`] : [];
   }
   if (shape === 'level') {
     // As the document has it: a double would round long numbers.
     const index = pointsUntil(times, time) - 1;
-    return [`${name}: ${entry.exact?.get(index) ?? values[index] ?? 0}`];
+    return [`${lead}${entry.exact?.get(index) ?? values[index] ?? 0}`];
   }
   const from = pointsBefore(times, time - reach * pixel);
   const count = pointsUntil(times, time + reach * pixel) - from;
   const lines = Array.from({ length: Math.min(mostMarks, count) }, (_, i) => {
     const text = model.markerText(track, from + i);
-    return text ? `${shortName(text.name)} ${shortName(text.detail)}` : `${name}: ${values[from + i]}`;
+    return text ? `${shortName(text.name)} ${shortName(text.detail)}` : `${lead}${values[from + i]}`;
   });
   return count > mostMarks ? [...lines, `and ${count - mostMarks} more`] : lines;
 }

@@ -43,7 +43,7 @@ const views = {
     'treegrid "Call tree"', 'columnheader "Total"',
     'row "600 100.0% all samples" level=1 expanded=true selected=true'
   ],
-  functions: ['grid "Functions"', 'columnheader "Self', 'combobox "Rows are"', 'gridcell "schedule"'],
+  functions: ['grid "Functions"', 'columnheader "Self"', 'combobox "Rows are"', 'gridcell "schedule"'],
   butterfly: ['application "Callers"', 'application "Callees"'],
   difference: ['application "Difference flame graph"', 'grid "Changes"', 'columnheader "Function (self)"'],
   span: ['table "Cores"', 'columnheader "Busy, ms"', 'rowheader "CPU 0 Busy"'],
@@ -71,6 +71,19 @@ test('each view has roles, names and states', async () => {
     assert.deepEqual(nameless.map(({ line }) => line), [], view);
   }
   assert.deepEqual(page.complaints, []);
+});
+
+test('what gets the focus tells what it is and where in it', async () => {
+  const page = await openPage();
+  await openDocuments(page, join(documents, 'profile.json'), join(documents, 'timechart.json'));
+  const status = page.locator('.status');
+  await page.locator('#view-flame .flame').focus();
+  assert.match(await status.innerText(), /^Flame graph; .*; all samples: 600 \(100\.0%\)/);
+  await page.keyboard.press('ArrowDown');
+  assert.match(await status.innerText(), /^cut off here/);
+  await page.locator('#view-lanes .labels').focus();
+  for (const key of ['Home', 'ArrowDown']) await page.keyboard.press(key);
+  assert.match(await status.innerText(), /^CPU 0 Busy; \d+\.\d% here; 0\.000000 s/);
 });
 
 test('rows out of sight are reached and scrolled by keys alone', async () => {
