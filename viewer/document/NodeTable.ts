@@ -1,10 +1,10 @@
-import {grown} from './grown';
+import {grown, zeros} from './grown';
 
 /** Nodes of a tree, each with its parent and a key; node 0 is the root. */
 export class NodeTable {
   count = 1;
-  parents = new Uint32Array(1 << 12);
-  keys = new Uint32Array(1 << 12);
+  parents = zeros(1 << 12);
+  keys = zeros(1 << 12);
 
   add(parent: number, key: number): void {
     if (this.count === this.parents.length) {

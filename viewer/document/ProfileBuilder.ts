@@ -90,7 +90,6 @@ export class ProfileBuilder {
    * every picture of a document, so that one which was chosen stays chosen.
    */
   private places(byKey: ReadonlyMap<number, ProcessRow>, references: Uint32Array): Places {
-    const used = new Set(references);
     const table = new PlaceTable();
     table.add(cutKey, 'cut off here: the callers are unknown', PlaceKind.Cut);
     const kernels = new Set<number>();
@@ -111,15 +110,12 @@ export class ProfileBuilder {
         const start = pid === undefined ? row.start : this.original(pid, row.start);
         const { high, low } = toAddress(start);
         const name = start === row.start ? row.name : `{${synthetic[1]}-${hexadecimal(high, low)}}`;
-        table.add(row.key, shownName(name), PlaceKind.Synthetic, null, line);
+        table.add(row.key, shownName(name), PlaceKind.Synthetic, undefined, line);
         continue;
       }
       const kernel = row.libraries.some((key) => kernels.has(key));
       const kind = kernel ? PlaceKind.Kernel : PlaceKind.User;
-      table.add(row.key, shownName(row.name), kind, row.libraries[0] ?? null, line);
-    }
-    for (const key of used) {
-      if (!table.has(key)) table.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
+      table.add(row.key, shownName(row.name), kind, row.libraries[0], line);
     }
     for (let node = 1; node < references.length; ++node) references[node] = table.place(references[node]);
     return table.columns();
@@ -154,22 +150,24 @@ class PlaceTable {
   private readonly byKey = new Map<number, number>();
   private readonly byName = new Map<string, number>();
 
-  has(key: number): boolean { return this.byKey.has(key); }
-
-  place(key: number): number { return this.byKey.get(key) ?? 0; }
+  /** Returns the place of a key; one that the document says nothing about becomes a place of its own. */
+  place(key: number): number {
+    return this.byKey.get(key) ?? this.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
+  }
 
   add(
       key: number,
       name: string,
       kind: PlaceKind,
-      library: number|null = null,
+      library = -1,
       line?: FileLine,
-      ): void {
+      ): number {
     const place = this.names.push(name) - 1;
     this.kinds.push(kind);
-    this.libraries.push((library === null ? undefined : this.byKey.get(library)) ?? place);
+    this.libraries.push(this.byKey.get(library) ?? place);
     this.lines.push(line);
     this.byKey.set(key, place);
+    return place;
   }
 
   /** A file that several processes map has a row for each in the document; here it is one place. */

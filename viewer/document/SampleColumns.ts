@@ -1,4 +1,4 @@
-import {grown} from './grown';
+import {type Column, grown, zeros} from './grown';
 import {finishStacks, StackTable} from './StackTable';
 import type {Samples, Stacks} from './profile';
 import {timeOrder} from './timeOrder';
@@ -23,16 +23,16 @@ export class SampleColumns {
   count = 0;
   readonly threads: ThreadKey[] = [];
   /** Keys of the back-trace of the sample that is being read, innermost first. */
-  frames = new Uint32Array(64);
+  frames = zeros(64);
 
   private times = new Float64Array(1 << 12);
   private cores = new Uint16Array(1 << 12);
-  private sampleThreads = new Uint32Array(1 << 12);
-  private nodes = new Uint32Array(1 << 12);
+  private sampleThreads = zeros(1 << 12);
+  private nodes = zeros(1 << 12);
   private stacks = new StackTable();
   private readonly threadIndex = new Map<number, Map<number, number>>();
   /** The latest thread; most samples have the thread of one before them. */
-  private readonly recent = new Uint32Array(256).fill(cutKey);
+  private readonly recent = zeros(256).fill(cutKey);
   private depth: number;
   private cutNode = 0;
 
@@ -79,35 +79,36 @@ export class SampleColumns {
   sampled(most: number): Columns {
     const step = Math.max(1, Math.ceil(this.count / most));
     const count = Math.ceil(this.count / step);
-    const pick = <T extends Uint32Array|Float64Array|Uint16Array>(column: T): T => {
+    const pick = <T extends Column>(column: T): T => {
       const picked = new (column.constructor as new (length: number) => T)(count);
       for (let i = 0; i < count; ++i) picked[i] = column[i * step];
       return picked;
     };
-    const nodes = pick(this.nodes);
+    const samples = this.columns(count, pick);
+    const nodes = samples.stacks;
     const { kept, position } = this.nodesAbove(nodes);
     const parents = kept.map((node) => position[this.stacks.parents[node]]);
     const keys = kept.map((node) => this.stacks.keys[node]);
-    return this.ordered(step, parents, keys, {
-      count,
-      times: pick(this.times),
-      cores: pick(this.cores),
-      threads: pick(this.sampleThreads),
-      stacks: nodes.map((node) => position[node]),
-    });
+    return this.ordered(step, parents, keys, {...samples, stacks: nodes.map((node) => position[node]) });
   }
 
   /** Returns all columns, and releases what only the reading needs. */
   finish(): Columns {
     const { parents, keys } = this.stacks.release();
     const { count } = this;
-    return this.ordered(1, parents, keys, {
+    const filled = <T extends Column>(column: T) => column.subarray(0, count) as T;
+    return this.ordered(1, parents, keys, this.columns(count, filled));
+  }
+
+  /** Returns what `take` makes of each column. */
+  private columns(count: number, take: <T extends Column>(column: T) => T): Samples {
+    return {
       count,
-      times: this.times.subarray(0, count),
-      cores: this.cores.subarray(0, count),
-      threads: this.sampleThreads.subarray(0, count),
-      stacks: this.nodes.subarray(0, count),
-    });
+      times: take(this.times),
+      cores: take(this.cores),
+      threads: take(this.sampleThreads),
+      stacks: take(this.nodes)
+    };
   }
 
   private ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
@@ -126,7 +127,7 @@ export class SampleColumns {
    */
   private nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
     const { stacks } = this;
-    const position = new Uint32Array(stacks.count);
+    const position = zeros(stacks.count);
     let count = 1;
     for (let node of nodes) {
       for (; node !== 0 && position[node] === 0; node = stacks.parents[node]) {
@@ -134,7 +135,7 @@ export class SampleColumns {
         ++count;
       }
     }
-    const kept = new Uint32Array(count);
+    const kept = zeros(count);
     for (let node = 1, next = 1; node < stacks.count; ++node) {
       if (position[node] === 0) continue;
       kept[next] = node;
@@ -161,7 +162,7 @@ export class SampleColumns {
   private uncut(): void {
     const { stacks, cutNode } = this;
     const merged = new StackTable();
-    const moved = new Uint32Array(stacks.count);
+    const moved = zeros(stacks.count);
     for (let node = 1; node < stacks.count; ++node) {
       if (node !== cutNode) moved[node] = merged.child(moved[stacks.parents[node]], stacks.keys[node]);
     }

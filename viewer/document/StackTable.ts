@@ -1,14 +1,15 @@
+import {zeros} from './grown';
 import {NodeTable} from './NodeTable';
 import type {Stacks} from './profile';
 
 /** Frames of one place with the same callers share a node; node 0 is the root. */
 export class StackTable extends NodeTable {
-  private slots = new Uint32Array(1 << 13);
+  private slots = zeros(1 << 13);
   /**
    * Nodes of whole back-traces, by a hash of their keys: samples are taken in the same places again and
    * again, and a walk up the tree is cheaper than a search for each key.
    */
-  private recent = new Uint32Array(1 << 17);
+  private recent = zeros(1 << 17);
   /** Keys come from the document, so that a fixed hash could be fed collisions. */
   private readonly seed = (Math.random() * 2 ** 32) | 1;
 
@@ -47,8 +48,8 @@ export class StackTable extends NodeTable {
   private widen(): void {
     const mask = 2 * this.slots.length - 1;
     // The old table is released before the new one is made: together they would be the peak of the memory.
-    this.slots = new Uint32Array(0);
-    const slots = new Uint32Array(mask + 1);
+    this.slots = zeros(0);
+    const slots = zeros(mask + 1);
     for (let node = 1; node < this.count; ++node) {
       let slot = this.hash(this.parents[node], this.keys[node]) & mask;
       while (slots[slot] !== 0) slot = (slot + 1) & mask;
@@ -65,7 +66,7 @@ export class StackTable extends NodeTable {
 
   /** Releases the table of look-ups and returns the nodes' parents and keys. */
   release(): { parents: Uint32Array; keys: Uint32Array } {
-    this.slots = new Uint32Array(0);
+    this.slots = zeros(0);
     return { parents: this.parents.subarray(0, this.count), keys: this.keys.subarray(0, this.count) };
   }
 }
@@ -73,7 +74,7 @@ export class StackTable extends NodeTable {
 /** Adds the totals and the children of each node, the heaviest first, given the node of each sample. */
 export function finishStacks(parents: Uint32Array, places: Uint32Array, samples: Uint32Array): Stacks {
   const count = parents.length;
-  const totals = new Uint32Array(count);
+  const totals = zeros(count);
   for (const node of samples) totals[node]++;
   for (let node = count - 1; node > 0; --node) totals[parents[node]] += totals[node];
   return { count, parents, places, totals, ...childrenByWeight(parents, totals) };
@@ -83,11 +84,11 @@ export function finishStacks(parents: Uint32Array, places: Uint32Array, samples:
 export function childrenByWeight(
     parents: Uint32Array, totals: Column): Pick<Stacks, 'firstChild'|'children'> {
   const count = parents.length;
-  const firstChild = new Uint32Array(count + 1);
+  const firstChild = zeros(count + 1);
   for (let node = 1; node < count; ++node) firstChild[parents[node] + 1]++;
   for (let node = 0; node < count; ++node) firstChild[node + 1] += firstChild[node];
   // From the last node down, so that the first entry of each stretch is reached as its end.
-  const children = new Uint32Array(Math.max(0, count - 1));
+  const children = zeros(Math.max(0, count - 1));
   const next = firstChild.slice(1);
   for (let node = count - 1; node > 0; --node) children[--next[parents[node]]] = node;
   for (let node = 0; node < count; ++node)

@@ -1,6 +1,6 @@
 import type {Damage} from './damage';
 import type {Entry, Timechart} from './timechart';
-import {grown} from './grown';
+import {grown, zeros} from './grown';
 import {shownName} from './text';
 import {timeOrder} from './timeOrder';
 
@@ -35,8 +35,8 @@ export class TimechartBuilder {
   private values = new Float64Array(0);
   private firstText = 0;
   private textCount = 0;
-  private names = new Uint32Array(0);
-  private details = new Uint32Array(0);
+  private names = zeros(0);
+  private details = zeros(0);
   private strings: string[] = [];
   private readonly stringIndex = new Map<string, number>();
 

@@ -102,20 +102,16 @@ export function readString(reader: Reader): string {
     }
     if (i >= reader.end) reader.runOut();
   }
-  if (i >= reader.end) reader.runOut();
   const text = decode(bytes.subarray(start, i));
-  if (!escaped) {
-    reader.pos = i + 1;
-    return text;
-  }
-  const plain =
-      text.replace(/\\(?:u([0-9a-fA-F]{4})|([^]?))/g, (_, code: string|undefined, letter: string) => {
-        if (code !== undefined) return String.fromCharCode(parseInt(code, 16));
-        return escapes[letter] ?? reader.fail('a name has an unknown escape');
-      });
+  // Decoding writes invalid bytes with a backslash, which is no escape.
+  const plain = escaped ? text.replace(/\\(?:u([0-9a-fA-F]{4})|([^]?))/g, unescaped(reader)) : text;
   reader.pos = i + 1;
   return plain;
 }
+
+const unescaped = (reader: Reader) => (_: string, code: string|undefined, letter: string): string => code ?
+    String.fromCharCode(parseInt(code, 16)) :
+    escapes[letter] ?? reader.fail('a name has an unknown escape');
 
 /** Reads a label and its colon. */
 export function readLabel(reader: Reader): string {

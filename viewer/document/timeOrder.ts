@@ -1,3 +1,5 @@
+import {zeros} from './grown';
+
 /**
  * Returns the indices of `times` in ascending order, or null if they are so already. perf writes its buffers
  * of each core in turns, so that a recording is a row of ascending runs; they are merged two by two.
@@ -5,9 +7,9 @@
 export function timeOrder(times: ArrayLike<number>): Uint32Array|null {
   let runs = runStarts(times);
   if (runs.length <= 2) return null;
-  let from = new Uint32Array(times.length);
+  let from = zeros(times.length);
   for (let i = 0; i < times.length; ++i) from[i] = i;
-  let to = new Uint32Array(times.length);
+  let to = zeros(times.length);
   while (runs.length > 2) {
     const merged = [0];
     for (let run = 0; run + 1 < runs.length; run += 2) {

@@ -57,7 +57,7 @@ async function readLayout(source: Source): Promise<LayoutFile> {
   try {
     return LayoutFile.parse(await new Blob(pieces).text());
   } catch (error) {
-    throw new Error(`${source.name}: no layout file: ${error instanceof Error ? error.message : error}`);
+    throw new Error(`${source.name}: no layout file: ${(error as Error).message}`);
   }
 }
 
@@ -80,11 +80,9 @@ export function serve(): void {
     if (message.type === 'cancel')
       cancelled = true;
     else {
-      read(message.source, message.layout)
-          .catch(
-              (error: unknown) =>
-                  post({ type: 'failed', message: error instanceof Error ? error.message : String(error) }),
-          );
+      read(message.source, message.layout).catch(({
+                                                   message: reason
+                                                 }: Error) => post({ type: 'failed', message: reason }));
     }
   };
 }

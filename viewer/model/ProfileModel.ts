@@ -2,14 +2,14 @@ import type {Profile} from '../document/profile';
 import {everything, type Filter} from './filter';
 import {type Grouping, groupings} from './groupings';
 import {kept, latest} from './maps';
-import {placesWithText, Selection} from './Selection';
+import {nodesWithText, placesWithText, Selection} from './Selection';
 
 /**
  * A profile document with what the views ask of it; answers that cost are kept until the question changes.
  */
 export class ProfileModel {
-  readonly start: number;
-  readonly end: number;
+  declare readonly start: number;
+  declare readonly end: number;
   /** Returns the selection of a filter. */
   readonly selection = latest((filter: Filter) => new Selection(this.profile, filter));
   /** Returns the filter that has this text only. */
@@ -17,6 +17,7 @@ export class ProfileModel {
   /** Returns a mark for each place that the search is for, or null if there is no search. */
   readonly matches =
       latest((search: string) => (search === '' ? null : placesWithText(this.profile, search)));
+  private readonly nodesWithText = latest((search: string) => nodesWithText(this.profile, search));
   private readonly untimed = latest(
       (cores: Filter['cores'], threads: Filter['threads'], text: string) =>
           new Selection(this.profile, {...everything, cores, threads, text }));
@@ -38,15 +39,8 @@ export class ProfileModel {
 
   /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
   matchedSamples(filter: Filter, search: string): number|null {
-    const matches = this.matches(search);
-    if (!matches) return null;
-    const { parents, places, totals } = this.selection(filter);
-    const inside = new Uint8Array(places.length);
-    let samples = 0;
-    for (let node = 1; node < places.length; ++node) {
-      inside[node] = inside[parents[node]] | matches[places[node]];
-      if (inside[node] === 1 && inside[parents[node]] === 0) samples += totals[node];
-    }
-    return samples;
+    if (search === '') return null;
+    const marks = this.nodesWithText(search);
+    return this.selection(filter).selves.reduce((sum, samples, node) => sum + marks[node] * samples, 0);
   }
 }

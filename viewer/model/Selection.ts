@@ -1,3 +1,4 @@
+import {zeros} from '../document/grown';
 import type {Profile, Stacks} from '../document/profile';
 import {everything, type Filter} from './filter';
 import {pointsBefore} from './steps';
@@ -5,15 +6,15 @@ import type {Tree} from './tree';
 
 /** The samples that a filter lets through, and what each node of the stacks weighs with them. */
 export class Selection implements Tree {
-  readonly places: Uint32Array;
-  readonly parents: Uint32Array;
-  readonly totals: Uint32Array;
-  readonly bounds: Uint32Array;
-  readonly childStart: Uint32Array;
-  readonly childEnd: Uint32Array;
-  readonly children: Uint32Array;
+  declare readonly places: Uint32Array;
+  declare readonly parents: Uint32Array;
+  declare readonly totals: Uint32Array;
+  declare readonly bounds: Uint32Array;
+  declare readonly childStart: Uint32Array;
+  declare readonly childEnd: Uint32Array;
+  declare readonly children: Uint32Array;
   /** Number of samples. */
-  readonly count: number;
+  declare readonly count: number;
   private selfTimes: Uint32Array|null = null;
 
   constructor(
@@ -30,7 +31,7 @@ export class Selection implements Tree {
     if (isEverything(filter)) {
       this.totals = stacks.totals;
     } else {
-      this.totals = new Uint32Array(stacks.count);
+      this.totals = zeros(stacks.count);
       this.countSamples(this.totals);
       sumUp(stacks, this.totals);
     }

@@ -6,12 +6,12 @@ import {Track} from './tracks';
 
 /** A timechart document with what the views ask of it. */
 export class TimechartModel {
-  readonly tracks: readonly Track[];
-  readonly tree: readonly Lane[];
-  readonly tasks: Tasks;
+  declare readonly tracks: readonly Track[];
+  declare readonly tree: readonly Lane[];
+  declare readonly tasks: Tasks;
   /** Time of the first and of the last point, in seconds. */
-  readonly start: number;
-  readonly end: number;
+  declare readonly start: number;
+  declare readonly end: number;
 
   /** `before` is the model of a part of the document, whose tracks are used again. */
   constructor(readonly timechart: Timechart, before: TimechartModel|null = null) {

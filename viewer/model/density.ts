@@ -1,3 +1,4 @@
+import {zeros} from '../document/grown';
 import type {Profile} from '../document/profile';
 import type {Extent} from './axis';
 import {pointsBefore} from './steps';
@@ -15,7 +16,7 @@ const mostCores = 0x10000;
 /** Returns the cores in their order, then the threads, those with most samples first. */
 export function timeRows({samples, threads}: Profile): TimeRow[] {
   const rows = (kind: TimeRow['kind'], subjects: Uint16Array|Uint32Array, most: number): TimeRow[] => {
-    const counts = new Uint32Array(most);
+    const counts = zeros(most);
     for (let i = 0; i < samples.count; ++i) counts[subjects[i]]++;
     const found: TimeRow[] = [];
     counts.forEach((count, subject) => count > 0 && found.push({ kind, subject, samples: count }));
@@ -33,7 +34,7 @@ export function timeRows({samples, threads}: Profile): TimeRow[] {
  * sample belongs to the last pixel of a span that ends with it.
  */
 export function pixelBounds({samples: {times}}: Profile, {start, end}: Extent, pixels: number): Uint32Array {
-  const bounds = new Uint32Array(pixels + 1);
+  const bounds = zeros(pixels + 1);
   for (let x = 0; x <= pixels; ++x)
     bounds[x] = pointsBefore(times, start + ((end - start) * x) / pixels, bounds[x - 1]);
   if (end >= times[times.length - 1]) bounds[pixels] = times.length;
@@ -53,8 +54,8 @@ export class RowSamples {
     const rowOfCore = new Int32Array(mostCores).fill(-1);
     const rowOfThread = new Int32Array(threads.length).fill(-1);
     rows.forEach(({ kind, subject }, row) => ((kind === 'core' ? rowOfCore : rowOfThread)[subject] = row));
-    const columns = rows.map((row) => new Uint32Array(row.samples));
-    const counts = new Uint32Array(rows.length);
+    const columns = rows.map((row) => zeros(row.samples));
+    const counts = zeros(rows.length);
     forEachSample((index) => {
       const core = rowOfCore[samples.cores[index]];
       const thread = rowOfThread[samples.threads[index]];
@@ -67,7 +68,7 @@ export class RowSamples {
   /** Returns the samples of a row in each pixel; `bounds` are those of `pixelBounds`. */
   count(row: number, bounds: Uint32Array): Uint32Array {
     const column = this.columns[row];
-    const counts = new Uint32Array(bounds.length - 1);
+    const counts = zeros(bounds.length - 1);
     let from = firstFrom(column, bounds[0], 0);
     for (let x = 0; x < counts.length; ++x) {
       const to = firstFrom(column, bounds[x + 1], from);

@@ -1,3 +1,4 @@
+import {zeros} from '../document/grown';
 import type {Profile} from '../document/profile';
 import {childrenByWeight, StackTable} from '../document/StackTable';
 import type {Selection} from './Selection';
@@ -10,15 +11,15 @@ import type {Tree} from './tree';
  * libraries' names are. A box is as wide as the heavier of the two, in samples of `current`.
  */
 export class DifferenceTree implements Tree {
-  readonly places: Uint32Array;
-  readonly parents: Uint32Array;
+  declare readonly places: Uint32Array;
+  declare readonly parents: Uint32Array;
   /** Samples of the current profile, and of the baseline scaled to as many. */
-  readonly current: Uint32Array;
-  readonly baseline: Float64Array;
-  readonly totals: Float64Array;
-  readonly childStart: Uint32Array;
-  readonly childEnd: Uint32Array;
-  readonly children: Uint32Array;
+  declare readonly current: Uint32Array;
+  declare readonly baseline: Float64Array;
+  declare readonly totals: Float64Array;
+  declare readonly childStart: Uint32Array;
+  declare readonly childEnd: Uint32Array;
+  declare readonly children: Uint32Array;
 
   constructor(union: Union, current: Selection, baseline: Selection) {
     this.places = union.places;
@@ -94,7 +95,7 @@ function jointPlaces({ places }: Profile, index: Map<string, number>): Uint32Arr
 }
 
 function insert({ stacks }: Profile, joint: Uint32Array, table: StackTable): Uint32Array {
-  const nodes = new Uint32Array(stacks.count);
+  const nodes = zeros(stacks.count);
   for (let node = 1; node < stacks.count; ++node) {
     nodes[node] = table.child(nodes[stacks.parents[node]], joint[stacks.places[node]]);
   }
@@ -110,7 +111,7 @@ function reversed(joint: Uint32Array, size: number): Int32Array {
 /** Returns the samples of each node of the union. */
 function gathered(
     selection: Selection, nodes: Uint32Array, parents: Uint32Array, count: number): Uint32Array {
-  const totals = new Uint32Array(count);
+  const totals = zeros(count);
   const { selves } = selection;
   for (let node = 0; node < nodes.length; ++node) totals[nodes[node]] += selves[node];
   sumUp({ parents }, totals);

@@ -1,5 +1,6 @@
 /** What the rows of the table of functions can be: functions, or what functions and samples belong to. */
 
+import {zeros} from '../document/grown';
 import {PlaceKind, type Profile} from '../document/profile';
 import type {Filter} from './filter';
 import {kept} from './maps';
@@ -74,11 +75,12 @@ function libraryKind({ places }: Profile, library: number): PlaceKind {
   return places.kinds[library] === PlaceKind.Unresolved ? PlaceKind.User : places.kinds[library];
 }
 
-function byFile({ places, files, ...profile }: Profile): Grouping {
+function byFile(profile: Profile): Grouping {
+  const { places, files } = profile;
   const groups = files.map((name) => group(name));
   const none = groups.push(group('no source file known', PlaceKind.Unresolved)) - 1;
   const groupOf = Int32Array.from(places.files, (file) => (file < 0 ? none : file));
-  return ofPlaces({ places, files, ...profile }, groups, groupOf, false);
+  return ofPlaces(profile, groups, groupOf, false);
 }
 
 function byProcess(profile: Profile): Grouping {
@@ -118,7 +120,7 @@ function ofSamples(groups: readonly Group[], groupOf: (index: number) => number)
     groups,
     byPlace: false,
     weigh(selection) {
-      const totals = new Uint32Array(groups.length);
+      const totals = zeros(groups.length);
       selection.forEachSample((index) => totals[groupOf(index)]++);
       return { selves: totals, totals };
     },
@@ -135,8 +137,8 @@ function ofPlaces(
     weigh(selection) {
       outermost ??= outermostNodes(profile, groupOf);
       const { places, count } = profile.stacks;
-      const selves = new Uint32Array(groups.length);
-      const totals = new Uint32Array(groups.length);
+      const selves = zeros(groups.length);
+      const totals = zeros(groups.length);
       const nodes = selection.selves;
       for (let node = 1; node < count; ++node) {
         const group = groupOf[places[node]];

@@ -100,6 +100,12 @@ export interface LaneChoice {
   readonly pinned: ReadonlySet<string>;
 }
 
+export const noChoice: LaneChoice = {
+  folded: new Set(),
+  hidden: new Set(),
+  pinned: new Set()
+};
+
 /**
  * Returns the rows to draw, from top to bottom: the pinned ones, then the rest of the tree as far as it is
  * unfolded.

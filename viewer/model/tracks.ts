@@ -4,12 +4,11 @@ import {Steps} from './steps';
 /** On or off, a value, or moments. */
 export type Shape = 'state'|'level'|'marks';
 
-/** The kind of data of a track. */
-export type Role =|'busy'|'frequency'|'idle'|'gpu'|'interrupt'|'running'|'waitIo'|'waitCpu'|'waitGpu'|
-    'counter'|'marks'|'other';
-
 /** Seconds that a task waits, by what for. */
 export type Waits = Record<'waitIo'|'waitCpu'|'waitGpu', number>;
+
+/** What drawing and statistics distinguish; all else is `other`. */
+export type Role = 'busy'|'interrupt'|'running'|keyof Waits|'counter'|'other';
 
 export const noWaits: Readonly<Waits> = {
   waitIo: 0,
@@ -21,16 +20,8 @@ export const isWait = (role: Role): role is keyof Waits => role in noWaits;
 
 const rolesOfClass = new Map<string, Role>([
   ['cpu:busy', 'busy'],
-  ['cpu:freq', 'frequency'],
-  ['cpu:idle', 'idle'],
-  ['gpu:power', 'gpu'],
-  ['gpu:freq', 'frequency'],
-  ['gpu:irq', 'marks'],
-  ['gpu:issue', 'marks'],
   ['irq', 'interrupt'],
   ['proc:running', 'running'],
-  ['proc:issue', 'marks'],
-  ['proc:events', 'marks'],
   ['ctr:', 'counter'],
 ]);
 
@@ -50,13 +41,13 @@ const firstSoft = 1000;
 
 /** An entry of the document with what drawing and statistics need. */
 export class Track {
-  readonly shape: Shape;
-  readonly role: Role;
-  readonly steps: Steps;
+  declare readonly shape: Shape;
+  declare readonly role: Role;
+  declare readonly steps: Steps;
   /** The task, core or interrupt that the entry's id names; -1 if it names none. */
-  readonly subject: number;
+  declare readonly subject: number;
   /** The core of a core's own series, of a task's running time or of an interrupt; else -1. */
-  readonly cpu: number;
+  declare readonly cpu: number;
 
   private knownPeak = -1;
 

@@ -77,12 +77,13 @@ export class Opener {
         if (message.picture) this.show(id, this.joined(id, message.picture));
         return;
       case 'document': {
-        const damage = message.document.damage;
+        const { document } = message;
+        const { name, damage } = document;
         this.update(id, {
           state: damage ? 'damaged' : 'complete',
-          message: damage ? `${message.document.name}: ${damage.reason} at byte ${damage.offset}` : '',
+          message: damage ? `${name}: ${damage.reason} at byte ${damage.offset}` : '',
         });
-        this.show(id, this.joined(id, message.document));
+        this.show(id, this.joined(id, document));
         break;
       }
       case 'failed':

@@ -1,8 +1,8 @@
 import {clamped, type Direction} from '../model/axis';
-import {button, div, element, equip, searchField, shortName, span} from '../views/dom';
+import {button, darkness, div, element, equip, placeIn, searchField, shortName, span} from '../views/dom';
 import type {Reading, State, Store} from '../views/store';
 import {axisWidth, brushOf, describeSpan, gutter, scaleOf, setBrush, timeKey} from '../views/timeAxis';
-import type {App, View} from '../views/View';
+import {type App, perform, type View} from '../views/View';
 import {copyText, savePicture} from './copy';
 import {helpDialog} from './help';
 import {History} from './History';
@@ -45,7 +45,7 @@ export class Shell implements App {
   private readonly found = element('span', { class: 'found', role: 'status' });
   private readonly brush = button(
       '', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
-  private readonly timeZone = div('zone time');
+  private readonly timeZone = div('time');
   private readonly splitter = element('div', {
     class: 'splitter',
     role: 'separator',
@@ -54,32 +54,38 @@ export class Shell implements App {
     tabIndex: 0
   });
   private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
-  private readonly detailZone = div('zone detail');
+  private readonly detailZone = div('detail');
   private readonly status = element('div', { class: 'status', role: 'status', 'aria-live': 'polite' });
   private readonly tip = element('div', { class: 'tip', role: 'tooltip', hidden: true });
   private readonly crosshair = element('div', { class: 'crosshair', hidden: true });
-  private readonly welcome: HTMLElement;
-  private readonly main: HTMLElement;
+  private readonly welcome =
+      div('welcome', element('h1', {}, 'zelconv viewer'),
+          element(
+              'p', {},
+              'Drop documents here: a profile, a timechart, or both of one recording; gzipped ones, too.'),
+          this.keyButton('Open documents…', 'Open documents (O)', 'o', 'primary'),
+          element(
+              'p', { class: 'quiet' },
+              'They stay on this machine: the page can request nothing. Press ? for the keys.'));
+  private readonly main =
+      element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
   private readonly help = helpDialog();
   private readonly history: History;
   /** The keys of the page; the help lists them. */
-  private readonly keys = new Map<string, () => void>([
-    [
-      '/',
-      () => {
-        this.search.focus();
-        this.search.select();
-      }
-    ],
-    ['?', () => this.help.showModal()],
-    ['n', () => this.find(1)],
-    ['N', () => this.find(-1)],
-    ['z', () => this.undo()],
-    ['o', () => this.openInput.click()],
-    ['c', () => void this.copy('table')],
-    ['C', () => void this.copy('folded')],
-    ['Escape', () => setBrush(this.store, null)],
-  ]);
+  private readonly keys: Readonly<Record<string, () => void>> = {
+    '/': () => {
+      this.search.focus();
+      this.search.select();
+    },
+    '?': () => this.help.showModal(),
+    'n': () => this.find(1),
+    'N': () => this.find(-1),
+    'z': () => this.undo(),
+    'o': () => this.openInput.click(),
+    'c': () => void this.copy('table'),
+    'C': () => void this.copy('folded'),
+    'Escape': () => setBrush(this.store, null),
+  };
 
   constructor(
       body: HTMLElement,
@@ -91,22 +97,12 @@ export class Shell implements App {
     this.mounted = views.map((view) => this.mount(view));
     this.tabs.append(span('fill'), this.brush);
     this.timeZone.append(this.crosshair);
-    this.welcome =
-        div('welcome', element('h1', {}, 'zelconv viewer'),
-            element(
-                'p', {},
-                'Drop documents here: a profile, a timechart, or both of one recording; gzipped ones, too.'),
-            this.keyButton('Open documents…', 'Open documents (O)', 'o', 'primary'),
-            element(
-                'p', { class: 'quiet' },
-                'They stay on this machine: the page can request nothing. Press ? for the keys.'));
-    this.main = element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
     body.append(this.header(), this.welcome, this.main, this.status, this.tip, this.help);
     this.listen(body);
     store.onCommit((state, before) => this.commit(state, before));
     const refresh = () => store.refresh();
     new ResizeObserver(refresh).observe(this.main);
-    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', refresh);
+    darkness().addEventListener('change', refresh);
     refresh();
   }
 
@@ -132,7 +128,7 @@ export class Shell implements App {
 
   /** Returns a button that does what a key does. */
   private keyButton(label: string, title: string, key: string, style = ''): HTMLButtonElement {
-    return button(label, title, () => this.keys.get(key)!(), { class: style });
+    return button(label, title, () => this.keys[key](), { class: style });
   }
 
   private header(): HTMLElement {
@@ -162,7 +158,7 @@ export class Shell implements App {
     else {
       const click = () => this.store.set({ panel: id });
       tab = element('button', { type: 'button', role: 'tab', 'aria-controls': host.id, click }, title);
-      host.setAttribute('role', 'tabpanel');
+      equip(host, { role: 'tabpanel' });
       this.tabs.append(tab);
       this.detailZone.append(host);
     }
@@ -270,9 +266,8 @@ export class Shell implements App {
     const { splitter } = this;
     equip(splitter, {
       pointerdown: ({ pointerId }: PointerEvent) => splitter.setPointerCapture(pointerId),
-      pointermove: ({ pointerId, clientY }: PointerEvent) => {
-        if (splitter.hasPointerCapture(pointerId))
-          this.split(clientY - this.timeZone.getBoundingClientRect().top);
+      pointermove: (event: PointerEvent) => {
+        if (splitter.hasPointerCapture(event.pointerId)) this.split(placeIn(this.timeZone, event).y);
       },
     });
   }
@@ -295,9 +290,7 @@ export class Shell implements App {
       return true;
     }
     if (this.tabKey(event) || this.focused()?.view.key?.(event) === true) return true;
-    const act = this.keys.get(key);
-    act?.();
-    return act !== undefined || this.digitKey(key) || timeKey(event, this.store);
+    return perform(key, this.keys) || this.digitKey(key) || timeKey(event, this.store);
   }
 
   /** A digit goes to the detail view of that number. */

@@ -39,7 +39,7 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
 
 /** Returns the dialog that lists keys and gestures. */
 export function helpDialog(): HTMLDialogElement {
-  const dialog = element('dialog', { class: 'help', 'aria-label': 'Keys and help' });
+  const dialog = element('dialog', { 'aria-label': 'Keys and help' });
   for (const [title, keys] of sections) {
     const rows = keys.map(
         ([key, meaning]) => element(

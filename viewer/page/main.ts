@@ -2,6 +2,7 @@
 
 import {serve} from '../document/worker';
 import {everything} from '../model/filter';
+import {noChoice} from '../model/lanes';
 import {Store} from '../views/store';
 
 import {followFragment} from './fragment';
@@ -21,7 +22,7 @@ function start(script: string): void {
     search: '',
     place: -1,
     panel: 'flame',
-    lanes: { folded: new Set(), hidden: new Set(), pinned: new Set() },
+    lanes: noChoice,
     cursor: null,
     run: null,
     mark: null,

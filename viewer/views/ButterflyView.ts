@@ -1,3 +1,4 @@
+import {zeros} from '../document/grown';
 import {describePlace} from '../model/groupings';
 import {MergedTree} from '../model/MergedTree';
 import type {Selection} from '../model/Selection';
@@ -13,8 +14,8 @@ export class ButterflyView extends ProfileView {
   readonly id = 'butterfly';
   readonly title = 'Callers and callees';
   private readonly name = element('div', { class: 'butterfly-name', role: 'heading', 'aria-level': '2' });
-  private callers!: FlamePane;
-  private callees!: FlamePane;
+  private declare callers: FlamePane;
+  private declare callees: FlamePane;
   private place = -1;
   protected override more = ({ place }: State) => place;
 
@@ -65,7 +66,7 @@ export class ButterflyView extends ProfileView {
 
 /** Returns the place in which most samples were taken. */
 function heaviest({ selves, places, profile }: Selection): number {
-  const byPlace = new Uint32Array(profile.places.count);
+  const byPlace = zeros(profile.places.count);
   for (let node = 1; node < selves.length; ++node) byPlace[places[node]] += selves[node];
   return byPlace.reduce((best, samples, place) => (samples > byPlace[best] ? place : best), 0);
 }

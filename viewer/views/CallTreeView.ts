@@ -29,7 +29,7 @@ const openedShare = 1 / 20;
 export class CallTreeView extends ProfileView {
   readonly id = 'tree';
   readonly title = 'Call tree';
-  private list!: RowTable;
+  private declare list: RowTable;
   private rows: TreeRow[] = [];
   private opened = new Set<number>();
   private matches: Uint8Array|null = null;

@@ -30,12 +30,12 @@ const columns = [
 export class DifferenceView extends ProfileView {
   readonly id = 'difference';
   readonly title = 'Difference';
-  private pane!: FlamePane;
-  private list!: RowTable;
-  private union!: Union;
+  private declare pane: FlamePane;
+  private declare list: RowTable;
+  private declare union: Union;
   private models: readonly ProfileModel[] = [];
   private selections: readonly Selection[] = [];
-  private tree!: DifferenceTree;
+  private declare tree: DifferenceTree;
   private changes: readonly Change[] = [];
   protected override more = ({ baseline }: State) => baseline;
   protected override legend: readonly LegendEntry[] = [

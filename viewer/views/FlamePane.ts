@@ -1,7 +1,7 @@
 import {type Direction, Scale, zoomed} from '../model/axis';
 import {type Box, boxAt, layOut} from '../model/flameLayout';
 import {childrenOf, type Tree} from '../model/tree';
-import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
+import {element, fitCanvas, isDark, pageColour, placeIn, shortName} from './dom';
 import {onGestures} from './gestures';
 import {SvgPicture} from './SvgPicture';
 import {CanvasWriter} from './texts';
@@ -36,14 +36,14 @@ const everything = {
  */
 export class FlamePane {
   readonly canvas = element('canvas', { 'aria-hidden': true });
-  tree!: Tree;
+  declare tree: Tree;
   private readonly context = this.canvas.getContext('2d', { alpha: false })!;
   private readonly writer = new CanvasWriter(this.context);
   private readonly hoverMark = element('div', { class: 'flame-mark', hidden: true });
   private readonly chosenMark = element('div', { class: 'flame-mark chosen', hidden: true });
   private readonly stage: HTMLElement;
   private boxes: readonly Box[] = [];
-  private look!: FlameLook;
+  private declare look: FlameLook;
   private focus = 0;
   private chosen = 0;
   /** The part of the focus that fills the width. */
@@ -265,10 +265,9 @@ export class FlamePane {
 
   /** Returns the box under the pointer. */
   private boxAt(event: MouseEvent): Box|undefined {
-    const { left, top } = this.stage.getBoundingClientRect();
-    const y = event.clientY - top;
+    const { x, y } = placeIn(this.stage, event);
     const row = Math.floor(((this.upward ? this.height - y : y) + this.scroll) / rowHeight);
-    return boxAt(this.boxes, event.clientX - left, row);
+    return boxAt(this.boxes, x, row);
   }
 
   private placeMark(mark: HTMLElement, box: Box|undefined): void {
@@ -287,7 +286,7 @@ export class FlamePane {
       this.app.tooltip(box ? this.look.describe(box.node) : null, event);
     };
     onGestures(stage, {
-      zoom: (factor, event) => this.zoom(factor, event.clientX - stage.getBoundingClientRect().left),
+      zoom: (factor, event) => this.zoom(factor, placeIn(stage, event).x),
       pan: (pixels) => this.zoom(1, 0, pixels),
       scroll: (pixels) => this.scrollBy(pixels),
       press: (event) => event.button === 0,
@@ -299,9 +298,10 @@ export class FlamePane {
       click: (event) => {
         const box = this.boxAt(event);
         if (!box) return;
-        this.chosen = box.node;
-        this.tell(this.chosen);
-        this.focusOn(this.chosen);
+        const { node } = box;
+        this.chosen = node;
+        this.tell(node);
+        this.focusOn(node);
       },
       hover,
     });

@@ -14,7 +14,7 @@ import type {State} from './store';
 export class FlameView extends ProfileView {
   readonly id = 'flame';
   readonly title = 'Flame graph';
-  private pane!: FlamePane;
+  private declare pane: FlamePane;
   private inverted = false;
   private tree: Tree|null = null;
   protected override controls = [

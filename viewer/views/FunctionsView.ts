@@ -24,9 +24,9 @@ export class FunctionsView extends ProfileView {
       ...Object.entries(groupings).map(([id, { title }]) => element('option', { value: id }, title)));
   private readonly filter = searchField('Rows with…', 'Only rows with this text', () => this.repaint());
   private order: Order = { key: 'self', descending: true };
-  private list!: RowTable;
-  private grouping!: Grouping;
-  private weights!: GroupWeights;
+  private declare list: RowTable;
+  private declare grouping: Grouping;
+  private declare weights: GroupWeights;
   private groups: readonly number[] = [];
   private matches: Uint8Array|null = null;
   protected override controls = [this.by, this.filter];

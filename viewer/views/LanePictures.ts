@@ -22,7 +22,7 @@ const fontSize = 11;
 /** The pictures of the rows in sight, and of selection, mark and cursor over them. */
 export class LanePictures {
   readonly base = element('canvas', { role: 'img' });
-  readonly overlay = element('canvas', { class: 'overlay', 'aria-hidden': true });
+  readonly overlay = element('canvas', { 'aria-hidden': true });
   private readonly context = this.base.getContext('2d', { alpha: false })!;
   private readonly writer = new CanvasWriter(this.context);
   private pixels: Pixels|null = null;

@@ -1,8 +1,8 @@
+import {clamped, type Direction} from '../model/axis';
+import {fullLabel, type Lane, type LaneChoice, noChoice, visibleLanes} from '../model/lanes';
 import {differ} from '../model/maps';
-import type {Direction} from '../model/axis';
-import {fullLabel, type Lane, type LaneChoice, visibleLanes} from '../model/lanes';
 import {pointBeside} from '../model/steps';
-import {button, element, shortName, span, twistyOf} from './dom';
+import {button, element, equip, placeIn, shortName, span, twistyOf} from './dom';
 import {coreOf, describeLane, sliceOn, taskOf} from './laneFacts';
 import {LanePictures, type PlacedLane} from './LanePictures';
 import {laneHeight} from './laneRaster';
@@ -10,27 +10,21 @@ import {selectBeside, selectRun} from './runs';
 import type {State} from './store';
 import {gutter, setBrush, shownExtent, showTime} from './timeAxis';
 import {TimeStage} from './TimeStage';
-import {type App, nextOf, type View} from './View';
+import {type App, nextOf, perform, type View} from './View';
 
 interface PlacedCursor {
   readonly lane: Lane;
   readonly time: number;
 }
 
-const none: LaneChoice = {
-  folded: new Set(),
-  hidden: new Set(),
-  pinned: new Set()
-};
-
 /** The rows of a timechart: labels, keys and what is chosen. */
 export class LanesView implements View {
   readonly id = 'lanes';
   readonly title = 'Timechart';
   readonly zone = 'time';
-  private host!: HTMLElement;
-  private app!: App;
-  private stage!: TimeStage;
+  private declare host: HTMLElement;
+  private declare app: App;
+  private declare stage: TimeStage;
   private readonly pictures = new LanePictures();
   private readonly labels =
       element('div', { class: 'labels', role: 'tree', tabIndex: 0, 'aria-label': 'Rows of the timechart' });
@@ -68,13 +62,10 @@ export class LanesView implements View {
   private readonly paintOverlay = (): void => this.pictures.paintOverlay(this.placed, this.app.store.state);
 
   key(event: KeyboardEvent): boolean {
-    const act = this.actions.get(event.key.length === 1 ? event.key.toLowerCase() : event.key);
-    const { state } = this.app.store;
+    const { cursor } = this.app.store.state;
     const all = this.allLanes();
-    const lane = all.find(({ path }) => path === state.cursor?.lane) ?? all[0];
-    if (!act || !lane) return this.stage.key(event);
-    act({ lane, time: this.time }, event);
-    return true;
+    const lane = all.find(({ path }) => path === cursor?.lane) ?? all[0];
+    return (lane && this.act({ lane, time: this.time }, event)) || this.stage.key(event);
   }
 
   find(direction: Direction): string|null {
@@ -95,22 +86,27 @@ export class LanesView implements View {
   };
 
   /** The keys of the rows; the help lists them. */
-  private readonly actions = new Map<string, (cursor: PlacedCursor, event: KeyboardEvent) => void>([
-    ['ArrowDown', (cursor) => this.step(cursor, 1)],
-    ['ArrowUp', (cursor) => this.step(cursor, -1)],
-    ['ArrowRight', (cursor, event) => this.toPoint(cursor, 1, event.shiftKey)],
-    ['ArrowLeft', (cursor, event) => this.toPoint(cursor, -1, event.shiftKey)],
-    ['Home', (cursor) => this.step(cursor, -Infinity)],
-    ['End', (cursor) => this.step(cursor, Infinity)],
-    ['Enter', ({ lane, time }) => this.selectAt(lane, time)],
-    [' ', ({ lane }) => this.toggle('folded', lane)],
-    ['p', ({ lane }) => this.toggle('pinned', lane)],
-    ['h', ({ lane }) => this.toggle('hidden', lane)],
-    ['u', () => this.choose({ hidden: new Set() })],
-    ['m', ({ time }) => this.app.store.set({ mark: this.app.store.state.mark === time ? null : time })],
-    [']', (cursor) => this.toRun(cursor, 1)],
-    ['[', (cursor) => this.toRun(cursor, -1)],
-  ]);
+  /** Does what a key stands for where the cursor is; returns whether it stands for anything. */
+  private act(cursor: PlacedCursor, { key, shiftKey }: KeyboardEvent): boolean {
+    const { lane, time } = cursor;
+    const { store } = this.app;
+    return perform(key.length === 1 ? key.toLowerCase() : key, {
+      ArrowDown: () => this.step(cursor, 1),
+      ArrowUp: () => this.step(cursor, -1),
+      ArrowRight: () => this.toPoint(cursor, 1, shiftKey),
+      ArrowLeft: () => this.toPoint(cursor, -1, shiftKey),
+      Home: () => this.step(cursor, -Infinity),
+      End: () => this.step(cursor, Infinity),
+      Enter: () => this.selectAt(lane, time),
+      ' ': () => this.toggle('folded', lane),
+      'p': () => this.toggle('pinned', lane),
+      'h': () => this.toggle('hidden', lane),
+      'u': () => this.choose({ hidden: new Set() }),
+      'm': () => store.set({ mark: store.state.mark === time ? null : time }),
+      ']': () => this.toRun(cursor, 1),
+      '[': () => this.toRun(cursor, -1),
+    });
+  }
 
   /** Time of the cursor. */
   private get time(): number {
@@ -123,7 +119,7 @@ export class LanesView implements View {
     if (state.timechart) this.draw(state, null);
   };
 
-  private allLanes(): Lane[] { return visibleLanes(this.app.store.state.timechart!.tree, none).rest; }
+  private allLanes(): Lane[] { return visibleLanes(this.app.store.state.timechart!.tree, noChoice).rest; }
 
   /** Finds where rows are, and those that can be seen: the pinned ones stay above the scrolled rest. */
   private place({ timechart, lanes }: State): void {
@@ -147,7 +143,8 @@ export class LanesView implements View {
     const current = cursor?.lane ?? '';
     const rows = this.placed.map(({ lane, top, height, pinned }) => {
       const { path, depth, children, tracks } = lane;
-      const folded = lanes.folded.has(path);
+      const open = children.length === 0 ? null : !lanes.folded.has(path);
+      const name = shortName(fullLabel(lane));
       const alone = pinned || lanes.pinned.has(path.slice(0, path.lastIndexOf('_')));
       const act = (mark: string, title: string, what: keyof LaneChoice) =>
           button(mark, title, () => this.toggle(what, lane), { tabIndex: -1, 'aria-hidden': true });
@@ -160,36 +157,36 @@ export class LanesView implements View {
             id: `lane-${path}`,
             'aria-level': depth + 1,
             'aria-selected': path === current,
-            'aria-label': shortName(fullLabel(lane)),
-            title: shortName(fullLabel(lane)),
+            'aria-expanded': open,
+            'aria-label': name,
+            title: name,
             click: (event: MouseEvent) => this.clickLabel(lane, event.target as Element),
           },
-          twistyOf('fold', children.length === 0 ? null : !folded),
-          span('label-name', shortName(alone ? fullLabel(lane) : lane.label)),
+          twistyOf(open),
+          span('label-name', alone ? name : shortName(lane.label)),
           act(pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)', 'pinned'),
           act('✕', 'Hide (H)', 'hidden'),
       );
-      if (children.length > 0) row.setAttribute('aria-expanded', String(!folded));
       row.style.top = `${top}px`;
       row.style.height = `${height}px`;
       row.style.paddingLeft = `${4 + depth * 12}px`;
       return row;
     });
     this.labels.replaceChildren(...rows);
-    this.labels.setAttribute('aria-activedescendant', current === '' ? '' : `lane-${current}`);
+    equip(this.labels, { 'aria-activedescendant': current && `lane-${current}` });
   };
 
   private clickLabel(lane: Lane, target: Element): void {
     if (target.matches('button')) return;
     this.labels.focus();
     this.moveTo(lane, this.time);
-    if (target.matches('.fold') && lane.children.length > 0) this.toggle('folded', lane);
+    if (target.matches('.twisty') && lane.children.length > 0) this.toggle('folded', lane);
   }
 
   private hover(time: number|null, y: number, event: PointerEvent|null): void {
     this.app.hover(time);
     const row = this.rowAt(y);
-    const inside = event !== null && event.clientX - this.host.getBoundingClientRect().left >= gutter;
+    const inside = event !== null && placeIn(this.host, event).x >= gutter;
     if (time === null || !row || !inside || row.lane.tracks.length === 0)
       this.app.tooltip(null);
     else
@@ -215,7 +212,7 @@ export class LanesView implements View {
   private step({ lane, time }: PlacedCursor, by: number): void {
     const at = this.rows.findIndex((row) => row.lane === lane);
     const next = this.app.store.state.cursor ? at + by : 0;
-    const row = this.rows[Math.min(this.rows.length - 1, Math.max(0, next))];
+    const row = this.rows[clamped(next, 0, this.rows.length - 1)];
     if (row) this.moveTo(row.lane, time);
   }
 

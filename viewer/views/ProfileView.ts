@@ -30,10 +30,9 @@ const kindLegend =
 export abstract class ProfileView implements View {
   abstract readonly id: string;
   abstract readonly title: string;
-  readonly zone = 'detail';
-  protected app!: App;
-  protected model!: ProfileModel;
-  protected selection!: Selection;
+  protected declare app: App;
+  protected declare model: ProfileModel;
+  protected declare selection: Selection;
   /** The parts that `fill` made; the first one gets the keys unless another has the focus. */
   protected parts: readonly Part[] = [];
   /** Own controls and legend. */

@@ -1,5 +1,5 @@
 import {clamped, type Direction} from '../model/axis';
-import {div, element, equip, swatch, twistyOf} from './dom';
+import {div, element, equip, placeIn, swatch, twistyOf} from './dom';
 import {type App, nextOf, perform} from './View';
 
 export interface Column {
@@ -83,24 +83,20 @@ export class RowTable {
     const { scrollTop, clientHeight } = this.scroller;
     const first = Math.max(0, Math.floor(scrollTop / rowHeight) - margin);
     const last = Math.min(count, Math.ceil((scrollTop + clientHeight) / rowHeight) + margin);
-    this.scroller.setAttribute('aria-rowcount', String(count + 1));
     for (const [index, row] of this.pool) {
       if (index >= first && index < last) continue;
       row.remove();
       this.pool.delete(index);
     }
     for (let index = first; index < last; ++index) this.fill(this.pool.get(index) ?? this.add(index), index);
-    this.scroller.setAttribute('aria-activedescendant', `${this.id}-${this.current}`);
+    equip(
+        this.scroller, { 'aria-rowcount': count + 1, 'aria-activedescendant': `${this.id}-${this.current}` });
   }
 
   /** Says by which column, and how, the rows are sorted. */
   sorted(by: number, descending: boolean): void {
-    this.heads.forEach(
-        (head, column) => head.setAttribute(
-            'aria-sort',
-            column !== by  ? 'none' :
-                descending ? 'descending' :
-                             'ascending'));
+    const order = descending ? 'descending' : 'ascending';
+    this.heads.forEach((head, column) => equip(head, { 'aria-sort': column === by ? order : 'none' }));
   }
 
   /** Makes a row the current one and brings it into sight. */
@@ -159,9 +155,9 @@ export class RowTable {
   }
 
   private fill(made: HTMLElement, index: number): void {
-    const { cells, shares = [], colour, style = '', level, open } = this.rows.row(index);
+    const { cells, shares = [], colour, style = '', level, open = null } = this.rows.row(index);
     made.className = `row ${style}`;
-    made.setAttribute('aria-selected', String(index === this.current));
+    equip(made, { 'aria-selected': index === this.current });
     cells.forEach((text, i) => (made.children[i].textContent = text));
     shares.forEach((share, i) => {
       (made.children[i] as HTMLElement).style.backgroundSize = `${(100 * share).toFixed(1)}% 100%`;
@@ -169,18 +165,14 @@ export class RowTable {
     const name = made.querySelector('.name')!;
     if (colour !== undefined) name.prepend(swatch(colour));
     if (level === undefined) return;
-    made.setAttribute('aria-level', String(level + 1));
-    const twisty = twistyOf('twisty', open ?? null);
+    equip(made, { 'aria-level': level + 1, 'aria-expanded': open });
+    const twisty = twistyOf(open);
     twisty.style.marginLeft = `${Math.min(level, deepestIndent) * indent}px`;
     name.prepend(twisty);
-    if (open === null)
-      made.removeAttribute('aria-expanded');
-    else
-      made.setAttribute('aria-expanded', String(open));
   }
 
   private pick(event: MouseEvent, open: boolean): void {
-    const index = Math.floor((event.clientY - this.space.getBoundingClientRect().top) / rowHeight);
+    const index = Math.floor(placeIn(this.space, event).y / rowHeight);
     if (index < 0 || index >= this.count) return;
     this.choose(index);
     if (open !== (event.target as Element).matches('.twisty')) this.rows.open(index);

@@ -16,7 +16,7 @@ export class RulerView implements View {
   readonly zone = 'time';
   private readonly canvas = element('canvas', { role: 'img' });
   private readonly label = div('ruler-label');
-  private host!: HTMLElement;
+  private declare host: HTMLElement;
 
   available({ profile, timechart }: State): boolean { return profile !== null || timechart !== null; }
 

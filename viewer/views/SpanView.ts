@@ -16,9 +16,8 @@ const frameShare = 8;
 export class SpanView implements View {
   readonly id = 'span';
   readonly title = 'Span';
-  readonly zone = 'detail';
-  private host!: HTMLElement;
-  private app!: App;
+  private declare host: HTMLElement;
+  private declare app: App;
   private use: SpanUse|null = null;
   /** What the figures are about that are shown, or being reckoned. */
   private asked: readonly unknown[] = [];
@@ -124,12 +123,13 @@ const mostRows = 200;
 function tableOf(title: string, rows: readonly Cells[]): HTMLElement {
   const [head, ...body] = rows;
   const left = body.length - mostRows;
-  const line = (first: string, scope: string, cells: Cells) => element(
+  const line = (scope: 'col'|'row', cells: Cells) => element(
       'tr', {},
       ...cells.map(
-          (cell, i) => i === 0 || first === 'th' ? element('th', { scope }, cell) : element('td', {}, cell)));
+          (cell, i) =>
+              i === 0 || scope === 'col' ? element('th', { scope }, cell) : element('td', {}, cell)));
   return element(
       'table', {}, element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
-      element('thead', {}, line('th', 'col', head)),
-      element('tbody', {}, ...body.slice(0, mostRows).map((cells) => line('td', 'row', cells))));
+      element('thead', {}, line('col', head)),
+      element('tbody', {}, ...body.slice(0, mostRows).map((cells) => line('row', cells))));
 }

@@ -2,7 +2,7 @@ import {clamped} from '../model/axis';
 import type {Profile} from '../document/profile';
 import {everySample, pixelBounds, RowSamples, type TimeRow, timeRows} from '../model/density';
 import type {Selection} from '../model/Selection';
-import {element, fitCanvas, isDark, shortName, span} from './dom';
+import {element, equip, fitCanvas, isDark, placeIn, shortName, span} from './dom';
 import {groundColours, Pixels} from './laneRaster';
 import {formatCount} from './placeLook';
 import type {State} from './store';
@@ -21,20 +21,20 @@ export class TimelineView implements View {
   readonly id = 'timeline';
   readonly title = 'Samples over time';
   readonly zone = 'time';
-  private app!: App;
-  private host!: HTMLElement;
-  private stage!: TimeStage;
+  private declare app: App;
+  private declare host: HTMLElement;
+  private declare stage: TimeStage;
   readonly picture = { canvas: element('canvas', { 'aria-hidden': true }) };
   private readonly brushMark = element('div', { class: 'timeline-brush', hidden: true });
-  private profile!: Profile;
-  private selection!: Selection;
+  private declare profile: Profile;
+  private declare selection: Selection;
   private rows: readonly TimeRow[] = [];
   private current = 0;
   private pixels: Pixels|null = null;
   /** The rows in sight, and the samples of each: all of them, and the selected ones. */
   private listed: readonly TimeRow[] = [];
-  private all!: RowSamples;
-  private selected!: RowSamples;
+  private declare all: RowSamples;
+  private declare selected: RowSamples;
 
   available(state: State): boolean { return state.profile !== null; }
 
@@ -48,8 +48,7 @@ export class TimelineView implements View {
       'aria-multiselectable': true,
       'aria-label': 'Cores and threads; Enter selects the samples of one, Shift and arrows a span',
       click: (event: MouseEvent) => {
-        const { top } = host.getBoundingClientRect();
-        const row = Math.floor((event.clientY - top + this.stage.top) / rowHeight);
+        const row = this.rowAt(placeIn(host, event).y);
         if (row < this.rows.length) this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
       }
     });
@@ -79,13 +78,14 @@ export class TimelineView implements View {
   }
 
   key(event: KeyboardEvent): boolean {
+    const select = () => this.select(this.current, event.ctrlKey || event.shiftKey);
     return perform(event.key, {
              ArrowUp: () => this.go(this.current - 1),
              ArrowDown: () => this.go(this.current + 1),
              Home: () => this.go(0),
              End: () => this.go(Infinity),
-             Enter: () => this.select(this.current, event.ctrlKey || event.shiftKey),
-             ' ': () => this.select(this.current, event.ctrlKey || event.shiftKey),
+             Enter: select,
+             ' ': select,
              ArrowLeft: () => this.moveBrush(-1, event.shiftKey),
              ArrowRight: () => this.moveBrush(1, event.shiftKey),
            }) ||
@@ -100,7 +100,7 @@ export class TimelineView implements View {
   /** Shows the rows in sight, which are others after a scroll. */
   private readonly show = (): void => {
     const { top, height } = this.stage;
-    const first = Math.floor(top / rowHeight);
+    const first = this.rowAt(0);
     this.list(this.rows.slice(first, Math.ceil((top + height) / rowHeight)));
     this.label(first, top);
     this.app.store.repaint(this.paint);
@@ -110,7 +110,7 @@ export class TimelineView implements View {
     const { stage, profile } = this;
     const { canvas } = this.picture;
     const { top, width, height } = stage;
-    const first = Math.floor(top / rowHeight);
+    const first = this.rowAt(0);
     const scale = fitCanvas(canvas, width, height);
     const pixels = (this.pixels = Pixels.of(canvas, this.pixels));
     const dark = isDark();
@@ -165,7 +165,7 @@ export class TimelineView implements View {
       return option;
     });
     labels.replaceChildren(...options);
-    labels.setAttribute('aria-activedescendant', `row-${this.current}`);
+    equip(labels, { 'aria-activedescendant': `row-${this.current}` });
   }
 
   private nameOf({ kind, subject }: TimeRow): string {
@@ -179,8 +179,8 @@ export class TimelineView implements View {
   private tell(row: TimeRow): string[] { return [this.nameOf(row), `${this.countOf(row)} samples`]; }
 
   private hover(time: number|null, y: number, event: PointerEvent|null): void {
-    const row = this.rows[Math.floor((y + this.stage.top) / rowHeight)];
-    const label = event !== null && event.clientX - this.host.getBoundingClientRect().left < gutter;
+    const row = this.rows[this.rowAt(y)];
+    const label = event !== null && placeIn(this.host, event).x < gutter;
     this.app.hover(label ? null : time);
     if (time === null || !row)
       this.app.tooltip(null);
@@ -189,6 +189,9 @@ export class TimelineView implements View {
           label ? [...this.tell(row), 'click to select them alone, with Shift to add them'] : this.tell(row),
           event);
   }
+
+  /** Returns the index of the row `y` pixels below the upper edge. */
+  private rowAt(y: number): number { return Math.floor((y + this.stage.top) / rowHeight); }
 
   private go(row: number): void {
     this.current = clamped(row, 0, this.rows.length - 1);

@@ -17,8 +17,8 @@ export interface View {
   /** Part of the URL and of the element's id. */
   readonly id: string;
   readonly title: string;
-  /** `time` views are above one another at the top; `detail` views share the rest of the page as tabs. */
-  readonly zone: 'time'|'detail';
+  /** `time` views are above one another at the top; all others share the rest of the page as tabs. */
+  readonly zone?: 'time';
   /** Returns whether there is something to show; views that return false are not listed. */
   available(state: State): boolean;
   /** Fills `host` once; it belongs to the view until the page closes. */
@@ -59,7 +59,7 @@ export function nextOf(
 
 /** Does what a key stands for; returns whether it stands for anything. */
 export function perform(key: string, actions: Readonly<Record<string, () => void>>): boolean {
-  const act = Object.hasOwn(actions, key) ? actions[key] : undefined;
-  act?.();
-  return act !== undefined;
+  const known = Object.hasOwn(actions, key);
+  if (known) actions[key]();
+  return known;
 }

@@ -1,17 +1,19 @@
 /** Elements of the page. Text is only ever set as text. */
 
 /** Attributes and events, by their names. */
-type Attributes = Readonly<Record<string, string|number|boolean|((event: never) => void)>>;
+type Attributes = Readonly<Record<string, string|number|boolean|null|((event: never) => void)>>;
 type Content = readonly(Node|string)[];
 
 /**
  * Gives attributes and listeners to an element: functions become listeners of the event of that name. Those
- * of ARIA say `true` or `false`; all others are there or not.
+ * of ARIA say `true` or `false`, all others are there or not; null takes one away.
  */
 export function equip(made: Element, attributes: Attributes): void {
   for (const [key, value] of Object.entries(attributes)) {
     if (typeof value === 'function')
       made.addEventListener(key, value as EventListener);
+    else if (value === null)
+      made.removeAttribute(key);
     else if (key.startsWith('aria-'))
       made.setAttribute(key, String(value));
     else if (value !== false)
@@ -59,8 +61,8 @@ export function searchField(
  * Returns a sign of whether rows below are listed, or none for null; screen readers are told by the row
  * itself.
  */
-export const twistyOf = (className: string, open: boolean|null): HTMLElement => element(
-    'span', {class: className, 'aria-hidden': true},
+export const twistyOf = (open: boolean|null): HTMLElement => element(
+    'span', {class: 'twisty', 'aria-hidden': true},
     open === null ? '' :
         open      ? '▾' :
                     '▸');
@@ -70,6 +72,12 @@ export function swatch(colour: string): HTMLElement {
   const made = element('i', { class: 'swatch' });
   made.style.background = colour;
   return made;
+}
+
+/** Returns where the pointer is in an element, in pixels from its left and upper edge. */
+export function placeIn(target: Element, {clientX, clientY}: MouseEvent): {x: number; y: number} {
+  const { left, top } = target.getBoundingClientRect();
+  return { x: clientX - left, y: clientY - top };
 }
 
 const longest = 300;
@@ -85,8 +93,10 @@ export const shortName = (name: string): string =>
 export const pageColour = (name: string): string =>
     getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 
-/** Returns whether the page is dark. */
-export const isDark = () => matchMedia('(prefers-color-scheme: dark)').matches;
+/** Returns what tells whether the page is dark, and when that changes. */
+export const darkness = () => matchMedia('(prefers-color-scheme: dark)');
+
+export const isDark = () => darkness().matches;
 
 /** Makes the canvas as large as its box, in device pixels; returns their number for one pixel of the page. */
 export function fitCanvas(canvas: HTMLCanvasElement, width: number, height: number): number {

@@ -37,12 +37,13 @@ export function onGestures(target: HTMLElement, gestures: Gestures): void {
       (event) => {
         event.preventDefault();
         const unit = event.deltaMode === 1 ? linePixels : 1;
+        const [right, down] = [event.deltaX * unit, event.deltaY * unit];
         if (event.ctrlKey || event.metaKey)
-          gestures.zoom(wheelZoom(event.deltaY * unit), event);
-        else if (event.shiftKey || event.deltaX !== 0)
-          gestures.pan((event.deltaX || event.deltaY) * unit, event);
+          gestures.zoom(wheelZoom(down), event);
+        else if (event.shiftKey || right !== 0)
+          gestures.pan(right || down, event);
         else
-          gestures.scroll(event.deltaY * unit, event);
+          gestures.scroll(down, event);
       },
       { passive: false },
   );

@@ -5,20 +5,13 @@ import {kept} from '../model/maps';
 
 const shades = 6;
 
-interface Hue {
-  readonly hue: number;
-  readonly saturation: number;
-  /** How far the shades differ, in degrees of hue. */
-  readonly spread: number;
-}
-
-/** By PlaceKind. */
-const hues: readonly Hue[] = [
-  { hue: 205, saturation: 60, spread: 14 },
-  { hue: 18, saturation: 78, spread: 38 },
-  { hue: 220, saturation: 6, spread: 0 },
-  { hue: 285, saturation: 38, spread: 10 },
-  { hue: 45, saturation: 9, spread: 0 },
+/** By PlaceKind; `spread` is how far the shades differ, in degrees of hue. */
+const hues: readonly(readonly [hue: number, saturation: number, spread: number])[] = [
+  [205, 60, 14],
+  [18, 78, 38],
+  [220, 6, 0],
+  [285, 38, 10],
+  [45, 9, 0],
 ];
 /** Cut back-traces differ from all places, so that their end is not taken for a root. */
 const cutDarkening = 22;
@@ -40,7 +33,7 @@ const palettes = new Map<boolean, string[]>();
 function palette(dark: boolean): readonly string[] {
   return kept(palettes, dark, () => {
     const colours = hues.flatMap(
-        ({ hue, saturation, spread }, kind) => Array.from(
+        ([hue, saturation, spread], kind) => Array.from(
             { length: shades },
             (_, shade) => {
               const part = shade / (shades - 1);

@@ -3,6 +3,7 @@
 import {closestZoom, commonExtent, Extent, formatDuration, formatTime, Scale, zoomed} from '../model/axis';
 import {everything} from '../model/filter';
 
+import {placeIn} from './dom';
 import {onGestures, wheelZoom} from './gestures';
 
 import type {State, Store} from './store';
@@ -103,8 +104,8 @@ export interface TimeSurface {
 export function timeGestures(
     target: HTMLElement, host: HTMLElement, {store}: App, surface: TimeSurface): void {
   const scale = () => scaleOf(store.state, host);
-  const xOf = (event: MouseEvent) => event.clientX - target.getBoundingClientRect().left - gutter;
-  const yOf = (event: MouseEvent) => event.clientY - target.getBoundingClientRect().top;
+  const xOf = (event: MouseEvent) => placeIn(target, event).x - gutter;
+  const yOf = (event: MouseEvent) => placeIn(target, event).y;
   const timeAt = (event: MouseEvent) => scale().time(xOf(event));
   const zoom = (factor: number, event: MouseEvent) => zoomTime(store, factor, timeAt(event));
   const hover = (event: PointerEvent|null) =>

@@ -145,7 +145,7 @@ test('rows fold, hide, pin and come back', async () => {
   };
   const all = await labels();
   assert.deepEqual(all.slice(0, 4), ['Cores', 'CPU 0 Busy', 'CPU 0 Frequency', 'CPU 0 Idle State']);
-  await page.locator('.lane', { hasText: 'Cores' }).locator('.fold').click();
+  await page.locator('.lane', { hasText: 'Cores' }).locator('.twisty').click();
   assert(!(await labels()).includes('CPU 0 Busy'));
   await page.locator('#view-lanes .labels').focus();
   await press(page, ' ');
