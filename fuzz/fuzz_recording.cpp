@@ -78,9 +78,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     setenv("kern_ver", (choices[0] & 32) != 0 ? "3.10" : "3.4", 1);
     setenv("ARM64", (choices[0] & 64) != 0 ? "y" : "n", 1);
     if ((choices[0] & 16) != 0) useTerminal();
-    // Without labels, which -W switches off, the profile document has no one root to be read back from.
-    const bool hasRoot = (choices[2] & 16) == 0;
-    return convertWhole(folder, chosenOptions(choices, folder.path("root"))) || !hasRoot;
+    // Without labels, which -W switches off, the profile document has no one root to be read back from. The
+    // points of a timechart are cut at 31 bytes, which times of the last scale exceed.
+    const bool isReadable = (choices[2] & 16) == 0 && (choices[1] & 7) != 7;
+    return convertWhole(folder, chosenOptions(choices, folder.path("root"))) || !isReadable;
   });
   return 0;
 }
