@@ -16,6 +16,8 @@ constexpr std::uint64_t kLargestPiece = std::uint64_t{1} << 20;
 /// The longest gap without the start of a function that counts as padding between functions.
 constexpr std::uint64_t kLongestPadding = 63;
 constexpr std::size_t kMostText = 0xFFFFFFFF;
+/// Symbols can share one long name, so the lengths of all names can add up to far more than a file holds.
+constexpr std::size_t kMostPreparedText = std::size_t{64} << 20;
 
 }  // namespace
 
@@ -148,7 +150,7 @@ SymbolListBuilder::SymbolListBuilder() : _block(sizeof(ListHeader) + 1, '\0') {}
 void SymbolListBuilder::reserve(std::size_t functions, std::size_t text) {
   _entries.reserve(functions);
   const std::size_t entries = functions + _starts.size();
-  _block.reserve(_block.size() + text + functions + entries * sizeof(ListEntry));
+  _block.reserve(_block.size() + std::min(text, kMostPreparedText) + functions + entries * sizeof(ListEntry));
 }
 
 void SymbolListBuilder::add(const Symbol& symbol, std::uint64_t limit, std::uint64_t rank) {

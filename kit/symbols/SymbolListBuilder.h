@@ -24,7 +24,8 @@ class SymbolListBuilder {
   /// kept, of equal ranks the one added last.
   void add(const Symbol& symbol, std::uint64_t limit = kNoLimit, std::uint64_t rank = 0);
 
-  /// Prepares for a number of functions and the bytes of their names. Starts should be added before.
+  /// Prepares for a number of functions and the bytes of their names, of which 64 MiB at most. Starts should
+  /// be added before.
   void reserve(std::size_t functions, std::size_t text);
 
   /// Declares [from, to) as code. The parts without a function are listed without a name, except padding.

@@ -84,13 +84,13 @@ std::string fetchHint(const MappedFile& file) {
 }
 
 std::string debugFileHint(const MappedFile& file) {
-  std::string place = "DIR";
+  std::string path = "DIR";
   if (file.buildId.size() > 2)
-    place += "/.build-id/" + file.buildId.substr(0, 2) + '/' + file.buildId.substr(2) + ".debug";
+    path += "/.build-id/" + file.buildId.substr(0, 2) + '/' + file.buildId.substr(2) + ".debug";
   return "functions that the stripped " + file.path +
          " does not name: fetch its debug file (from a package PACKAGE-dbg or PACKAGE-dbgsym, or set "
          "DEBUGINFOD_URLS) to " +
-         place + " and add --symbols DIR";
+         path + " and add --symbols DIR";
 }
 
 void addNotes(Lines& lines, const std::vector<std::string>& notes) {

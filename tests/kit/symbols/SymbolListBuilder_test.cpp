@@ -111,6 +111,13 @@ TEST(SymbolListBuilder, ListsCodeUpToTheLastAddress) {
   EXPECT_EQ(textOf(builder.build()), "ffffffffffefff7f+100000 , ffffffffffffff7f+80 ");
 }
 
+TEST(SymbolListBuilder, PreparesForNoMoreTextThanFilesHold) {
+  SymbolListBuilder builder;
+  builder.reserve(1, std::size_t{1} << (8 * sizeof(std::size_t) - 4));
+  builder.add({0, 4, "a"});
+  EXPECT_EQ(textOf(builder.build()), "0+4 a");
+}
+
 TEST(SymbolListBuilder, KeepsSourcesAndStoresEachFileOnce) {
   SymbolListBuilder builder;
   for (std::uint64_t i = 0; i < 100; ++i) builder.add({i, 1, "f", "a/rather/long/name/of/a/file.cpp", 7});
