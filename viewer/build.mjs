@@ -27,15 +27,16 @@ const bundle = (entry, ...more) => run('esbuild', [
 
 /**
  * Returns the script with names of variables that are more alike, so that it compresses better. Functions
- * stay where they are: a class inside the function that makes its objects would be a new one for each.
+ * stay where they are: a class inside the function that makes its objects would be a new one for each. What
+ * is called unsafe is to take the platform's own functions for what they were.
  */
 function shortened(script) {
   const program = realpathSync(run('sh', ['-c', 'command -v terser']).trim());
   // Its modules lie beside it, where only Debian's own node looks for them.
   const env = {...process.env, NODE_PATH: join(dirname(program), '../..') };
   const words = [
-    '--compress=passes=3,keep_fargs=false,pure_getters,reduce_funcs=false,ecma=2020', '--mangle',
-    '--ecma=2020', '--format=wrap_func_args=false'
+    '--compress=passes=3,keep_fargs=false,pure_getters,reduce_funcs=false,unsafe,unsafe_arrows,ecma=2020',
+    '--mangle', '--ecma=2020', '--format=wrap_func_args=false'
   ];
   return run(program, words, { input: script, env });
 }
