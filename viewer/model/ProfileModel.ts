@@ -30,8 +30,8 @@ export class ProfileModel {
   }
 
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
-  selectionOfAllTime({ cores, threads, text }: Filter): Selection {
-    return this.untimed(cores, threads, text);
+  selectionOfAllTime(filter: Filter): Selection {
+    return this.untimed(filter.cores, filter.threads, filter.text);
   }
 
   /** Returns one of `groupings` for this profile. */

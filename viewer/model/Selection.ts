@@ -72,21 +72,20 @@ export class Selection implements Tree {
   }
 
   private countSamples(totals: Uint32Array): void {
-    const { stacks } = this.profile.samples;
-    const { cores, threads, text, start, end } = this.filter;
-    if (cores || threads || text !== '') {
+    const { profile, filter } = this;
+    const { stacks } = profile.samples;
+    if (filter.cores || filter.threads || filter.text !== '') {
       this.forEachSample((index) => totals[stacks[index]]++);
       return;
     }
-    const [from, to] = sampleRange(this.profile, start, end);
+    const [from, to] = sampleRange(profile, filter.start, filter.end);
     for (let i = from; i < to; ++i) totals[stacks[i]]++;
   }
 }
 
 export function isEverything(filter: Filter): boolean {
-  const { start, end, cores, threads, text } = filter;
-  const untimed = start === everything.start && end === everything.end;
-  return untimed && !cores && !threads && text === '';
+  const untimed = filter.start === everything.start && filter.end === everything.end;
+  return untimed && !filter.cores && !filter.threads && filter.text === '';
 }
 
 /** Adds the weight of each node to its ancestors. */
@@ -113,9 +112,10 @@ function marked(members: ReadonlySet<number>, size: number): Uint8Array {
  * Returns a mark for each place whose name contains the text; capital letters count only where the text has
  * some.
  */
-export function placesWithText({places}: Profile, text: string): Uint8Array {
+export function placesWithText(profile: Profile, text: string): Uint8Array {
   const exact = text !== text.toLowerCase();
-  return Uint8Array.from(places.names, (name) => Number((exact ? name : name.toLowerCase()).includes(text)));
+  return Uint8Array.from(
+      profile.places.names, (name) => Number((exact ? name : name.toLowerCase()).includes(text)));
 }
 
 /** Returns a mark for each node whose stack, from the root down to it, has a place with the text. */

@@ -24,7 +24,7 @@ export class TimechartModel {
     const timed =
         this.tracks.filter((track) => track.entry.type !== 'events' && track.entry.times.length > 0);
     const all = timed.length > 0 ? timed : this.tracks.filter((track) => track.entry.times.length > 0);
-    this.start = all.reduce((start, { entry }) => Math.min(start, entry.times[0]), Infinity);
+    this.start = all.reduce((start, track) => Math.min(start, track.entry.times[0]), Infinity);
     this.end = all.reduce((end, { entry }) => Math.max(end, entry.times[entry.times.length - 1]), -Infinity);
     if (all.length === 0) this.start = this.end = 0;
     this.tasks = new Tasks(this.tracks, this.end);

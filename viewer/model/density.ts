@@ -89,6 +89,6 @@ function firstFrom(column: Uint32Array, sample: number, from: number): number {
 }
 
 /** Calls `visit` with the index of each sample of the profile. */
-export const everySample = ({samples}: Profile) => (visit: (index: number) => void) => {
-  for (let i = 0; i < samples.count; ++i) visit(i);
+export const everySample = (profile: Profile) => (visit: (index: number) => void) => {
+  for (let i = 0; i < profile.samples.count; ++i) visit(i);
 };

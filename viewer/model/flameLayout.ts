@@ -43,8 +43,8 @@ export function layOut(
     if (depth > deepest) break;
     let { left } = boxes[i];
     tree.expand(node);
-    const { childStart, childEnd, children, totals, bounds } = tree;
-    const last = childEnd[node];
+    const { childStart, children, totals, bounds } = tree;
+    const last = tree.childEnd[node];
     for (let at = childStart[node]; at < last; ++at) {
       const child = children[at];
       // The children that follow are no heavier.

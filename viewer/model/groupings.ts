@@ -53,9 +53,10 @@ export function describePlace({places, files}: Profile, place: number): string {
 function group(name: string, kind = PlaceKind.User, detail = ''): Group { return { name, kind, detail }; }
 
 function byFunction(profile: Profile): Grouping {
-  const { names, kinds, count } = profile.places;
-  const groups = names.map((name, place) => group(name, kinds[place], describePlace(profile, place)));
-  const identity = Int32Array.from({ length: count }, (_, place) => place);
+  const { kinds } = profile.places;
+  const groups =
+      profile.places.names.map((name, place) => group(name, kinds[place], describePlace(profile, place)));
+  const identity = Int32Array.from({ length: profile.places.count }, (_, place) => place);
   return ofPlaces(profile, groups, identity, true);
 }
 
@@ -76,19 +77,20 @@ function libraryKind({ places }: Profile, library: number): PlaceKind {
 }
 
 function byFile(profile: Profile): Grouping {
-  const { places, files } = profile;
-  const groups = files.map((name) => group(name));
+  const groups = profile.files.map((name) => group(name));
   const none = groups.push(group('no source file known', PlaceKind.Unresolved)) - 1;
-  const groupOf = Int32Array.from(places.files, (file) => (file < 0 ? none : file));
+  const groupOf = Int32Array.from(profile.places.files, (file) => (file < 0 ? none : file));
   return ofPlaces(profile, groups, groupOf, false);
 }
 
 function byProcess(profile: Profile): Grouping {
-  const groups = profile.processes.map(({ pid, name }) => group(name, PlaceKind.User, `process ${pid}`));
+  const groups =
+      profile.processes.map((process) => group(process.name, PlaceKind.User, `process ${process.pid}`));
   const none = groups.push(group('unknown process', PlaceKind.Unresolved)) - 1;
   const first = new Map<number, number>();
   profile.processes.forEach(({ pid }, index) => first.has(pid) || first.set(pid, index));
-  const groupOf = profile.threads.map(({ process, pid }) => (process < 0 ? none : first.get(pid) ?? none));
+  const groupOf =
+      profile.threads.map((thread) => (thread.process < 0 ? none : first.get(thread.pid) ?? none));
   return {
     ...ofSamples(groups, (index) => groupOf[profile.samples.threads[index]]),
     narrow: (chosen) => {
@@ -100,7 +102,7 @@ function byProcess(profile: Profile): Grouping {
 
 function byThread(profile: Profile): Grouping {
   const groups = profile.threads.map(
-      ({ name, pid, tid }) => group(name, PlaceKind.User, `thread ${tid} of process ${pid}`));
+      (thread) => group(thread.name, PlaceKind.User, `thread ${thread.tid} of process ${thread.pid}`));
   return {
     ...ofSamples(groups, (index) => profile.samples.threads[index]),
     narrow: (chosen) => ({ threads: new Set([chosen]) })
@@ -152,8 +154,8 @@ function ofPlaces(
 }
 
 /** Returns a mark for each node with no other node of its group above it. */
-function outermostNodes({ stacks }: Profile, groupOf: Int32Array): Uint8Array {
-  const { count, parents, places } = stacks;
+function outermostNodes(profile: Profile, groupOf: Int32Array): Uint8Array {
+  const { count, parents, places } = profile.stacks;
   const marks = new Uint8Array(count);
   for (let node = 1; node < count; ++node) {
     const group = groupOf[places[node]];

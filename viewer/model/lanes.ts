@@ -43,8 +43,7 @@ const devices = new Set(['cpu', 'kgsl']);
 
 /** Returns the parts of an entry's `treeId`, root first. */
 export function treeParts(track: Track): string[] {
-  const { treeId } = track.entry;
-  const parts = treeId.replace(/_root$/, '').split('_').reverse();
+  const parts = track.entry.treeId.replace(/_root$/, '').split('_').reverse();
   // A counter's number would otherwise read like that of a task.
   if (track.isCounter) parts.push('counter ' + parts.pop());
   return parts.length <= deepest ? parts :
@@ -73,7 +72,7 @@ function lanesOf(branch: Branch, depth: number, root: string): Lane[] {
 function laneOf(branch: Branch, depth: number, root: string): Lane {
   let tracks: readonly Track[] = branch.tracks;
   let children = lanesOf(branch, depth, root);
-  const shown = tracks.some(({ entry }) => entry.show !== 0) || children.some((child) => child.shown);
+  const shown = tracks.some((track) => track.entry.show !== 0) || children.some((child) => child.shown);
   let label = labelOf(branch, depth, tracks);
   if (tracks.length === 0 && depth === 1 && devices.has(root) && children.length > 0) {
     const [first, ...rest] = children as [Lane, ...Lane[]];

@@ -66,12 +66,12 @@ export function*
     cores.push({ label: track.label, cpu: track.cpu, busy, longestGap: longestGap([track], start, end) });
     yield;
   }
-  for (const tracks of bySubject(all, ({ role }) => role === 'interrupt')) {
+  for (const tracks of bySubject(all, (track) => track.role === 'interrupt')) {
     const use = interruptUse(tracks, start, end);
     if (use.count > 0 || use.seconds > 0) interrupts.push(use);
     yield;
   }
-  for (const tracks of bySubject(all, ({ entry }) => entry.id.startsWith('proc-'))) {
+  for (const tracks of bySubject(all, (track) => track.entry.id.startsWith('proc-'))) {
     const use = taskUse(tracks, start, end);
     if (use.running + use.waitIo + use.waitCpu + use.waitGpu > 0) tasks.push(use);
     yield;
@@ -110,15 +110,15 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
   const counters = new Map<string, number>();
   let switches = 0;
   for (const track of tracks) {
-    const { role, steps } = track;
+    const { role } = track;
     if (role === 'running' || isWait(role)) {
-      const use = steps.use(start, end);
+      const use = track.steps.use(start, end);
       seconds[role] += use.seconds;
       if (role === 'running') switches += use.starts;
     }
     if (role === 'counter') add(counters, track.entry.tip, counted(track, start, end));
   }
-  const runs = tracks.filter(({ role }) => role === 'running');
+  const runs = tracks.filter((track) => track.role === 'running');
   return {
     task: tracks[0].subject,
     label: tracks[0].label,
@@ -143,7 +143,7 @@ function add(sums: Map<string, number>, name: string, more: number): void {
 
 /** Returns the longest time of [start, end) during which none of the tracks was on, in seconds. */
 export function longestGap(all: readonly Track[], start: number, end: number): number {
-  const coming = all.map(({ steps }) => new Stretches(steps, start));
+  const coming = all.map((track) => new Stretches(track.steps, start));
   let longest = 0;
   let last = start;
   for (;;) {

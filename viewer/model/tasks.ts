@@ -95,6 +95,6 @@ export class Tasks {
   }
 }
 
-function asRun({ entry, subject, cpu }: Track, slice: Slice): Run {
-  return {...slice, task: subject, label: entry.name, cpu };
+function asRun(track: Track, slice: Slice): Run {
+  return {...slice, task: track.subject, label: track.entry.name, cpu: track.cpu };
 }

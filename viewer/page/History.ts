@@ -38,4 +38,4 @@ export class History {
   }
 }
 
-const selectionOf = ({ filter, run }: State): Selection => ({ filter, run });
+const selectionOf = (state: State): Selection => ({ filter: state.filter, run: state.run });

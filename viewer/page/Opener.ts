@@ -78,10 +78,10 @@ export class Opener {
         return;
       case 'document': {
         const { document } = message;
-        const { name, damage } = document;
+        const { damage } = document;
         this.update(id, {
           state: damage ? 'damaged' : 'complete',
-          message: damage ? `${name}: ${damage.reason} at byte ${damage.offset}` : '',
+          message: damage ? `${document.name}: ${damage.reason} at byte ${damage.offset}` : '',
         });
         this.show(id, this.joined(id, document));
         break;
@@ -134,8 +134,7 @@ export class Opener {
     else if (this.profiles[0] !== id)
       this.store.set({ baseline: new ProfileModel(document) });
     else {
-      const { profile, baseline } = this.store.state;
-      const compared = this.latest !== id ? profile : baseline;
+      const compared = this.latest !== id ? this.store.state.profile : this.store.state.baseline;
       this.latest = id;
       this.store.set({ profile: new ProfileModel(document), baseline: compared });
     }

@@ -211,15 +211,15 @@ export class Shell implements App {
 
   /** The views that have something to show. */
   private available(): Mounted[] {
-    return this.mounted.filter(({ view }) => view.available(this.store.state));
+    return this.mounted.filter((mounted) => mounted.view.available(this.store.state));
   }
 
-  private details(): Mounted[] { return this.available().filter(({ tab }) => tab !== null); }
+  private details(): Mounted[] { return this.available().filter((mounted) => mounted.tab !== null); }
 
   /** The detail view that is shown: the chosen one, or the first that has something to show. */
   private panel(): Mounted|undefined {
     const details = this.details();
-    return details.find(({ view }) => view.id === this.store.state.panel) ?? details[0];
+    return details.find((mounted) => mounted.view.id === this.store.state.panel) ?? details[0];
   }
 
   private drawReadings(readings: readonly Reading[]): void {
@@ -245,9 +245,9 @@ export class Shell implements App {
         if (event.dataTransfer) this.opener.openFiles(event.dataTransfer.files);
       },
       // A menu closes once something is chosen, here or elsewhere.
-      click: ({ target }: MouseEvent) => {
+      click: (event: MouseEvent) => {
         for (const menu of body.querySelectorAll<HTMLDetailsElement>('details[open]'))
-          if (!(target as Element).matches('summary')) menu.open = false;
+          if (!(event.target as Element).matches('summary')) menu.open = false;
       },
       keydown: (event: KeyboardEvent) => {
         if (!this.help.open && this.key(event)) event.preventDefault();
@@ -265,7 +265,7 @@ export class Shell implements App {
     });
     const { splitter } = this;
     equip(splitter, {
-      pointerdown: ({ pointerId }: PointerEvent) => splitter.setPointerCapture(pointerId),
+      pointerdown: (event: PointerEvent) => splitter.setPointerCapture(event.pointerId),
       pointermove: (event: PointerEvent) => {
         if (splitter.hasPointerCapture(event.pointerId)) this.split(placeIn(this.timeZone, event).y);
       },
@@ -306,7 +306,7 @@ export class Shell implements App {
   /** Arrows go from tab to tab. */
   private tabKey({ target, key }: KeyboardEvent): boolean {
     const step = key === 'ArrowRight' ? 1 : key === 'ArrowLeft' ? -1 : 0;
-    const tabs = this.details().map(({ tab }) => tab!);
+    const tabs = this.details().map((mounted) => mounted.tab!);
     const at = tabs.indexOf(target as HTMLElement);
     if (at < 0 || step === 0) return false;
     const next = tabs[(at + step + tabs.length) % tabs.length];
@@ -316,7 +316,7 @@ export class Shell implements App {
   }
 
   private focused(): Mounted|undefined {
-    return this.mounted.find(({ host }) => host.contains(document.activeElement));
+    return this.mounted.find((mounted) => mounted.host.contains(document.activeElement));
   }
 
   /**
@@ -324,7 +324,7 @@ export class Shell implements App {
    * the detail view, all others.
    */
   private asked(): View[] {
-    const shown = this.mounted.filter(({ host }) => !host.hidden);
+    const shown = this.mounted.filter((mounted) => !mounted.host.hidden);
     const first = [this.focused(), this.panel()].filter((mounted) => mounted !== undefined);
     return [...new Set([...first, ...shown])].map((mounted) => mounted!.view);
   }
@@ -344,7 +344,7 @@ export class Shell implements App {
 
   private async copy(what: 'table'|'folded'): Promise<void> {
     // The samples are the same in every view, shown or not.
-    const views = what === 'table' ? this.asked() : this.available().map(({ view }) => view);
+    const views = what === 'table' ? this.asked() : this.available().map((mounted) => mounted.view);
     const view = views.find((candidate) => candidate[what] !== undefined);
     const text = what === 'folded' ?
         view?.folded!() :

@@ -14,7 +14,7 @@ const laneChoices = ['folded', 'hidden', 'pinned'] as const;
  * out.
  */
 export function writeFragment(state: State): string {
-  const { filter, visible, lanes, cursor, mark, search, place, panel } = state;
+  const { filter, visible, lanes, cursor, place } = state;
   const brushed = filter.end > filter.start && Number.isFinite(filter.end - filter.start);
   const said: [string, string|number|false|null][] = [
     ['shown', visible && pairOf(visible)],
@@ -22,12 +22,12 @@ export function writeFragment(state: State): string {
     ['cores', listOf(filter.cores)],
     ['threads', listOf(filter.threads)],
     ['filter', filter.text || null],
-    ['search', search || null],
+    ['search', state.search || null],
     ['place', place >= 0 && place],
-    ['view', panel || null],
+    ['view', state.panel || null],
     ...laneChoices.flatMap((choice) => [...lanes[choice]].map((path): [string, string] => [choice, path])),
     ['at', cursor && `${cursor.time},${cursor.lane}`],
-    ['mark', mark],
+    ['mark', state.mark],
   ];
   const parts = new URLSearchParams();
   for (const [part, text] of said)
@@ -35,7 +35,7 @@ export function writeFragment(state: State): string {
   return parts.toString();
 }
 
-const pairOf = ({ start, end }: Extent) => `${start},${end}`;
+const pairOf = (extent: Extent) => `${extent.start},${extent.end}`;
 const listOf = (numbers: ReadonlySet<number>|null) => numbers && [...numbers].join();
 
 /** Returns what a fragment says of the state; what it does not say, or says wrongly, is as from the start. */

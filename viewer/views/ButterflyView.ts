@@ -17,7 +17,7 @@ export class ButterflyView extends ProfileView {
   private declare callers: FlamePane;
   private declare callees: FlamePane;
   private place = -1;
-  protected override more = ({ place }: State) => place;
+  protected override more = (state: State) => state.place;
 
   table() {
     const { places: { names }, weight } = this.model.profile;
@@ -40,7 +40,7 @@ export class ButterflyView extends ProfileView {
 
   protected show(state: State, before: Selection|undefined): void {
     const { model, selection } = this;
-    const { places, weight } = model.profile;
+    const { places } = model.profile;
     const place = state.place >= 0 && state.place < places.count ? state.place : heaviest(selection);
     const same = selection === before && place === this.place;
     this.place = place;
@@ -51,7 +51,7 @@ export class ButterflyView extends ProfileView {
     }
     this.name.replaceChildren(
         element('strong', {}, shortName(name)),
-        ` total ${formatPart(this.callees.tree.totals[0] * weight, this.whole)} `,
+        ` total ${formatPart(this.callees.tree.totals[0] * model.profile.weight, this.whole)} `,
         span('quiet', shortName(describePlace(model.profile, place))),
     );
   }

@@ -53,9 +53,9 @@ export class CallTreeView extends ProfileView {
   }
 
   table() {
-    const rows = this.rows.map(({ node, depth }) => {
-      const { total, self, name, detail } = this.figures(node);
-      return [depth, total, self, name, detail];
+    const rows = this.rows.map((row) => {
+      const { total, self, name, detail } = this.figures(row.node);
+      return [row.depth, total, self, name, detail];
     });
     return [['depth', 'total', 'self', 'function', 'library'], ...rows];
   }
@@ -70,19 +70,20 @@ export class CallTreeView extends ProfileView {
     this.parts = [this.list];
   }
 
-  protected show({ search }: State, before: Selection|undefined): void {
+  protected show(state: State, before: Selection|undefined): void {
     const { selection } = this;
     if (selection.profile !== before?.profile) this.openHeaviest();
     if (selection !== before) this.listRows();
-    this.matches = this.model.matches(search);
+    this.matches = this.model.matches(state.search);
     this.list.draw(this.rows.length);
   }
 
   private figures(node: number) {
-    const { profile, totals, selves, places } = this.selection;
-    const place = places[node];
+    const { selection } = this;
+    const { profile } = selection;
+    const place = selection.places[node];
     const { weight } = profile;
-    const figures = { total: totals[node] * weight, self: selves[node] * weight };
+    const figures = { total: selection.totals[node] * weight, self: selection.selves[node] * weight };
     return node === 0 ? {...figures, name: 'all samples', detail: '', kind: PlaceKind.User } : {
       ...figures,
       name: profile.places.names[place],
@@ -110,8 +111,9 @@ export class CallTreeView extends ProfileView {
   }
 
   private hasChildren(node: number): boolean {
-    const { childStart, childEnd, totals, selves } = this.selection;
-    return childEnd[node] > childStart[node] && totals[node] > selves[node];
+    const { selection } = this;
+    return selection.childEnd[node] > selection.childStart[node] &&
+        selection.totals[node] > selection.selves[node];
   }
 
   private toggle(index: number): void {

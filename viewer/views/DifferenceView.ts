@@ -37,7 +37,7 @@ export class DifferenceView extends ProfileView {
   private selections: readonly Selection[] = [];
   private declare tree: DifferenceTree;
   private changes: readonly Change[] = [];
-  protected override more = ({ baseline }: State) => baseline;
+  protected override more = (state: State) => state.baseline;
   protected override legend: readonly LegendEntry[] = [
     [(dark) => palette(dark)[0], 'less than before'],
     [(dark) => palette(dark)[steps], 'the same'],
@@ -82,21 +82,21 @@ export class DifferenceView extends ProfileView {
     this.parts = [this.pane, this.list];
   }
 
-  protected show({ baseline, filter, search }: State): void {
-    const models = [this.model, baseline!];
+  protected show(state: State): void {
+    const models = [this.model, state.baseline!];
     if (differ(models, this.models)) {
       this.union = unite(models[0].profile, models[1].profile);
       this.models = models;
     }
     // Threads, cores and times of one recording mean nothing in the other.
-    const selections = [this.selection, models[1].selection(models[1].textFilter(filter.text))];
+    const selections = [this.selection, models[1].selection(models[1].textFilter(state.filter.text))];
     const other = differ(selections, this.selections);
     if (other) {
       this.selections = selections;
       this.tree = new DifferenceTree(this.union, selections[0], selections[1]);
       this.changes = this.listChanges();
     }
-    this.pane.show(this.tree, this.look(search), !other);
+    this.pane.show(this.tree, this.look(state.search), !other);
     this.list.draw(this.changes.length);
   }
 
@@ -138,16 +138,16 @@ export class DifferenceView extends ProfileView {
 
   /** Returns every place's share of the samples that were taken in it, the largest change first. */
   private listChanges(): Change[] {
-    const { currentPlaces, baselinePlaces } = this.union;
+    const { baselinePlaces } = this.union;
     const [after, before] = this.selections.map((selection, index) => {
       const { selves } = this.models[index].grouping('function').weigh(selection);
       return (place: number) => (place < 0 ? 0 : selves[place] / (selection.count || 1));
     });
-    const changes = Array.from(currentPlaces, (current, place) => ({
-                                                place,
-                                                after: after(current),
-                                                before: before(baselinePlaces[place]),
-                                              }));
+    const changes = Array.from(this.union.currentPlaces, (current, place) => ({
+                                                           place,
+                                                           after: after(current),
+                                                           before: before(baselinePlaces[place]),
+                                                         }));
     const size = (change: Change) => Math.abs(change.after - change.before);
     return changes.filter((change) => change.before > 0 || change.after > 0)
         .sort((a, b) => size(b) - size(a));

@@ -102,7 +102,7 @@ export class FlamePane {
   /** Goes to the next or previous match of the search; returns its label. */
   find(direction: Direction): string|null {
     const { boxes, look, chosen } = this;
-    const from = boxes.findIndex(({ node }) => node === chosen);
+    const from = boxes.findIndex((box) => box.node === chosen);
     const index = nextOf(boxes.length, from, direction, (i) => look.matches?.(boxes[i].node) === true);
     if (index < 0) return null;
     const { node } = boxes[index];
@@ -135,7 +135,7 @@ export class FlamePane {
   }
 
   /** Returns the nodes that have a box, parents before their children. */
-  nodes(): number[] { return this.boxes.map(({ node }) => node); }
+  nodes(): number[] { return this.boxes.map((box) => box.node); }
 
   /** Returns the picture as SVG. */
   svg(): string {
@@ -153,11 +153,11 @@ export class FlamePane {
   }
 
   private readonly draw = (): void => {
-    const { stage, context } = this;
+    const { stage } = this;
     this.width = stage.clientWidth;
     this.height = stage.clientHeight;
     const scale = fitCanvas(this.canvas, this.width, this.height);
-    context.setTransform(scale, 0, 0, scale, 0, 0);
+    this.context.setTransform(scale, 0, 0, scale, 0, 0);
     this.lay();
     this.scroll = Math.min(this.scroll, Math.max(0, this.rows * rowHeight - this.height));
     this.paint();
@@ -169,8 +169,8 @@ export class FlamePane {
 
   private lay(): void {
     const total = this.tree.totals[this.focus];
-    const { start, end } = this.part;
-    this.boxes = layOut(this.tree, this.focus, start * total, end * total, this.width, leastWidth);
+    this.boxes =
+        layOut(this.tree, this.focus, this.part.start * total, this.part.end * total, this.width, leastWidth);
   }
 
   /** Rows of the whole graph; the last box is in the deepest one. */
@@ -181,16 +181,16 @@ export class FlamePane {
     return [Math.max(0, left), Math.min(this.width, left + width)];
   }
 
-  private top({ depth }: Box): number {
-    const down = depth * rowHeight - this.scroll;
+  private top(box: Box): number {
+    const down = box.depth * rowHeight - this.scroll;
     return this.upward ? this.height - rowHeight - down : down;
   }
 
   private paint(): void {
-    const { boxes, look, width, height, context, writer } = this;
+    const { boxes, look, height, context, writer } = this;
     const { matches, palette } = look;
     context.fillStyle = pageColour('ground');
-    context.fillRect(0, 0, width, height);
+    context.fillRect(0, 0, this.width, height);
     const match = palette.length;
     // Boxes of one colour are painted together.
     const batches: Box[][] = Array.from({ length: match + 1 }, () => []);
@@ -261,7 +261,7 @@ export class FlamePane {
     this.repaint();
   }
 
-  private boxOf(wanted: number): Box|undefined { return this.boxes.find(({ node }) => node === wanted); }
+  private boxOf(wanted: number): Box|undefined { return this.boxes.find((box) => box.node === wanted); }
 
   /** Returns the box under the pointer. */
   private boxAt(event: MouseEvent): Box|undefined {

@@ -46,13 +46,13 @@ export class FlameView extends ProfileView {
 
   protected show(state: State, before: Selection|undefined): void {
     const { model, selection, tree: shown } = this;
-    const { samples, weight } = model.profile;
     const turned = this.inverted === (shown === before);
     if (selection !== before || turned)
       this.tree = this.inverted ? MergedTree.inverted(selection) : selection;
     const sameNodes = this.tree === shown ||
         (this.tree === selection && shown === before && selection.profile === before?.profile);
-    const name = `all samples: ${formatPart(this.whole, samples.count * weight)}`;
+    const { profile } = model;
+    const name = `all samples: ${formatPart(this.whole, profile.samples.count * profile.weight)}`;
     this.pane.show(this.tree!, placeLook(model, this.tree!, selection, name, state.search), sameNodes);
   }
 

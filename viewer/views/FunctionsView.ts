@@ -51,11 +51,11 @@ export class FunctionsView extends ProfileView {
     this.parts = [this.list];
   }
 
-  protected show({ search }: State): void {
+  protected show(state: State): void {
     this.grouping = this.model.grouping(this.by.value);
     this.weights = this.grouping.weigh(this.selection);
     this.groups = functionRows(this.grouping, this.weights, this.filter.value, this.order);
-    this.matches = this.grouping.byPlace ? this.model.matches(search) : null;
+    this.matches = this.grouping.byPlace ? this.model.matches(state.search) : null;
     this.list.sorted(columns.findIndex(([key]) => key === this.order.key), this.order.descending);
     this.list.draw(this.groups.length);
   }
@@ -87,8 +87,8 @@ export class FunctionsView extends ProfileView {
   /** Looks into a function; for anything else, selects its samples. */
   private open(group: number): void {
     const { store } = this.app;
-    const { byPlace, narrow } = this.grouping;
-    if (byPlace)
+    const { narrow } = this.grouping;
+    if (this.grouping.byPlace)
       store.set({ place: group, panel: 'butterfly' });
     else if (narrow)
       store.refine(narrow(group));

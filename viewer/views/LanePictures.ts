@@ -1,13 +1,13 @@
-import {formatTime, Scale} from '../model/axis';
+import {Scale} from '../model/axis';
 import type {Lane} from '../model/lanes';
-import {element, fitCanvas, isDark, pageColour, shortName} from './dom';
+import {element, equip, fitCanvas, isDark, pageColour, shortName} from './dom';
 import {sliceOn} from './laneFacts';
 import {groundColours, paintLane, type Picture, Pixels} from './laneRaster';
 import {writeTexts} from './laneTexts';
 import type {State} from './store';
 import {SvgPicture} from './SvgPicture';
 import {CanvasWriter} from './texts';
-import {brushOf, gutter, shownExtent} from './timeAxis';
+import {brushOf, describeSpan, gutter, shownExtent} from './timeAxis';
 
 /** A row where it is drawn, in pixels of the page from the top of the view. */
 export interface PlacedLane {
@@ -48,9 +48,7 @@ export class LanePictures {
     this.context.putImageData(pixels.image, 0, 0);
     writer.begin(fontSize * scale);
     for (const { lane, top } of placed) writeTexts(writer, model, lane, Math.round(top * scale), picture);
-    const { start, end } = picture.axis.shown;
-    this.base.setAttribute(
-        'aria-label', `${placed.length} rows from ${formatTime(start)} to ${formatTime(end)}`);
+    equip(this.base, { 'aria-label': `${placed.length} rows, ${describeSpan(picture.axis.shown)}` });
   }
 
   /** Selected span, mark and cursor: painted apart, so that moving them leaves the rows alone. */
@@ -76,7 +74,7 @@ export class LanePictures {
       line('accent', right - 1);
     }
     if (mark !== null) line('bad', x(mark));
-    const row = placed.find(({ lane }) => lane.path === cursor?.lane);
+    const row = placed.find((known) => known.lane.path === cursor?.lane);
     if (!cursor || !row) return;
     context.strokeStyle = '#e08a00';
     context.lineWidth = 2 * scale;

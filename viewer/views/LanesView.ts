@@ -34,7 +34,7 @@ export class LanesView implements View {
   private fixed = 0;
   private placed: readonly PlacedLane[] = [];
 
-  available({ timechart }: State): boolean { return timechart !== null; }
+  available(state: State): boolean { return state.timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
@@ -48,11 +48,11 @@ export class LanesView implements View {
 
   draw(state: State, before: State|null): void {
     const other = (parts: (state: State) => unknown[]) => !before || differ(parts(state), parts(before));
-    const moved = other(({ timechart, lanes, profile }) => [timechart, lanes, profile]);
+    const moved = other((state) => [state.timechart, state.lanes, state.profile]);
     if (moved) this.place(state);
     const { store } = this.app;
-    if (moved || other(({ visible }) => [visible])) store.repaint(this.paint);
-    if (moved || other(({ search, cursor }) => [search, cursor])) store.repaint(this.label);
+    if (moved || other((state) => [state.visible])) store.repaint(this.paint);
+    if (moved || other((state) => [state.search, state.cursor])) store.repaint(this.label);
     store.repaint(this.paintOverlay);
   }
 
@@ -64,7 +64,7 @@ export class LanesView implements View {
   key(event: KeyboardEvent): boolean {
     const { cursor } = this.app.store.state;
     const all = this.allLanes();
-    const lane = all.find(({ path }) => path === cursor?.lane) ?? all[0];
+    const lane = all.find((known) => known.path === cursor?.lane) ?? all[0];
     return (lane && this.act({ lane, time: this.time }, event)) || this.stage.key(event);
   }
 
@@ -72,7 +72,7 @@ export class LanesView implements View {
     const { search, cursor } = this.app.store.state;
     const all = this.allLanes();
     const wanted = search.toLowerCase();
-    const at = all.findIndex(({ path }) => path === cursor?.lane);
+    const at = all.findIndex((lane) => lane.path === cursor?.lane);
     const index = nextOf(all.length, at, direction, (i) => all[i].label.toLowerCase().includes(wanted));
     if (index < 0) return null;
     this.reveal(all[index]);
@@ -122,8 +122,8 @@ export class LanesView implements View {
   private allLanes(): Lane[] { return visibleLanes(this.app.store.state.timechart!.tree, noChoice).rest; }
 
   /** Finds where rows are, and those that can be seen: the pinned ones stay above the scrolled rest. */
-  private place({ timechart, lanes }: State): void {
-    const { pinned, rest } = visibleLanes(timechart!.tree, lanes);
+  private place(state: State): void {
+    const { pinned, rest } = visibleLanes(state.timechart!.tree, state.lanes);
     let bottom = 0;
     this.rows = [...pinned, ...rest].map((lane, index) => {
       const height = laneHeight(lane);
@@ -142,8 +142,8 @@ export class LanesView implements View {
     const wanted = search.toLowerCase();
     const current = cursor?.lane ?? '';
     const rows = this.placed.map(({ lane, top, height, pinned }) => {
-      const { path, depth, children, tracks } = lane;
-      const open = children.length === 0 ? null : !lanes.folded.has(path);
+      const { path, depth } = lane;
+      const open = lane.children.length === 0 ? null : !lanes.folded.has(path);
       const name = shortName(fullLabel(lane));
       const alone = pinned || lanes.pinned.has(path.slice(0, path.lastIndexOf('_')));
       const act = (mark: string, title: string, what: keyof LaneChoice) =>
@@ -151,7 +151,7 @@ export class LanesView implements View {
       const row = element(
           'div',
           {
-            class: `label lane${tracks.length === 0 ? ' heading' : ''}${pinned ? ' pinned' : ''}${
+            class: `label lane${lane.tracks.length === 0 ? ' heading' : ''}${pinned ? ' pinned' : ''}${
                 wanted !== '' && lane.label.toLowerCase().includes(wanted) ? ' match' : ''}`,
             role: 'treeitem',
             id: `lane-${path}`,
@@ -209,11 +209,11 @@ export class LanesView implements View {
     return describeLane(state.timechart!, lane, time, (end - start) / this.stage.width, state.mark);
   }
 
-  private step({ lane, time }: PlacedCursor, by: number): void {
-    const at = this.rows.findIndex((row) => row.lane === lane);
+  private step(cursor: PlacedCursor, by: number): void {
+    const at = this.rows.findIndex((row) => row.lane === cursor.lane);
     const next = this.app.store.state.cursor ? at + by : 0;
     const row = this.rows[clamped(next, 0, this.rows.length - 1)];
-    if (row) this.moveTo(row.lane, time);
+    if (row) this.moveTo(row.lane, cursor.time);
   }
 
   /**

@@ -100,8 +100,8 @@ export abstract class ProfileView implements View {
   protected get whole(): number { return this.selection.count * this.model.profile.weight; }
 
   private drawBar({ filter, search }: State): void {
-    const { weight, samples } = this.model.profile;
-    const all = samples.count * weight;
+    const { weight } = this.model.profile;
+    const all = this.model.profile.samples.count * weight;
     const about = weight > 1 ? 'about ' : '';
     const picked = !isEverything(filter);
     this.counted.textContent =

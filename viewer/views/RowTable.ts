@@ -80,9 +80,9 @@ export class RowTable {
     this.count = count;
     this.current = clamped(this.current, 0, count - 1);
     this.space.style.height = `${count * rowHeight}px`;
-    const { scrollTop, clientHeight } = this.scroller;
+    const { scrollTop } = this.scroller;
     const first = Math.max(0, Math.floor(scrollTop / rowHeight) - margin);
-    const last = Math.min(count, Math.ceil((scrollTop + clientHeight) / rowHeight) + margin);
+    const last = Math.min(count, Math.ceil((scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
     for (const [index, row] of this.pool) {
       if (index >= first && index < last) continue;
       row.remove();
@@ -139,15 +139,15 @@ export class RowTable {
   /** Returns the name, then the other cells with the titles of their columns. */
   private describe(index: number): string {
     const { cells } = this.rows.row(index);
-    const name = this.columns.findIndex(({ style }) => style === 'name');
-    const others = this.columns.map(({ title }, i) => `${title.toLowerCase()} ${cells[i]}`);
+    const name = this.columns.findIndex((column) => column.style === 'name');
+    const others = this.columns.map((column, i) => `${column.title.toLowerCase()} ${cells[i]}`);
     return [cells[name], ...others.filter((_, i) => i !== name && cells[i] !== '')].join(', ');
   }
 
   private add(index: number): HTMLElement {
     const row = element(
         'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': index + 2 },
-        ...this.columns.map(({ style }) => element('span', { class: style, role: 'gridcell' })));
+        ...this.columns.map((column) => element('span', { class: column.style, role: 'gridcell' })));
     row.style.transform = `translateY(${index * rowHeight}px)`;
     this.pool.set(index, row);
     this.space.append(row);

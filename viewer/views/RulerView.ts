@@ -1,6 +1,6 @@
-import {formatDuration, formatTime, Scale, ticks} from '../model/axis';
+import {formatDuration, Scale, ticks} from '../model/axis';
 
-import {div, element, fitCanvas, pageColour} from './dom';
+import {div, element, equip, fitCanvas, pageColour} from './dom';
 
 import type {State} from './store';
 import {brushOf, describeSpan, scaleOf, setBrush, timeGestures, wholeExtent} from './timeAxis';
@@ -18,7 +18,7 @@ export class RulerView implements View {
   private readonly label = div('ruler-label');
   private declare host: HTMLElement;
 
-  available({ profile, timechart }: State): boolean { return profile !== null || timechart !== null; }
+  available(state: State): boolean { return state.profile !== null || state.timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
@@ -54,10 +54,7 @@ export class RulerView implements View {
     if (state.mark !== null) box('bad', Math.round(scale.x(state.mark)) - 1, 6, 2, height - 6);
     const { start, end } = brush ?? shown;
     this.label.textContent = `${formatDuration(end - start)} ${brush ? 'selected' : 'shown'}`;
-    this.canvas.setAttribute(
-        'aria-label',
-        `Time from ${formatTime(shown.start)} to ${formatTime(shown.end)}` +
-            (brush ? `; selected: ${describeSpan(brush)}` : ''),
-    );
+    const selected = brush ? `; selected: ${describeSpan(brush)}` : '';
+    equip(this.canvas, { 'aria-label': `Time: ${describeSpan(shown)}${selected}` });
   }
 }

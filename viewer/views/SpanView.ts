@@ -23,7 +23,7 @@ export class SpanView implements View {
   private asked: readonly unknown[] = [];
   private pending = 0;
 
-  available({ timechart }: State): boolean { return timechart !== null; }
+  available(state: State): boolean { return state.timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
     this.host = host;
@@ -32,10 +32,10 @@ export class SpanView implements View {
   }
 
   draw(state: State): void {
-    const { timechart, filter, run } = state;
+    const { timechart, filter } = state;
     // The figures of a part would be replaced before they can be read.
     if (timechart !== this.asked[0] && isReading(state)) return;
-    const asked = [timechart, filter.start, filter.end, run];
+    const asked = [timechart, filter.start, filter.end, state.run];
     if (!differ(asked, this.asked)) return;
     this.asked = asked;
     const { start, end } = spanOf(state);

@@ -42,8 +42,8 @@ export class TimeStage {
   }
 
   /** Handles the keys that scroll without a change of the row; returns whether it did. */
-  key({ key }: KeyboardEvent): boolean {
+  key(event: KeyboardEvent): boolean {
     const scroll = (windows: number) => () => void (this.scroller.scrollTop += windows * this.height);
-    return perform(key, { PageUp: scroll(-keyScroll), PageDown: scroll(keyScroll) });
+    return perform(event.key, { PageUp: scroll(-keyScroll), PageDown: scroll(keyScroll) });
   }
 }

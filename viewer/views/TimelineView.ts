@@ -99,24 +99,23 @@ export class TimelineView implements View {
 
   /** Shows the rows in sight, which are others after a scroll. */
   private readonly show = (): void => {
-    const { top, height } = this.stage;
+    const { top } = this.stage;
     const first = this.rowAt(0);
-    this.list(this.rows.slice(first, Math.ceil((top + height) / rowHeight)));
+    this.list(this.rows.slice(first, Math.ceil((top + this.stage.height) / rowHeight)));
     this.label(first, top);
     this.app.store.repaint(this.paint);
   };
 
   private readonly paint = (): void => {
-    const { stage, profile } = this;
     const { canvas } = this.picture;
-    const { top, width, height } = stage;
+    const { top } = this.stage;
     const first = this.rowAt(0);
-    const scale = fitCanvas(canvas, width, height);
+    const scale = fitCanvas(canvas, this.stage.width, this.stage.height);
     const pixels = (this.pixels = Pixels.of(canvas, this.pixels));
     const dark = isDark();
     const quiet = dark ? 0x3b424a : 0xd0d6dc;
     pixels.clear(groundColours(dark).ground);
-    const bounds = pixelBounds(profile, shownExtent(this.app.store.state), pixels.width);
+    const bounds = pixelBounds(this.profile, shownExtent(this.app.store.state), pixels.width);
     this.listed.forEach(({ kind }, row) => {
       const bottom = Math.round(((first + row + 1) * rowHeight - top - 1) * scale);
       const high = Math.round((rowHeight - 2) * scale);
@@ -174,7 +173,7 @@ export class TimelineView implements View {
     return `${name} (${tid})`;
   }
 
-  private countOf({ samples }: TimeRow): string { return formatCount(samples * this.profile.weight); }
+  private countOf(row: TimeRow): string { return formatCount(row.samples * this.profile.weight); }
 
   private tell(row: TimeRow): string[] { return [this.nameOf(row), `${this.countOf(row)} samples`]; }
 
@@ -204,8 +203,7 @@ export class TimelineView implements View {
   private select(index: number, add: boolean): void {
     const { kind, subject } = this.rows[index];
     const { store } = this.app;
-    const { cores, threads } = store.state.filter;
-    const before = kind === 'core' ? cores : threads;
+    const before = kind === 'core' ? store.state.filter.cores : store.state.filter.threads;
     const chosen = new Set(add ? before : []);
     if (before?.has(subject) === true && (add || before.size === 1))
       chosen.delete(subject);

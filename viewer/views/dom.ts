@@ -75,9 +75,9 @@ export function swatch(colour: string): HTMLElement {
 }
 
 /** Returns where the pointer is in an element, in pixels from its left and upper edge. */
-export function placeIn(target: Element, {clientX, clientY}: MouseEvent): {x: number; y: number} {
+export function placeIn(target: Element, event: MouseEvent): {x: number; y: number} {
   const { left, top } = target.getBoundingClientRect();
-  return { x: clientX - left, y: clientY - top };
+  return { x: event.clientX - left, y: event.clientY - top };
 }
 
 const longest = 300;

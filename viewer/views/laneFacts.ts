@@ -9,7 +9,7 @@ import {shortName} from './dom';
 
 /** Returns the task that a row shows, if it shows one. */
 export const taskOf = (lane: Lane): number|undefined =>
-    lane.tracks.find(({entry}) => entry.id.startsWith('proc-'))?.subject;
+    lane.tracks.find((track) => track.entry.id.startsWith('proc-'))?.subject;
 
 /** Returns the core of a core's row, or -1. */
 export const coreOf = (lane: Lane): number => (lane.root === 'cpu' ? lane.tracks[0]?.cpu ?? -1 : -1);
@@ -28,7 +28,7 @@ export function describeLane(
     model: TimechartModel, lane: Lane, time: number, pixel: number, mark: number|null): string[] {
   const label = shortName(fullLabel(lane));
   const lines = [label, ...lane.tracks.flatMap((track) => describeTrack(model, track, time, pixel, label))];
-  const busy = lane.tracks.find(({ role }) => role === 'busy');
+  const busy = lane.tracks.find((track) => track.role === 'busy');
   const run = busy ? model.tasks.runOnCore(busy.cpu, time) : null;
   if (run) lines.push(`${shortName(run.label)} for ${formatDuration(run.end - run.start)}`);
   const since = mark === null ? '' : `, ${formatDuration(time - mark)} from the mark`;

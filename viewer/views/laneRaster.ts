@@ -42,12 +42,12 @@ interface Layer {
 
 /** What the bands of a row hold, from top to bottom; heights are in pixels of the page. */
 const layers: readonly Layer[] = [
-  { kind: 'texts', height: 13, holds: ({ entry }) => entry.type === 'events' },
-  { kind: 'marks', height: 6, holds: ({ shape, entry }) => shape === 'marks' && entry.type !== 'events' },
-  { kind: 'states', height: 13, holds: ({ shape, role }) => shape === 'state' && role !== 'waitGpu' },
+  { kind: 'texts', height: 13, holds: (track) => track.entry.type === 'events' },
+  { kind: 'marks', height: 6, holds: (track) => track.shape === 'marks' && track.entry.type !== 'events' },
+  { kind: 'states', height: 13, holds: (track) => track.shape === 'state' && track.role !== 'waitGpu' },
   // A task may sleep, or even run, while it waits for the GPU.
-  { kind: 'states', height: 4, holds: ({ role }) => role === 'waitGpu' },
-  { kind: 'level', height: 17, holds: ({ shape }) => shape === 'level' },
+  { kind: 'states', height: 4, holds: (track) => track.role === 'waitGpu' },
+  { kind: 'level', height: 17, holds: (track) => track.shape === 'level' },
 ];
 /** A row of marks alone is as high as the words of its label. */
 const onlyMarks = 13;
@@ -56,7 +56,7 @@ export const margin = 4;
 
 /** Returns the bands of a row that hold anything, from top to bottom. */
 export function bandsOf(lane: Lane): Band[] {
-  const bands = layers.map(({ kind, height, holds }) => ({ kind, height, tracks: lane.tracks.filter(holds) }))
+  const bands = layers.map((layer) => ({...layer, tracks: lane.tracks.filter(layer.holds) }))
                     .filter((band) => band.tracks.length > 0);
   return bands.length === 1 && bands[0].kind === 'marks' ? [{...bands[0], height: onlyMarks }] : bands;
 }
@@ -125,12 +125,12 @@ function paintStates(
 function paintLevel(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
   const { axis } = picture;
-  const { shown, width } = axis;
+  const { shown } = axis;
   if (track.peak <= 0 || !touches(track, shown)) return;
   const colour = colourOf(track, picture.dark);
   const pale = mix(colour, picture.dark ? 0x000000 : 0xffffff, 0.5);
   const high = (value: number) => bottom - (value / track.peak) * (bottom - top);
-  const last = Math.min(width, Math.ceil(axis.x(picture.close)));
+  const last = Math.min(axis.width, Math.ceil(axis.x(picture.close)));
   let index = pointsUntil(times, shown.start);
   for (let x = 0; x < last;) {
     let least = index > 0 ? values[index - 1] : 0;

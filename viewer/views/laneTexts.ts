@@ -35,8 +35,8 @@ export function writeTexts(
 function writeTasks(
     writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
   const { axis, scale } = picture;
-  const { shown, width, pixel } = axis;
-  const least = leastRoom * scale * pixel;
+  const { shown, width } = axis;
+  const least = leastRoom * scale * axis.pixel;
   // A core is busy during every run.
   if (track.steps.longest < least) return;
   const colour = contrast(colourOf(track, picture.dark));

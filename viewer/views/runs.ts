@@ -24,11 +24,11 @@ export function describeRun(tasks: Tasks, run: Run): string[] {
 
 /** Selects a run and the samples that were taken in it. */
 export function selectRun(app: App, run: Run): void {
-  const { store } = app;
-  const { profile, timechart } = store.state;
-  const threads = profile?.profile.threads.flatMap(({ tid }, index) => (tid === run.task ? [index] : []));
-  store.refine({ start: run.start, end: run.end, threads: threads ? new Set(threads) : null }, run);
-  app.announce(describeRun(timechart!.tasks, run).join('; '));
+  const { state } = app.store;
+  const threads =
+      state.profile?.profile.threads.flatMap((thread, index) => (thread.tid === run.task ? [index] : []));
+  app.store.refine({ start: run.start, end: run.end, threads: threads ? new Set(threads) : null }, run);
+  app.announce(describeRun(state.timechart!.tasks, run).join('; '));
 }
 
 /** Selects the task's first run after a time, or the last one before it; returns it, or null without one. */

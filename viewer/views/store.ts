@@ -52,7 +52,8 @@ export interface State {
 }
 
 /** Returns whether a document is being read, so that what is shown may be a part. */
-export const isReading = ({readings}: State): boolean => readings.some(({state}) => state === 'reading');
+export const isReading = (state: State): boolean =>
+    state.readings.some((reading) => reading.state === 'reading');
 
 /** Gets the state and the one of the commit before; null asks for everything to be painted. */
 type Listener = (state: State, before: State|null) => void;

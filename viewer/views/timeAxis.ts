@@ -19,7 +19,7 @@ export const scrollBar = 14;
 export const axisWidth = (host: HTMLElement): number => Math.max(1, host.clientWidth - gutter - scrollBar);
 
 /** Returns the time that the opened documents cover. */
-export const wholeExtent = ({profile, timechart}: State): Extent => commonExtent(profile, timechart);
+export const wholeExtent = (state: State): Extent => commonExtent(state.profile, state.timechart);
 
 /** Returns the part of the time axis that is shown. */
 export const shownExtent = (state: State): Extent => state.visible ?? wholeExtent(state);
@@ -38,9 +38,9 @@ export const spanOf = (state: State): Extent => brushOf(state) ?? wholeExtent(st
 
 /** Selects a span; null selects everything. The thread of a selected run is given up with the run. */
 export function setBrush(store: Store, brush: Extent|null): void {
-  const { filter, run } = store.state;
+  const { state } = store;
   const { start, end } = brush ?? everything;
-  store.refine({ start, end, threads: run ? null : filter.threads }, null);
+  store.refine({ start, end, threads: state.run ? null : state.filter.threads }, null);
 }
 
 /** Scales the axis by `factor` about a time, then moves it by `shift` seconds. */
@@ -71,13 +71,13 @@ const keyZoom = 1.5;
 const keyPan = 0.2;
 
 /** Handles the keys that move the time axis, wherever the focus is; returns whether it did. */
-export function timeKey({key}: KeyboardEvent, store: Store): boolean {
+export function timeKey(event: KeyboardEvent, store: Store): boolean {
   const { start, end } = shownExtent(store.state);
   const cursor = store.state.cursor?.time ?? NaN;
   const at = cursor >= start && cursor < end ? cursor : (start + end) / 2;
   const brush = brushOf(store.state);
   const move = (part: number) => zoomTime(store, 1, at, (end - start) * part);
-  return perform(key.toLowerCase(), {
+  return perform(event.key.toLowerCase(), {
     'w': () => zoomTime(store, 1 / keyZoom, at),
     's': () => zoomTime(store, keyZoom, at),
     'a': () => move(-keyPan),
