@@ -41,7 +41,7 @@ export class Shell implements App {
         },
   });
   private readonly readings = element('div', { class: 'readings', role: 'status' });
-  private readonly search = searchField('Search ( / )', 'Search', (search) => this.store.set({ search }));
+  private readonly search = searchField('Search ( / )', (search) => this.store.set({ search }));
   private readonly found = element('span', { class: 'found', role: 'status' });
   private readonly brush = button(
       '', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
@@ -55,18 +55,16 @@ export class Shell implements App {
   });
   private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
   private readonly detailZone = div('detail');
-  private readonly status = element('div', { class: 'status', role: 'status', 'aria-live': 'polite' });
+  private readonly status = element('div', { class: 'status', role: 'status' });
   private readonly tip = element('div', { class: 'tip', role: 'tooltip', hidden: true });
   private readonly crosshair = element('div', { class: 'crosshair', hidden: true });
   private readonly welcome =
       div('welcome', element('h1', {}, 'zelconv viewer'),
-          element(
-              'p', {},
-              'Drop documents here: a profile, a timechart, or both of one recording; gzipped ones, too.'),
-          this.keyButton('Open documents…', 'Open documents (O)', 'o', 'primary'),
+          element('p', {}, 'Drop profiles and timecharts here, gzipped or not.'),
+          this.keyButton('Open documents (O)', null, 'o', 'primary'),
           element(
               'p', { class: 'quiet' },
-              'They stay on this machine: the page can request nothing. Press ? for the keys.'));
+              'They stay on this machine: the page can request nothing. Press ? for help.'));
   private readonly main =
       element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
   private readonly help = helpDialog();
@@ -82,8 +80,8 @@ export class Shell implements App {
     'N': () => this.find(-1),
     'z': () => this.undo(),
     'o': () => this.openInput.click(),
-    'c': () => void this.copy('table'),
-    'C': () => void this.copy('folded'),
+    'c': () => this.copy('table'),
+    'C': () => this.copy('folded'),
     'Escape': () => setBrush(this.store, null),
   };
 
@@ -127,7 +125,7 @@ export class Shell implements App {
   }
 
   /** Returns a button that does what a key does. */
-  private keyButton(label: string, title: string, key: string, style = ''): HTMLButtonElement {
+  private keyButton(label: string, title: string|null, key: string, style = ''): HTMLButtonElement {
     return button(label, title, () => this.keys[key](), { class: style });
   }
 
@@ -137,15 +135,13 @@ export class Shell implements App {
         'header', {}, this.keyButton('Open…', 'Open documents (O)', 'o'), this.readings, span('fill'),
         this.search, this.keyButton('‹', 'Previous match (Shift+N)', 'N'),
         this.keyButton('›', 'Next match (N)', 'n'), this.found,
-        this.keyButton('Undo', 'Undo the last selection (Z)', 'z'),
+        this.keyButton('Undo', 'Undo the selection (Z)', 'z'),
         element(
             'details', { class: 'menu' }, element('summary', {}, 'Save'),
-            div('', this.keyButton('Copy table (TSV)', 'Copy the view as a table (C)', 'c'),
-                this.keyButton(
-                    'Copy folded stacks', 'Copy the selected samples as folded stacks (Shift+C)', 'C'),
-                button('Picture (SVG)', 'Save the view as a vector picture', picture('svg')),
-                button('Picture (PNG)', 'Save the view as pixels', picture('png')))),
-        this.keyButton('?', 'Keys and help (?)', '?'), this.openInput);
+            div('', this.keyButton('Copy table (C)', null, 'c'),
+                this.keyButton('Copy folded stacks (Shift+C)', null, 'C'),
+                button('Save as SVG', null, picture('svg')), button('Save as PNG', null, picture('png')))),
+        this.keyButton('?', 'Help (?)', '?'), this.openInput);
   }
 
   private mount(view: View): Mounted {
@@ -157,7 +153,7 @@ export class Shell implements App {
       this.timeZone.append(host);
     else {
       const click = () => this.store.set({ panel: id });
-      tab = element('button', { type: 'button', role: 'tab', 'aria-controls': host.id, click }, title);
+      tab = element('button', { role: 'tab', 'aria-controls': host.id, click }, title);
       equip(host, { role: 'tabpanel' });
       this.tabs.append(tab);
       this.detailZone.append(host);
@@ -205,8 +201,7 @@ export class Shell implements App {
 
   private compareClocks({ profile, timechart }: State): void {
     if (!profile || !timechart || (profile.start <= timechart.end && timechart.start <= profile.end)) return;
-    this.announce(
-        'The profile and the timechart share no time: were both converted with the same time scale?');
+    this.announce('Profile and timechart share no time: have they the same time scale?');
   }
 
   /** The views that have something to show. */
@@ -342,7 +337,7 @@ export class Shell implements App {
     return true;
   }
 
-  private async copy(what: 'table'|'folded'): Promise<void> {
+  private copy(what: 'table'|'folded'): void {
     // The samples are the same in every view, shown or not.
     const views = what === 'table' ? this.asked() : this.available().map((mounted) => mounted.view);
     const view = views.find((candidate) => candidate[what] !== undefined);
@@ -351,7 +346,7 @@ export class Shell implements App {
         view?.table!().map((cells) => cells.map(cellText).join('\t') + '\n').join('');
     if (text === undefined)
       this.announce('This view has nothing to copy');
-    else if (await copyText(text))
+    else if (copyText(text))
       this.announce(`Copied ${text.split('\n').length - 1} lines`);
     else
       this.announce('The browser refused to copy');

@@ -7,18 +7,18 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
     [
       ['O', 'open documents'],
       ['1 … 9', 'show that view'],
-      ['/', 'search; Enter and N find the next match, Shift+N the previous one'],
-      ['Z', 'undo the last selection'],
+      ['/', 'search; N, Shift+N: next, previous match'],
+      ['Z', 'undo the selection'],
       ['Escape', 'select everything'],
-      ['C, Shift+C', 'copy the view as a table, the samples as folded stacks'],
-      ['Tab', 'go to the next part of the page'],
+      ['C, Shift+C', 'copy the table, the samples as folded stacks'],
+      ['Tab', 'next part of the page'],
     ],
   ],
   [
     'Time',
     [
-      ['W, S', 'zoom in, out; also Ctrl and the wheel'],
-      ['A, D', 'move left, right; also Shift and the wheel, or Shift and a drag'],
+      ['W, S', 'zoom in, out; also Ctrl and wheel'],
+      ['A, D', 'move left, right; also Shift and wheel or drag'],
       ['drag', 'select a span; a double click shows it'],
       ['F, 0', 'show the selection, show all'],
     ],
@@ -26,10 +26,10 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
   [
     'Timechart rows',
     [
-      ['↑, ↓, Home, End', 'go to the row above, below, to the first, the last'],
+      ['↑, ↓, Home, End', 'row above, below, first, last row'],
       ['Page up, Page down', 'scroll the rows'],
-      ['←, →', 'go to the row’s previous, next point in time; with Shift, select up to it'],
-      ['Enter, click', 'select what the row shows there: a run of a task with its samples'],
+      ['←, →', 'previous, next point in time; with Shift, select up to it'],
+      ['Enter, click', 'select what the row shows there, such as a run and its samples'],
       ['[, ]', 'select the previous, next run of the task'],
       ['M', 'measure from here'],
       ['Space, P, H, U', 'fold, pin, hide a row; show the hidden ones'],
@@ -39,13 +39,13 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
 
 /** Returns the dialog that lists keys and gestures. */
 export function helpDialog(): HTMLDialogElement {
-  const dialog = element('dialog', { 'aria-label': 'Keys and help' });
+  const dialog = element('dialog', { 'aria-label': 'Help' });
   for (const [title, keys] of sections) {
     const rows = keys.map(
         ([key, meaning]) => element(
             'tr', {}, element('th', { scope: 'row' }, element('kbd', {}, key)), element('td', {}, meaning)));
     dialog.append(element('h2', {}, title), element('table', {}, element('tbody', {}, ...rows)));
   }
-  dialog.append(button('Close', 'Close the help (Escape)', () => dialog.close()));
+  dialog.append(button('Close', null, () => dialog.close()));
   return dialog;
 }

@@ -44,7 +44,7 @@ export class DifferenceView extends ProfileView {
     [(dark) => palette(dark)[2 * steps], 'more than before'],
   ];
   protected override controls = [button(
-      'Swap', 'Exchange before and after',
+      'Swap before and after', null,
       () => this.app.store.set(
           { profile: this.app.store.state.baseline, baseline: this.app.store.state.profile }))];
 

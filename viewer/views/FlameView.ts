@@ -19,9 +19,8 @@ export class FlameView extends ProfileView {
   private tree: Tree|null = null;
   protected override controls = [
     this.toggle(
-        'Inverted', 'By what called the places that took the samples',
-        () => (this.inverted = !this.inverted)),
-    this.toggle('Root at bottom', 'Grow from the bottom to the top', () => this.pane.turn()),
+        'Inverted', 'Callers of the places that took the samples', () => (this.inverted = !this.inverted)),
+    this.toggle('Root at bottom', null, () => this.pane.turn()),
   ];
 
   table() {
@@ -57,7 +56,7 @@ export class FlameView extends ProfileView {
   }
 
   /** Returns a button that shows whether it is pressed; `flip` changes and returns it. */
-  private toggle(label: string, title: string, flip: () => boolean): HTMLButtonElement {
+  private toggle(label: string, title: string|null, flip: () => boolean): HTMLButtonElement {
     const made = button(label, title, () => {
       made.setAttribute('aria-pressed', String(flip()));
       this.app.store.refresh();

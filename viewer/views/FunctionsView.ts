@@ -22,7 +22,7 @@ export class FunctionsView extends ProfileView {
   private readonly by = element(
       'select', { 'aria-label': 'Rows are', change: () => this.repaint() },
       ...Object.entries(groupings).map(([id, { title }]) => element('option', { value: id }, title)));
-  private readonly filter = searchField('Rows with…', 'Only rows with this text', () => this.repaint());
+  private readonly filter = searchField('Only rows with…', () => this.repaint());
   private order: Order = { key: 'self', descending: true };
   private declare list: RowTable;
   private declare grouping: Grouping;

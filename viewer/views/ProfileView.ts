@@ -43,12 +43,10 @@ export abstract class ProfileView implements View {
   private readonly counted = span('counted');
   private readonly found = span('quiet');
   private readonly legendLine = span('legend');
-  private readonly text = searchField(
-      'Only stacks with…', 'Only stacks that hold a function with this text',
-      (text) => this.app.store.refine({ text: text.trim() }));
+  private readonly text =
+      searchField('Only stacks with…', (text) => this.app.store.refine({ text: text.trim() }));
   private readonly clear = button(
-      'All samples', 'Give up the selection and all filters',
-      () => this.app.store.set({ filter: everything, run: null }));
+      'Clear selection and filters', null, () => this.app.store.set({ filter: everything, run: null }));
 
   available(state: State): boolean { return state.profile !== null; }
 

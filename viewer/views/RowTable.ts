@@ -60,7 +60,7 @@ export class RowTable {
     this.heads = columns.map(
         ({ title, style, sort }) => element(
             'span', { class: style, role: 'columnheader' },
-            sort ? element('button', { type: 'button', click: sort }, title) : title));
+            sort ? element('button', { click: sort }, title) : title));
     equip(this.space, {
       role: 'rowgroup',
       click: (event: MouseEvent) => this.pick(event, false),

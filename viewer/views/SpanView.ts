@@ -75,7 +75,7 @@ export class SpanView implements View {
     return [
       element(
           'p', { class: 'run' }, describeRun(timechart!.tasks, run).join('; ') + ' ',
-          button('‹', 'Run before of this task', step(-1)), button('›', 'Next run of this task', step(1))),
+          button('‹', 'Previous run of this task', step(-1)), button('›', 'Next run of this task', step(1))),
     ];
   }
 }

@@ -46,7 +46,7 @@ export class TimelineView implements View {
       role: 'listbox',
       tabIndex: 0,
       'aria-multiselectable': true,
-      'aria-label': 'Cores and threads; Enter selects the samples of one, Shift and arrows a span',
+      'aria-label': 'Cores and threads; Enter selects one, Shift and arrows a span',
       click: (event: MouseEvent) => {
         const row = this.rowAt(placeIn(host, event).y);
         if (row < this.rows.length) this.select(row, event.ctrlKey || event.metaKey || event.shiftKey);
@@ -185,8 +185,7 @@ export class TimelineView implements View {
       this.app.tooltip(null);
     else
       this.app.tooltip(
-          label ? [...this.tell(row), 'click to select them alone, with Shift to add them'] : this.tell(row),
-          event);
+          label ? [...this.tell(row), 'a click selects them, with Shift adds them'] : this.tell(row), event);
   }
 
   /** Returns the index of the row `y` pixels below the upper edge. */

@@ -38,18 +38,17 @@ export const div = (className: string, ...content: Content): HTMLDivElement =>
 export const span = (className: string, ...content: Content): HTMLSpanElement =>
     element('span', {class: className}, ...content);
 
-/** Returns a button whose title is also what screen readers say. */
+/** Returns a button whose title, if it has one, is also what screen readers say. */
 export function button(
-    label: string, title: string, press: () => void, more: Attributes = {}): HTMLButtonElement {
-  return element('button', { type: 'button', title, 'aria-label': title, click: press, ...more }, label);
+    label: string, title: string|null, press: () => void, more: Attributes = {}): HTMLButtonElement {
+  return element('button', { title, 'aria-label': title, click: press, ...more }, label);
 }
 
 /** Returns a field for a text to look for; `change` gets the text. */
-export function searchField(
-    placeholder: string, label: string, change: (text: string) => void): HTMLInputElement {
+export function searchField(label: string, change: (text: string) => void): HTMLInputElement {
   const field: HTMLInputElement = element('input', {
     type: 'search',
-    placeholder,
+    placeholder: label,
     'aria-label': label,
     spellcheck: 'false',
     input: () => change(field.value)

@@ -37,7 +37,7 @@ const named = [
 const views = {
   flame: [
     'application "Flame graph; arrow keys walk it, Enter zooms"',
-    'button "By what called the places that took the samples"'
+    'button "Callers of the places that took the samples"'
   ],
   tree: [
     'treegrid "Call tree"', 'columnheader "Total"',
@@ -62,7 +62,7 @@ test('each view has roles, names and states', async () => {
     for (const line
              of [...expected, 'tree "Rows of the timechart"', 'treeitem "CPU 0 Busy" level=2 expanded=true',
                  'option "Core 0 300"', 'tablist "Views"', 'separator "Height of the time views"',
-                 'searchbox "Search"'])
+                 'searchbox "Search ( / )"'])
       assert(
           lines.some((found) => found.startsWith(line)),
           `${view}: ${line} is not among\n${lines.join('\n')}`);

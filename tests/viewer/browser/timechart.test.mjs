@@ -201,7 +201,7 @@ test('a screen reader finds the parts, and hovering repaints no row', async () =
   assert.match(await page.getByRole('status').last().innerText(), /^CPU 0 Busy/);
   assert.equal(await page.getByRole('tab', { selected: true }).innerText(), 'Span');
   await press(page, '?');
-  assert(await page.getByRole('dialog', { name: 'Keys and help' }).isVisible());
+  assert(await page.getByRole('dialog', { name: 'Help' }).isVisible());
   await press(page, 'Escape');
 
   const painted = await page.evaluate(() => {
@@ -234,10 +234,8 @@ test('what is shown can be copied and saved', async () => {
   for (const [kind, start] of [['PNG', '\x89PNG'], ['SVG', '<svg xmlns']]) {
     await page.locator('#view-lanes .labels').focus();
     await page.locator('summary', { hasText: 'Save' }).click();
-    const [download] = await Promise.all([
-      page.waitForEvent('download'),
-      page.getByRole('button', { name: new RegExp(kind === 'PNG' ? 'as pixels' : 'vector') }).click()
-    ]);
+    const [download] = await Promise.all(
+        [page.waitForEvent('download'), page.getByRole('button', { name: `Save as ${kind}` }).click()]);
     const parts = [];
     for await (const part of await download.createReadStream()) parts.push(part);
     assert.equal(Buffer.concat(parts).toString('latin1').slice(0, start.length), start);
