@@ -124,8 +124,9 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
     label: tracks[0].label,
     ...seconds,
     switches,
-    longestGap: longestGap(runs, start, end),
-    counters
+    counters,
+    /** Takes time, so it is reckoned only if it is asked for. */
+    get longestGap() { return longestGap(runs, start, end); },
   };
 }
 

@@ -8,6 +8,7 @@ import type {State} from './store';
 import {SvgPicture} from './SvgPicture';
 import {CanvasWriter} from './texts';
 import {brushOf, describeSpan, gutter, shownExtent} from './timeAxis';
+import type {TimeStage} from './TimeStage';
 
 /** A row where it is drawn, in pixels of the page from the top of the view. */
 export interface PlacedLane {
@@ -27,13 +28,14 @@ export class LanePictures {
   private readonly writer = new CanvasWriter(this.context);
   private pixels: Pixels|null = null;
 
-  paint(placed: readonly PlacedLane[], state: State, cssWidth: number, cssHeight: number): void {
+  /** Paints row by row, and shows the rows once all are painted. */
+  * paint(placed: readonly PlacedLane[], state: State, stage: TimeStage): Iterator<void> {
     const model = state.timechart!;
-    const scale = fitCanvas(this.base, cssWidth, cssHeight);
-    fitCanvas(this.overlay, cssWidth, cssHeight);
-    const { width } = this.base;
-    const { writer } = this;
-    const pixels = (this.pixels = Pixels.of(this.base, this.pixels));
+    const { base, writer } = this;
+    const { width: cssWidth, height } = stage;
+    const pixels = (this.pixels = Pixels.of(cssWidth, height, this.pixels));
+    const { width } = pixels;
+    const scale = devicePixelRatio;
     const picture = pictureOf(state, width, scale);
     const { ground, line } = groundColours(picture.dark);
     pixels.clear(ground);
@@ -44,19 +46,26 @@ export class LanePictures {
       if (row.pinned) pixels.box(0, width, top, bottom, ground);
       paintLane(pixels, row.lane, top, picture);
       pixels.box(0, width, bottom - 1, bottom, line);
+      yield;
     }
+    fitCanvas(base, cssWidth, height);
     this.context.putImageData(pixels.image, 0, 0);
     writer.begin(fontSize * scale);
     for (const { lane, top } of placed) writeTexts(writer, model, lane, Math.round(top * scale), picture);
-    equip(this.base, { 'aria-label': `${placed.length} rows, ${describeSpan(picture.axis.shown)}` });
+    equip(base, { 'aria-label': `${placed.length} rows, ${describeSpan(picture.axis.shown)}` });
   }
 
   /** Selected span, mark and cursor: painted apart, so that moving them leaves the rows alone. */
-  paintOverlay(placed: readonly PlacedLane[], state: State): void {
-    const context = this.overlay.getContext('2d')!;
-    const { width, height } = this.overlay;
-    const scale = devicePixelRatio;
+  paintOverlay(placed: readonly PlacedLane[], state: State, stage: TimeStage): void {
+    const { overlay } = this;
     const { cursor, mark } = state;
+    const brush = brushOf(state);
+    const row = placed.find(({ lane }) => lane.path === cursor?.lane);
+    overlay.hidden = !brush && mark === null && !row;
+    if (overlay.hidden) return;
+    const scale = fitCanvas(overlay, stage.width, stage.height);
+    const { width, height } = overlay;
+    const context = overlay.getContext('2d')!;
     const { axis, dark, close } = pictureOf(state, width, scale);
     const x = (time: number) => Math.round(axis.x(time));
     const line = (colour: string, left: number) => {
@@ -64,7 +73,6 @@ export class LanePictures {
       context.fillRect(left, 0, 1, height);
     };
     context.clearRect(0, 0, width, height);
-    const brush = brushOf(state);
     if (brush) {
       const [left, right] = [x(brush.start), x(brush.end)];
       context.fillStyle = dark ? '#0008' : '#fff9';
@@ -74,7 +82,6 @@ export class LanePictures {
       line('accent', right - 1);
     }
     if (mark !== null) line('bad', x(mark));
-    const row = placed.find((known) => known.lane.path === cursor?.lane);
     if (!cursor || !row) return;
     context.strokeStyle = '#e08a00';
     context.lineWidth = 2 * scale;

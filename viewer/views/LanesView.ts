@@ -56,10 +56,11 @@ export class LanesView implements View {
     store.repaint(this.paintOverlay);
   }
 
-  private readonly paint = (): void =>
-      this.pictures.paint(this.placed, this.app.store.state, this.stage.width, this.stage.height);
+  private readonly paint = (): Iterator<void> =>
+      this.pictures.paint(this.placed, this.app.store.state, this.stage);
 
-  private readonly paintOverlay = (): void => this.pictures.paintOverlay(this.placed, this.app.store.state);
+  private readonly paintOverlay = (): void =>
+      this.pictures.paintOverlay(this.placed, this.app.store.state, this.stage);
 
   key(event: KeyboardEvent): boolean {
     const { cursor } = this.app.store.state;

@@ -8,9 +8,8 @@ import {brushOf, describeSpan, spanOf} from './timeAxis';
 import type {App, View} from './View';
 
 type Cells = readonly string[];
-
-/** Milliseconds of a frame that the figures may take. */
-const frameShare = 8;
+/** A title, what the columns are, and what gives the cells of each row. */
+type Section = readonly[string, Cells, readonly(() => Cells)[]];
 
 /** Statistics of the timechart over the selected span. */
 export class SpanView implements View {
@@ -21,7 +20,8 @@ export class SpanView implements View {
   private use: SpanUse|null = null;
   /** What the figures are about that are shown, or being reckoned. */
   private asked: readonly unknown[] = [];
-  private pending = 0;
+  private declare work: Iterator<void, SpanUse>;
+  private declare state: State;
 
   available(state: State): boolean { return state.timechart !== null; }
 
@@ -39,33 +39,34 @@ export class SpanView implements View {
     if (!differ(asked, this.asked)) return;
     this.asked = asked;
     const { start, end } = spanOf(state);
-    cancelAnimationFrame(this.pending);
-    this.reckon(timechart!.reckon(start, end), state);
+    this.work = timechart!.reckon(start, end);
+    this.state = state;
+    this.app.store.repaint(this.reckon);
   }
 
-  /** Works for a part of a frame, then continues in the next one. */
-  private reckon(work: Generator<void, SpanUse, void>, state: State): void {
-    const deadline = performance.now() + frameShare;
-    let step = work.next();
-    while (!step.done && performance.now() < deadline) step = work.next();
-    if (step.done)
-      this.show(step.value, state);
+  /** Does a part of the work; the next one comes after all else that is to be painted. */
+  private readonly reckon = (): void => {
+    const { done, value } = this.work.next();
+    if (done === true)
+      this.show(value, this.state);
     else
-      this.pending = requestAnimationFrame(() => this.reckon(work, state));
-  }
+      this.app.store.repaint(this.reckon);
+  };
 
   private show(use: SpanUse, state: State): void {
     this.use = use;
     const what = brushOf(state) ? 'Selected' : 'All';
     this.host.replaceChildren(
         element('p', { class: 'lead' }, `${what}: ${describeSpan(spanOf(state))}`), ...this.runLines(state),
-        ...sections(use).map(([title, rows]) => tableOf(title, rows)));
+        ...sections(use).map(tableOf));
   }
 
   table(): readonly Cells[] {
-    return this.use ?
-        sections(this.use).flatMap(([title, rows], i) => [...(i > 0 ? [[]] : []), [title], ...rows]) :
-        [];
+    return this.use ? sections(this.use).flatMap(
+                          ([title, head, rows], i) =>
+                              [...(i > 0 ? [[]] : []), [title],
+                               ...[head, ...rows.map((row) => row())].map((cells) => cells.map(shortName))]) :
+                      [];
   }
 
   /** Details of the selected run, with buttons to the task's next and previous one. */
@@ -82,17 +83,17 @@ export class SpanView implements View {
 
 const ms = (seconds: number) => (seconds * 1e3).toFixed(3);
 
-/** Returns the tables of a span: a title, and rows of which the first names the columns. */
-function sections(use: SpanUse): [string, readonly Cells[]][] {
+/** Returns the tables of a span that have any rows. */
+function sections(use: SpanUse): Section[] {
   const length = use.end - use.start;
   const share = (seconds: number) => (length > 0 ? formatShare(seconds / length) : '');
   const names = [...use.counters.keys()];
   const sum = (counters: ReadonlyMap<string, number>, name: string) =>
       counters.has(name) ? whole(counters.get(name)!) : '';
-  const all: [string, Cells, readonly Cells[]][] = [
+  const all: Section[] = [
     [
       'Cores', ['Core', 'Busy, ms', 'Share', 'Longest gap, ms'],
-      use.cores.map(({ label, busy, longestGap }) => [label, ms(busy), share(busy), ms(longestGap)])
+      use.cores.map(({ label, busy, longestGap }) => () => [label, ms(busy), share(busy), ms(longestGap)])
     ],
     [
       `Tasks: ${use.switches} switches`,
@@ -101,35 +102,47 @@ function sections(use: SpanUse): [string, readonly Cells[]][] {
         'Longest gap, ms', ...names
       ],
       use.tasks.map(
-          ({ label, running, waitCpu, waitIo, waitGpu, switches, longestGap, counters }) =>
-              [label, ms(running), share(running), ...[waitCpu, waitIo, waitGpu].map(ms), String(switches),
-               ms(longestGap), ...names.map((name) => sum(counters, name))])
+          (task) => () =>
+              [task.label, ms(task.running), share(task.running),
+               ...[task.waitCpu, task.waitIo, task.waitGpu].map(ms), String(task.switches),
+               ms(task.longestGap), ...names.map((name) => sum(task.counters, name))])
     ],
     [
       'Interrupts', ['Interrupt', 'Count', 'Time, ms', 'Share'],
-      use.interrupts.map(({ label, count, seconds }) => [label, String(count), ms(seconds), share(seconds)])
+      use.interrupts.map(
+          ({ label, count, seconds }) => () => [label, String(count), ms(seconds), share(seconds)])
     ],
-    ['Counters', ['Counter', 'Sum'], names.map((name) => [name, sum(use.counters, name)])],
+    ['Counters', ['Counter', 'Sum'], names.map((name) => () => [name, sum(use.counters, name)])],
   ];
-  return all.filter(([, , rows]) => rows.length > 0)
-      .map(([title, head, rows]) => [title, [head, ...rows].map((cells) => cells.map(shortName))]);
+  return all.filter(([, , rows]) => rows.length > 0);
 }
 
 const whole = (sum: number) => Math.round(sum).toLocaleString('en');
 
 /** More rows than these are left to the copied table. */
 const mostRows = 200;
+/** Rows that a table starts with; it gets more of them each time that its end comes into sight. */
+const fewRows = 40;
 
-function tableOf(title: string, rows: readonly Cells[]): HTMLElement {
-  const [head, ...body] = rows;
-  const left = body.length - mostRows;
+function tableOf([title, head, rows]: Section): HTMLElement {
+  const left = rows.length - mostRows;
   const line = (scope: 'col'|'row', cells: Cells) => element(
       'tr', {},
-      ...cells.map(
+      ...cells.map(shortName).map(
           (cell, i) =>
               i === 0 || scope === 'col' ? element('th', { scope }, cell) : element('td', {}, cell)));
+  const listed = element('tbody');
+  const end = new IntersectionObserver((seen) => seen.some(({ isIntersecting }) => isIntersecting) && grow());
+  const grow = () => {
+    const start = listed.rows.length;
+    end.disconnect();
+    listed.append(
+        ...rows.slice(start, Math.min(mostRows, start + fewRows)).map((cells) => line('row', cells())));
+    if (listed.rows.length > start) end.observe(listed.lastElementChild!);
+  };
+  grow();
   return element(
-      'table', {}, element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
-      element('thead', {}, line('col', head)),
-      element('tbody', {}, ...body.slice(0, mostRows).map((cells) => line('row', cells))));
+      'table', { 'aria-rowcount': rows.length + 1 },
+      element('caption', {}, left > 0 ? `${title} (${left} more in the copied table)` : title),
+      element('thead', {}, line('col', head)), listed);
 }

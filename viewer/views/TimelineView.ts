@@ -73,7 +73,7 @@ export class TimelineView implements View {
     if (this.listed.length === 0 || !before)
       this.show();
     else if (state.visible !== before.visible || state.timechart !== before.timechart)
-      this.paint();
+      this.app.store.repaint(this.paint);
     this.placeBrush(state);
   }
 
@@ -106,22 +106,26 @@ export class TimelineView implements View {
     this.app.store.repaint(this.paint);
   };
 
-  private readonly paint = (): void => {
+  private readonly paint = (): Iterator<void> => this.paintRows();
+
+  /** Paints row by row, and shows the rows once all are painted. */
+  private * paintRows(): Iterator<void> {
+    const { stage, profile, listed, all: everyone, selected: chosen } = this;
     const { canvas } = this.picture;
-    const { top } = this.stage;
+    const { top, width, height } = stage;
     const first = this.rowAt(0);
-    const scale = fitCanvas(canvas, this.stage.width, this.stage.height);
-    const pixels = (this.pixels = Pixels.of(canvas, this.pixels));
+    const scale = devicePixelRatio;
+    const pixels = (this.pixels = Pixels.of(width, height, this.pixels));
     const dark = isDark();
     const quiet = dark ? 0x3b424a : 0xd0d6dc;
     pixels.clear(groundColours(dark).ground);
-    const bounds = pixelBounds(this.profile, shownExtent(this.app.store.state), pixels.width);
-    this.listed.forEach(({ kind }, row) => {
+    const bounds = pixelBounds(profile, shownExtent(this.app.store.state), pixels.width);
+    for (const [row, { kind }] of listed.entries()) {
       const bottom = Math.round(((first + row + 1) * rowHeight - top - 1) * scale);
       const high = Math.round((rowHeight - 2) * scale);
       const strong = kind === 'core' ? (dark ? 0x4a8ac9 : 0x357bc9) : dark ? 0xe0934a : 0xea862f;
-      const all = this.all.count(row, bounds);
-      const selected = this.all === this.selected ? all : this.selected.count(row, bounds);
+      const all = everyone.count(row, bounds);
+      const selected = chosen === everyone ? all : chosen.count(row, bounds);
       const most = all.reduce((a, b) => Math.max(a, b), 1);
       const level = (count: number) =>
           count === 0 ? 0 : Math.max(Math.ceil(leastColumn * scale), Math.round((count / most) * high));
@@ -131,9 +135,11 @@ export class TimelineView implements View {
         pixels.box(x, x + 1, bottom - level(count), middle, quiet);
         pixels.box(x, x + 1, middle, bottom, strong);
       });
-    });
+      yield;
+    }
+    fitCanvas(canvas, width, height);
     canvas.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
-  };
+  }
 
   /** Finds the samples of the rows in sight, which many repaints have in common. */
   private list(rows: readonly TimeRow[]): void {

@@ -97,10 +97,13 @@ export const darkness = () => matchMedia('(prefers-color-scheme: dark)');
 
 export const isDark = () => darkness().matches;
 
+/** Returns the device pixels of a length on the page. */
+export const devicePixels = (length: number): number => Math.max(1, Math.round(length * devicePixelRatio));
+
 /** Makes the canvas as large as its box, in device pixels; returns their number for one pixel of the page. */
 export function fitCanvas(canvas: HTMLCanvasElement, width: number, height: number): number {
   const scale = devicePixelRatio;
-  const [columns, rows] = [Math.max(1, Math.round(width * scale)), Math.max(1, Math.round(height * scale))];
+  const [columns, rows] = [devicePixels(width), devicePixels(height)];
   if (canvas.width !== columns) canvas.width = columns;
   if (canvas.height !== rows) canvas.height = rows;
   canvas.style.width = `${columns / scale}px`;

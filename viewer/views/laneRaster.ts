@@ -4,6 +4,7 @@ import type {Extent, Scale} from '../model/axis';
 import type {Lane} from '../model/lanes';
 import {pointsBefore, pointsUntil} from '../model/steps';
 import type {Track} from '../model/tracks';
+import {devicePixels} from './dom';
 
 /** The painting surface: pixels or the elements of a vector picture. Colours are 0xrrggbb. */
 export interface Surface {
@@ -198,9 +199,10 @@ export class Pixels implements Surface {
     this.words = new Uint32Array(this.image.data.buffer);
   }
 
-  /** Returns pixels for all of a canvas: those of `before` if it had as many. */
-  static of({ width, height }: HTMLCanvasElement, before: Pixels|null): Pixels {
-    return before?.width === width && before.height === height ? before : new Pixels(width, height);
+  /** Returns pixels for a part of the page: those of `before` if there are as many. */
+  static of(width: number, height: number, before: Pixels|null): Pixels {
+    const [columns, rows] = [devicePixels(width), devicePixels(height)];
+    return before?.width === columns && before.height === rows ? before : new Pixels(columns, rows);
   }
 
   clear(colour: number): void { this.words.fill(word(colour)); }

@@ -58,6 +58,9 @@ export const isReading = (state: State): boolean =>
 /** Gets the state and the one of the commit before; null asks for everything to be painted. */
 type Listener = (state: State, before: State|null) => void;
 
+/** Paints all at once, or what it yields, part by part. */
+export type Paint = () => void|Iterator<void>;
+
 /** Milliseconds of a frame for painting: what is left then is painted with the next ones. */
 const paintTime = 8;
 
@@ -65,7 +68,9 @@ export class Store {
   private committed: State|null = null;
   private frame = 0;
   private readonly listeners: Listener[] = [];
-  private readonly repaints = new Set<() => void>();
+  private readonly repaints = new Set<Paint>();
+  /** What is left of the painting that has begun; no other one begins before its end. */
+  private rest: Iterator<void>|null = null;
 
   constructor(private current: State) {}
 
@@ -91,7 +96,7 @@ export class Store {
   }
 
   /** Calls `paint` once with one of the next frames; those that were asked for first come first. */
-  repaint(paint: () => void): void {
+  repaint(paint: Paint): void {
     this.repaints.add(paint);
     this.schedule();
   }
@@ -109,11 +114,17 @@ export class Store {
     if (current !== committed)
       for (const listener of this.listeners) listener(current, committed);
     const end = performance.now() + paintTime;
-    for (const paint of this.repaints) {
-      this.repaints.delete(paint);
-      paint();
-      if (performance.now() >= end) break;
+    for (; this.rest || this.repaints.size > 0; this.paintPart())
+      if (performance.now() >= end) return this.schedule();
+  }
+
+  private paintPart(): void {
+    if (this.rest) {
+      if (this.rest.next().done === true) this.rest = null;
+      return;
     }
-    if (this.repaints.size > 0) this.schedule();
+    const [paint] = this.repaints as Iterable<Paint>;
+    this.repaints.delete(paint);
+    this.rest = paint() ?? null;
   }
 }

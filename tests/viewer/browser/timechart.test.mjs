@@ -1,5 +1,7 @@
 // The timechart driven by mouse and by keyboard.
 import assert from 'node:assert/strict';
+import {mkdtempSync, writeFileSync} from 'node:fs';
+import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {test} from 'node:test';
 
@@ -221,6 +223,36 @@ test('a screen reader finds the parts, and hovering repaints no row', async () =
   await press(page, 'w');
   await frame(page);
   assert.equal(await page.evaluate(() => window.painted), 1, 'the counter counts');
+});
+
+test('a long table of figures grows when its end is scrolled to, and is copied whole', async () => {
+  const file = join(mkdtempSync(join(tmpdir(), 'viewer-')), 'tasks.json');
+  const tasks = Array.from({ length: 250 }, (_, i) => ({
+                                              id: `proc-${i + 1}-r0`,
+                                              name: `${i + 1} - task`,
+                                              class: 'proc:running',
+                                              type: 'binary',
+                                              treeId: `${i + 1}_proc_root`,
+                                              data: [[0, 1], [1 - i / 1000, 0], [2, 0]]
+                                            }));
+  writeFileSync(file, JSON.stringify({ entries: tasks }));
+  const page = await openPage({ permissions: ['clipboard-read', 'clipboard-write'] });
+  await openDocuments(page, file);
+  const rows = page.locator('#view-span tbody tr');
+  const few = await rows.count();
+  assert(few < 100, `${few} rows out of sight`);
+  for (let seen = few; seen < 200;) {
+    await rows.last().scrollIntoViewIfNeeded();
+    await page.waitForFunction(
+        (before) => document.querySelectorAll('#view-span tbody tr').length > before, seen);
+    seen = await rows.count();
+  }
+  assert.deepEqual((await rows.nth(199).innerText()).split('\t').slice(0, 2), ['200 - task', '801.000']);
+  await rows.last().scrollIntoViewIfNeeded();
+  await frame(page);
+  assert.equal(await rows.count(), 200);
+  await press(page, 'c');
+  await page.waitForFunction(() => document.querySelector('.status').textContent === 'Copied 252 lines');
 });
 
 test('what is shown can be copied and saved', async () => {
