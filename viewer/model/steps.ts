@@ -1,21 +1,5 @@
+import {countUntil} from '../document/search';
 import type {Direction} from './axis';
-
-/**
- * Returns how many of the ascending times are before `time`, or at it if `inclusive`; the answer is known to
- * lie between `from` and `to`.
- */
-function countUntil(
-    times: ArrayLike<number>, time: number, inclusive: boolean, from: number, to: number): number {
-  while (from < to) {
-    const middle = (from + to) >>> 1;
-    const at = times[middle];
-    if (at < time || (inclusive && at === time))
-      from = middle + 1;
-    else
-      to = middle;
-  }
-  return from;
-}
 
 /**
  * Returns how many of the ascending times are at or before `time`; those below index `from` are known to be.
