@@ -1,5 +1,7 @@
 /** Statistics of a timechart over a span of time. */
 
+import {timeOrder} from '../document/timeOrder';
+
 import {kept} from './maps';
 import {pointsBefore, Stretches} from './steps';
 
@@ -144,18 +146,23 @@ function add(sums: Map<string, number>, name: string, more: number): void {
 
 /** Returns the longest time of [start, end) during which none of the tracks was on, in seconds. */
 export function longestGap(all: readonly Track[], start: number, end: number): number {
-  const coming = all.map((track) => new Stretches(track.steps, start));
+  const starts: number[] = [];
+  const ends: number[] = [];
+  for (const track of all) {
+    for (const on = new Stretches(track.steps, start); on.start < end; on.next()) {
+      starts.push(on.start);
+      ends.push(on.end);
+    }
+  }
+  const order = timeOrder(starts);
   let longest = 0;
   let last = start;
-  for (;;) {
-    const next = coming.reduce((least, stretch) => Math.min(least, stretch.start), end);
-    longest = Math.max(longest, next - last);
-    if (next >= end) return longest;
-    // What starts closer to the last end than the longest gap ends no longer one.
-    const until = Math.max(next, last + longest);
-    for (const stretch of coming)
-      for (; stretch.start <= until; stretch.next()) last = Math.max(last, Math.min(end, stretch.end));
+  for (let i = 0; i < starts.length; ++i) {
+    const at = order ? order[i] : i;
+    longest = Math.max(longest, starts[at] - last);
+    last = Math.max(last, ends[at]);
   }
+  return Math.max(longest, end - last);
 }
 
 /**
