@@ -39,7 +39,7 @@ const sections: readonly(readonly[string, readonly(readonly[string, string])[]])
 
 /** Returns the dialog that lists keys and gestures. */
 export function helpDialog(): HTMLDialogElement {
-  const dialog = element('dialog', { 'aria-label': 'Help' });
+  const dialog = element('dialog', { 'aria-label': 'Help', autofocus: true }, element('h1', {}, 'Help'));
   for (const [title, keys] of sections) {
     const rows = keys.map(
         ([key, meaning]) => element(

@@ -2,7 +2,7 @@ import {clamped, type Direction} from '../model/axis';
 import {fullLabel, type Lane, type LaneChoice, noChoice, visibleLanes} from '../model/lanes';
 import {differ} from '../model/maps';
 import {pointBeside} from '../model/steps';
-import {button, element, equip, placeIn, shortName, span, twistyOf} from './dom';
+import {button, element, equip, placeIn, foldSign, shortName, span, twisty} from './dom';
 import {coreOf, describeLane, sliceOn, taskOf} from './laneFacts';
 import {LanePictures, type PlacedLane} from './LanePictures';
 import {laneHeight} from './laneRaster';
@@ -99,7 +99,7 @@ export class LanesView implements View {
       Home: () => this.step(cursor, -Infinity),
       End: () => this.step(cursor, Infinity),
       Enter: () => this.selectAt(lane, time),
-      ' ': () => this.toggle('folded', lane),
+      ' ': () => this.fold(lane),
       'p': () => this.toggle('pinned', lane),
       'h': () => this.toggle('hidden', lane),
       'u': () => this.choose({ hidden: new Set() }),
@@ -163,7 +163,7 @@ export class LanesView implements View {
             title: name,
             click: (event: MouseEvent) => this.clickLabel(lane, event.target as Element),
           },
-          twistyOf(open),
+          twisty(foldSign(open)),
           span('label-name', alone ? name : shortName(lane.label)),
           act(pinned ? '●' : '○', pinned ? 'Unpin (P)' : 'Pin to the top (P)', 'pinned'),
           act('✕', 'Hide (H)', 'hidden'),
@@ -181,7 +181,7 @@ export class LanesView implements View {
     if (target.matches('button')) return;
     this.labels.focus();
     this.moveTo(lane, this.time);
-    if (target.matches('.twisty') && lane.children.length > 0) this.toggle('folded', lane);
+    if (target.matches('.twisty')) this.fold(lane);
   }
 
   private hover(time: number|null, y: number, event: PointerEvent|null): void {
@@ -270,6 +270,10 @@ export class LanesView implements View {
     const folded = new Set([...lanes.folded].filter((path) => !above(path)));
     const hidden = new Set([...lanes.hidden].filter((path) => !above(path) && path !== lane.path));
     if (folded.size < lanes.folded.size || hidden.size < lanes.hidden.size) this.choose({ folded, hidden });
+  }
+
+  private fold(lane: Lane): void {
+    if (lane.children.length > 0) this.toggle('folded', lane);
   }
 
   private toggle(what: keyof LaneChoice, lane: Lane): void {

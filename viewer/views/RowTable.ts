@@ -1,5 +1,5 @@
 import {clamped, type Direction} from '../model/axis';
-import {div, element, equip, placeIn, swatch, twistyOf} from './dom';
+import {div, element, equip, foldSign, placeIn, span, swatch, twisty, write} from './dom';
 import {type App, nextOf, perform} from './View';
 
 export interface Column {
@@ -107,7 +107,6 @@ export class RowTable {
     const { scroller } = this;
     scroller.scrollTop =
         Math.min(top, Math.max(scroller.scrollTop, top + rowHeight + headHeight - scroller.clientHeight));
-    this.app.announce(this.describe(this.current));
     this.repaint();
   }
 
@@ -147,7 +146,10 @@ export class RowTable {
   private add(index: number): HTMLElement {
     const row = element(
         'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': index + 2 },
-        ...this.columns.map((column) => element('span', { class: column.style, role: 'gridcell' })));
+        ...this.columns.map(
+            ({ style }) => element(
+                'span', { class: style, role: 'gridcell' },
+                ...(style === 'name' ? [twisty(), swatch(''), span('')] : []))));
     row.style.transform = `translateY(${index * rowHeight}px)`;
     this.pool.set(index, row);
     this.space.append(row);
@@ -156,19 +158,22 @@ export class RowTable {
 
   private fill(made: HTMLElement, index: number): void {
     const { cells, shares = [], colour, style = '', level, open = null } = this.rows.row(index);
-    made.className = `row ${style}`;
-    equip(made, { 'aria-selected': index === this.current });
-    cells.forEach((text, i) => (made.children[i].textContent = text));
+    made.className = `row ${style} ${index === this.current ? 'current' : ''}`;
+    equip(made, {
+      'aria-label': this.describe(index),
+      'aria-level': level === undefined ? null : level + 1,
+      'aria-expanded': open
+    });
+    cells.forEach((text, i) => write(made.children[i].lastElementChild ?? made.children[i], text));
     shares.forEach((share, i) => {
       (made.children[i] as HTMLElement).style.backgroundSize = `${(100 * share).toFixed(1)}% 100%`;
     });
-    const name = made.querySelector('.name')!;
-    if (colour !== undefined) name.prepend(swatch(colour));
-    if (level === undefined) return;
-    equip(made, { 'aria-level': level + 1, 'aria-expanded': open });
-    const twisty = twistyOf(open);
-    twisty.style.marginLeft = `${Math.min(level, deepestIndent) * indent}px`;
-    name.prepend(twisty);
+    const [mark, sample] = made.querySelector('.name')!.children as HTMLCollectionOf<HTMLElement>;
+    mark.hidden = level === undefined;
+    mark.style.marginLeft = `${Math.min(level ?? 0, deepestIndent) * indent}px`;
+    write(mark, foldSign(open));
+    sample.hidden = colour === undefined;
+    sample.style.background = colour ?? '';
   }
 
   private pick(event: MouseEvent, open: boolean): void {

@@ -56,15 +56,17 @@ export function searchField(label: string, change: (text: string) => void): HTML
   return field;
 }
 
-/**
- * Returns a sign of whether rows below are listed, or none for null; screen readers are told by the row
- * itself.
- */
-export const twistyOf = (open: boolean|null): HTMLElement => element(
-    'span', {class: 'twisty', 'aria-hidden': true},
-    open === null ? '' :
-        open      ? '▾' :
-                    '▸');
+/** Sets the text of an element unless it has it already, so that screen readers tell what changes only. */
+export function write(made: Element, text: string): void {
+  if (made.textContent !== text) made.textContent = text;
+}
+
+/** Returns a sign of whether rows below are listed, or none for null. */
+export const foldSign = (open: boolean|null): string => open === null ? '' : open ? '▾' : '▸';
+
+/** Returns the place of such a sign; screen readers are told by the row itself. */
+export const twisty = (sign = ''): HTMLElement =>
+    element('span', {class: 'twisty', 'aria-hidden': true}, sign);
 
 /** Returns a sample of a colour. */
 export function swatch(colour: string): HTMLElement {

@@ -41,7 +41,7 @@ const views = {
   ],
   tree: [
     'treegrid "Call tree"', 'columnheader "Total"',
-    'row "600 100.0% all samples" level=1 expanded=true selected=true'
+    'row "all samples, total 600 100.0%" level=1 expanded=true'
   ],
   functions: ['grid "Functions"', 'columnheader "Self"', 'combobox "Rows are"', 'gridcell "schedule"'],
   butterfly: ['application "Callers"', 'application "Callees"'],
@@ -84,6 +84,40 @@ test('what gets the focus tells what it is and where in it', async () => {
   await page.locator('#view-lanes .labels').focus();
   for (const key of ['Home', 'ArrowDown']) await page.keyboard.press(key);
   assert.match(await status.innerText(), /^CPU 0 Busy; \d+\.\d% here; 0\.000000 s/);
+});
+
+test('rows tell their columns, and what stays is left alone', async () => {
+  const page = await openPage({ fragment: '#view=tree' });
+  await openDocuments(page, join(documents, 'profile.json'));
+  const grid = page.getByRole('treegrid');
+  await grid.focus();
+  // A text that is set again is told again, though nothing is new.
+  await grid.evaluate((rows) => {
+    window.changed = [];
+    new MutationObserver((list) => window.changed.push(...list.map(({ target }) => target.outerHTML)))
+        .observe(rows, { childList: true, characterData: true, subtree: true });
+  });
+  for (const key of ['ArrowDown', 'ArrowDown']) await page.keyboard.press(key);
+  await frame(page);
+  assert.deepEqual(await page.evaluate(() => window.changed), []);
+  const row = page.locator(`[id="${await grid.getAttribute('aria-activedescendant')}"]`);
+  assert.equal(await row.getAttribute('aria-label'), 'pick_apple, total 44  7.3%, library /usr/bin/orchard');
+  assert.match(await row.getAttribute('class'), /\bcurrent\b/);
+});
+
+test('rows without rows below them do not fold', async () => {
+  const page = await openPage();
+  await openDocuments(page, join(documents, 'timechart.json'));
+  const rows = () => page.locator('.lane').evaluateAll(
+      (lanes) => lanes.map((lane) => `${lane.ariaLabel} ${lane.getAttribute('aria-expanded')}`));
+  await page.locator('.lane', { hasText: 'CPU 0 Frequency' }).click();
+  await frame(page);
+  const before = await rows();
+  assert(before.includes('CPU 0 Frequency null'), before.join('\n'));
+  await page.keyboard.press('Space');
+  await frame(page);
+  assert.deepEqual(await rows(), before);
+  assert.doesNotMatch(await page.locator('.status').innerText(), /folded/);
 });
 
 test('rows out of sight are reached and scrolled by keys alone', async () => {

@@ -81,7 +81,7 @@ test('flame graph, call tree and callers are walked by keys', async () => {
   await frame(page);
   assert(
       (await page.locator('#view-tree [role=row]').count()) !== rows ||
-      (await page.locator('#view-tree [aria-selected=true]').count()) === 1);
+      (await page.locator('#view-tree .current').count()) === 1);
   assert.deepEqual(page.complaints, []);
 });
 
