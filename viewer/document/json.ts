@@ -33,16 +33,6 @@ const deepest = 64;
 
 const longestNumber = 400;
 
-const escapes: Record<string, string> = {
-  b: '\b',
-  f: '\f',
-  n: '\n',
-  r: '\r',
-  t: '\t',
-  '"': '"',
-  '\\': '\\',
-  '/': '/'
-};
 const words: [string, boolean|null][] = [
   ['true', true],
   ['false', false],
@@ -104,14 +94,18 @@ export function readString(reader: Reader): string {
   }
   const text = decode(bytes.subarray(start, i));
   // Decoding writes invalid bytes with a backslash, which is no escape.
-  const plain = escaped ? text.replace(/\\(?:u([0-9a-fA-F]{4})|([^]?))/g, unescaped(reader)) : text;
+  const plain = escaped ? text.replace(/\\(?:u[0-9a-fA-F]{4}|[^]?)/g, unescaped(reader)) : text;
   reader.pos = i + 1;
   return plain;
 }
 
-const unescaped = (reader: Reader) => (_: string, code: string|undefined, letter: string): string => code ?
-    String.fromCharCode(parseInt(code, 16)) :
-    escapes[letter] ?? reader.fail('a name has an unknown escape');
+const unescaped = (reader: Reader) => (escape: string): string => {
+  try {
+    return JSON.parse(`"${escape}"`);
+  } catch {
+    return reader.fail('a name has an unknown escape');
+  }
+};
 
 /** Reads a label and its colon. */
 export function readLabel(reader: Reader): string {

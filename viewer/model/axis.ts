@@ -62,11 +62,11 @@ export function zoomed(shown: Extent, whole: Extent, factor: number, at: number,
 
 const units: readonly[number, string][] = [[1, 's'], [1e-3, 'ms'], [1e-6, 'µs']];
 
-/** Returns a length of time such as `12.4 ms`, with `digits` significant digits. */
-export function formatDuration(seconds: number, digits = 4): string {
+/** Returns a length of time such as `12.4 ms`, with four significant digits. */
+export function formatDuration(seconds: number): string {
   if (seconds === 0) return '0 s';
   const [unit, name] = units.find(([size]) => Math.abs(seconds) >= size * 0.9995) ?? units[units.length - 1];
-  return `${trimmed((seconds / unit).toPrecision(digits))} ${name}`;
+  return `${Number((seconds / unit).toPrecision(4))} ${name}`;
 }
 
 /** Returns a moment in seconds, to the microsecond. */
@@ -74,11 +74,6 @@ export const formatTime = (seconds: number): string => `${seconds.toFixed(6)} s`
 
 /** Returns a share such as `24.7%`. */
 export const formatShare = (share: number): string => `${(100 * share).toFixed(1)}%`;
-
-function trimmed(number: string): string {
-  if (number.includes('e')) return String(Number(number));
-  return number.includes('.') ? number.replace(/\.?0+$/, '') : number;
-}
 
 export interface Tick {
   readonly time: number;

@@ -62,7 +62,7 @@ export interface Use {
  */
 export class Steps {
   private known: Float64Array|null = null;
-  private knownLongest = -Infinity;
+  private knownLongest: number|null = null;
 
   /** `times` are seconds, ascending. */
   constructor(
@@ -138,19 +138,12 @@ export class Steps {
 
   /** Length of the longest stretch; infinite if the last one has no end. */
   get longest(): number {
-    if (this.knownLongest >= 0) return this.knownLongest;
-    const { times, values } = this;
-    let longest = 0;
-    let from = Infinity;
-    for (let i = 0; i < times.length; ++i) {
-      if (values[i] !== 0)
-        from = Math.min(from, times[i]);
-      else {
-        longest = Math.max(longest, times[i] - from);
-        from = Infinity;
-      }
+    if (this.knownLongest === null) {
+      this.knownLongest = 0;
+      for (const on = new Stretches(this, -Infinity); on.start < Infinity; on.next())
+        this.knownLongest = Math.max(this.knownLongest, on.end - on.start);
     }
-    return (this.knownLongest = from < Infinity ? Infinity : longest);
+    return this.knownLongest;
   }
 
   /**

@@ -49,7 +49,7 @@ export class Track {
   /** The core of a core's own series, of a task's running time or of an interrupt; else -1. */
   declare readonly cpu: number;
 
-  private knownPeak = -1;
+  private knownPeak: number|null = null;
 
   constructor(readonly entry: Entry) {
     this.shape = entry.type === 'binary' ? 'state' : entry.type === 'bar' ? 'level' : 'marks';
@@ -68,9 +68,7 @@ export class Track {
 
   /** The greatest value. */
   get peak(): number {
-    if (this.knownPeak >= 0) return this.knownPeak;
-    this.knownPeak = 0;
-    for (const value of this.entry.values) this.knownPeak = Math.max(this.knownPeak, value);
+    this.knownPeak ??= this.entry.values.reduce((most, value) => Math.max(most, value), 0);
     return this.knownPeak;
   }
 
