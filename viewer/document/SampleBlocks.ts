@@ -7,18 +7,6 @@ import {cutKey, type SampleColumns, type ThreadKey} from './SampleColumns';
 
 const nanosecondsPerSecond = 1e9;
 
-/** Columns of a block, in their order. */
-const enum Column {
-  Threads,
-  Sites,
-  Traces,
-  TimeSteps,
-  Cores,
-  Thread,
-  Site,
-  Trace
-}
-
 /** Reads the samples of a packed document, docs/documents-in-the-page.md: blocks of columns. */
 export class SampleBlocks {
   private readonly threads: ThreadKey[] = [];
@@ -43,20 +31,15 @@ export class SampleBlocks {
   }
 
   private take(row: Row): void {
-    const threads = row.list(Column.Threads);
+    const [threads, sites, traces, steps, ...columns] = row.values.map((value) => row.list(value));
+    if (columns.length !== 4 || columns.some((column) => column.length !== steps.length)) row.fail();
     for (let i = 0; i < threads.length; i += 2)
-      this.threads.push({ process: row.checked(threads[i]), tid: row.checked(threads[i + 1]) });
-    this.takeNodes(row, row.list(Column.Sites), this.sites);
-    this.takeNodes(row, row.list(Column.Traces), this.traces);
-    const steps = row.list(Column.TimeSteps);
-    const columns =
-        [Column.Cores, Column.Thread, Column.Site, Column.Trace].map((column) => row.list(column));
-    if (columns.some((column) => column.length !== steps.length)) row.fail();
+      this.threads.push({ process: row.whole(threads[i]), tid: row.whole(threads[i + 1]) });
+    this.takeNodes(row, sites, this.sites);
+    this.takeNodes(row, traces, this.traces);
     for (let i = 0; i < steps.length; ++i) {
-      const step = steps[i];
-      if (typeof step !== 'number' && typeof step !== 'bigint') row.fail();
-      this.time += Number(step);
-      const [core, thread, site, trace] = columns.map((column) => row.checked(column[i]));
+      this.time += row.number(steps[i]);
+      const [core, thread, site, trace] = columns.map((column) => row.whole(column[i]));
       this.add(row, core, thread, site, trace);
     }
   }
@@ -64,9 +47,9 @@ export class SampleBlocks {
   /** Reads pairs: the distance to the parent's number, and the label. */
   private takeNodes(row: Row, pairs: readonly Value[], table: NodeTable): void {
     for (let i = 0; i < pairs.length; i += 2) {
-      const back = row.checked(pairs[i]);
+      const back = row.whole(pairs[i]);
       if (back === 0 || back > table.count) row.fail();
-      table.add(table.count - back, toAddress(row.checkedAddress(pairs[i + 1] ?? null)).low);
+      table.add(table.count - back, toAddress(row.address(pairs[i + 1])).low);
     }
   }
 

@@ -97,23 +97,25 @@ export class SampleRows {
     const value = readValue(reader);
     const another = anotherElement(reader);
     const row = new Row(reader, start, 'samples', value);
-    const address = row.address(1);
-    const key = row.whole(2);
-    const core = row.whole(4);
-    if (core > 0xffff || key === cutKey) row.fail();
+    const [number, at, place, time, core, process, tid, entries] = row.values;
+    const address = row.address(at);
+    const key = row.whole(place);
+    row.whole(number);
+    if (row.whole(core) > 0xffff || key === cutKey) row.fail();
     let depth = 0;
     let own = false;
-    const trace = row.list(7);
+    const trace = row.list(entries);
     for (const entry of trace) {
-      const frame = row.part(entry, 1);
-      const place = row.checkedAddress(Array.isArray(entry) ? entry[0] : null);
+      const [from, caller] = row.list(entry);
+      const frame = row.whole(caller);
+      const called = row.address(from);
       if (frame === cutKey) row.fail();
-      if (place >= firstMarker) continue;
-      if (depth === 0) own = place === address;
+      if (called >= firstMarker) continue;
+      if (depth === 0) own = called === address;
       samples.pushFrame(depth++, frame);
     }
-    row.whole(0);
-    samples.add(key, row.number(3), core, row.whole(5), row.whole(6), depth, trace.length, own);
+    samples.add(
+        key, row.number(time), row.whole(core), row.whole(process), row.whole(tid), depth, trace.length, own);
     return another;
   }
 

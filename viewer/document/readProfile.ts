@@ -1,4 +1,4 @@
-import {accept, anotherElement, Byte, expect, firstElement, peek, readLabel, readValue} from './json';
+import {accept, anotherElement, Byte, expect, firstElement, peek, readLabel, readValue, type Value} from './json';
 
 import type {ProfileBuilder} from './ProfileBuilder';
 import type {Reader} from './Reader';
@@ -67,21 +67,28 @@ function readRows(reader: Reader, builder: ProfileBuilder, section: string): Pro
 
 /** What becomes of a section's rows, by its label in the document. */
 const adders: Record<string, (builder: ProfileBuilder, row: Row) => void> = {
-  'processes': (builder, row) =>
-      builder.processes.push({ key: row.whole(0), pid: row.whole(1), tid: row.whole(2), name: row.text(3) }),
-  'libraries': (builder, row) => builder.libraries.push({
-    key: row.whole(0),
-    process: row.whole(1),
-    name: row.text(2),
-  }),
-  'files': (builder, row) => builder.files.push({
-    name: row.text(1),
-    lines: row.list(2).map((entry) => [row.part(entry, 0), row.part(entry, 1)]),
-  }),
-  'functions': (builder, row) => builder.functions.push({
-    key: row.whole(0),
-    name: row.text(1),
-    start: row.address(2),
-    libraries: row.list(4).map((key) => row.checked(key)),
-  }),
+  'processes': (builder, row) => {
+    const [key, pid, tid, name] = row.values;
+    builder.processes.push(
+        { key: row.whole(key), pid: row.whole(pid), tid: row.whole(tid), name: row.text(name) });
+  },
+  'libraries': (builder, row) => {
+    const [key, process, name] = row.values;
+    builder.libraries.push({ key: row.whole(key), process: row.whole(process), name: row.text(name) });
+  },
+  'files': (builder, row) => {
+    const [, name, lines] = row.values;
+    const pairOf = ([key, line]: readonly Value[]): [number, number] => [row.whole(key), row.whole(line)];
+    builder.files.push(
+        { name: row.text(name), lines: row.list(lines).map((entry) => pairOf(row.list(entry))) });
+  },
+  'functions': (builder, row) => {
+    const [key, name, start, , libraries] = row.values;
+    builder.functions.push({
+      key: row.whole(key),
+      name: row.text(name),
+      start: row.address(start),
+      libraries: row.list(libraries).map((library) => row.whole(library)),
+    });
+  },
 };
