@@ -1,21 +1,21 @@
 /** Colours of places: the kind gives the hue, the library and the function a shade of it. */
 
-import {PlaceKind, type Places} from '../document/profile';
+import type {PlaceKind, Places} from '../document/profile';
 import {kept} from '../model/maps';
 
 const shades = 6;
 
-/** By PlaceKind; `spread` is how far the shades differ, in degrees of hue. */
-const hues: readonly(readonly [hue: number, saturation: number, spread: number])[] = [
-  [205, 60, 14],
-  [18, 78, 38],
-  [220, 6, 0],
-  [285, 38, 10],
-  [45, 9, 0],
+/**
+ * By PlaceKind; `spread` is how far the shades differ, in degrees of hue. Cut back-traces are
+ * farther from the page than all places, so that their end is not taken for a root.
+ */
+const hues: readonly(readonly [hue: number, saturation: number, spread: number, apart: number])[] = [
+  [205, 60, 14, 0],
+  [18, 78, 38, 0],
+  [220, 6, 0, 0],
+  [285, 38, 10, 0],
+  [45, 9, 0, 22],
 ];
-/** Cut back-traces differ from all places, so that their end is not taken for a root. */
-const cutDarkening = 22;
-const cutLightening = 8;
 
 /** By PlaceKind. */
 export const kindNames: readonly string[] =
@@ -33,12 +33,11 @@ const palettes = new Map<boolean, string[]>();
 function palette(dark: boolean): readonly string[] {
   return kept(palettes, dark, () => {
     const colours = hues.flatMap(
-        ([hue, saturation, spread], kind) => Array.from(
+        ([hue, saturation, spread, apart]) => Array.from(
             { length: shades },
             (_, shade) => {
               const part = shade / (shades - 1);
-              const cut = kind !== PlaceKind.Cut ? 0 : dark ? cutLightening : -cutDarkening;
-              const lightness = (dark ? 34 + 8 * part : 80 - 9 * part) + cut;
+              const lightness = dark ? 34 + 8 * part + apart / 3 : 80 - 9 * part - apart;
               const strength = dark ? saturation * 0.62 : saturation;
               return `hsl(${hue + spread * part} ${strength}% ${lightness}%)`;
             }),
