@@ -20,32 +20,37 @@ const limit = {
 
 const run = (program, words, more) => execFileSync(program, words, { encoding: 'utf8', ...more });
 
-const bundle = (entry, ...more) => run('esbuild', [
-  join(room, entry), '--bundle', '--format=iife', '--target=es2022', '--charset=utf8', '--log-level=warning',
-  ...more
-]);
+/** For every call of esbuild. */
+const language = ['--target=es2022', '--charset=utf8', '--log-level=warning'];
 
-/**
- * Returns the script with names of variables that are more alike, so that it compresses better. Functions
- * stay where they are: a class inside the function that makes its objects would be a new one for each. What
- * is called unsafe is to take the platform's own functions for what they were.
- */
-function shortened(script) {
+const bundle = (entry, ...more) =>
+    run('esbuild', [join(room, entry), '--bundle', '--format=iife', ...language, ...more]);
+
+/** Returns what terser makes of a script. */
+function tersed(script, ...words) {
   const program = realpathSync(run('sh', ['-c', 'command -v terser']).trim());
   // Its modules lie beside it, where only Debian's own node looks for them.
   const env = {...process.env, NODE_PATH: join(dirname(program), '../..') };
-  const words = [
-    '--compress=passes=3,keep_fargs=false,pure_getters,reduce_funcs=false,unsafe,unsafe_arrows,ecma=2020',
-    '--mangle', '--ecma=2020', '--format=wrap_func_args=false'
-  ];
-  return run(program, words, { input: script, env });
+  return run(program, [...words, '--ecma=2020', '--format=wrap_func_args=false'], { input: script, env });
 }
 
+/**
+ * Returns the script of the page. esbuild finds more to shorten in what terser has made; names that terser
+ * gives to variables are more alike and compress better.
+ */
 function script(entry) {
   const fixed =
       [...fixedNames(room)].filter((name) => /^[\w$]+$/.test(name)).join('|').replaceAll('$', '\\$');
   // Capitals begin the names of constants, whose values take their place.
-  return shortened(bundle(entry, '--minify', '--mangle-props=^[a-z]', `--reserve-props=^(${fixed})$`));
+  const whole = bundle(entry, '--minify', '--mangle-props=^[a-z]', `--reserve-props=^(${fixed})$`);
+  // Functions stay where they are: a class inside the function that makes its objects would be a new one for
+  // each. What is called unsafe is to take the platform's own functions for what they were.
+  const small = tersed(
+      whole,
+      '--compress=passes=3,keep_fargs=false,pure_getters,reduce_funcs=false,hoist_funs,unsafe,unsafe_arrows,' +
+          'ecma=2020');
+  const again = run('esbuild', ['--minify-syntax', ...language], { input: small });
+  return tersed(again, '--mangle');
 }
 
 const hash = (text) => `sha256-${createHash('sha256').update(text).digest('base64')}`;
