@@ -1,7 +1,10 @@
 import {DocumentError} from './damage';
 
-/** Thrown by a parser that ran past the available bytes; the unit is parsed again once there are more. */
-const needMore = new Error('more bytes are needed');
+/**
+ * Thrown by a parser that ran past the available bytes; the unit is parsed again once there are more. An
+ * Error has its place in the script, for which a debugger has the whole script parsed once more.
+ */
+const needMore = Symbol('more bytes are needed');
 
 /** Zero bytes after the last byte: loops over digits and names stop there without checking for the end. */
 const padding = 16;

@@ -205,13 +205,11 @@ export class FlamePane {
       if (batch.length === 0) return;
       context.globalAlpha = matches && colour !== match ? 0.45 : 1;
       context.fillStyle = palette[colour] ?? (isDark() ? '#b3248f' : '#ff7ad9');
-      context.beginPath();
       for (const box of batch) {
         const [left, right] = this.edges(box);
         const wide = right - left;
-        context.rect(left, this.top(box), Math.max(leastWidth, wide - gap(wide)), rowHeight - 1);
+        context.fillRect(left, this.top(box), Math.max(leastWidth, wide - gap(wide)), rowHeight - 1);
       }
-      context.fill();
     });
     context.globalAlpha = 1;
     writer.begin(fontSize);
