@@ -244,4 +244,4 @@ const word = (colour: number) =>
 
 /** Colours of the page that are painted rather than styled; page.css has the same. */
 export const groundColours = (dark: boolean) =>
-    dark ? {ground: 0x16181c, line: 0x24272c} : {ground: 0xffffff, line: 0xeef0f3};
+    dark ? {ground: 0x111111, line: 0x222222} : {ground: 0xffffff, line: 0xeeeeee};
