@@ -11,9 +11,8 @@ export class Opener {
   /** What came of timecharts that are being read. */
   private readonly parts = new Map<number, Timechart>();
   private nextId = 1;
-  /** The readings whose documents are shown, the latest first. */
-  private profiles: readonly number[] = [];
-  private timecharts: readonly number[] = [];
+  /** Kinds of the documents of readings, as far as they are known. */
+  private readonly kinds = new Map<number, ZelDocument['kind']>();
   /** The reading of the state's profile. */
   private latest = 0;
 
@@ -116,27 +115,20 @@ export class Opener {
    * with.
    */
   private show(id: number, document: ZelDocument): void {
-    const newest =
-        (ids: readonly number[],
-         most: number) => [id, ...ids.filter((other) => other !== id)].sort((a, b) => b - a).slice(0, most);
-    const before = [...this.profiles, ...this.timecharts, id];
-    if (document.kind === 'profile')
-      this.profiles = newest(this.profiles, 2);
-    else
-      this.timecharts = newest(this.timecharts, 1);
-    const superseded =
-        before.filter((other) => !this.profiles.includes(other) && !this.timecharts.includes(other));
-    const readings = this.store.state.readings.filter((reading) => !superseded.includes(reading.id));
-    if (superseded.length > 0) this.store.set({ readings });
-    if (superseded.includes(id)) return;
+    const { readings, timechart, profile, baseline } = this.store.state;
+    this.kinds.set(id, document.kind);
+    const alike = readings.filter((reading) => this.kinds.get(reading.id) === document.kind);
+    const shown = alike.slice(document.kind === 'profile' ? -2 : -1);
+    this.store.set({ readings: readings.filter((one) => !alike.includes(one) || shown.includes(one)) });
+    if (!shown.some((reading) => reading.id === id)) return;
     if (document.kind === 'timechart')
-      this.store.set({ timechart: new TimechartModel(document, this.store.state.timechart) });
-    else if (this.profiles[0] !== id)
+      this.store.set({ timechart: new TimechartModel(document, timechart) });
+    else if (shown.at(-1)!.id !== id)
       this.store.set({ baseline: new ProfileModel(document) });
     else {
-      const compared = this.latest !== id ? this.store.state.profile : this.store.state.baseline;
+      this.store.set(
+          { profile: new ProfileModel(document), baseline: this.latest === id ? baseline : profile });
       this.latest = id;
-      this.store.set({ profile: new ProfileModel(document), baseline: compared });
     }
   }
 }
