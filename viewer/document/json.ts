@@ -131,7 +131,7 @@ export function readNumber(reader: Reader): number|bigint {
   if (bytes[i] === Byte.Minus) ++i;
   const first = i;
   digits();
-  if (bytes[first] === Byte.Zero && i > first + 1) reader.fail('a number starts with 0');
+  if (bytes[first] === Byte.Zero && i > first + 1) reader.fail('a number is malformed');
   let whole = true;
   if (bytes[i] === Byte.Point) {
     whole = false;

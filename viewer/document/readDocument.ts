@@ -83,11 +83,11 @@ export class DocumentReading {
     if (first === Byte.OpenObject) return;
     const head =
         String.fromCharCode(...reader.bytes.subarray(reader.pos, Math.min(reader.end, reader.pos + 8)));
-    if (head.startsWith('PERFILE2') || head.startsWith('PERFFILE')) {
+    if (/^PERF(ILE2|FILE)/.test(head)) {
       throw new Error(`${this.name}: a recording, not a document; zelkit convert makes one of it`);
     }
     if (first === Byte.OpenArray)
-      throw this.wrong('it starts with "[", as a timechart without labels, which holds no points');
+      throw this.wrong('it starts with "[": a timechart without labels holds no points');
     throw this.wrong('it does not start with "{"');
   }
 

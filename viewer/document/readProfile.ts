@@ -38,7 +38,7 @@ async function readSection(reader: Reader, builder: ProfileBuilder, section: str
     if (label === 'descriptions')
       await reader.unit(readValue);
     else if (label !== 'data')
-      reader.fail(`"${label.slice(0, 40)}" is no part of a section`);
+      reader.fail(`"${label.slice(0, 40)}" is no part of a document`);
     else if (await reader.unit(firstElement))
       await readRows(reader, builder, section);
   } while (await reader.unit(accept, Byte.Comma));

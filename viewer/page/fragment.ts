@@ -3,6 +3,7 @@
 import type {Extent} from '../model/axis';
 import type {LaneChoice} from '../model/lanes';
 import type {State, Store} from '../views/store';
+import {brushOf} from '../views/timeAxis';
 
 /** The URL follows when nothing has changed for this many milliseconds. */
 const settled = 250;
@@ -15,10 +16,10 @@ const laneChoices = ['folded', 'hidden', 'pinned'] as const;
  */
 export function writeFragment(state: State): string {
   const { filter, visible, lanes, cursor, place } = state;
-  const brushed = filter.end > filter.start && Number.isFinite(filter.end - filter.start);
+  const brush = brushOf(state);
   const said: [string, string|number|false|null][] = [
     ['shown', visible && pairOf(visible)],
-    ['selected', brushed && pairOf(filter)],
+    ['selected', brush && pairOf(brush)],
     ['cores', listOf(filter.cores)],
     ['threads', listOf(filter.threads)],
     ['filter', filter.text || null],
