@@ -9,7 +9,8 @@ export interface Order {
 }
 
 /**
- * Returns the groups that have samples and whose name or detail contains the text, in the order asked for.
+ * Returns the groups that have samples and whose name or detail contains the text, in the order asked for;
+ * the heaviest first of those that are alike in it.
  */
 export function functionRows(
     grouping: Grouping, weights: GroupWeights, text: string, order: Order): number[] {
@@ -24,13 +25,12 @@ export function functionRows(
   }
   const sign = order.descending ? -1 : 1;
   const { selves, totals } = weights;
-  const compare = new Map<SortKey, (a: number, b: number) => number>([
-                    ['self', (a, b) => selves[a] - selves[b] || totals[a] - totals[b]],
-                    ['total', (a, b) => totals[a] - totals[b] || selves[a] - selves[b]],
-                    ['name', (a, b) => compareText(groups[a].name, groups[b].name)],
-                    ['detail', (a, b) => compareText(groups[a].detail, groups[b].detail)],
-                  ]).get(order.key)!;
-  return rows.sort((a, b) => sign * compare(a, b) || a - b);
+  const valueOf = (group: number) => order.key === 'self' ? selves[group] :
+      order.key === 'total'                               ? totals[group] :
+                                                            groups[group][order.key];
+  return rows.sort(
+      (a, b) =>
+          sign * compare(valueOf(a), valueOf(b)) || totals[b] - totals[a] || selves[b] - selves[a] || a - b);
 }
 
-const compareText = (a: string, b: string) => (a < b ? -1 : Number(a > b));
+const compare = (a: string|number, b: string|number) => (a < b ? -1 : Number(a > b));

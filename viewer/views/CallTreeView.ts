@@ -9,6 +9,7 @@ import {formatCount} from './placeLook';
 import {ProfileView} from './ProfileView';
 import {type Row, RowTable} from './RowTable';
 import type {State} from './store';
+import {perform} from './View';
 
 interface TreeRow {
   readonly node: number;
@@ -39,16 +40,16 @@ export class CallTreeView extends ProfileView {
     const row = this.rows[chosen];
     if (!row) return false;
     const open = this.opened.has(row.node) && this.hasChildren(row.node);
-    if (event.key === 'ArrowRight' && open)
-      this.list.choose(chosen + 1);
-    else if (event.key === 'ArrowLeft' && !open)
-      this.list.choose(this.rows.findIndex(({ node }) => node === this.selection.parents[row.node]));
-    else if (event.key === 'ArrowRight' || event.key === 'ArrowLeft')
-      this.toggle(chosen);
-    else if (event.key === 'Enter' && event.shiftKey && row.node !== 0)
+    const above = this.selection.parents[row.node];
+    const actions = {
+      ArrowRight: () => (open ? this.list.choose(chosen + 1) : this.toggle(chosen)),
+      ArrowLeft: () =>
+          (open ? this.toggle(chosen) : this.list.choose(this.rows.findIndex(({ node }) => node === above))),
+    };
+    if (event.key === 'Enter' && event.shiftKey && row.node !== 0)
       this.app.store.set({ place: this.selection.places[row.node], panel: 'butterfly' });
     else
-      return this.list.key(event);
+      return perform(event.key, actions) || this.list.key(event);
     return true;
   }
 
