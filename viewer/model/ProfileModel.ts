@@ -24,9 +24,9 @@ export class ProfileModel {
   private readonly made = new Map<string, Grouping>();
 
   constructor(readonly profile: Profile) {
-    const { times, count } = profile.samples;
-    this.start = count > 0 ? times[0] : 0;
-    this.end = count > 0 ? times[count - 1] : 0;
+    const { count } = profile.samples;
+    this.start = count > 0 ? profile.samples.times[0] : 0;
+    this.end = count > 0 ? profile.samples.times[count - 1] : 0;
   }
 
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */

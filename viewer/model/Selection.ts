@@ -72,13 +72,13 @@ export class Selection implements Tree {
   }
 
   private countSamples(totals: Uint32Array): void {
-    const { profile, filter } = this;
-    const { stacks } = profile.samples;
+    const { filter } = this;
+    const { stacks } = this.profile.samples;
     if (filter.cores || filter.threads || filter.text !== '') {
       this.forEachSample((index) => totals[stacks[index]]++);
       return;
     }
-    const [from, to] = sampleRange(profile, filter.start, filter.end);
+    const [from, to] = sampleRange(this.profile, filter.start, filter.end);
     for (let i = from; i < to; ++i) totals[stacks[i]]++;
   }
 }

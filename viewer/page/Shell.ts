@@ -145,15 +145,15 @@ export class Shell implements App {
   }
 
   private mount(view: View): Mounted {
-    const { id, title } = view;
+    const { id } = view;
     const host = element(
-        'section', { id: `view-${id}`, class: 'view', 'aria-label': title, tabIndex: -1, hidden: true });
+        'section', { id: `view-${id}`, class: 'view', 'aria-label': view.title, tabIndex: -1, hidden: true });
     let tab: HTMLElement|null = null;
     if (view.zone === 'time')
       this.timeZone.append(host);
     else {
       const click = () => this.store.set({ panel: id });
-      tab = element('button', { role: 'tab', 'aria-controls': host.id, click }, title);
+      tab = element('button', { role: 'tab', 'aria-controls': host.id, click }, view.title);
       equip(host, { role: 'tabpanel' });
       this.tabs.append(tab);
       this.detailZone.append(host);
@@ -161,9 +161,8 @@ export class Shell implements App {
     view.mount(host, this);
     const paint = () => {
       if (host.hidden) return;
-      const { state } = this.store;
-      view.draw(state, mounted.painted);
-      mounted.painted = state;
+      view.draw(this.store.state, mounted.painted);
+      mounted.painted = this.store.state;
     };
     const mounted: Mounted = { view, host, tab, painted: null, paint };
     return mounted;
@@ -182,15 +181,15 @@ export class Shell implements App {
     const panel = this.panel();
     let resized = false;
     for (const mounted of this.mounted) {
-      const { view, host, tab } = mounted;
-      const hidden = !view.available(state) || (tab !== null && mounted !== panel);
+      const { tab } = mounted;
+      const hidden = !mounted.view.available(state) || (tab !== null && mounted !== panel);
       if (tab) {
-        tab.hidden = !view.available(state);
+        tab.hidden = !mounted.view.available(state);
         equip(tab, { 'aria-selected': !hidden, tabIndex: hidden ? -1 : 0 });
       }
       // A view that appears takes room from the others.
-      if (host.hidden !== hidden) resized = true;
-      host.hidden = hidden;
+      if (mounted.host.hidden !== hidden) resized = true;
+      mounted.host.hidden = hidden;
     }
     for (const mounted of this.mounted) {
       if (!before || (resized && !mounted.tab)) mounted.painted = null;

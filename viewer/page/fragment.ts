@@ -15,16 +15,16 @@ const laneChoices = ['folded', 'hidden', 'pinned'] as const;
  * out.
  */
 export function writeFragment(state: State): string {
-  const { filter, visible, lanes, cursor, place } = state;
+  const { filter, lanes, cursor } = state;
   const brush = brushOf(state);
   const said: [string, string|number|false|null][] = [
-    ['shown', visible && pairOf(visible)],
+    ['shown', state.visible && pairOf(state.visible)],
     ['selected', brush && pairOf(brush)],
     ['cores', listOf(filter.cores)],
     ['threads', listOf(filter.threads)],
     ['filter', filter.text || null],
     ['search', state.search || null],
-    ['place', place >= 0 && place],
+    ['place', state.place >= 0 && state.place],
     ['view', state.panel || null],
     ...laneChoices.flatMap((choice) => [...lanes[choice]].map((path): [string, string] => [choice, path])),
     ['at', cursor && `${cursor.time},${cursor.lane}`],

@@ -40,11 +40,11 @@ export class ButterflyView extends ProfileView {
 
   protected show(state: State, before: Selection|undefined): void {
     const { model, selection } = this;
-    const { places } = model.profile;
-    const place = state.place >= 0 && state.place < places.count ? state.place : heaviest(selection);
+    const place =
+        state.place >= 0 && state.place < model.profile.places.count ? state.place : heaviest(selection);
     const same = selection === before && place === this.place;
     this.place = place;
-    const name = places.names[place] ?? '';
+    const name = model.profile.places.names[place] ?? '';
     for (const { pane, direction } of this.panes) {
       const tree = same ? pane.tree : MergedTree.of(selection, place, direction);
       pane.show(tree, placeLook(model, tree, selection, name, state.search), same);

@@ -72,9 +72,8 @@ export class CallTreeView extends ProfileView {
   }
 
   protected show(state: State, before: Selection|undefined): void {
-    const { selection } = this;
-    if (selection.profile !== before?.profile) this.openHeaviest();
-    if (selection !== before) this.listRows();
+    if (this.selection.profile !== before?.profile) this.openHeaviest();
+    if (this.selection !== before) this.listRows();
     this.matches = this.model.matches(state.search);
     this.list.draw(this.rows.length);
   }
@@ -83,8 +82,10 @@ export class CallTreeView extends ProfileView {
     const { selection } = this;
     const { profile } = selection;
     const place = selection.places[node];
-    const { weight } = profile;
-    const figures = { total: selection.totals[node] * weight, self: selection.selves[node] * weight };
+    const figures = {
+      total: selection.totals[node] * profile.weight,
+      self: selection.selves[node] * profile.weight
+    };
     return node === 0 ? {...figures, name: 'all samples', detail: '', kind: PlaceKind.User } : {
       ...figures,
       name: profile.places.names[place],

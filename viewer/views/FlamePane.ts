@@ -111,14 +111,14 @@ export class FlamePane {
   }
 
   key(event: KeyboardEvent): boolean {
-    const { tree, chosen, upward } = this;
+    const { tree, chosen } = this;
     const beside = (step: number) => {
       const siblings = childrenOf(tree, tree.parents[chosen]);
       this.choose(siblings[siblings.indexOf(chosen) + step] ?? chosen);
     };
     return perform(event.key, {
-      [upward ? 'ArrowDown' : 'ArrowUp']: () => this.choose(tree.parents[chosen]),
-      [upward ? 'ArrowUp' : 'ArrowDown']: () => this.choose(childrenOf(tree, chosen)[0] ?? chosen),
+      [this.upward ? 'ArrowDown' : 'ArrowUp']: () => this.choose(tree.parents[chosen]),
+      [this.upward ? 'ArrowUp' : 'ArrowDown']: () => this.choose(childrenOf(tree, chosen)[0] ?? chosen),
       ArrowLeft: () => beside(-1),
       ArrowRight: () => beside(1),
       Home: () => {
@@ -153,9 +153,8 @@ export class FlamePane {
   }
 
   private readonly draw = (): void => {
-    const { stage } = this;
-    this.width = stage.clientWidth;
-    this.height = stage.clientHeight;
+    this.width = this.stage.clientWidth;
+    this.height = this.stage.clientHeight;
     const scale = fitCanvas(this.canvas, this.width, this.height);
     this.context.setTransform(scale, 0, 0, scale, 0, 0);
     this.lay();

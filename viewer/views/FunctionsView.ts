@@ -86,11 +86,9 @@ export class FunctionsView extends ProfileView {
 
   /** Looks into a function; for anything else, selects its samples. */
   private open(group: number): void {
-    const { store } = this.app;
-    const { narrow } = this.grouping;
     if (this.grouping.byPlace)
-      store.set({ place: group, panel: 'butterfly' });
-    else if (narrow)
-      store.refine(narrow(group));
+      this.app.store.set({ place: group, panel: 'butterfly' });
+    else if (this.grouping.narrow)
+      this.app.store.refine(this.grouping.narrow(group));
   }
 }

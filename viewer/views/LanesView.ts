@@ -143,7 +143,7 @@ export class LanesView implements View {
     const wanted = search.toLowerCase();
     const current = cursor?.lane ?? '';
     const rows = this.placed.map(({ lane, top, height, pinned }) => {
-      const { path, depth } = lane;
+      const { path } = lane;
       const open = lane.children.length === 0 ? null : !lanes.folded.has(path);
       const name = shortName(fullLabel(lane));
       const alone = pinned || lanes.pinned.has(path.slice(0, path.lastIndexOf('_')));
@@ -156,7 +156,7 @@ export class LanesView implements View {
                 wanted !== '' && lane.label.toLowerCase().includes(wanted) ? ' match' : ''}`,
             role: 'treeitem',
             id: `lane-${path}`,
-            'aria-level': depth + 1,
+            'aria-level': lane.depth + 1,
             'aria-selected': path === current,
             'aria-expanded': open,
             'aria-label': name,
@@ -170,7 +170,7 @@ export class LanesView implements View {
       );
       row.style.top = `${top}px`;
       row.style.height = `${height}px`;
-      row.style.paddingLeft = `${4 + depth * 12}px`;
+      row.style.paddingLeft = `${4 + lane.depth * 12}px`;
       return row;
     });
     this.labels.replaceChildren(...rows);
@@ -285,7 +285,6 @@ export class LanesView implements View {
   }
 
   private choose(change: Partial<LaneChoice>): void {
-    const { store } = this.app;
-    store.set({ lanes: {...store.state.lanes, ...change } });
+    this.app.store.set({ lanes: {...this.app.store.state.lanes, ...change } });
   }
 }

@@ -80,9 +80,9 @@ export class RowTable {
     this.count = count;
     this.current = clamped(this.current, 0, count - 1);
     this.space.style.height = `${count * rowHeight}px`;
-    const { scrollTop } = this.scroller;
-    const first = Math.max(0, Math.floor(scrollTop / rowHeight) - margin);
-    const last = Math.min(count, Math.ceil((scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
+    const first = Math.max(0, Math.floor(this.scroller.scrollTop / rowHeight) - margin);
+    const last = Math.min(
+        count, Math.ceil((this.scroller.scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
     for (const [index, row] of this.pool) {
       if (index >= first && index < last) continue;
       row.remove();

@@ -32,10 +32,10 @@ export class SpanView implements View {
   }
 
   draw(state: State): void {
-    const { timechart, filter } = state;
+    const { timechart } = state;
     // The figures of a part would be replaced before they can be read.
     if (timechart !== this.asked[0] && isReading(state)) return;
-    const asked = [timechart, filter.start, filter.end, state.run];
+    const asked = [timechart, state.filter.start, state.filter.end, state.run];
     if (!differ(asked, this.asked)) return;
     this.asked = asked;
     const { start, end } = spanOf(state);

@@ -37,8 +37,8 @@ export class TimeStage {
 
   /** Scrolls no further than needed, so that a row can be seen below `fixed` pixels that do not scroll. */
   show(top: number, height: number, fixed = 0): void {
-    const { scroller } = this;
-    scroller.scrollTop = Math.min(top - fixed, Math.max(scroller.scrollTop, top + height - this.height));
+    this.scroller.scrollTop =
+        Math.min(top - fixed, Math.max(this.scroller.scrollTop, top + height - this.height));
   }
 
   /** Handles the keys that scroll without a change of the row; returns whether it did. */

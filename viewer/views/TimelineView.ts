@@ -99,10 +99,9 @@ export class TimelineView implements View {
 
   /** Shows the rows in sight, which are others after a scroll. */
   private readonly show = (): void => {
-    const { top } = this.stage;
     const first = this.rowAt(0);
-    this.list(this.rows.slice(first, Math.ceil((top + this.stage.height) / rowHeight)));
-    this.label(first, top);
+    this.list(this.rows.slice(first, Math.ceil((this.stage.top + this.stage.height) / rowHeight)));
+    this.label(first, this.stage.top);
     this.app.store.repaint(this.paint);
   };
 
@@ -110,16 +109,15 @@ export class TimelineView implements View {
 
   /** Paints row by row, and shows the rows once all are painted. */
   private * paintRows(): Iterator<void> {
-    const { stage, profile, listed, all: everyone, selected: chosen } = this;
-    const { canvas } = this.picture;
-    const { top, width, height } = stage;
+    const { listed, all: everyone, selected: chosen } = this;
+    const { top } = this.stage;
     const first = this.rowAt(0);
     const scale = devicePixelRatio;
-    const pixels = (this.pixels = Pixels.of(width, height, this.pixels));
+    const pixels = (this.pixels = Pixels.of(this.stage.width, this.stage.height, this.pixels));
     const dark = isDark();
     const quiet = dark ? 0x3b424a : 0xd0d6dc;
     pixels.clear(groundColours(dark).ground);
-    const bounds = pixelBounds(profile, shownExtent(this.app.store.state), pixels.width);
+    const bounds = pixelBounds(this.profile, shownExtent(this.app.store.state), pixels.width);
     for (const [row, { kind }] of listed.entries()) {
       const bottom = Math.round(((first + row + 1) * rowHeight - top - 1) * scale);
       const high = Math.round((rowHeight - 2) * scale);
@@ -137,8 +135,8 @@ export class TimelineView implements View {
       });
       yield;
     }
-    fitCanvas(canvas, width, height);
-    canvas.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
+    fitCanvas(this.picture.canvas, this.stage.width, this.stage.height);
+    this.picture.canvas.getContext('2d', { alpha: false })!.putImageData(pixels.image, 0, 0);
   }
 
   /** Finds the samples of the rows in sight, which many repaints have in common. */
@@ -154,7 +152,6 @@ export class TimelineView implements View {
 
   private label(first: number, top: number): void {
     const { filter } = this.app.store.state;
-    const { labels } = this.stage;
     const options = this.listed.map((row, i) => {
       const chosen = (row.kind === 'core' ? filter.cores : filter.threads)?.has(row.subject) === true;
       const option = element(
@@ -169,8 +166,8 @@ export class TimelineView implements View {
       option.style.height = `${rowHeight}px`;
       return option;
     });
-    labels.replaceChildren(...options);
-    equip(labels, { 'aria-activedescendant': `row-${this.current}` });
+    this.stage.labels.replaceChildren(...options);
+    equip(this.stage.labels, { 'aria-activedescendant': `row-${this.current}` });
   }
 
   private nameOf({ kind, subject }: TimeRow): string {

@@ -41,18 +41,18 @@ const mostMarks = 5;
 
 function describeTrack(
     model: TimechartModel, track: Track, time: number, pixel: number, label: string): string[] {
-  const { entry, steps, shape } = track;
+  const { entry, steps } = track;
   const { times, values } = steps;
   const name = shortName(entry.tip || entry.name);
   // The row's label stands ahead of all.
   const lead = name === label ? '' : `${name}: `;
-  if (shape === 'state') {
+  if (track.shape === 'state') {
     const slice = steps.sliceAt(time, model.end);
     if (slice) return [`${lead}${formatDuration(slice.end - slice.start)} from ${formatTime(slice.start)}`];
     const share = steps.use(time - pixel, time + pixel).seconds / (2 * pixel);
     return share > 0 ? [`${lead}${formatShare(share)} here`] : [];
   }
-  if (shape === 'level') {
+  if (track.shape === 'level') {
     // As the document has it: a double would round long numbers.
     const index = pointsUntil(times, time) - 1;
     return [`${lead}${entry.exact?.get(index) ?? values[index] ?? 0}`];

@@ -126,13 +126,12 @@ function paintStates(
 function paintLevel(surface: Surface, track: Track, top: number, bottom: number, picture: Picture): void {
   const { times, values } = track.steps;
   const { axis } = picture;
-  const { shown } = axis;
-  if (track.peak <= 0 || !touches(track, shown)) return;
+  if (track.peak <= 0 || !touches(track, axis.shown)) return;
   const colour = colourOf(track, picture.dark);
   const pale = mix(colour, picture.dark ? 0x000000 : 0xffffff, 0.5);
   const high = (value: number) => bottom - (value / track.peak) * (bottom - top);
   const last = Math.min(axis.width, Math.ceil(axis.x(picture.close)));
-  let index = pointsUntil(times, shown.start);
+  let index = pointsUntil(times, axis.shown.start);
   for (let x = 0; x < last;) {
     let least = index > 0 ? values[index - 1] : 0;
     let most = least;

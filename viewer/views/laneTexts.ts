@@ -35,12 +35,12 @@ export function writeTexts(
 function writeTasks(
     writer: Writer, model: TimechartModel, track: Track, middle: number, picture: Picture): void {
   const { axis, scale } = picture;
-  const { shown, width } = axis;
+  const { width } = axis;
   const least = leastRoom * scale * axis.pixel;
   // A core is busy during every run.
   if (track.steps.longest < least) return;
   const colour = contrast(colourOf(track, picture.dark));
-  model.tasks.forEachRunOnCore(track.cpu, shown.start, shown.end, least, (run) => {
+  model.tasks.forEachRunOnCore(track.cpu, axis.shown.start, axis.shown.end, least, (run) => {
     if (run.task === idleTask) return;
     const left = Math.max(0, axis.x(run.start));
     const right = Math.min(width, axis.x(run.end));
