@@ -25,6 +25,8 @@ interface Mounted {
 const leastTime = 80;
 const leastDetail = 120;
 const splitStep = 20;
+/** Pixels between the pointer and the lines about what is under it. */
+const tipGap = 14;
 
 /** The page's frame: opening, the zones of views, menus, keys and the status line. */
 export class Shell implements App {
@@ -46,13 +48,8 @@ export class Shell implements App {
   private readonly brush = button(
       '', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
   private readonly timeZone = div('time');
-  private readonly splitter = element('div', {
-    class: 'splitter',
-    role: 'separator',
-    'aria-label': 'Height of the time views',
-    'aria-orientation': 'horizontal',
-    tabIndex: 0
-  });
+  private readonly splitter = element(
+      'div', { class: 'splitter', role: 'separator', 'aria-label': 'Height of the time views', tabIndex: 0 });
   private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
   private readonly detailZone = div('detail');
   private readonly status = element('div', { class: 'status', role: 'status' });
@@ -112,10 +109,10 @@ export class Shell implements App {
     if (!lines || !event) return;
     tip.replaceChildren(...lines.map((line) => div('', line)));
     // Next to the pointer, on the side that has room.
-    const place = (at: number, size: number, all: number, gap: number) =>
-        Math.max(0, at + gap + size > all ? at - size - 10 : at + gap);
-    tip.style.transform = `translate(${place(event.clientX, tip.offsetWidth, innerWidth, 14)}px, ${
-        place(event.clientY, tip.offsetHeight, innerHeight, 18)}px)`;
+    const place = (at: number, size: number, all: number) =>
+        Math.max(0, at + tipGap + size > all ? at - tipGap - size : at + tipGap);
+    tip.style.transform = `translate(${place(event.clientX, tip.offsetWidth, innerWidth)}px, ${
+        place(event.clientY, tip.offsetHeight, innerHeight)}px)`;
   }
 
   hover(time: number|null): void {

@@ -121,7 +121,7 @@ export class TimelineView implements View {
     for (const [row, { kind }] of listed.entries()) {
       const bottom = Math.round(((first + row + 1) * rowHeight - top - 1) * scale);
       const high = Math.round((rowHeight - 2) * scale);
-      const strong = kind === 'core' ? (dark ? 0x4a8ac9 : 0x357bc9) : dark ? 0xe0934a : 0xea862f;
+      const strong = kind === 'core' ? 0x4080cc : 0xe88c3c;
       const all = everyone.count(row, bounds);
       const selected = chosen === everyone ? all : chosen.count(row, bounds);
       const most = all.reduce((a, b) => Math.max(a, b), 1);
