@@ -29,6 +29,8 @@ export class SpanView implements View {
     this.host = host;
     this.app = app;
     host.classList.add('figures');
+    // Nothing in it takes the focus, and it scrolls.
+    host.tabIndex = 0;
   }
 
   draw(state: State): void {

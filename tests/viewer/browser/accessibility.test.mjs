@@ -120,6 +120,14 @@ test('rows without rows below them do not fold', async () => {
   assert.doesNotMatch(await page.locator('.status').innerText(), /folded/);
 });
 
+test('the figures of a span are reached by Tab', async () => {
+  const page = await openPage({ fragment: '#view=span' });
+  await openDocuments(page, join(documents, 'timechart.json'));
+  await page.getByRole('tab', { name: 'Span' }).focus();
+  await page.keyboard.press('Tab');
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'view-span');
+});
+
 test('rows out of sight are reached and scrolled by keys alone', async () => {
   const page = await openPage();
   await openDocuments(page, join(documents, 'timechart.json'));
