@@ -80,9 +80,8 @@ export function serve(): void {
     if (message.type === 'cancel')
       cancelled = true;
     else {
-      read(message.source, message.layout).catch(({
-                                                   message: reason
-                                                 }: Error) => post({ type: 'failed', message: reason }));
+      read(message.source, message.layout)
+          .catch((error: Error) => post({ type: 'failed', message: error.message }));
     }
   };
 }
