@@ -55,21 +55,21 @@ export class ProfileBuilder {
 
   /** Returns a small sample of the profile read so far, or null if there is none yet. */
   picture(): Profile|null {
-    return this.samples.count > 0 ? this.build(this.samples.sampled(pictureSamples), null) : null;
+    return this.samples.count > 0 ? this.#build(this.samples.sampled(pictureSamples), null) : null;
   }
 
-  finish(damage: Damage|null): Profile { return this.build(this.samples.finish(), damage); }
+  finish(damage: Damage|null): Profile { return this.#build(this.samples.finish(), damage); }
 
-  private build({ samples, stacks, weight }: Columns, damage: Damage|null): Profile {
+  #build({ samples, stacks, weight }: Columns, damage: Damage|null): Profile {
     const byKey = new Map(this.processes.map((row) => [row.key, row]));
-    const threads = this.samples.threads.map((thread) => this.thread(byKey, thread.process, thread.tid));
+    const threads = this.samples.threads.map((thread) => this.#thread(byKey, thread.process, thread.tid));
     return {
       kind: 'profile',
       name: this.name,
       processes: this.processes.map(({ pid, tid, name }) => ({ pid, tid, name: shownName(name) })),
       threads,
       files: this.files.map((file) => shownName(file.name)),
-      places: this.places(byKey, stacks.places),
+      places: this.#places(byKey, stacks.places),
       samples,
       stacks,
       weight,
@@ -77,7 +77,7 @@ export class ProfileBuilder {
     };
   }
 
-  private thread(byKey: ReadonlyMap<number, ProcessRow>, key: number, tid: number): Thread {
+  #thread(byKey: ReadonlyMap<number, ProcessRow>, key: number, tid: number): Thread {
     const row = byKey.get(key);
     if (!row) return { process: -1, pid: 0, tid, name: `key ${key}` };
     const own =
@@ -89,7 +89,7 @@ export class ProfileBuilder {
    * Returns all places, and replaces each key in `references` by its place. Places have the same number in
    * every picture of a document, so that one which was chosen stays chosen.
    */
-  private places(byKey: ReadonlyMap<number, ProcessRow>, references: Uint32Array): Places {
+  #places(byKey: ReadonlyMap<number, ProcessRow>, references: Uint32Array): Places {
     const table = new PlaceTable();
     table.add(cutKey, 'cut off here: the callers are unknown', PlaceKind.Cut);
     const kernels = new Set<number>();
@@ -100,14 +100,14 @@ export class ProfileBuilder {
       const kind = synthetic ? PlaceKind.Synthetic : kernel ? PlaceKind.Kernel : PlaceKind.Unresolved;
       table.addLibrary(row.key, shownName(row.name), kind);
     }
-    const lines = this.lines();
+    const lines = this.#lines();
     const processOf = new Map(this.libraries.map((row) => [row.key, byKey.get(row.process)]));
     for (const row of this.functions) {
       const synthetic = syntheticName.exec(row.name);
       const line = lines.get(row.key);
       if (synthetic) {
         const pid = processOf.get(row.libraries.find((key) => !kernels.has(key)) ?? -1)?.pid;
-        const start = pid === undefined ? row.start : this.original(pid, row.start);
+        const start = pid === undefined ? row.start : this.#original(pid, row.start);
         const { high, low } = toAddress(start);
         const name = start === row.start ? row.name : `{${synthetic[1]}-${hexadecimal(high, low)}}`;
         table.add(row.key, shownName(name), PlaceKind.Synthetic, undefined, line);
@@ -121,7 +121,7 @@ export class ProfileBuilder {
     return table.columns();
   }
 
-  private lines(): Map<number, FileLine> {
+  #lines(): Map<number, FileLine> {
     const lines = new Map<number, FileLine>();
     this.files.forEach((file, index) => {
       for (const [key, line] of file.lines) lines.set(key, { file: index, line });
@@ -129,7 +129,7 @@ export class ProfileBuilder {
     return lines;
   }
 
-  private original(pid: number, address: Address): Address {
+  #original(pid: number, address: Address): Address {
     if (!this.layout) return address;
     const { high, low } = toAddress(address);
     return this.layout.original(pid, toBigInt(high, low));
@@ -143,16 +143,16 @@ interface FileLine {
 
 /** Numbers functions and libraries in one row. */
 class PlaceTable {
-  private readonly names: string[] = [];
-  private readonly kinds: number[] = [];
-  private readonly libraries: number[] = [];
-  private readonly lines: (FileLine|undefined)[] = [];
-  private readonly byKey = new Map<number, number>();
-  private readonly byName = new Map<string, number>();
+  readonly #names: string[] = [];
+  readonly #kinds: number[] = [];
+  readonly #libraries: number[] = [];
+  readonly #lines: (FileLine|undefined)[] = [];
+  readonly #byKey = new Map<number, number>();
+  readonly #byName = new Map<string, number>();
 
   /** Returns the place of a key; one that the document says nothing about becomes a place of its own. */
   place(key: number): number {
-    return this.byKey.get(key) ?? this.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
+    return this.#byKey.get(key) ?? this.add(key, key === 0 ? 'unknown' : `key ${key}`, PlaceKind.Unresolved);
   }
 
   add(
@@ -162,33 +162,33 @@ class PlaceTable {
       library = -1,
       line?: FileLine,
       ): number {
-    const place = this.names.push(name) - 1;
-    this.kinds.push(kind);
-    this.libraries.push(this.byKey.get(library) ?? place);
-    this.lines.push(line);
-    this.byKey.set(key, place);
+    const place = this.#names.push(name) - 1;
+    this.#kinds.push(kind);
+    this.#libraries.push(this.#byKey.get(library) ?? place);
+    this.#lines.push(line);
+    this.#byKey.set(key, place);
     return place;
   }
 
   /** A file that several processes map has a row for each in the document; here it is one place. */
   addLibrary(key: number, name: string, kind: PlaceKind): void {
-    const known = this.byName.get(name);
+    const known = this.#byName.get(name);
     if (known !== undefined) {
-      this.byKey.set(key, known);
+      this.#byKey.set(key, known);
       return;
     }
-    this.byName.set(name, this.names.length);
+    this.#byName.set(name, this.#names.length);
     this.add(key, name, kind);
   }
 
   columns(): Places {
     return {
-      count: this.names.length,
-      names: this.names,
-      kinds: Uint8Array.from(this.kinds),
-      libraries: Uint32Array.from(this.libraries),
-      files: Int32Array.from(this.lines, (line) => line?.file ?? -1),
-      lines: Uint32Array.from(this.lines, (line) => line?.line ?? 0),
+      count: this.#names.length,
+      names: this.#names,
+      kinds: Uint8Array.from(this.#kinds),
+      libraries: Uint32Array.from(this.#libraries),
+      files: Int32Array.from(this.#lines, (line) => line?.file ?? -1),
+      lines: Uint32Array.from(this.#lines, (line) => line?.line ?? 0),
     };
   }
 }

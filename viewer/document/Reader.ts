@@ -28,13 +28,13 @@ export class Reader {
   /** Number of bytes in the window. */
   end = 0;
   /** Offset of the window in the document. */
-  private base = 0;
-  private ended = false;
+  #base = 0;
+  #ended = false;
 
   constructor(private readonly supply: Supply) {}
 
   /** Offset of the next byte in the document. */
-  get offset(): number { return this.base + this.pos; }
+  get offset(): number { return this.#base + this.pos; }
 
   /** Returns what `parse` returns, with as many bytes as it takes. */
   async unit<A extends unknown[], T>(parse: (reader: Reader, ...more: A) => T, ...more: A): Promise<T> {
@@ -45,7 +45,7 @@ export class Reader {
       } catch (error) {
         if (error !== needMore) throw error;
         this.pos = start;
-        await this.refill();
+        await this.#refill();
       }
     }
   }
@@ -61,21 +61,21 @@ export class Reader {
       } catch (error) {
         if (error !== needMore) throw error;
         this.pos = start;
-        await this.refill();
+        await this.#refill();
       }
     }
   }
 
   /** To be called at the end of the window: asks for more, or fails at the end of the document. */
   runOut(): never {
-    if (this.ended) throw new DocumentError(this.base + this.end, 'the document is cut off');
+    if (this.#ended) throw new DocumentError(this.#base + this.end, 'the document is cut off');
     throw needMore;
   }
 
   fail(reason: string): never { throw new DocumentError(this.offset, reason); }
 
   /** Moves the window so that it starts at `pos` and holds at least twice the bytes that were not enough. */
-  private async refill(): Promise<void> {
+  async #refill(): Promise<void> {
     const kept = this.end - this.pos;
     let window = this.bytes;
     if (window.length < 2 * kept + leastWindow) {
@@ -88,11 +88,11 @@ export class Reader {
       const piece = await this.supply(window.subarray(size, -padding));
       window = new Uint8Array(piece.buffer);
       size += piece.length;
-      this.ended = piece.length === 0;
-    } while (!this.ended && size < 2 * kept);
+      this.#ended = piece.length === 0;
+    } while (!this.#ended && size < 2 * kept);
     window.fill(0, size, size + padding);
     this.bytes = window;
-    this.base += this.pos;
+    this.#base += this.pos;
     this.pos = 0;
     this.end = size;
   }

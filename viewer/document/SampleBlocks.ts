@@ -9,10 +9,10 @@ const nanosecondsPerSecond = 1e9;
 
 /** Reads the samples of a packed document, docs/documents-in-the-page.md: blocks of columns. */
 export class SampleBlocks {
-  private readonly threads: ThreadKey[] = [];
-  private readonly sites = new NodeTable();
-  private readonly traces = new NodeTable();
-  private time = 0;
+  readonly #threads: ThreadKey[] = [];
+  readonly #sites = new NodeTable();
+  readonly #traces = new NodeTable();
+  #time = 0;
 
   constructor(
       private readonly reader: Reader,
@@ -26,26 +26,26 @@ export class SampleBlocks {
     const start = reader.pos;
     const value = readValue(reader);
     const another = anotherElement(reader);
-    this.take(new Row(reader, start, 'blocks', value));
+    this.#take(new Row(reader, start, 'blocks', value));
     return another;
   }
 
-  private take(row: Row): void {
+  #take(row: Row): void {
     const [threads, sites, traces, steps, ...columns] = row.values.map((value) => row.list(value));
     if (columns.length !== 4 || columns.some((column) => column.length !== steps.length)) row.fail();
     for (let i = 0; i < threads.length; i += 2)
-      this.threads.push({ process: row.whole(threads[i]), tid: row.whole(threads[i + 1]) });
-    this.takeNodes(row, sites, this.sites);
-    this.takeNodes(row, traces, this.traces);
+      this.#threads.push({ process: row.whole(threads[i]), tid: row.whole(threads[i + 1]) });
+    this.#takeNodes(row, sites, this.#sites);
+    this.#takeNodes(row, traces, this.#traces);
     for (let i = 0; i < steps.length; ++i) {
-      this.time += row.number(steps[i]);
+      this.#time += row.number(steps[i]);
       const [core, thread, site, trace] = columns.map((column) => row.whole(column[i]));
-      this.add(row, core, thread, site, trace);
+      this.#add(row, core, thread, site, trace);
     }
   }
 
   /** Reads pairs: the distance to the parent's number, and the label. */
-  private takeNodes(row: Row, pairs: readonly Value[], table: NodeTable): void {
+  #takeNodes(row: Row, pairs: readonly Value[], table: NodeTable): void {
     for (let i = 0; i < pairs.length; i += 2) {
       const back = row.whole(pairs[i]);
       if (back === 0 || back > table.count) row.fail();
@@ -53,9 +53,11 @@ export class SampleBlocks {
     }
   }
 
-  private add(row: Row, core: number, thread: number, site: number, trace: number): void {
-    const { sites, traces, samples } = this;
-    if (core > 0xffff || thread >= this.threads.length || site >= sites.count || trace >= traces.count)
+  #add(row: Row, core: number, thread: number, site: number, trace: number): void {
+    const { samples } = this;
+    const sites = this.#sites;
+    const traces = this.#traces;
+    if (core > 0xffff || thread >= this.#threads.length || site >= sites.count || trace >= traces.count)
       row.fail();
     const key = sites.keys[sites.parents[site]];
     let depth = 0;
@@ -66,10 +68,10 @@ export class SampleBlocks {
       if (traces.keys[node] === cutKey) row.fail();
       samples.pushFrame(depth++, traces.keys[node]);
     }
-    const { process, tid } = this.threads[thread];
+    const { process, tid } = this.#threads[thread];
     const entries = traces.keys[node] >>> 1;
     const own = (traces.keys[node] & 1) === 1 && depth > 0;
-    const seconds = this.time / nanosecondsPerSecond;
+    const seconds = this.#time / nanosecondsPerSecond;
     samples.add(key, seconds, core, process, tid, depth, entries, own);
   }
 }

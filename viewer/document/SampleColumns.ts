@@ -25,18 +25,18 @@ export class SampleColumns {
   /** Keys of the back-trace of the sample that is being read, innermost first. */
   frames = zeros(64);
 
-  private times = new Float64Array(1 << 12);
-  private cores = new Uint16Array(1 << 12);
-  private sampleThreads = zeros(1 << 12);
-  private nodes = zeros(1 << 12);
-  private stacks = new StackTable();
-  private readonly threadIndex = new Map<number, Map<number, number>>();
+  #times = new Float64Array(1 << 12);
+  #cores = new Uint16Array(1 << 12);
+  #sampleThreads = zeros(1 << 12);
+  #nodes = zeros(1 << 12);
+  #stacks = new StackTable();
+  readonly #threadIndex = new Map<number, Map<number, number>>();
   /** The latest thread; most samples have the thread of one before them. */
-  private readonly recent = zeros(256).fill(cutKey);
-  private depth: number;
-  private cutNode = 0;
+  readonly #recent = zeros(256).fill(cutKey);
+  #depth: number;
+  #cutNode = 0;
 
-  constructor(depth: number|null) { this.depth = depth ?? usualDepth; }
+  constructor(depth: number|null) { this.#depth = depth ?? usualDepth; }
 
   pushFrame(at: number, key: number): void {
     if (at === this.frames.length) this.frames = grown(this.frames, 2 * at);
@@ -57,21 +57,21 @@ export class SampleColumns {
       entries: number,
       own: boolean,
       ): void {
-    const root = entries >= this.depth ? this.cutRoot(entries) : 0;
+    const root = entries >= this.#depth ? this.#cutRoot(entries) : 0;
     let frameCount = depth;
     if (!own) {
       this.pushFrame(frameCount++, 0);
       this.frames.copyWithin(1, 0, depth);
     }
     this.frames[0] = key;
-    const node = this.stacks.stack(root, this.frames, frameCount);
+    const node = this.#stacks.stack(root, this.frames, frameCount);
 
     const at = this.count;
-    if (at === this.times.length) this.grow(2 * at);
-    this.times[at] = time;
-    this.cores[at] = core;
-    this.sampleThreads[at] = this.thread(process, tid);
-    this.nodes[at] = node;
+    if (at === this.#times.length) this.#grow(2 * at);
+    this.#times[at] = time;
+    this.#cores[at] = core;
+    this.#sampleThreads[at] = this.#thread(process, tid);
+    this.#nodes[at] = node;
     this.count = at + 1;
   }
 
@@ -84,34 +84,34 @@ export class SampleColumns {
       for (let i = 0; i < count; ++i) picked[i] = column[i * step];
       return picked;
     };
-    const samples = this.columns(count, pick);
+    const samples = this.#columns(count, pick);
     const nodes = samples.stacks;
-    const { kept, position } = this.nodesAbove(nodes);
-    const parents = kept.map((node) => position[this.stacks.parents[node]]);
-    const keys = kept.map((node) => this.stacks.keys[node]);
-    return this.ordered(step, parents, keys, {...samples, stacks: nodes.map((node) => position[node]) });
+    const { kept, position } = this.#nodesAbove(nodes);
+    const parents = kept.map((node) => position[this.#stacks.parents[node]]);
+    const keys = kept.map((node) => this.#stacks.keys[node]);
+    return this.#ordered(step, parents, keys, {...samples, stacks: nodes.map((node) => position[node]) });
   }
 
   /** Returns all columns, and releases what only the reading needs. */
   finish(): Columns {
-    const { parents, keys } = this.stacks.release();
+    const { parents, keys } = this.#stacks.release();
     const { count } = this;
     const filled = <T extends Column>(column: T) => column.subarray(0, count) as T;
-    return this.ordered(1, parents, keys, this.columns(count, filled));
+    return this.#ordered(1, parents, keys, this.#columns(count, filled));
   }
 
   /** Returns what `take` makes of each column. */
-  private columns(count: number, take: <T extends Column>(column: T) => T): Samples {
+  #columns(count: number, take: <T extends Column>(column: T) => T): Samples {
     return {
       count,
-      times: take(this.times),
-      cores: take(this.cores),
-      threads: take(this.sampleThreads),
-      stacks: take(this.nodes)
+      times: take(this.#times),
+      cores: take(this.#cores),
+      threads: take(this.#sampleThreads),
+      stacks: take(this.#nodes)
     };
   }
 
-  private ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
+  #ordered(weight: number, parents: Uint32Array, keys: Uint32Array, samples: Samples): Columns {
     const order = timeOrder(samples.times);
     if (order) {
       for (const column of [samples.times, samples.cores, samples.threads, samples.stacks]) {
@@ -125,8 +125,8 @@ export class SampleColumns {
   /**
    * Returns the nodes and all their ancestors, ascending, and for each node its position among them.
    */
-  private nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
-    const { stacks } = this;
+  #nodesAbove(nodes: Uint32Array): { kept: Uint32Array; position: Uint32Array } {
+    const stacks = this.#stacks;
     const position = zeros(stacks.count);
     let count = 1;
     for (let node of nodes) {
@@ -147,51 +147,52 @@ export class SampleColumns {
   /**
    * Returns the root of back-traces with `entries` entries, which is as many as the document keeps, or more.
    */
-  private cutRoot(entries: number): number {
-    if (entries > this.depth) {
+  #cutRoot(entries: number): number {
+    if (entries > this.#depth) {
       // The document's depth is larger than known, so cut back-traces cannot be recognised.
-      this.depth = Infinity;
-      if (this.cutNode !== 0) this.uncut();
+      this.#depth = Infinity;
+      if (this.#cutNode !== 0) this.#uncut();
       return 0;
     }
-    if (this.cutNode === 0) this.cutNode = this.stacks.child(0, cutKey);
-    return this.cutNode;
+    if (this.#cutNode === 0) this.#cutNode = this.#stacks.child(0, cutKey);
+    return this.#cutNode;
   }
 
   /** Moves the nodes below the root of cut back-traces to the root. */
-  private uncut(): void {
-    const { stacks, cutNode } = this;
+  #uncut(): void {
+    const stacks = this.#stacks;
+    const cutNode = this.#cutNode;
     const merged = new StackTable();
     const moved = zeros(stacks.count);
     for (let node = 1; node < stacks.count; ++node) {
       if (node !== cutNode) moved[node] = merged.child(moved[stacks.parents[node]], stacks.keys[node]);
     }
-    for (let i = 0; i < this.count; ++i) this.nodes[i] = moved[this.nodes[i]];
-    this.stacks = merged;
-    this.cutNode = 0;
+    for (let i = 0; i < this.count; ++i) this.#nodes[i] = moved[this.#nodes[i]];
+    this.#stacks = merged;
+    this.#cutNode = 0;
   }
 
-  private thread(process: number, tid: number): number {
+  #thread(process: number, tid: number): number {
     const slot = (tid ^ (process << 4)) & 255;
-    const latest = this.recent[slot];
+    const latest = this.#recent[slot];
     if (latest !== cutKey && this.threads[latest].tid === tid && this.threads[latest].process === process) {
       return latest;
     }
-    let ofProcess = this.threadIndex.get(process);
-    if (!ofProcess) this.threadIndex.set(process, (ofProcess = new Map()));
+    let ofProcess = this.#threadIndex.get(process);
+    if (!ofProcess) this.#threadIndex.set(process, (ofProcess = new Map()));
     let index = ofProcess.get(tid);
     if (index === undefined) {
       index = this.threads.push({ process, tid }) - 1;
       ofProcess.set(tid, index);
     }
-    return (this.recent[slot] = index);
+    return (this.#recent[slot] = index);
   }
 
-  private grow(capacity: number): void {
-    this.times = grown(this.times, capacity);
-    this.cores = grown(this.cores, capacity);
-    this.sampleThreads = grown(this.sampleThreads, capacity);
-    this.nodes = grown(this.nodes, capacity);
+  #grow(capacity: number): void {
+    this.#times = grown(this.#times, capacity);
+    this.#cores = grown(this.#cores, capacity);
+    this.#sampleThreads = grown(this.#sampleThreads, capacity);
+    this.#nodes = grown(this.#nodes, capacity);
   }
 }
 

@@ -25,7 +25,7 @@ const mostDigits = lastAddressDigits.length;
  */
 export class SampleRows {
   /** Position of the fast loops. */
-  private at = 0;
+  #at = 0;
 
   constructor(
       private readonly reader: Reader,
@@ -33,64 +33,64 @@ export class SampleRows {
   ) {}
 
   /** Reads at least one row; returns whether another one follows. */
-  read(): boolean { return this.readPlainRows() > 0 || this.readAnyRow(); }
+  read(): boolean { return this.#readPlainRows() > 0 || this.#readAnyRow(); }
 
   /** Reads the rows that have the engine's form and are followed by another one; returns how many. */
-  private readPlainRows(): number {
+  #readPlainRows(): number {
     const { reader } = this;
     const { bytes } = reader;
     let rows = 0;
-    this.at = reader.pos;
-    while (this.readPlainRow(bytes)) {
-      reader.pos = this.at;
+    this.#at = reader.pos;
+    while (this.#readPlainRow(bytes)) {
+      reader.pos = this.#at;
       ++rows;
     }
     return rows;
   }
 
-  private readPlainRow(bytes: Uint8Array): boolean {
+  #readPlainRow(bytes: Uint8Array): boolean {
     const { samples } = this;
-    if (bytes[this.at++] !== Byte.OpenArray || this.whole(bytes) < 0) return false;
-    const addressStart = this.at;
-    if (!this.skipAddress(bytes)) return false;
-    this.at++;
-    const key = this.whole(bytes);
-    const time = this.decimal(bytes);
-    const core = this.whole(bytes);
-    const process = this.whole(bytes);
-    const tid = this.whole(bytes);
+    if (bytes[this.#at++] !== Byte.OpenArray || this.#whole(bytes) < 0) return false;
+    const addressStart = this.#at;
+    if (!this.#skipAddress(bytes)) return false;
+    this.#at++;
+    const key = this.#whole(bytes);
+    const time = this.#decimal(bytes);
+    const core = this.#whole(bytes);
+    const process = this.#whole(bytes);
+    const tid = this.#whole(bytes);
     if (key < 0 || time !== time || core < 0 || core > 0xffff || process < 0 || tid < 0) return false;
 
-    if (bytes[this.at++] !== Byte.OpenArray) return false;
+    if (bytes[this.#at++] !== Byte.OpenArray) return false;
     let entries = 0;
     let depth = 0;
     let own = false;
-    while (bytes[this.at] === Byte.OpenArray) {
-      const start = ++this.at;
-      if (!this.skipAddress(bytes)) return false;
-      const end = this.at++;
-      const frame = this.lastWhole(bytes);
+    while (bytes[this.#at] === Byte.OpenArray) {
+      const start = ++this.#at;
+      if (!this.#skipAddress(bytes)) return false;
+      const end = this.#at++;
+      const frame = this.#lastWhole(bytes);
       if (frame < 0) return false;
       ++entries;
       if (!isMarker(bytes, start, end)) {
         if (depth === 0) own = sameDigits(bytes, start, addressStart, end - start + 1);
         samples.pushFrame(depth++, frame);
       }
-      if (bytes[this.at] === Byte.Comma)
-        this.at++;
-      else if (bytes[this.at] !== Byte.CloseArray)
+      if (bytes[this.#at] === Byte.Comma)
+        this.#at++;
+      else if (bytes[this.#at] !== Byte.CloseArray)
         return false;
     }
-    if (bytes[this.at++] !== Byte.CloseArray) return false;
-    if (bytes[this.at] === Byte.Comma) this.at++;
-    if (bytes[this.at++] !== Byte.CloseArray || bytes[this.at++] !== Byte.Comma) return false;
-    if (bytes[this.at] !== Byte.OpenArray) return false;
+    if (bytes[this.#at++] !== Byte.CloseArray) return false;
+    if (bytes[this.#at] === Byte.Comma) this.#at++;
+    if (bytes[this.#at++] !== Byte.CloseArray || bytes[this.#at++] !== Byte.Comma) return false;
+    if (bytes[this.#at] !== Byte.OpenArray) return false;
     samples.add(key, time, core, process, tid, depth, entries, own);
     return true;
   }
 
   /** Reads a row of any form. */
-  private readAnyRow(): boolean {
+  #readAnyRow(): boolean {
     const { reader, samples } = this;
     peek(reader);
     const start = reader.pos;
@@ -120,35 +120,35 @@ export class SampleRows {
   }
 
   /** Reads an integer of 32 bits and the comma after it; returns -1 for anything else. */
-  private whole(bytes: Uint8Array): number {
-    const value = this.digits(bytes);
-    return bytes[this.at++] === Byte.Comma ? value : -1;
+  #whole(bytes: Uint8Array): number {
+    const value = this.#digits(bytes);
+    return bytes[this.#at++] === Byte.Comma ? value : -1;
   }
 
   /** Reads the last whole number of an array and its closing bracket, or returns -1. */
-  private lastWhole(bytes: Uint8Array): number {
-    const value = this.digits(bytes);
-    if (bytes[this.at] === Byte.Comma) this.at++;
-    return bytes[this.at++] === Byte.CloseArray ? value : -1;
+  #lastWhole(bytes: Uint8Array): number {
+    const value = this.#digits(bytes);
+    if (bytes[this.#at] === Byte.Comma) this.#at++;
+    return bytes[this.#at++] === Byte.CloseArray ? value : -1;
   }
 
-  private digits(bytes: Uint8Array): number {
-    const start = this.at;
+  #digits(bytes: Uint8Array): number {
+    const start = this.#at;
     let i = start;
     let value = 0;
     for (let digit; (digit = bytes[i] - Byte.Zero) >= 0 && digit <= 9; ++i) value = value * 10 + digit;
-    this.at = i;
+    this.#at = i;
     const size = i - start;
     if (size === 0 || size > 10 || (size > 1 && bytes[start] === Byte.Zero) || value >= cutKey) return -1;
     return value;
   }
 
   /** Passes over the digits of an address; they must be followed by a comma. */
-  private skipAddress(bytes: Uint8Array): boolean {
-    const start = this.at;
+  #skipAddress(bytes: Uint8Array): boolean {
+    const start = this.#at;
     let i = start;
     while (bytes[i] >= Byte.Zero && bytes[i] <= Byte.Nine) ++i;
-    this.at = i;
+    this.#at = i;
     const size = i - start;
     if (size === 0 || size > mostDigits || bytes[i] !== Byte.Comma) return false;
     if (size === mostDigits && compareDigits(bytes, start, lastAddressDigits) > 0) return false;
@@ -159,8 +159,8 @@ export class SampleRows {
    * Reads a number with up to 15 digits on either side of the point, and its comma; returns NaN for anything
    * else.
    */
-  private decimal(bytes: Uint8Array): number {
-    let i = this.at;
+  #decimal(bytes: Uint8Array): number {
+    let i = this.#at;
     const negative = bytes[i] === Byte.Minus;
     if (negative) ++i;
     const start = i;
@@ -180,7 +180,7 @@ export class SampleRows {
       // may differ.
       value = size + decimals <= exactDigits ? (value * scale + fraction) / scale : value + fraction / scale;
     }
-    this.at = i + 1;
+    this.#at = i + 1;
     if (bytes[i] !== Byte.Comma) return NaN;
     return negative ? -value : value;
   }

@@ -4,18 +4,19 @@ import type {Stacks} from './profile';
 
 /** Frames of one place with the same callers share a node; node 0 is the root. */
 export class StackTable extends NodeTable {
-  private slots = zeros(1 << 13);
+  #slots = zeros(1 << 13);
   /**
    * Nodes of whole back-traces, by a hash of their keys: samples are taken in the same places again and
    * again, and a walk up the tree is cheaper than a search for each key.
    */
-  private recent = zeros(1 << 17);
+  #recent = zeros(1 << 17);
   /** Keys come from the document, so that a fixed hash could be fed collisions. */
-  private readonly seed = (Math.random() * 2 ** 32) | 1;
+  readonly #seed = (Math.random() * 2 ** 32) | 1;
 
   /** Returns the node of the first `depth` keys, innermost first, below `root`. */
   stack(root: number, innermostFirst: Uint32Array, depth: number): number {
-    const { parents, keys, recent } = this;
+    const { parents, keys } = this;
+    const recent = this.#recent;
     let hash = root;
     for (let i = 0; i < depth; ++i) hash = Math.imul(hash ^ innermostFirst[i], 0x9e3779b1) ^ (hash >>> 15);
     const slot = (hash ^ (hash >>> 16)) & (recent.length - 1);
@@ -30,9 +31,10 @@ export class StackTable extends NodeTable {
 
   /** Returns the node of `key` below `parent`. */
   child(parent: number, key: number): number {
-    const { slots, parents, keys } = this;
+    const { parents, keys } = this;
+    const slots = this.#slots;
     const mask = slots.length - 1;
-    let slot = this.hash(parent, key) & mask;
+    let slot = this.#hash(parent, key) & mask;
     let node: number;
     while ((node = slots[slot]) !== 0) {
       if (parents[node] === parent && keys[node] === key) return node;
@@ -41,32 +43,32 @@ export class StackTable extends NodeTable {
     node = this.count;
     this.add(parent, key);
     slots[slot] = node;
-    if (2 * this.count > slots.length) this.widen();
+    if (2 * this.count > slots.length) this.#widen();
     return node;
   }
 
-  private widen(): void {
-    const mask = 2 * this.slots.length - 1;
+  #widen(): void {
+    const mask = 2 * this.#slots.length - 1;
     // The old table is released before the new one is made: together they would be the peak of the memory.
-    this.slots = zeros(0);
+    this.#slots = zeros(0);
     const slots = zeros(mask + 1);
     for (let node = 1; node < this.count; ++node) {
-      let slot = this.hash(this.parents[node], this.keys[node]) & mask;
+      let slot = this.#hash(this.parents[node], this.keys[node]) & mask;
       while (slots[slot] !== 0) slot = (slot + 1) & mask;
       slots[slot] = node;
     }
-    this.slots = slots;
+    this.#slots = slots;
   }
 
-  private hash(parent: number, key: number): number {
-    const mixed = Math.imul(parent ^ this.seed, 0x9e3779b1) ^ Math.imul(key, 0x85ebca6b);
-    const spread = Math.imul(mixed ^ (mixed >>> 15), this.seed);
+  #hash(parent: number, key: number): number {
+    const mixed = Math.imul(parent ^ this.#seed, 0x9e3779b1) ^ Math.imul(key, 0x85ebca6b);
+    const spread = Math.imul(mixed ^ (mixed >>> 15), this.#seed);
     return spread ^ (spread >>> 13);
   }
 
   /** Releases the table of look-ups and returns the nodes' parents and keys. */
   release(): { parents: Uint32Array; keys: Uint32Array } {
-    this.slots = zeros(0);
+    this.#slots = zeros(0);
     return { parents: this.parents.subarray(0, this.count), keys: this.keys.subarray(0, this.count) };
   }
 }

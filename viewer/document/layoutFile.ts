@@ -13,7 +13,7 @@ interface Mapping {
 const inProcess = (pid: number, address: bigint) => (BigInt(pid) << 64n) + address;
 
 export class LayoutFile {
-  private readonly starts: readonly bigint[];
+  readonly #starts: readonly bigint[];
 
   private constructor(
       /** How many entries of a back-trace the document keeps, or null if the file does not say. */
@@ -21,7 +21,7 @@ export class LayoutFile {
       /** Ascending. */
       private readonly mappings: readonly Mapping[],
   ) {
-    this.starts = mappings.map((mapping) => mapping.start);
+    this.#starts = mappings.map((mapping) => mapping.start);
   }
 
   /** Returns the contents of a layout file; fails on a text that is none. */
@@ -40,7 +40,7 @@ export class LayoutFile {
   /** Returns the device's address for one of the document. */
   original(pid: number, address: bigint): bigint {
     const at = inProcess(pid, address);
-    const mapping = this.mappings[countUntil(this.starts, at, true, 0, this.starts.length) - 1];
+    const mapping = this.mappings[countUntil(this.#starts, at, true, 0, this.#starts.length) - 1];
     return mapping && at < mapping.end ? address + mapping.moved : address;
   }
 }

@@ -10,15 +10,15 @@ import {TimechartBuilder} from './TimechartBuilder';
 
 /** A document that is being read: either kind, known from its first label. */
 export class DocumentReading {
-  private builder: ProfileBuilder|TimechartBuilder|null = null;
-  private readonly reader: Reader;
+  #builder: ProfileBuilder|TimechartBuilder|null = null;
+  readonly #reader: Reader;
 
   constructor(
       private readonly name: string,
       supply: Supply,
       private readonly layout: LayoutFile|null = null,
   ) {
-    this.reader = new Reader(supply);
+    this.#reader = new Reader(supply);
   }
 
   /**
@@ -28,13 +28,13 @@ export class DocumentReading {
   async read(): Promise<ZelDocument> {
     let damage: Damage|null = null;
     try {
-      await this.readKnown();
+      await this.#readKnown();
     } catch (error) {
       if (!(error instanceof DocumentError)) throw error;
-      if (!this.builder) throw new Error(`${this.name}: ${error.message} at byte ${error.offset}`);
+      if (!this.#builder) throw new Error(`${this.name}: ${error.message} at byte ${error.offset}`);
       damage = { offset: error.offset, reason: error.message };
     }
-    return this.builder!.finish(damage);
+    return this.#builder!.finish(damage);
   }
 
   /**
@@ -42,14 +42,14 @@ export class DocumentReading {
    * the profile read so far, or the entries of a timechart that came since the last call. What read()
    * returns of a timechart then lacks those.
    */
-  picture(): ZelDocument|null { return this.builder?.picture() ?? null; }
+  picture(): ZelDocument|null { return this.#builder?.picture() ?? null; }
 
-  private async readKnown(): Promise<void> {
-    const { reader } = this;
-    await this.refuseOthers();
+  async #readKnown(): Promise<void> {
+    const reader = this.#reader;
+    await this.#refuseOthers();
     await reader.unit(expect, Byte.OpenObject);
     if (await reader.unit(accept, Byte.CloseObject)) {
-      await readUnlabelledProfile(reader, this.profileBuilder());
+      await readUnlabelledProfile(reader, this.#profileBuilder());
       return;
     }
     const label = await reader.unit(() => {
@@ -60,25 +60,25 @@ export class DocumentReading {
     });
     if (label === 'entries') {
       const builder = new TimechartBuilder(this.name);
-      this.builder = builder;
+      this.#builder = builder;
       await readTimechart(reader, builder);
     } else if (label === 'Description') {
-      await readProfile(reader, this.profileBuilder());
+      await readProfile(reader, this.#profileBuilder());
     } else {
-      throw this.wrong(`its first label is "${label.slice(0, 40)}"`);
+      throw this.#wrong(`its first label is "${label.slice(0, 40)}"`);
     }
-    await this.expectEnd();
+    await this.#expectEnd();
   }
 
-  private profileBuilder(): ProfileBuilder {
+  #profileBuilder(): ProfileBuilder {
     const builder = new ProfileBuilder(this.name, this.layout);
-    this.builder = builder;
+    this.#builder = builder;
     return builder;
   }
 
   /** Fails with the right line for files that people take for documents. */
-  private async refuseOthers(): Promise<void> {
-    const { reader } = this;
+  async #refuseOthers(): Promise<void> {
+    const reader = this.#reader;
     const first = await reader.unit(peek);
     if (first === Byte.OpenObject) return;
     const head =
@@ -87,14 +87,14 @@ export class DocumentReading {
       throw new Error(`${this.name}: a recording, not a document; zelkit convert makes one of it`);
     }
     if (first === Byte.OpenArray)
-      throw this.wrong('it starts with "[": a timechart without labels holds no points');
-    throw this.wrong('it does not start with "{"');
+      throw this.#wrong('it starts with "[": a timechart without labels holds no points');
+    throw this.#wrong('it does not start with "{"');
   }
 
-  private wrong(why: string): Error { return new Error(`${this.name}: no document of zelconv: ${why}`); }
+  #wrong(why: string): Error { return new Error(`${this.name}: no document of zelconv: ${why}`); }
 
-  private async expectEnd(): Promise<void> {
-    const { reader } = this;
+  async #expectEnd(): Promise<void> {
+    const reader = this.#reader;
     let more = true;
     try {
       await reader.unit(peek);

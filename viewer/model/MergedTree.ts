@@ -29,7 +29,7 @@ export class MergedTree implements Tree {
   readonly childEnd: number[] = [];
   readonly children: number[] = [];
   /** What each node stands for; null once it has its children. */
-  private readonly entries: (Entries|null)[] = [];
+  readonly #entries: (Entries|null)[] = [];
 
   private constructor(
       private readonly selection: Selection,
@@ -37,7 +37,7 @@ export class MergedTree implements Tree {
       place: number,
       entries: Entries,
   ) {
-    this.addNode(0, place, entries);
+    this.#addNode(0, place, entries);
   }
 
   /** Returns the tree of what each place was called by, with the places that took the samples at its top. */
@@ -47,7 +47,7 @@ export class MergedTree implements Tree {
     for (let node = 1; node < selves.length; ++node)
       if (selves[node] > 0) tops.add(node, selves[node]);
     const tree = new MergedTree(selection, 'callers', 0, tops);
-    tree.addChildren(0, tops);
+    tree.#addChildren(0, tops);
     return tree;
   }
 
@@ -66,7 +66,7 @@ export class MergedTree implements Tree {
   }
 
   expand(node: number): void {
-    const entries = this.entries[node];
+    const entries = this.#entries[node];
     if (!entries) return;
     const next = new Entries();
     const { parents, totals, childStart, childEnd, children } = this.selection;
@@ -77,22 +77,22 @@ export class MergedTree implements Tree {
       } else if (parents[at] !== 0)
         next.add(parents[at], entries.amounts[index]);
     });
-    this.addChildren(node, next);
+    this.#addChildren(node, next);
   }
 
   /** Adds the children of a node, one for each place of the entries, the heaviest first. */
-  private addChildren(parent: number, { nodes, amounts }: Entries): void {
+  #addChildren(parent: number, { nodes, amounts }: Entries): void {
     const byPlace = new Map<number, Entries>();
     nodes.forEach(
         (node, i) => kept(byPlace, this.selection.places[node], () => new Entries()).add(node, amounts[i]));
-    this.entries[parent] = null;
+    this.#entries[parent] = null;
     this.childStart[parent] = this.places.length;
     for (const [place, entries] of [...byPlace].sort(([, a], [, b]) => b.total - a.total))
-      this.addNode(parent, place, entries);
+      this.#addNode(parent, place, entries);
     this.childEnd[parent] = this.places.length;
   }
 
-  private addNode(parent: number, place: number, entries: Entries): void {
+  #addNode(parent: number, place: number, entries: Entries): void {
     // New nodes have the highest numbers, so each one's index in `children` is its number.
     this.children.push(this.places.length);
     this.places.push(place);
@@ -100,6 +100,6 @@ export class MergedTree implements Tree {
     this.totals.push(entries.total);
     this.childStart.push(0);
     this.childEnd.push(0);
-    this.entries.push(entries);
+    this.#entries.push(entries);
   }
 }

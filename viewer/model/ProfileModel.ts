@@ -17,11 +17,11 @@ export class ProfileModel {
   /** Returns a mark for each place that the search is for, or null if there is no search. */
   readonly matches =
       latest((search: string) => (search === '' ? null : placesWithText(this.profile, search)));
-  private readonly nodesWithText = latest((search: string) => nodesWithText(this.profile, search));
-  private readonly untimed = latest(
+  readonly #nodesWithText = latest((search: string) => nodesWithText(this.profile, search));
+  readonly #untimed = latest(
       (cores: Filter['cores'], threads: Filter['threads'], text: string) =>
           new Selection(this.profile, {...everything, cores, threads, text }));
-  private readonly made = new Map<string, Grouping>();
+  readonly #made = new Map<string, Grouping>();
 
   constructor(readonly profile: Profile) {
     const { count } = profile.samples;
@@ -31,16 +31,16 @@ export class ProfileModel {
 
   /** Returns the selection of the filter without its brush, which stays the same while the brush moves. */
   selectionOfAllTime(filter: Filter): Selection {
-    return this.untimed(filter.cores, filter.threads, filter.text);
+    return this.#untimed(filter.cores, filter.threads, filter.text);
   }
 
   /** Returns one of `groupings` for this profile. */
-  grouping(id: string): Grouping { return kept(this.made, id, () => groupings[id].make(this.profile)); }
+  grouping(id: string): Grouping { return kept(this.#made, id, () => groupings[id].make(this.profile)); }
 
   /** Returns how many selected samples have a place that the search is for, or null if there is no search. */
   matchedSamples(filter: Filter, search: string): number|null {
     if (search === '') return null;
-    const marks = this.nodesWithText(search);
+    const marks = this.#nodesWithText(search);
     return this.selection(filter).selves.reduce((sum, samples, node) => sum + marks[node] * samples, 0);
   }
 }

@@ -15,7 +15,7 @@ export class Selection implements Tree {
   declare readonly children: Uint32Array;
   /** Number of samples. */
   declare readonly count: number;
-  private selfTimes: Uint32Array|null = null;
+  #selfTimes: Uint32Array|null = null;
 
   constructor(
       readonly profile: Profile,
@@ -32,7 +32,7 @@ export class Selection implements Tree {
       this.totals = stacks.totals;
     } else {
       this.totals = zeros(stacks.count);
-      this.countSamples(this.totals);
+      this.#countSamples(this.totals);
       sumUp(stacks, this.totals);
     }
     this.count = this.totals[0] ?? 0;
@@ -46,13 +46,13 @@ export class Selection implements Tree {
 
   /** Samples of each node that were taken in the node's own place. */
   get selves(): Uint32Array {
-    if (!this.selfTimes) {
+    if (!this.#selfTimes) {
       const { parents } = this;
       const selves = this.totals.slice();
       for (let node = selves.length - 1; node > 0; --node) selves[parents[node]] -= this.totals[node];
-      this.selfTimes = selves;
+      this.#selfTimes = selves;
     }
-    return this.selfTimes;
+    return this.#selfTimes;
   }
 
   /** Calls `visit` with the index of each selected sample. */
@@ -71,7 +71,7 @@ export class Selection implements Tree {
     }
   }
 
-  private countSamples(totals: Uint32Array): void {
+  #countSamples(totals: Uint32Array): void {
     const { filter } = this;
     const { stacks } = this.profile.samples;
     if (filter.cores || filter.threads || filter.text !== '') {

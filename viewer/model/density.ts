@@ -44,7 +44,7 @@ export function pixelBounds({samples: {times}}: Profile, {start, end}: Extent, p
 /** The samples of each of some rows: a span is counted without visiting all of them. */
 export class RowSamples {
   /** Ascending. */
-  private readonly columns: readonly Uint32Array[];
+  readonly #columns: readonly Uint32Array[];
 
   constructor(
       { samples, threads }: Profile,
@@ -62,12 +62,12 @@ export class RowSamples {
       if (core >= 0) columns[core][counts[core]++] = index;
       if (thread >= 0) columns[thread][counts[thread]++] = index;
     });
-    this.columns = columns.map((column, row) => column.subarray(0, counts[row]));
+    this.#columns = columns.map((column, row) => column.subarray(0, counts[row]));
   }
 
   /** Returns the samples of a row in each pixel; `bounds` are those of `pixelBounds`. */
   count(row: number, bounds: Uint32Array): Uint32Array {
-    const column = this.columns[row];
+    const column = this.#columns[row];
     const counts = zeros(bounds.length - 1);
     let from = firstFrom(column, bounds[0], 0);
     for (let x = 0; x < counts.length; ++x) {

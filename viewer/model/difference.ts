@@ -30,7 +30,7 @@ export class DifferenceTree implements Tree {
     this.baseline =
         Float64Array.from(gathered(baseline, union.baselineNodes, union.parents, count), (n) => n * scale);
     this.totals = Float64Array.from(this.current, (samples, node) => Math.max(samples, this.baseline[node]));
-    this.widen();
+    this.#widen();
     const { firstChild, children } = childrenByWeight(this.parents, this.totals);
     this.childStart = firstChild;
     this.childEnd = firstChild.subarray(1);
@@ -47,7 +47,7 @@ export class DifferenceTree implements Tree {
    * A parent must have room for all of its children, of which some are heavier in one profile and some in
    * the other.
    */
-  private widen(): void {
+  #widen(): void {
     const needed = new Float64Array(this.totals.length);
     for (let node = this.totals.length - 1; node >= 0; --node) {
       this.totals[node] = Math.max(this.totals[node], needed[node]);

@@ -30,23 +30,23 @@ export class Stretches {
   /** Infinite after the last stretch. */
   start = -Infinity;
   end = -Infinity;
-  private at: number;
+  #at: number;
 
   constructor(private readonly steps: Steps, from: number) {
-    this.at = Math.max(0, pointsUntil(steps.times, from) - 1);
+    this.#at = Math.max(0, pointsUntil(steps.times, from) - 1);
     this.next();
   }
 
   next(): void {
     const { times, values } = this.steps;
-    let i = this.at;
+    let i = this.#at;
     do {
       while (i < times.length && values[i] === 0) ++i;
       this.start = i < times.length ? times[i] : Infinity;
       while (i < times.length && values[i] !== 0) ++i;
       this.end = i < times.length ? times[i] : Infinity;
     } while (this.end === this.start && i < times.length);
-    this.at = i;
+    this.#at = i;
   }
 }
 
@@ -61,8 +61,8 @@ export interface Use {
  * end of the document, which callers pass as `close`.
  */
 export class Steps {
-  private known: Float64Array|null = null;
-  private knownLongest: number|null = null;
+  #known: Float64Array|null = null;
+  #knownLongest: number|null = null;
 
   /** `times` are seconds, ascending. */
   constructor(
@@ -98,7 +98,7 @@ export class Steps {
     const { times } = this;
     const pixel = (end - start) / shares.length;
     let index = pointsUntil(times, start);
-    let before = this.onUntil(index, Math.min(start, close));
+    let before = this.#onUntil(index, Math.min(start, close));
     for (let x = 0; x < shares.length; ++x) {
       const right = start + (x + 1) * pixel;
       // Most pixels have few points; a longer walk is replaced by a binary search.
@@ -108,7 +108,7 @@ export class Steps {
           break;
         }
       }
-      const until = this.onUntil(index, Math.min(right, close));
+      const until = this.#onUntil(index, Math.min(right, close));
       shares[x] = Math.max(0, until - before) / pixel;
       before = until;
     }
@@ -138,22 +138,22 @@ export class Steps {
 
   /** Length of the longest stretch; infinite if the last one has no end. */
   get longest(): number {
-    if (this.knownLongest === null) {
-      this.knownLongest = 0;
+    if (this.#knownLongest === null) {
+      this.#knownLongest = 0;
       for (const on = new Stretches(this, -Infinity); on.start < Infinity; on.next())
-        this.knownLongest = Math.max(this.knownLongest, on.end - on.start);
+        this.#knownLongest = Math.max(this.#knownLongest, on.end - on.start);
     }
-    return this.knownLongest;
+    return this.#knownLongest;
   }
 
   /**
    * The on-time before each point, which makes the share of a pixel two look-ups. Most series of a long
    * recording are never looked at, hence not at once.
    */
-  private get sums(): Float64Array {
-    if (this.known) return this.known;
+  get #sums(): Float64Array {
+    if (this.#known) return this.#known;
     const { times, values } = this;
-    const sums = (this.known = new Float64Array(times.length));
+    const sums = (this.#known = new Float64Array(times.length));
     for (let i = 1; i < times.length; ++i) {
       sums[i] = sums[i - 1] + (values[i - 1] !== 0 ? times[i] - times[i - 1] : 0);
     }
@@ -161,9 +161,9 @@ export class Steps {
   }
 
   /** The on-time before `time`, which `count` points are at or before. */
-  private onUntil(count: number, time: number): number {
+  #onUntil(count: number, time: number): number {
     if (count === 0) return 0;
     const since = time - this.times[count - 1];
-    return this.sums[count - 1] + (this.values[count - 1] !== 0 && since > 0 ? since : 0);
+    return this.#sums[count - 1] + (this.values[count - 1] !== 0 && since > 0 ? since : 0);
   }
 }

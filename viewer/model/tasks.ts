@@ -19,8 +19,8 @@ export interface WaitBefore extends Waits {
 
 /** The tracks of all tasks, found by task or by core. */
 export class Tasks {
-  private readonly ofTask = new Map<number, Track[]>();
-  private readonly onCore = new Map<number, Track[]>();
+  readonly #ofTask = new Map<number, Track[]>();
+  readonly #onCore = new Map<number, Track[]>();
 
   /** `close` is the end of the document's time, where stretches without a last point end. */
   constructor(
@@ -29,20 +29,20 @@ export class Tasks {
   ) {
     for (const track of tracks) {
       if (!track.entry.id.startsWith('proc-')) continue;
-      kept(this.ofTask, track.subject, () => []).push(track);
-      if (track.role === 'running') kept(this.onCore, track.cpu, () => []).push(track);
+      kept(this.#ofTask, track.subject, () => []).push(track);
+      if (track.role === 'running') kept(this.#onCore, track.cpu, () => []).push(track);
     }
   }
 
   /** Returns what ran on the core at `time`, or null. */
-  runOnCore(cpu: number, time: number): Run|null { return this.runOf(this.onCore.get(cpu) ?? [], time); }
+  runOnCore(cpu: number, time: number): Run|null { return this.#runOf(this.#onCore.get(cpu) ?? [], time); }
 
   /**
    * Calls `visit` for the part within [start, end) of each run on the core, task by task, if it takes `least`
    * seconds or more.
    */
   forEachRunOnCore(cpu: number, start: number, end: number, least: number, visit: (run: Run) => void): void {
-    for (const track of this.onCore.get(cpu) ?? []) {
+    for (const track of this.#onCore.get(cpu) ?? []) {
       // Seen from afar, no run of most tasks is long enough, and their many points need no look.
       if (track.steps.longest < least) continue;
       const runs = new Stretches(track.steps, start);
@@ -54,14 +54,14 @@ export class Tasks {
   }
 
   /** Returns the run of the task that covers `time`, or null. */
-  runAt(task: number, time: number): Run|null { return this.runOf(this.running(task), time); }
+  runAt(task: number, time: number): Run|null { return this.#runOf(this.#running(task), time); }
 
   /**
    * Returns the task's first run that starts after `time`, or the last one that starts before it, or null.
    */
   runBeside(task: number, time: number, direction: Direction): Run|null {
     let best: Run|null = null;
-    for (const track of this.running(task)) {
+    for (const track of this.#running(task)) {
       const slice = track.steps.sliceBeside(time, direction, this.close);
       if (slice && (!best || (best.start - slice.start) * direction > 0)) best = asRun(track, slice);
     }
@@ -76,17 +76,17 @@ export class Tasks {
     const before = this.runBeside(run.task, run.start, -1);
     if (!before) return null;
     const waited = {...noWaits };
-    for (const { role, steps } of this.ofTask.get(run.task) ?? []) {
+    for (const { role, steps } of this.#ofTask.get(run.task) ?? []) {
       if (isWait(role)) waited[role] += steps.use(before.end, run.start).seconds;
     }
     return { total: Math.max(0, run.start - before.end), ...waited };
   }
 
-  private running(task: number): Track[] {
-    return (this.ofTask.get(task) ?? []).filter((track) => track.role === 'running');
+  #running(task: number): Track[] {
+    return (this.#ofTask.get(task) ?? []).filter((track) => track.role === 'running');
   }
 
-  private runOf(tracks: readonly Track[], time: number): Run|null {
+  #runOf(tracks: readonly Track[], time: number): Run|null {
     for (const track of tracks) {
       const slice = track.steps.sliceAt(time, this.close);
       if (slice) return asRun(track, slice);

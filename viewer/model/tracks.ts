@@ -49,7 +49,7 @@ export class Track {
   /** The core of a core's own series, of a task's running time or of an interrupt; else -1. */
   declare readonly cpu: number;
 
-  private knownPeak: number|null = null;
+  #knownPeak: number|null = null;
 
   constructor(readonly entry: Entry) {
     this.shape = entry.type === 'binary' ? 'state' : entry.type === 'bar' ? 'level' : 'marks';
@@ -68,8 +68,8 @@ export class Track {
 
   /** The greatest value. */
   get peak(): number {
-    this.knownPeak ??= this.entry.values.reduce((most, value) => Math.max(most, value), 0);
-    return this.knownPeak;
+    this.#knownPeak ??= this.entry.values.reduce((most, value) => Math.max(most, value), 0);
+    return this.#knownPeak;
   }
 
   get isCounter(): boolean { return this.role === 'counter'; }

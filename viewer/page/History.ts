@@ -7,34 +7,34 @@ const mostSteps = 100;
 
 /** The selections that were made before the present one. */
 export class History {
-  private readonly steps: Selection[] = [];
-  private present: Selection;
+  readonly #steps: Selection[] = [];
+  #present: Selection;
   /** Counts presses of keys and pointer: what one press changes, such as a whole drag, is one step. */
-  private presses = 0;
-  private noted = -1;
+  #presses = 0;
+  #noted = -1;
 
   constructor(private readonly store: Store) {
-    this.present = selectionOf(store.state);
-    for (const press of ['pointerdown', 'keydown']) addEventListener(press, () => ++this.presses, true);
-    store.onCommit((state) => this.note(selectionOf(state)));
+    this.#present = selectionOf(store.state);
+    for (const press of ['pointerdown', 'keydown']) addEventListener(press, () => ++this.#presses, true);
+    store.onCommit((state) => this.#note(selectionOf(state)));
   }
 
   /** Brings the selection before the present one back; returns whether there was one. */
   undo(): boolean {
-    const before = this.steps.pop();
+    const before = this.#steps.pop();
     if (!before) return false;
-    this.present = before;
-    this.noted = -1;
+    this.#present = before;
+    this.#noted = -1;
     this.store.set(before);
     return true;
   }
 
-  private note(selection: Selection): void {
-    if (selection.filter === this.present.filter) return;
-    if (this.presses !== this.noted) this.steps.push(this.present);
-    if (this.steps.length > mostSteps) this.steps.shift();
-    this.noted = this.presses;
-    this.present = selection;
+  #note(selection: Selection): void {
+    if (selection.filter === this.#present.filter) return;
+    if (this.#presses !== this.#noted) this.#steps.push(this.#present);
+    if (this.#steps.length > mostSteps) this.#steps.shift();
+    this.#noted = this.#presses;
+    this.#present = selection;
   }
 }
 

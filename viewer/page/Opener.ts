@@ -6,42 +6,42 @@ import type {Reading, Store} from '../views/store';
 
 /** Reads documents in Workers and puts the results into the store. */
 export class Opener {
-  private readonly workers = new Map<number, Worker>();
-  private readonly url: string;
+  readonly #workers = new Map<number, Worker>();
+  readonly #url: string;
   /** What came of timecharts that are being read. */
-  private readonly parts = new Map<number, Timechart>();
-  private nextId = 1;
+  readonly #parts = new Map<number, Timechart>();
+  #nextId = 1;
   /** Kinds of the documents of readings, as far as they are known. */
-  private readonly kinds = new Map<number, ZelDocument['kind']>();
+  readonly #kinds = new Map<number, ZelDocument['kind']>();
   /** The reading of the state's profile. */
-  private latest = 0;
+  #latest = 0;
 
   /** `script` is what the Workers run. */
   constructor(
       private readonly store: Store,
       script: string,
   ) {
-    this.url = URL.createObjectURL(new Blob([script], { type: 'text/javascript' }));
+    this.#url = URL.createObjectURL(new Blob([script], { type: 'text/javascript' }));
   }
 
   /** Opens what was dropped or chosen together; a `.layout.json` belongs to the document of that name. */
   openFiles(files: Iterable<File>): void {
-    this.openSources(Array.from(files, (file) => ({ name: file.name, file })));
+    this.#openSources(Array.from(files, (file) => ({ name: file.name, file })));
   }
 
   /** Opens the documents embedded in the page, see docs/viewer.md. */
   openEmbedded(page: Document): void {
     const slots = page.querySelectorAll<HTMLElement>('script[type="application/gzip;base64"]');
-    this.openSources(
+    this.#openSources(
         Array.from(
             slots, (slot) => ({ name: slot.dataset['name'] ?? 'document', base64: slot.textContent ?? '' })),
     );
   }
 
   /** Ends a reading; what was read by then is shown. */
-  cancel(id: number): void { this.post(id, { type: 'cancel' }); }
+  cancel(id: number): void { this.#post(id, { type: 'cancel' }); }
 
-  private openSources(sources: readonly Source[]): void {
+  #openSources(sources: readonly Source[]): void {
     const layouts = new Map(sources.map((source) => [source.name, source]));
     const taken = new Set<Source>();
     const documents = sources.map((source): [Source, Source|null] => {
@@ -51,60 +51,60 @@ export class Opener {
     });
     // A layout file without its document is opened like a document, and refused by the reader.
     for (const [source, layout] of documents)
-      if (!taken.has(source)) this.open(source, layout);
+      if (!taken.has(source)) this.#open(source, layout);
   }
 
-  private open(source: Source, layout: Source|null): void {
-    const id = this.nextId++;
-    const worker = new Worker(this.url);
-    this.workers.set(id, worker);
+  #open(source: Source, layout: Source|null): void {
+    const id = this.#nextId++;
+    const worker = new Worker(this.#url);
+    this.#workers.set(id, worker);
     const total = source.file?.size ?? source.base64?.length ?? 0;
     const reading: Reading = { id, name: source.name, bytes: 0, total, state: 'reading', message: '' };
     this.store.set({ readings: [...this.store.state.readings, reading] });
-    worker.onmessage = (event: MessageEvent<FromWorker>) => this.receive(id, event.data);
+    worker.onmessage = (event: MessageEvent<FromWorker>) => this.#receive(id, event.data);
     worker.onerror = (event) =>
-        this.receive(id, { type: 'failed', message: `${source.name}: ${event.message}` });
-    this.post(id, { type: 'open', source, layout });
+        this.#receive(id, { type: 'failed', message: `${source.name}: ${event.message}` });
+    this.#post(id, { type: 'open', source, layout });
   }
 
-  private post(id: number, message: ToWorker): void { this.workers.get(id)?.postMessage(message); }
+  #post(id: number, message: ToWorker): void { this.#workers.get(id)?.postMessage(message); }
 
-  private receive(id: number, message: FromWorker): void {
+  #receive(id: number, message: FromWorker): void {
     switch (message.type) {
       case 'progress':
-        this.update(id, { bytes: message.bytes, total: message.total });
-        if (message.picture) this.show(id, this.joined(id, message.picture));
+        this.#update(id, { bytes: message.bytes, total: message.total });
+        if (message.picture) this.#show(id, this.#joined(id, message.picture));
         return;
       case 'document': {
         const { document } = message;
         const { damage } = document;
-        this.update(id, {
+        this.#update(id, {
           state: damage ? 'damaged' : 'complete',
           message: damage ? `${document.name}: ${damage.reason} at byte ${damage.offset}` : '',
         });
-        this.show(id, this.joined(id, document));
+        this.#show(id, this.#joined(id, document));
         break;
       }
       case 'failed':
-        this.update(id, { state: 'failed', message: message.message });
+        this.#update(id, { state: 'failed', message: message.message });
         break;
     }
-    this.workers.get(id)?.terminate();
-    this.workers.delete(id);
-    this.parts.delete(id);
+    this.#workers.get(id)?.terminate();
+    this.#workers.delete(id);
+    this.#parts.delete(id);
   }
 
   /** Returns all that was read of a document: timecharts come in parts. */
-  private joined(id: number, document: ZelDocument): ZelDocument {
+  #joined(id: number, document: ZelDocument): ZelDocument {
     if (document.kind === 'profile') return document;
-    const before = this.parts.get(id);
+    const before = this.#parts.get(id);
     const entries = [...before?.entries ?? [], ...document.entries];
     const whole = {...document, entries, strings: [...before?.strings ?? [], ...document.strings] };
-    this.parts.set(id, whole);
+    this.#parts.set(id, whole);
     return whole;
   }
 
-  private update(id: number, change: Partial<Reading>): void {
+  #update(id: number, change: Partial<Reading>): void {
     const readings =
         this.store.state.readings.map((reading) => (reading.id === id ? {...reading, ...change } : reading));
     this.store.set({ readings });
@@ -114,10 +114,10 @@ export class Opener {
    * The latest timechart is shown, and the latest profile; the one before it is what it can be compared
    * with.
    */
-  private show(id: number, document: ZelDocument): void {
+  #show(id: number, document: ZelDocument): void {
     const { readings, timechart, profile, baseline } = this.store.state;
-    this.kinds.set(id, document.kind);
-    const alike = readings.filter((reading) => this.kinds.get(reading.id) === document.kind);
+    this.#kinds.set(id, document.kind);
+    const alike = readings.filter((reading) => this.#kinds.get(reading.id) === document.kind);
     const shown = alike.slice(document.kind === 'profile' ? -2 : -1);
     this.store.set({ readings: readings.filter((one) => !alike.includes(one) || shown.includes(one)) });
     if (!shown.some((reading) => reading.id === id)) return;
@@ -127,8 +127,8 @@ export class Opener {
       this.store.set({ baseline: new ProfileModel(document) });
     else {
       this.store.set(
-          { profile: new ProfileModel(document), baseline: this.latest === id ? baseline : profile });
-      this.latest = id;
+          { profile: new ProfileModel(document), baseline: this.#latest === id ? baseline : profile });
+      this.#latest = id;
     }
   }
 }

@@ -30,55 +30,55 @@ const tipGap = 14;
 
 /** The page's frame: opening, the zones of views, menus, keys and the status line. */
 export class Shell implements App {
-  private readonly mounted: readonly Mounted[];
-  private readonly openInput: HTMLInputElement = element('input', {
+  readonly #mounted: readonly Mounted[];
+  readonly #openInput: HTMLInputElement = element('input', {
     type: 'file',
     multiple: true,
     hidden: true,
     accept: '.json,.gz',
     change:
         () => {
-          this.opener.openFiles(this.openInput.files ?? []);
-          this.openInput.value = '';
+          this.opener.openFiles(this.#openInput.files ?? []);
+          this.#openInput.value = '';
         },
   });
-  private readonly readings = element('div', { class: 'readings', role: 'status' });
-  private readonly search = searchField('Search ( / )', (search) => this.store.set({ search }));
-  private readonly found = element('span', { class: 'found', role: 'status' });
-  private readonly brush = button(
+  readonly #readings = element('div', { class: 'readings', role: 'status' });
+  readonly #search = searchField('Search ( / )', (search) => this.store.set({ search }));
+  readonly #found = element('span', { class: 'found', role: 'status' });
+  readonly #brush = button(
       '', 'Select everything (Escape)', () => setBrush(this.store, null), { class: 'brush', hidden: true });
-  private readonly timeZone = div('time');
-  private readonly splitter = element(
+  readonly #timeZone = div('time');
+  readonly #splitter = element(
       'div', { class: 'splitter', role: 'separator', 'aria-label': 'Height of the time views', tabIndex: 0 });
-  private readonly tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
-  private readonly detailZone = div('detail');
-  private readonly status = element('div', { class: 'status', role: 'status' });
-  private readonly tip = element('div', { class: 'tip', role: 'tooltip', hidden: true });
-  private readonly crosshair = element('div', { class: 'crosshair', hidden: true });
-  private readonly welcome =
+  readonly #tabs = element('div', { class: 'tabs', role: 'tablist', 'aria-label': 'Views' });
+  readonly #detailZone = div('detail');
+  readonly #status = element('div', { class: 'status', role: 'status' });
+  readonly #tip = element('div', { class: 'tip', role: 'tooltip', hidden: true });
+  readonly #crosshair = element('div', { class: 'crosshair', hidden: true });
+  readonly #welcome =
       div('welcome', element('h1', {}, 'zelconv viewer'),
           element('p', {}, 'Drop profiles and timecharts here, gzipped or not.'),
-          this.keyButton('Open documents (O)', null, 'o', 'primary'),
+          this.#keyButton('Open documents (O)', null, 'o', 'primary'),
           element(
               'p', { class: 'quiet' },
               'They stay on this machine: the page can request nothing. Press ? for help.'));
-  private readonly main =
-      element('main', { hidden: true }, this.timeZone, this.splitter, this.tabs, this.detailZone);
-  private readonly help = helpDialog();
-  private readonly history: History;
+  readonly #main =
+      element('main', { hidden: true }, this.#timeZone, this.#splitter, this.#tabs, this.#detailZone);
+  readonly #help = helpDialog();
+  readonly #history: History;
   /** The keys of the page; the help lists them. */
-  private readonly keys: Readonly<Record<string, () => void>> = {
+  readonly #keys: Readonly<Record<string, () => void>> = {
     '/': () => {
-      this.search.focus();
-      this.search.select();
+      this.#search.focus();
+      this.#search.select();
     },
-    '?': () => this.help.showModal(),
-    'n': () => this.find(1),
-    'N': () => this.find(-1),
-    'z': () => this.undo(),
-    'o': () => this.openInput.click(),
-    'c': () => this.copy('table'),
-    'C': () => this.copy('folded'),
+    '?': () => this.#help.showModal(),
+    'n': () => this.#find(1),
+    'N': () => this.#find(-1),
+    'z': () => this.#undo(),
+    'o': () => this.#openInput.click(),
+    'c': () => this.#copy('table'),
+    'C': () => this.#copy('folded'),
     'Escape': () => setBrush(this.store, null),
   };
 
@@ -88,23 +88,23 @@ export class Shell implements App {
       private readonly opener: Opener,
       views: readonly View[],
   ) {
-    this.history = new History(store);
-    this.mounted = views.map((view) => this.mount(view));
-    this.tabs.append(span('fill'), this.brush);
-    this.timeZone.append(this.crosshair);
-    body.append(this.header(), this.welcome, this.main, this.status, this.tip, this.help);
-    this.listen(body);
-    store.onCommit((state, before) => this.commit(state, before));
+    this.#history = new History(store);
+    this.#mounted = views.map((view) => this.#mount(view));
+    this.#tabs.append(span('fill'), this.#brush);
+    this.#timeZone.append(this.#crosshair);
+    body.append(this.#header(), this.#welcome, this.#main, this.#status, this.#tip, this.#help);
+    this.#listen(body);
+    store.onCommit((state, before) => this.#commit(state, before));
     const refresh = () => store.refresh();
-    new ResizeObserver(refresh).observe(this.main);
+    new ResizeObserver(refresh).observe(this.#main);
     darkness().addEventListener('change', refresh);
     refresh();
   }
 
-  announce(text: string): void { this.status.textContent = text; }
+  announce(text: string): void { this.#status.textContent = text; }
 
   tooltip(lines: readonly string[]|null, event: MouseEvent|null = null): void {
-    const { tip } = this;
+    const tip = this.#tip;
     tip.hidden = !lines || !event;
     if (!lines || !event) return;
     tip.replaceChildren(...lines.map((line) => div('', line)));
@@ -116,44 +116,44 @@ export class Shell implements App {
   }
 
   hover(time: number|null): void {
-    const x = time === null ? -1 : scaleOf(this.store.state, this.timeZone).x(time);
-    this.crosshair.hidden = x < 0 || x > axisWidth(this.timeZone);
-    this.crosshair.style.transform = `translateX(${gutter + x}px)`;
+    const x = time === null ? -1 : scaleOf(this.store.state, this.#timeZone).x(time);
+    this.#crosshair.hidden = x < 0 || x > axisWidth(this.#timeZone);
+    this.#crosshair.style.transform = `translateX(${gutter + x}px)`;
   }
 
   /** Returns a button that does what a key does. */
-  private keyButton(label: string, title: string|null, key: string, style = ''): HTMLButtonElement {
-    return button(label, title, () => this.keys[key](), { class: style });
+  #keyButton(label: string, title: string|null, key: string, style = ''): HTMLButtonElement {
+    return button(label, title, () => this.#keys[key](), { class: style });
   }
 
-  private header(): HTMLElement {
-    const picture = (kind: 'svg'|'png') => () => void this.picture(kind);
+  #header(): HTMLElement {
+    const picture = (kind: 'svg'|'png') => () => void this.#picture(kind);
     return element(
-        'header', {}, this.keyButton('Open…', 'Open documents (O)', 'o'), this.readings, span('fill'),
-        this.search, this.keyButton('‹', 'Previous match (Shift+N)', 'N'),
-        this.keyButton('›', 'Next match (N)', 'n'), this.found,
-        this.keyButton('Undo', 'Undo the selection (Z)', 'z'),
+        'header', {}, this.#keyButton('Open…', 'Open documents (O)', 'o'), this.#readings, span('fill'),
+        this.#search, this.#keyButton('‹', 'Previous match (Shift+N)', 'N'),
+        this.#keyButton('›', 'Next match (N)', 'n'), this.#found,
+        this.#keyButton('Undo', 'Undo the selection (Z)', 'z'),
         element(
             'details', { class: 'menu' }, element('summary', {}, 'Save'),
-            div('', this.keyButton('Copy table (C)', null, 'c'),
-                this.keyButton('Copy folded stacks (Shift+C)', null, 'C'),
+            div('', this.#keyButton('Copy table (C)', null, 'c'),
+                this.#keyButton('Copy folded stacks (Shift+C)', null, 'C'),
                 button('Save as SVG', null, picture('svg')), button('Save as PNG', null, picture('png')))),
-        this.keyButton('?', 'Help (?)', '?'), this.openInput);
+        this.#keyButton('?', 'Help (?)', '?'), this.#openInput);
   }
 
-  private mount(view: View): Mounted {
+  #mount(view: View): Mounted {
     const { id } = view;
     const host = element(
         'section', { id: `view-${id}`, class: 'view', 'aria-label': view.title, tabIndex: -1, hidden: true });
     let tab: HTMLElement|null = null;
     if (view.zone === 'time')
-      this.timeZone.append(host);
+      this.#timeZone.append(host);
     else {
       const click = () => this.store.set({ panel: id });
       tab = element('button', { role: 'tab', 'aria-controls': host.id, click }, view.title);
       equip(host, { role: 'tabpanel' });
-      this.tabs.append(tab);
-      this.detailZone.append(host);
+      this.#tabs.append(tab);
+      this.#detailZone.append(host);
     }
     view.mount(host, this);
     const paint = () => {
@@ -165,19 +165,20 @@ export class Shell implements App {
     return mounted;
   }
 
-  private commit(state: State, before: State|null): void {
-    const appears = this.main.hidden;
-    this.main.hidden = !state.profile && !state.timechart;
-    this.welcome.hidden = !this.main.hidden;
-    if (state.readings !== before?.readings) this.drawReadings(state.readings);
-    if (document.activeElement !== this.search) this.search.value = state.search;
-    if (state.profile !== before?.profile || state.timechart !== before?.timechart) this.compareClocks(state);
+  #commit(state: State, before: State|null): void {
+    const appears = this.#main.hidden;
+    this.#main.hidden = !state.profile && !state.timechart;
+    this.#welcome.hidden = !this.#main.hidden;
+    if (state.readings !== before?.readings) this.#drawReadings(state.readings);
+    if (document.activeElement !== this.#search) this.#search.value = state.search;
+    if (state.profile !== before?.profile || state.timechart !== before?.timechart)
+      this.#compareClocks(state);
     const brush = brushOf(state);
-    this.brush.hidden = !brush;
-    if (brush) this.brush.textContent = `${describeSpan(brush)} ✕`;
-    const panel = this.panel();
+    this.#brush.hidden = !brush;
+    if (brush) this.#brush.textContent = `${describeSpan(brush)} ✕`;
+    const panel = this.#panel();
     let resized = false;
-    for (const mounted of this.mounted) {
+    for (const mounted of this.#mounted) {
       const { tab } = mounted;
       const hidden = !mounted.view.available(state) || (tab !== null && mounted !== panel);
       if (tab) {
@@ -188,32 +189,32 @@ export class Shell implements App {
       if (mounted.host.hidden !== hidden) resized = true;
       mounted.host.hidden = hidden;
     }
-    for (const mounted of this.mounted) {
+    for (const mounted of this.#mounted) {
       if (!before || (resized && !mounted.tab)) mounted.painted = null;
       // Once the views have their sizes, the observer has them painted.
       if (mounted.painted !== state && !appears) this.store.repaint(mounted.paint);
     }
   }
 
-  private compareClocks({ profile, timechart }: State): void {
+  #compareClocks({ profile, timechart }: State): void {
     if (!profile || !timechart || (profile.start <= timechart.end && timechart.start <= profile.end)) return;
     this.announce('Profile and timechart share no time: have they the same time scale?');
   }
 
   /** The views that have something to show. */
-  private available(): Mounted[] {
-    return this.mounted.filter((mounted) => mounted.view.available(this.store.state));
+  #available(): Mounted[] {
+    return this.#mounted.filter((mounted) => mounted.view.available(this.store.state));
   }
 
-  private details(): Mounted[] { return this.available().filter((mounted) => mounted.tab !== null); }
+  #details(): Mounted[] { return this.#available().filter((mounted) => mounted.tab !== null); }
 
   /** The detail view that is shown: the chosen one, or the first that has something to show. */
-  private panel(): Mounted|undefined {
-    const details = this.details();
+  #panel(): Mounted|undefined {
+    const details = this.#details();
     return details.find((mounted) => mounted.view.id === this.store.state.panel) ?? details[0];
   }
 
-  private drawReadings(readings: readonly Reading[]): void {
+  #drawReadings(readings: readonly Reading[]): void {
     const chips = readings.map(({ id, name, bytes, total, state, message }) => {
       const chip = span(`reading ${state}`, shortName(message || name));
       if (state === 'reading') {
@@ -225,10 +226,10 @@ export class Shell implements App {
       }
       return chip;
     });
-    this.readings.replaceChildren(...chips);
+    this.#readings.replaceChildren(...chips);
   }
 
-  private listen(body: HTMLElement): void {
+  #listen(body: HTMLElement): void {
     equip(body, {
       dragover: (event: DragEvent) => event.preventDefault(),
       drop: (event: DragEvent) => {
@@ -241,52 +242,52 @@ export class Shell implements App {
           if (!(event.target as Element).matches('summary')) menu.open = false;
       },
       keydown: (event: KeyboardEvent) => {
-        if (!this.help.open && this.key(event)) event.preventDefault();
+        if (!this.#help.open && this.#key(event)) event.preventDefault();
       },
     });
-    equip(this.search, {
+    equip(this.#search, {
       keydown: (event: KeyboardEvent) => {
         event.stopPropagation();
-        if (event.key === 'Enter') this.find(event.shiftKey ? -1 : 1);
+        if (event.key === 'Enter') this.#find(event.shiftKey ? -1 : 1);
         if (event.key !== 'Escape') return;
-        this.search.value = '';
-        this.search.blur();
+        this.#search.value = '';
+        this.#search.blur();
         this.store.set({ search: '' });
       },
     });
-    const { splitter } = this;
+    const splitter = this.#splitter;
     equip(splitter, {
       pointerdown: (event: PointerEvent) => splitter.setPointerCapture(event.pointerId),
       pointermove: (event: PointerEvent) => {
-        if (splitter.hasPointerCapture(event.pointerId)) this.split(placeIn(this.timeZone, event).y);
+        if (splitter.hasPointerCapture(event.pointerId)) this.#split(placeIn(this.#timeZone, event).y);
       },
     });
   }
 
-  private split(height: number): void {
-    const most = this.main.clientHeight - leastDetail;
-    this.timeZone.style.flexBasis = `${clamped(height, leastTime, most)}px`;
+  #split(height: number): void {
+    const most = this.#main.clientHeight - leastDetail;
+    this.#timeZone.style.flexBasis = `${clamped(height, leastTime, most)}px`;
   }
 
-  private key(event: KeyboardEvent): boolean {
+  #key(event: KeyboardEvent): boolean {
     const { target, key } = event;
     const command = event.ctrlKey || event.metaKey;
     if (target instanceof HTMLInputElement || target instanceof HTMLSelectElement) return false;
-    if (command && key.toLowerCase() === 'z') return this.undo();
+    if (command && key.toLowerCase() === 'z') return this.#undo();
     if (command || event.altKey) return false;
     // A pressed button acts by itself.
     if (target instanceof HTMLButtonElement && (key === 'Enter' || key === ' ')) return false;
-    if (target === this.splitter && (key === 'ArrowUp' || key === 'ArrowDown')) {
-      this.split(this.timeZone.clientHeight + (key === 'ArrowDown' ? splitStep : -splitStep));
+    if (target === this.#splitter && (key === 'ArrowUp' || key === 'ArrowDown')) {
+      this.#split(this.#timeZone.clientHeight + (key === 'ArrowDown' ? splitStep : -splitStep));
       return true;
     }
-    if (this.tabKey(event) || this.focused()?.view.key?.(event) === true) return true;
-    return perform(key, this.keys) || this.digitKey(key) || timeKey(event, this.store);
+    if (this.#tabKey(event) || this.#focused()?.view.key?.(event) === true) return true;
+    return perform(key, this.#keys) || this.#digitKey(key) || timeKey(event, this.store);
   }
 
   /** A digit goes to the detail view of that number. */
-  private digitKey(key: string): boolean {
-    const detail = this.details()[Number(key) - 1];
+  #digitKey(key: string): boolean {
+    const detail = this.#details()[Number(key) - 1];
     if (!detail) return false;
     this.store.set({ panel: detail.view.id });
     detail.host.hidden = false;
@@ -295,9 +296,9 @@ export class Shell implements App {
   }
 
   /** Arrows go from tab to tab. */
-  private tabKey({ target, key }: KeyboardEvent): boolean {
+  #tabKey({ target, key }: KeyboardEvent): boolean {
     const step = key === 'ArrowRight' ? 1 : key === 'ArrowLeft' ? -1 : 0;
-    const tabs = this.details().map((mounted) => mounted.tab!);
+    const tabs = this.#details().map((mounted) => mounted.tab!);
     const at = tabs.indexOf(target as HTMLElement);
     if (at < 0 || step === 0) return false;
     const next = tabs[(at + step + tabs.length) % tabs.length];
@@ -306,36 +307,36 @@ export class Shell implements App {
     return true;
   }
 
-  private focused(): Mounted|undefined {
-    return this.mounted.find((mounted) => mounted.host.contains(document.activeElement));
+  #focused(): Mounted|undefined {
+    return this.#mounted.find((mounted) => mounted.host.contains(document.activeElement));
   }
 
   /**
    * The views in sight, in the order of what search, copying and pictures are about: the one with the focus,
    * the detail view, all others.
    */
-  private asked(): View[] {
-    const shown = this.mounted.filter((mounted) => !mounted.host.hidden);
-    const first = [this.focused(), this.panel()].filter((mounted) => mounted !== undefined);
+  #asked(): View[] {
+    const shown = this.#mounted.filter((mounted) => !mounted.host.hidden);
+    const first = [this.#focused(), this.#panel()].filter((mounted) => mounted !== undefined);
     return [...new Set([...first, ...shown])].map((mounted) => mounted!.view);
   }
 
-  private find(direction: Direction): void {
+  #find(direction: Direction): void {
     const { search } = this.store.state;
     let match: string|null = null;
     if (search !== '')
-      for (const view of this.asked()) match ??= view.find?.(direction) ?? null;
-    this.found.textContent = search === '' ? '' : shortName(match ?? 'no match');
+      for (const view of this.#asked()) match ??= view.find?.(direction) ?? null;
+    this.#found.textContent = search === '' ? '' : shortName(match ?? 'no match');
   }
 
-  private undo(): true {
-    this.announce(this.history.undo() ? 'Selection undone' : 'Nothing to undo');
+  #undo(): true {
+    this.announce(this.#history.undo() ? 'Selection undone' : 'Nothing to undo');
     return true;
   }
 
-  private copy(what: 'table'|'folded'): void {
+  #copy(what: 'table'|'folded'): void {
     // The samples are the same in every view, shown or not.
-    const views = what === 'table' ? this.asked() : this.available().map((mounted) => mounted.view);
+    const views = what === 'table' ? this.#asked() : this.#available().map((mounted) => mounted.view);
     const view = views.find((candidate) => candidate[what] !== undefined);
     const text = what === 'folded' ?
         view?.folded!() :
@@ -348,8 +349,8 @@ export class Shell implements App {
       this.announce('The browser refused to copy');
   }
 
-  private async picture(kind: 'svg'|'png'): Promise<void> {
-    const view = this.asked().find(({ picture }) => (kind === 'svg' ? picture?.svg : picture) !== undefined);
+  async #picture(kind: 'svg'|'png'): Promise<void> {
+    const view = this.#asked().find(({ picture }) => (kind === 'svg' ? picture?.svg : picture) !== undefined);
     this.announce(view ? `Saved ${await savePicture(view, kind)}` : 'This view has no picture');
   }
 }

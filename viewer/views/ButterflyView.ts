@@ -13,15 +13,15 @@ import type {State} from './store';
 export class ButterflyView extends ProfileView {
   readonly id = 'butterfly';
   readonly title = 'Callers and callees';
-  private readonly name = element('div', { class: 'butterfly-name', role: 'heading', 'aria-level': '2' });
-  private declare callers: FlamePane;
-  private declare callees: FlamePane;
-  private place = -1;
+  readonly #name = element('div', { class: 'butterfly-name', role: 'heading', 'aria-level': '2' });
+  #callers!: FlamePane;
+  #callees!: FlamePane;
+  #place = -1;
   protected override more = (state: State) => state.place;
 
   table() {
     const { places: { names }, weight } = this.model.profile;
-    const rows = this.panes.flatMap(({ pane, direction }) => {
+    const rows = this.#panes.flatMap(({ pane, direction }) => {
       const { tree } = pane;
       return childrenOf(tree, 0).map(
           (node) => [direction, tree.totals[node] * weight, names[tree.places[node]]]);
@@ -31,35 +31,35 @@ export class ButterflyView extends ProfileView {
 
   protected fill(host: HTMLElement): void {
     const [above, below] = [div('half'), div('half')];
-    host.append(above, this.name, below);
+    host.append(above, this.#name, below);
     const open = (pane: FlamePane, node: number) => this.app.store.set({ place: pane.tree.places[node] });
-    this.callers = new FlamePane(above, this.app, 'Callers', (node) => open(this.callers, node), true);
-    this.callees = new FlamePane(below, this.app, 'Callees', (node) => open(this.callees, node));
-    this.parts = [this.callees, this.callers];
+    this.#callers = new FlamePane(above, this.app, 'Callers', (node) => open(this.#callers, node), true);
+    this.#callees = new FlamePane(below, this.app, 'Callees', (node) => open(this.#callees, node));
+    this.parts = [this.#callees, this.#callers];
   }
 
   protected show(state: State, before: Selection|undefined): void {
     const { model, selection } = this;
     const place =
         state.place >= 0 && state.place < model.profile.places.count ? state.place : heaviest(selection);
-    const same = selection === before && place === this.place;
-    this.place = place;
+    const same = selection === before && place === this.#place;
+    this.#place = place;
     const name = model.profile.places.names[place] ?? '';
-    for (const { pane, direction } of this.panes) {
+    for (const { pane, direction } of this.#panes) {
       const tree = same ? pane.tree : MergedTree.of(selection, place, direction);
       pane.show(tree, placeLook(model, tree, selection, name, state.search), same);
     }
-    this.name.replaceChildren(
+    this.#name.replaceChildren(
         element('strong', {}, shortName(name)),
-        ` total ${formatPart(this.callees.tree.totals[0] * model.profile.weight, this.whole)} `,
+        ` total ${formatPart(this.#callees.tree.totals[0] * model.profile.weight, this.whole)} `,
         span('quiet', shortName(describePlace(model.profile, place))),
     );
   }
 
-  private get panes() {
+  get #panes() {
     return [
-      { pane: this.callers, direction: 'callers' },
-      { pane: this.callees, direction: 'callees' },
+      { pane: this.#callers, direction: 'callers' },
+      { pane: this.#callees, direction: 'callees' },
     ] as const;
   }
 }

@@ -30,13 +30,13 @@ const columns = [
 export class DifferenceView extends ProfileView {
   readonly id = 'difference';
   readonly title = 'Difference';
-  private declare pane: FlamePane;
-  private declare list: RowTable;
-  private declare union: Union;
-  private models: readonly ProfileModel[] = [];
-  private selections: readonly Selection[] = [];
-  private declare tree: DifferenceTree;
-  private changes: readonly Change[] = [];
+  #pane!: FlamePane;
+  #list!: RowTable;
+  #union!: Union;
+  #models: readonly ProfileModel[] = [];
+  #selections: readonly Selection[] = [];
+  #tree!: DifferenceTree;
+  #changes: readonly Change[] = [];
   protected override more = (state: State) => state.baseline;
   protected override legend: readonly LegendEntry[] = [
     [(dark) => palette(dark)[0], 'less than before'],
@@ -51,10 +51,10 @@ export class DifferenceView extends ProfileView {
   override available(state: State): boolean { return state.profile !== null && state.baseline !== null; }
 
   table() {
-    const rows = this.changes.map(
+    const rows = this.#changes.map(
         ({ place, before, after }) =>
             [...[before, after, after - before].map((share) => (100 * share).toFixed(3)),
-             this.nameOf(place)]);
+             this.#nameOf(place)]);
     return [['before %', 'after %', 'change', 'function'], ...rows];
   }
 
@@ -62,59 +62,59 @@ export class DifferenceView extends ProfileView {
     const flame = div('half');
     const table = div('half column difference-table');
     host.append(div('side-by-side', flame, table));
-    this.pane = new FlamePane(flame, this.app, 'Difference flame graph', () => undefined);
-    this.list = new RowTable(table, this.app, this.id, 'Changes', columns, {
+    this.#pane = new FlamePane(flame, this.app, 'Difference flame graph', () => undefined);
+    this.#list = new RowTable(table, this.app, this.id, 'Changes', columns, {
       row: (index) => {
-        const { place, before, after } = this.changes[index];
+        const { place, before, after } = this.#changes[index];
         const change = after - before;
         return {
-          cells: [formatShare(before), formatShare(after), signed(change), shortName(this.nameOf(place))],
+          cells: [formatShare(before), formatShare(after), signed(change), shortName(this.#nameOf(place))],
           style: change > 0 ? 'more' :
               change < 0    ? 'less' :
                               '',
         };
       },
       open: (index) => {
-        const place = this.union.currentPlaces[this.changes[index].place];
+        const place = this.#union.currentPlaces[this.#changes[index].place];
         if (place >= 0) this.app.store.set({ place, panel: 'butterfly' });
       },
     });
-    this.parts = [this.pane, this.list];
+    this.parts = [this.#pane, this.#list];
   }
 
   protected show(state: State): void {
     const models = [this.model, state.baseline!];
-    if (differ(models, this.models)) {
-      this.union = unite(models[0].profile, models[1].profile);
-      this.models = models;
+    if (differ(models, this.#models)) {
+      this.#union = unite(models[0].profile, models[1].profile);
+      this.#models = models;
     }
     // Threads, cores and times of one recording mean nothing in the other.
     const selections = [this.selection, models[1].selection(models[1].textFilter(state.filter.text))];
-    const other = differ(selections, this.selections);
+    const other = differ(selections, this.#selections);
     if (other) {
-      this.selections = selections;
-      this.tree = new DifferenceTree(this.union, selections[0], selections[1]);
-      this.changes = this.listChanges();
+      this.#selections = selections;
+      this.#tree = new DifferenceTree(this.#union, selections[0], selections[1]);
+      this.#changes = this.#listChanges();
     }
-    this.pane.show(this.tree, this.look(state.search), !other);
-    this.list.draw(this.changes.length);
+    this.#pane.show(this.#tree, this.#look(state.search), !other);
+    this.#list.draw(this.#changes.length);
   }
 
   /** Name of a joint place, from whichever profile has it. */
-  private nameOf(place: number): string {
-    const [after, before] = this.models.map(({ profile }) => profile.places.names);
-    const current = this.union.currentPlaces[place];
-    return current >= 0 ? after[current] : before[this.union.baselinePlaces[place]];
+  #nameOf(place: number): string {
+    const [after, before] = this.#models.map(({ profile }) => profile.places.names);
+    const current = this.#union.currentPlaces[place];
+    return current >= 0 ? after[current] : before[this.#union.baselinePlaces[place]];
   }
 
-  private look(search: string): FlameLook {
-    const { current, baseline, places } = this.tree;
-    const [after, before] = this.models;
+  #look(search: string): FlameLook {
+    const { current, baseline, places } = this.#tree;
+    const [after, before] = this.#models;
     const [found, foundBefore] = [after.matches(search), before.matches(search)];
-    const { currentPlaces, baselinePlaces } = this.union;
-    const whole = this.selections[0].count || 1;
+    const { currentPlaces, baselinePlaces } = this.#union;
+    const whole = this.#selections[0].count || 1;
     const nameOf = (node: number) =>
-        (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.nameOf(places[node]));
+        (node === 0 ? `${before.profile.name} → ${after.profile.name}` : this.#nameOf(places[node]));
     return {
       palette: palette(isDark()),
       name: nameOf,
@@ -137,17 +137,17 @@ export class DifferenceView extends ProfileView {
   }
 
   /** Returns every place's share of the samples that were taken in it, the largest change first. */
-  private listChanges(): Change[] {
-    const { baselinePlaces } = this.union;
-    const [after, before] = this.selections.map((selection, index) => {
-      const { selves } = this.models[index].grouping('function').weigh(selection);
+  #listChanges(): Change[] {
+    const { baselinePlaces } = this.#union;
+    const [after, before] = this.#selections.map((selection, index) => {
+      const { selves } = this.#models[index].grouping('function').weigh(selection);
       return (place: number) => (place < 0 ? 0 : selves[place] / (selection.count || 1));
     });
-    const changes = Array.from(this.union.currentPlaces, (current, place) => ({
-                                                           place,
-                                                           after: after(current),
-                                                           before: before(baselinePlaces[place]),
-                                                         }));
+    const changes = Array.from(this.#union.currentPlaces, (current, place) => ({
+                                                            place,
+                                                            after: after(current),
+                                                            before: before(baselinePlaces[place]),
+                                                          }));
     const size = (change: Change) => Math.abs(change.after - change.before);
     return changes.filter((change) => change.before > 0 || change.after > 0)
         .sort((a, b) => size(b) - size(a));

@@ -19,60 +19,60 @@ const columns: readonly(readonly[SortKey, string, string])[] = [
 export class FunctionsView extends ProfileView {
   readonly id = 'functions';
   readonly title = 'Functions';
-  private readonly by = element(
-      'select', { 'aria-label': 'Rows are', change: () => this.repaint() },
+  readonly #by = element(
+      'select', { 'aria-label': 'Rows are', change: () => this.#repaint() },
       ...Object.entries(groupings).map(([id, { title }]) => element('option', { value: id }, title)));
-  private readonly filter = searchField('Only rows with…', () => this.repaint());
-  private order: Order = { key: 'self', descending: true };
-  private declare list: RowTable;
-  private declare grouping: Grouping;
-  private declare weights: GroupWeights;
-  private groups: readonly number[] = [];
-  private matches: Uint8Array|null = null;
-  protected override controls = [this.by, this.filter];
+  readonly #filter = searchField('Only rows with…', () => this.#repaint());
+  #order: Order = { key: 'self', descending: true };
+  #list!: RowTable;
+  #grouping!: Grouping;
+  #weights!: GroupWeights;
+  #groups: readonly number[] = [];
+  #matches: Uint8Array|null = null;
+  protected override controls = [this.#by, this.#filter];
 
   table() {
     const { weight } = this.model.profile;
-    const { selves, totals } = this.weights;
-    const rows = this.groups.map((group) => {
-      const { name, detail } = this.grouping.groups[group];
+    const { selves, totals } = this.#weights;
+    const rows = this.#groups.map((group) => {
+      const { name, detail } = this.#grouping.groups[group];
       return [selves[group] * weight, totals[group] * weight, name, detail];
     });
-    return [['self', 'total', groupings[this.by.value].title.toLowerCase(), 'where'], ...rows];
+    return [['self', 'total', groupings[this.#by.value].title.toLowerCase(), 'where'], ...rows];
   }
 
   protected fill(host: HTMLElement): void {
-    const heads = columns.map(([key, title, style]) => ({ title, style, sort: () => this.sort(key) }));
-    this.list = new RowTable(host, this.app, this.id, this.title, heads, {
-      row: (index) => this.row(this.groups[index]),
-      open: (index) => this.open(this.groups[index]),
-      isMatch: (index) => this.matches?.[this.groups[index]] === 1,
+    const heads = columns.map(([key, title, style]) => ({ title, style, sort: () => this.#sort(key) }));
+    this.#list = new RowTable(host, this.app, this.id, this.title, heads, {
+      row: (index) => this.#row(this.#groups[index]),
+      open: (index) => this.#open(this.#groups[index]),
+      isMatch: (index) => this.#matches?.[this.#groups[index]] === 1,
     });
-    this.parts = [this.list];
+    this.parts = [this.#list];
   }
 
   protected show(state: State): void {
-    this.grouping = this.model.grouping(this.by.value);
-    this.weights = this.grouping.weigh(this.selection);
-    this.groups = functionRows(this.grouping, this.weights, this.filter.value, this.order);
-    this.matches = this.grouping.byPlace ? this.model.matches(state.search) : null;
-    this.list.sorted(columns.findIndex(([key]) => key === this.order.key), this.order.descending);
-    this.list.draw(this.groups.length);
+    this.#grouping = this.model.grouping(this.#by.value);
+    this.#weights = this.#grouping.weigh(this.selection);
+    this.#groups = functionRows(this.#grouping, this.#weights, this.#filter.value, this.#order);
+    this.#matches = this.#grouping.byPlace ? this.model.matches(state.search) : null;
+    this.#list.sorted(columns.findIndex(([key]) => key === this.#order.key), this.#order.descending);
+    this.#list.draw(this.#groups.length);
   }
 
-  private readonly showAgain = () => this.show(this.app.store.state);
+  readonly #showAgain = () => this.show(this.app.store.state);
 
-  private repaint(): void { this.app.store.repaint(this.showAgain); }
+  #repaint(): void { this.app.store.repaint(this.#showAgain); }
 
-  private sort(key: SortKey): void {
-    const descending = this.order.key === key ? !this.order.descending : key === 'self' || key === 'total';
-    this.order = { key, descending };
-    this.repaint();
+  #sort(key: SortKey): void {
+    const descending = this.#order.key === key ? !this.#order.descending : key === 'self' || key === 'total';
+    this.#order = { key, descending };
+    this.#repaint();
   }
 
-  private row(group: number): Row {
-    const { name, detail, kind } = this.grouping.groups[group];
-    const samples = [this.weights.selves[group], this.weights.totals[group]];
+  #row(group: number): Row {
+    const { name, detail, kind } = this.#grouping.groups[group];
+    const samples = [this.#weights.selves[group], this.#weights.totals[group]];
     const shares = samples.map((count) => count / this.selection.count);
     const figures = samples.map(
         (count, i) => `${formatCount(count * this.model.profile.weight)}  ${formatShare(shares[i])}`);
@@ -80,15 +80,15 @@ export class FunctionsView extends ProfileView {
       cells: [...figures, shortName(name), shortName(detail)],
       shares,
       colour: kindColour(kind, isDark()),
-      style: this.matches?.[group] === 1 ? 'match' : '',
+      style: this.#matches?.[group] === 1 ? 'match' : '',
     };
   }
 
   /** Looks into a function; for anything else, selects its samples. */
-  private open(group: number): void {
-    if (this.grouping.byPlace)
+  #open(group: number): void {
+    if (this.#grouping.byPlace)
       this.app.store.set({ place: group, panel: 'butterfly' });
-    else if (this.grouping.narrow)
-      this.app.store.refine(this.grouping.narrow(group));
+    else if (this.#grouping.narrow)
+      this.app.store.refine(this.#grouping.narrow(group));
   }
 }

@@ -24,16 +24,17 @@ const fontSize = 11;
 export class LanePictures {
   readonly base = element('canvas', { role: 'img' });
   readonly overlay = element('canvas', { 'aria-hidden': true });
-  private readonly context = this.base.getContext('2d', { alpha: false })!;
-  private readonly writer = new CanvasWriter(this.context);
-  private pixels: Pixels|null = null;
+  readonly #context = this.base.getContext('2d', { alpha: false })!;
+  readonly #writer = new CanvasWriter(this.#context);
+  #pixels: Pixels|null = null;
 
   /** Paints row by row, and shows the rows once all are painted. */
   * paint(placed: readonly PlacedLane[], state: State, stage: TimeStage): Iterator<void> {
     const model = state.timechart!;
-    const { base, writer } = this;
+    const { base } = this;
+    const writer = this.#writer;
     const { width: cssWidth, height } = stage;
-    const pixels = (this.pixels = Pixels.of(cssWidth, height, this.pixels));
+    const pixels = (this.#pixels = Pixels.of(cssWidth, height, this.#pixels));
     const { width } = pixels;
     const scale = devicePixelRatio;
     const picture = pictureOf(state, width, scale);
@@ -49,7 +50,7 @@ export class LanePictures {
       yield;
     }
     fitCanvas(base, cssWidth, height);
-    this.context.putImageData(pixels.image, 0, 0);
+    this.#context.putImageData(pixels.image, 0, 0);
     writer.begin(fontSize * scale);
     for (const { lane, top } of placed) writeTexts(writer, model, lane, Math.round(top * scale), picture);
     equip(base, { 'aria-label': `${placed.length} rows, ${describeSpan(picture.axis.shown)}` });

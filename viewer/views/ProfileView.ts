@@ -40,12 +40,11 @@ export abstract class ProfileView implements View {
   protected legend: readonly LegendEntry[] = kindLegend;
   /** What the view depends on besides profile, filter and search. */
   protected more: (state: State) => unknown = () => null;
-  private readonly counted = span('counted');
-  private readonly found = span('quiet');
-  private readonly legendLine = span('legend');
-  private readonly text =
-      searchField('Only stacks with…', (text) => this.app.store.refine({ text: text.trim() }));
-  private readonly clear = button(
+  readonly #counted = span('counted');
+  readonly #found = span('quiet');
+  readonly #legendLine = span('legend');
+  readonly #text = searchField('Only stacks with…', (text) => this.app.store.refine({ text: text.trim() }));
+  readonly #clear = button(
       'Clear selection and filters', null, () => this.app.store.set({ filter: everything, run: null }));
 
   available(state: State): boolean { return state.profile !== null; }
@@ -54,8 +53,8 @@ export abstract class ProfileView implements View {
     this.app = app;
     host.classList.add('column');
     host.append(
-        div('bar', ...this.controls, this.text, this.counted, this.clear, this.found, span('fill'),
-            this.legendLine));
+        div('bar', ...this.controls, this.#text, this.#counted, this.#clear, this.#found, span('fill'),
+            this.#legendLine));
     this.fill(host);
   }
 
@@ -65,7 +64,7 @@ export abstract class ProfileView implements View {
     const before = this.selection as Selection | undefined;
     this.model = state.profile!;
     this.selection = this.model.selection(state.filter);
-    this.drawBar(state);
+    this.#drawBar(state);
     this.show(state, before);
   }
 
@@ -97,19 +96,19 @@ export abstract class ProfileView implements View {
   /** Number of selected samples of the document, which those of its picture represent. */
   protected get whole(): number { return this.selection.count * this.model.profile.weight; }
 
-  private drawBar({ filter, search }: State): void {
+  #drawBar({ filter, search }: State): void {
     const { weight } = this.model.profile;
     const all = this.model.profile.samples.count * weight;
     const about = weight > 1 ? 'about ' : '';
     const picked = !isEverything(filter);
-    this.counted.textContent =
+    this.#counted.textContent =
         `${about}${picked ? `${formatPart(this.whole, all)} of ` : ''}${formatCount(all)} samples`;
-    this.clear.hidden = !picked;
-    if (document.activeElement !== this.text) this.text.value = filter.text;
+    this.#clear.hidden = !picked;
+    if (document.activeElement !== this.#text) this.#text.value = filter.text;
     const matched = this.model.matchedSamples(filter, search);
-    this.found.textContent =
+    this.#found.textContent =
         matched === null ? '' : `${formatPart(matched * weight, this.whole)} match the search`;
-    this.legendLine.replaceChildren(
+    this.#legendLine.replaceChildren(
         ...this.legend.map(([colour, meaning]) => element('span', {}, swatch(colour(isDark())), meaning)));
   }
 }

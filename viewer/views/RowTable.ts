@@ -41,12 +41,12 @@ const deepestIndent = 60;
 
 /** A table of any number of rows, of which only those in sight are elements. */
 export class RowTable {
-  private readonly scroller: HTMLElement;
-  private readonly heads: readonly HTMLElement[];
-  private readonly space = div('rows-space');
-  private readonly pool = new Map<number, HTMLElement>();
-  private count = 0;
-  private current = 0;
+  readonly #scroller: HTMLElement;
+  readonly #heads: readonly HTMLElement[];
+  readonly #space = div('rows-space');
+  readonly #pool = new Map<number, HTMLElement>();
+  #count = 0;
+  #current = 0;
 
   constructor(
       host: HTMLElement,
@@ -57,93 +57,95 @@ export class RowTable {
       private readonly rows: Rows,
       role: 'grid'|'treegrid' = 'grid',
   ) {
-    this.heads = columns.map(
+    this.#heads = columns.map(
         ({ title, style, sort }) => element(
             'span', { class: style, role: 'columnheader' },
             sort ? element('button', { click: sort }, title) : title));
-    equip(this.space, {
+    equip(this.#space, {
       role: 'rowgroup',
-      click: (event: MouseEvent) => this.pick(event, false),
-      dblclick: (event: MouseEvent) => this.pick(event, true),
+      click: (event: MouseEvent) => this.#pick(event, false),
+      dblclick: (event: MouseEvent) => this.#pick(event, true),
     });
-    this.scroller = element(
+    this.#scroller = element(
         'div', { class: 'rows', role, 'aria-label': label, tabIndex: 0, scroll: this.repaint },
-        element('div', { class: 'row head', role: 'row' }, ...this.heads), this.space);
-    host.append(this.scroller);
+        element('div', { class: 'row head', role: 'row' }, ...this.#heads), this.#space);
+    host.append(this.#scroller);
   }
 
-  get hasFocus(): boolean { return this.scroller.contains(document.activeElement); }
+  get hasFocus(): boolean { return this.#scroller.contains(document.activeElement); }
 
-  get chosen(): number { return this.current; }
+  get chosen(): number { return this.#current; }
 
   draw(count: number): void {
-    this.count = count;
-    this.current = clamped(this.current, 0, count - 1);
-    this.space.style.height = `${count * rowHeight}px`;
-    const first = Math.max(0, Math.floor(this.scroller.scrollTop / rowHeight) - margin);
+    this.#count = count;
+    this.#current = clamped(this.#current, 0, count - 1);
+    this.#space.style.height = `${count * rowHeight}px`;
+    const first = Math.max(0, Math.floor(this.#scroller.scrollTop / rowHeight) - margin);
     const last = Math.min(
-        count, Math.ceil((this.scroller.scrollTop + this.scroller.clientHeight) / rowHeight) + margin);
-    for (const [index, row] of this.pool) {
+        count, Math.ceil((this.#scroller.scrollTop + this.#scroller.clientHeight) / rowHeight) + margin);
+    for (const [index, row] of this.#pool) {
       if (index >= first && index < last) continue;
       row.remove();
-      this.pool.delete(index);
+      this.#pool.delete(index);
     }
-    for (let index = first; index < last; ++index) this.fill(this.pool.get(index) ?? this.add(index), index);
+    for (let index = first; index < last; ++index)
+      this.#fill(this.#pool.get(index) ?? this.#add(index), index);
     equip(
-        this.scroller, { 'aria-rowcount': count + 1, 'aria-activedescendant': `${this.id}-${this.current}` });
+        this.#scroller,
+        { 'aria-rowcount': count + 1, 'aria-activedescendant': `${this.id}-${this.#current}` });
   }
 
   /** Says by which column, and how, the rows are sorted. */
   sorted(by: number, descending: boolean): void {
     const order = descending ? 'descending' : 'ascending';
-    this.heads.forEach((head, column) => equip(head, { 'aria-sort': column === by ? order : 'none' }));
+    this.#heads.forEach((head, column) => equip(head, { 'aria-sort': column === by ? order : 'none' }));
   }
 
   /** Makes a row the current one and brings it into sight. */
   choose(index: number): void {
-    if (this.count === 0) return;
-    this.current = clamped(index, 0, this.count - 1);
-    const top = this.current * rowHeight;
-    const { scroller } = this;
+    if (this.#count === 0) return;
+    this.#current = clamped(index, 0, this.#count - 1);
+    const top = this.#current * rowHeight;
+    const scroller = this.#scroller;
     scroller.scrollTop =
         Math.min(top, Math.max(scroller.scrollTop, top + rowHeight + headHeight - scroller.clientHeight));
     this.repaint();
   }
 
   key(event: KeyboardEvent): boolean {
-    const page = Math.max(1, Math.floor(this.scroller.clientHeight / rowHeight) - 2);
+    const page = Math.max(1, Math.floor(this.#scroller.clientHeight / rowHeight) - 2);
     return perform(event.key, {
-      ArrowUp: () => this.choose(this.current - 1),
-      ArrowDown: () => this.choose(this.current + 1),
-      PageUp: () => this.choose(this.current - page),
-      PageDown: () => this.choose(this.current + page),
+      ArrowUp: () => this.choose(this.#current - 1),
+      ArrowDown: () => this.choose(this.#current + 1),
+      PageUp: () => this.choose(this.#current - page),
+      PageDown: () => this.choose(this.#current + page),
       Home: () => this.choose(0),
       End: () => this.choose(Infinity),
-      Enter: () => this.rows.open(this.current),
+      Enter: () => this.rows.open(this.#current),
     });
   }
 
   /** Goes to the next or previous match of the search; returns its label, or null. */
   find(direction: Direction): string|null {
-    const index = nextOf(this.count, this.current, direction, (row) => this.rows.isMatch?.(row) === true);
+    const index = nextOf(this.#count, this.#current, direction, (row) => this.rows.isMatch?.(row) === true);
     if (index < 0) return null;
     this.choose(index);
-    return this.describe(index);
+    return this.#describe(index);
   }
 
-  readonly repaint = (): void => this.app.store.repaint(this.redraw);
+  readonly repaint = (): void => this.app.store.repaint(this.#redraw);
 
-  private readonly redraw = () => this.draw(this.count);
+  readonly #redraw = () => this.draw(this.#count);
 
   /** Returns the name, then the other cells with the titles of their columns. */
-  private describe(index: number): string {
+  #describe(index: number): string {
     const { cells } = this.rows.row(index);
     const name = this.columns.findIndex((column) => column.style === 'name');
     const others = this.columns.map((column, i) => `${column.title.toLowerCase()} ${cells[i]}`);
     return [cells[name], ...others.filter((_, i) => i !== name && cells[i] !== '')].join(', ');
   }
 
-  private add(index: number): HTMLElement {
+  #add(index: number): HTMLElement {
     const row = element(
         'div', { role: 'row', id: `${this.id}-${index}`, 'aria-rowindex': index + 2 },
         ...this.columns.map(
@@ -151,16 +153,16 @@ export class RowTable {
                 'span', { class: style, role: 'gridcell' },
                 ...(style === 'name' ? [twisty(), swatch(''), span('')] : []))));
     row.style.transform = `translateY(${index * rowHeight}px)`;
-    this.pool.set(index, row);
-    this.space.append(row);
+    this.#pool.set(index, row);
+    this.#space.append(row);
     return row;
   }
 
-  private fill(made: HTMLElement, index: number): void {
+  #fill(made: HTMLElement, index: number): void {
     const { cells, shares = [], colour, style = '', level, open = null } = this.rows.row(index);
-    made.className = `row ${style} ${index === this.current ? 'current' : ''}`;
+    made.className = `row ${style} ${index === this.#current ? 'current' : ''}`;
     equip(made, {
-      'aria-label': this.describe(index),
+      'aria-label': this.#describe(index),
       'aria-level': level === undefined ? null : level + 1,
       'aria-expanded': open
     });
@@ -176,9 +178,9 @@ export class RowTable {
     sample.style.background = colour ?? '';
   }
 
-  private pick(event: MouseEvent, open: boolean): void {
-    const index = Math.floor(placeIn(this.space, event).y / rowHeight);
-    if (index < 0 || index >= this.count) return;
+  #pick(event: MouseEvent, open: boolean): void {
+    const index = Math.floor(placeIn(this.#space, event).y / rowHeight);
+    if (index < 0 || index >= this.#count) return;
     this.choose(index);
     if (open !== (event.target as Element).matches('.twisty')) this.rows.open(index);
   }

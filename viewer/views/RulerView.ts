@@ -14,24 +14,24 @@ export class RulerView implements View {
   readonly id = 'ruler';
   readonly title = 'Time';
   readonly zone = 'time';
-  private readonly canvas = element('canvas', { role: 'img' });
-  private readonly label = div('ruler-label');
-  private declare host: HTMLElement;
+  readonly #canvas = element('canvas', { role: 'img' });
+  readonly #label = div('ruler-label');
+  #host!: HTMLElement;
 
   available(state: State): boolean { return state.profile !== null || state.timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
-    this.host = host;
-    host.append(this.label, this.canvas);
+    this.#host = host;
+    host.append(this.#label, this.#canvas);
     timeGestures(
         host, host, app, { hover: (time) => app.hover(time), click: () => setBrush(app.store, null) });
   }
 
   draw(state: State): void {
-    const scale = scaleOf(state, this.host);
+    const scale = scaleOf(state, this.#host);
     const { shown, width } = scale;
-    const context = this.canvas.getContext('2d')!;
-    const density = fitCanvas(this.canvas, width, height);
+    const context = this.#canvas.getContext('2d')!;
+    const density = fitCanvas(this.#canvas, width, height);
     context.setTransform(density, 0, 0, density, 0, 0);
     context.clearRect(0, 0, width, height);
     const box = (colour: string, left: number, top: number, wide: number, high: number) => {
@@ -53,8 +53,8 @@ export class RulerView implements View {
     }
     if (state.mark !== null) box('bad', Math.round(scale.x(state.mark)) - 1, 6, 2, height - 6);
     const { start, end } = brush ?? shown;
-    this.label.textContent = `${formatDuration(end - start)} ${brush ? 'selected' : 'shown'}`;
+    this.#label.textContent = `${formatDuration(end - start)} ${brush ? 'selected' : 'shown'}`;
     const selected = brush ? `; selected: ${describeSpan(brush)}` : '';
-    equip(this.canvas, { 'aria-label': `Time: ${describeSpan(shown)}${selected}` });
+    equip(this.#canvas, { 'aria-label': `Time: ${describeSpan(shown)}${selected}` });
   }
 }

@@ -15,19 +15,19 @@ type Section = readonly[string, Cells, readonly(() => Cells)[]];
 export class SpanView implements View {
   readonly id = 'span';
   readonly title = 'Span';
-  private declare host: HTMLElement;
-  private declare app: App;
-  private use: SpanUse|null = null;
+  #host!: HTMLElement;
+  #app!: App;
+  #use: SpanUse|null = null;
   /** What the figures are about that are shown, or being reckoned. */
-  private asked: readonly unknown[] = [];
-  private declare work: Iterator<void, SpanUse>;
-  private declare state: State;
+  #asked: readonly unknown[] = [];
+  #work!: Iterator<void, SpanUse>;
+  #state!: State;
 
   available(state: State): boolean { return state.timechart !== null; }
 
   mount(host: HTMLElement, app: App): void {
-    this.host = host;
-    this.app = app;
+    this.#host = host;
+    this.#app = app;
     host.classList.add('figures');
     // Nothing in it takes the focus, and it scrolls.
     host.tabIndex = 0;
@@ -36,45 +36,46 @@ export class SpanView implements View {
   draw(state: State): void {
     const { timechart } = state;
     // The figures of a part would be replaced before they can be read.
-    if (timechart !== this.asked[0] && isReading(state)) return;
+    if (timechart !== this.#asked[0] && isReading(state)) return;
     const asked = [timechart, state.filter.start, state.filter.end, state.run];
-    if (!differ(asked, this.asked)) return;
-    this.asked = asked;
+    if (!differ(asked, this.#asked)) return;
+    this.#asked = asked;
     const { start, end } = spanOf(state);
-    this.work = timechart!.reckon(start, end);
-    this.state = state;
-    this.app.store.repaint(this.reckon);
+    this.#work = timechart!.reckon(start, end);
+    this.#state = state;
+    this.#app.store.repaint(this.#reckon);
   }
 
   /** Does a part of the work; the next one comes after all else that is to be painted. */
-  private readonly reckon = (): void => {
-    const { done, value } = this.work.next();
+  readonly #reckon = (): void => {
+    const { done, value } = this.#work.next();
     if (done === true)
-      this.show(value, this.state);
+      this.#show(value, this.#state);
     else
-      this.app.store.repaint(this.reckon);
+      this.#app.store.repaint(this.#reckon);
   };
 
-  private show(use: SpanUse, state: State): void {
-    this.use = use;
+  #show(use: SpanUse, state: State): void {
+    this.#use = use;
     const what = brushOf(state) ? 'Selected' : 'All';
-    this.host.replaceChildren(
-        element('p', { class: 'lead' }, `${what}: ${describeSpan(spanOf(state))}`), ...this.runLines(state),
+    this.#host.replaceChildren(
+        element('p', { class: 'lead' }, `${what}: ${describeSpan(spanOf(state))}`), ...this.#runLines(state),
         ...sections(use).map(tableOf));
   }
 
   table(): readonly Cells[] {
-    return this.use ? sections(this.use).flatMap(
-                          ([title, head, rows], i) =>
-                              [...(i > 0 ? [[]] : []), [title],
-                               ...[head, ...rows.map((row) => row())].map((cells) => cells.map(shortName))]) :
-                      [];
+    return this.#use ?
+        sections(this.#use).flatMap(
+            ([title, head, rows], i) =>
+                [...(i > 0 ? [[]] : []), [title],
+                 ...[head, ...rows.map((row) => row())].map((cells) => cells.map(shortName))]) :
+        [];
   }
 
   /** Details of the selected run, with buttons to the task's next and previous one. */
-  private runLines({ run, timechart }: State): HTMLElement[] {
+  #runLines({ run, timechart }: State): HTMLElement[] {
     if (!run) return [];
-    const step = (direction: Direction) => () => void selectBeside(this.app, run.task, run.start, direction);
+    const step = (direction: Direction) => () => void selectBeside(this.#app, run.task, run.start, direction);
     return [
       element(
           'p', { class: 'run' }, describeRun(timechart!.tasks, run).join('; ') + ' ',

@@ -188,14 +188,14 @@ export function mix(first: number, second: number, share: number): number {
 /** Pixels as a canvas takes them. */
 export class Pixels implements Surface {
   readonly image: ImageData;
-  private readonly words: Uint32Array;
+  readonly #words: Uint32Array;
 
   constructor(
       readonly width: number,
       readonly height: number,
   ) {
     this.image = new ImageData(width, height);
-    this.words = new Uint32Array(this.image.data.buffer);
+    this.#words = new Uint32Array(this.image.data.buffer);
   }
 
   /** Returns pixels for a part of the page: those of `before` if there are as many. */
@@ -204,13 +204,14 @@ export class Pixels implements Surface {
     return before?.width === columns && before.height === rows ? before : new Pixels(columns, rows);
   }
 
-  clear(colour: number): void { this.words.fill(word(colour)); }
+  clear(colour: number): void { this.#words.fill(word(colour)); }
 
   box(left: number, right: number, top: number, bottom: number, colour: number): void {
     const first = Math.max(0, Math.ceil(top));
     const last = Math.min(this.height, Math.floor(bottom));
     const full = word(colour);
-    const { words, width } = this;
+    const { width } = this;
+    const words = this.#words;
     // A call costs more than a few stores.
     const narrow = right - left <= 8;
     for (let start = first * width; start < last * width; start += width) {
@@ -220,16 +221,17 @@ export class Pixels implements Surface {
         words.fill(full, start + left, start + right);
     }
     if (last < first)
-      this.blend(last, left, right, full, bottom - top);
+      this.#blend(last, left, right, full, bottom - top);
     else {
-      if (first > top) this.blend(first - 1, left, right, full, first - top);
-      if (bottom > last) this.blend(last, left, right, full, bottom - last);
+      if (first > top) this.#blend(first - 1, left, right, full, first - top);
+      if (bottom > last) this.#blend(last, left, right, full, bottom - last);
     }
   }
 
-  private blend(y: number, left: number, right: number, full: number, share: number): void {
+  #blend(y: number, left: number, right: number, full: number, share: number): void {
     if (y < 0 || y >= this.height) return;
-    const { words, width } = this;
+    const { width } = this;
+    const words = this.#words;
     for (let i = y * width + left; i < y * width + right; ++i)
       words[i] = (opaque | mix(words[i], full, share)) >>> 0;
   }

@@ -65,12 +65,12 @@ export type Paint = () => void|Iterator<void>;
 const paintTime = 8;
 
 export class Store {
-  private committed: State|null = null;
-  private frame = 0;
-  private readonly listeners: Listener[] = [];
-  private readonly repaints = new Set<Paint>();
+  #committed: State|null = null;
+  #frame = 0;
+  readonly #listeners: Listener[] = [];
+  readonly #repaints = new Set<Paint>();
   /** What is left of the painting that has begun; no other one begins before its end. */
-  private rest: Iterator<void>|null = null;
+  #rest: Iterator<void>|null = null;
 
   constructor(private current: State) {}
 
@@ -81,7 +81,7 @@ export class Store {
     const next = {...this.current, ...change };
     if (!differ(Object.values(next), Object.values(this.current))) return;
     this.current = next;
-    this.schedule();
+    this.#schedule();
   }
 
   /** Changes what is selected. */
@@ -91,40 +91,41 @@ export class Store {
 
   /** Repaints every view, such as after a resize. */
   refresh(): void {
-    this.committed = null;
-    this.schedule();
+    this.#committed = null;
+    this.#schedule();
   }
 
   /** Calls `paint` once with one of the next frames; those that were asked for first come first. */
   repaint(paint: Paint): void {
-    this.repaints.add(paint);
-    this.schedule();
+    this.#repaints.add(paint);
+    this.#schedule();
   }
 
-  onCommit(listener: Listener): void { this.listeners.push(listener); }
+  onCommit(listener: Listener): void { this.#listeners.push(listener); }
 
-  private schedule(): void {
-    if (this.frame === 0) this.frame = requestAnimationFrame(() => this.commit());
+  #schedule(): void {
+    if (this.#frame === 0) this.#frame = requestAnimationFrame(() => this.#commit());
   }
 
-  private commit(): void {
-    this.frame = 0;
-    const { current, committed } = this;
-    this.committed = current;
+  #commit(): void {
+    this.#frame = 0;
+    const { current } = this;
+    const committed = this.#committed;
+    this.#committed = current;
     if (current !== committed)
-      for (const listener of this.listeners) listener(current, committed);
+      for (const listener of this.#listeners) listener(current, committed);
     const end = performance.now() + paintTime;
-    for (; this.rest || this.repaints.size > 0; this.paintPart())
-      if (performance.now() >= end) return this.schedule();
+    for (; this.#rest || this.#repaints.size > 0; this.#paintPart())
+      if (performance.now() >= end) return this.#schedule();
   }
 
-  private paintPart(): void {
-    if (this.rest) {
-      if (this.rest.next().done === true) this.rest = null;
+  #paintPart(): void {
+    if (this.#rest) {
+      if (this.#rest.next().done === true) this.#rest = null;
       return;
     }
-    const [paint] = this.repaints as Iterable<Paint>;
-    this.repaints.delete(paint);
-    this.rest = paint() ?? null;
+    const [paint] = this.#repaints as Iterable<Paint>;
+    this.#repaints.delete(paint);
+    this.#rest = paint() ?? null;
   }
 }

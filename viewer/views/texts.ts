@@ -12,8 +12,8 @@ const mostWidths = 20_000;
 
 /** Writes on a canvas. Widths of texts are kept: measuring costs more than drawing. */
 export class CanvasWriter implements Writer {
-  private readonly widths = new Map<string, number>();
-  private font = '';
+  readonly #widths = new Map<string, number>();
+  #font = '';
 
   constructor(private readonly context: CanvasRenderingContext2D) {}
 
@@ -22,20 +22,20 @@ export class CanvasWriter implements Writer {
     const { context } = this;
     context.font = `${size}px system-ui, sans-serif`;
     context.textBaseline = 'middle';
-    if (context.font !== this.font || this.widths.size > mostWidths) this.widths.clear();
-    this.font = context.font;
+    if (context.font !== this.#font || this.#widths.size > mostWidths) this.#widths.clear();
+    this.#font = context.font;
   }
 
   text(text: string, x: number, middle: number, room: number, colour: string): void {
-    const fitting = fitted(text, room, (part) => this.width(part));
+    const fitting = fitted(text, room, (part) => this.#width(part));
     if (fitting === '') return;
     this.context.fillStyle = colour;
     this.context.fillText(fitting, x, middle + 0.5);
   }
 
-  private width(text: string): number {
-    let width = this.widths.get(text);
-    if (width === undefined) this.widths.set(text, (width = this.context.measureText(text).width));
+  #width(text: string): number {
+    let width = this.#widths.get(text);
+    if (width === undefined) this.#widths.set(text, (width = this.context.measureText(text).width));
     return width;
   }
 }
