@@ -68,7 +68,7 @@ test('flame graph, call tree and callers are walked by keys', async () => {
   await page.keyboard.press('ArrowDown');
   await page.keyboard.press('ArrowRight');
   await frame(page);
-  assert.match(await page.locator('.status').innerText(), /\w/);
+  assert.match(await page.locator('.status').innerText(), /^pick_apple, total 98 /);
   await page.keyboard.press('Enter');
   await frame(page);
   await keepPicture(page, 'flame-focused');
@@ -76,12 +76,21 @@ test('flame graph, call tree and callers are walked by keys', async () => {
   await page.keyboard.press('2');
   await page.locator('#view-tree .rows').focus();
   await frame(page);
-  const rows = await page.locator('#view-tree [role=row]').count();
-  for (const key of ['ArrowDown', 'ArrowDown', 'ArrowRight']) await page.keyboard.press(key);
-  await frame(page);
-  assert(
-      (await page.locator('#view-tree [role=row]').count()) !== rows ||
-      (await page.locator('#view-tree .current').count()) === 1);
+  const current = page.locator('#view-tree .current');
+  const lookAfter = async (key) => {
+    await page.keyboard.press(key);
+    await frame(page);
+    return [
+      (await current.getAttribute('aria-label')).split(',')[0], await current.getAttribute('aria-expanded')
+    ];
+  };
+  assert.deepEqual(await lookAfter('ArrowDown'), ['cut off here: the callers are unknown', 'true']);
+  assert.deepEqual(await lookAfter('ArrowDown'), ['pick_apple', 'true']);
+  const openRows = await page.locator('#view-tree [role=row]').count();
+  assert.deepEqual(await lookAfter('ArrowLeft'), ['pick_apple', 'false']);
+  assert(await page.locator('#view-tree [role=row]').count() < openRows);
+  assert.deepEqual(await lookAfter('ArrowRight'), ['pick_apple', 'true']);
+  assert.equal(await page.locator('#view-tree [role=row]').count(), openRows);
   assert.deepEqual(page.complaints, []);
 });
 
