@@ -2,7 +2,7 @@
 
 import {countUntil} from './search';
 
-/** A mapping of one process; `start` and `end` tell the process by the bits above the address. */
+/** A mapping of one process; `start` and `end` have the process in the bits above the address. */
 interface Mapping {
   readonly start: bigint;
   readonly end: bigint;

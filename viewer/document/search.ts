@@ -1,6 +1,6 @@
 /**
- * Returns how many of the ascending numbers are below `value`, or equal to it if `inclusive`; the answer is
- * known to lie between `from` and `to`.
+ * Returns how many of the ascending numbers are below `value`, or equal to it if `inclusive`; the result
+ * must lie between `from` and `to`.
  */
 export function countUntil<T extends number|bigint>(
     ascending: ArrayLike<T>, value: T, inclusive: boolean, from: number, to: number): number {

@@ -127,7 +127,7 @@ function taskUse(tracks: readonly Track[], start: number, end: number): TaskUse 
     ...seconds,
     switches,
     counters,
-    /** Takes time, so it is reckoned only if it is asked for. */
+    /** Calculated only when it is read, as it takes time. */
     get longestGap() { return longestGap(runs, start, end); },
   };
 }

@@ -56,7 +56,7 @@ export function searchField(label: string, change: (text: string) => void): HTML
   return field;
 }
 
-/** Sets the text of an element unless it has it already, so that screen readers tell what changes only. */
+/** Sets the text of an element unless it has it already, so that screen readers speak only what changes. */
 export function write(made: Element, text: string): void {
   if (made.textContent !== text) made.textContent = text;
 }
@@ -64,7 +64,7 @@ export function write(made: Element, text: string): void {
 /** Returns a sign of whether rows below are listed, or none for null. */
 export const foldSign = (open: boolean|null): string => open === null ? '' : open ? '▾' : '▸';
 
-/** Returns the place of such a sign; screen readers are told by the row itself. */
+/** Returns the element of such a sign. Screen readers get the state from the row itself. */
 export const twisty = (sign = ''): HTMLElement =>
     element('span', {class: 'twisty', 'aria-hidden': true}, sign);
 
